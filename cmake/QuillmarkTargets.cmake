@@ -1,0 +1,68 @@
+# One static library per room of the house, one test program per tested room.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_AUTOMOC OFF)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}")
+
+find_program(CCACHE_PROGRAM ccache)
+if(CCACHE_PROGRAM)
+  # A precompiled header is told apart by its content; without this ccache would never hit.
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env
+      CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime CCACHE_BASEDIR=${CMAKE_SOURCE_DIR}
+      ${CCACHE_PROGRAM})
+  if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+    add_compile_options(-Xclang -fno-pch-timestamp)
+  else()
+    add_compile_options(-fpch-preprocess)
+  endif()
+endif()
+
+function(quillmark_options target)
+  target_include_directories(${target} PUBLIC "${CMAKE_SOURCE_DIR}")
+  target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor)
+  if(QUILLMARK_SANITIZE)
+    target_compile_options(${target} PUBLIC -fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
+    target_link_options(${target} PUBLIC -fsanitize=address,undefined)
+  endif()
+  if(QUILLMARK_FUZZ)
+    target_compile_options(${target} PUBLIC -fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=undefined)
+    target_link_options(${target} PUBLIC -fsanitize=address,undefined)
+  endif()
+endfunction()
+
+# quillmark_library(text SOURCES a.cpp ... LINK lib ... [QT])
+# With QT the room gets moc and the precompiled Qt headers.
+function(quillmark_library name)
+  cmake_parse_arguments(ARG "QT" "" "SOURCES;LINK" ${ARGN})
+  set(target quillmark_${name})
+  add_library(${target} STATIC ${ARG_SOURCES})
+  quillmark_options(${target})
+  target_link_libraries(${target} PUBLIC ${ARG_LINK})
+  if(ARG_QT)
+    set_target_properties(${target} PROPERTIES AUTOMOC ON)
+    target_compile_definitions(${target} PUBLIC QT_NO_KEYWORDS)
+    target_precompile_headers(${target} PRIVATE "${CMAKE_SOURCE_DIR}/cmake/QtPrecompiled.h")
+  endif()
+endfunction()
+
+# quillmark_test(text SOURCES a.cpp ... LINK lib ... [QT]): the program test_<name>, one ctest entry for each test in it.
+function(quillmark_test name)
+  cmake_parse_arguments(ARG "QT" "" "SOURCES;LINK" ${ARGN})
+  set(target test_${name})
+  add_executable(${target} ${ARG_SOURCES})
+  quillmark_options(${target})
+  target_link_libraries(${target} PRIVATE ${ARG_LINK} GTest::gtest GTest::gmock)
+  if(ARG_QT)
+    set_target_properties(${target} PROPERTIES AUTOMOC ON)
+    target_precompile_headers(${target} PRIVATE "${CMAKE_SOURCE_DIR}/cmake/QtPrecompiled.h")
+    target_link_libraries(${target} PRIVATE quillmark_qt_test_main)
+  else()
+    target_link_libraries(${target} PRIVATE GTest::gtest_main)
+  endif()
+  gtest_discover_tests(${target} TEST_PREFIX "${name}." DISCOVERY_TIMEOUT 60
+    PROPERTIES TIMEOUT 300 ENVIRONMENT "QT_QPA_PLATFORM=offscreen;QUILLMARK_SOURCE_DIR=${CMAKE_SOURCE_DIR};QUILLMARK_BINARY_DIR=${CMAKE_BINARY_DIR}")
+endfunction()

@@ -1,0 +1,83 @@
+#include "text/FormatTable.h"
+
+#include <algorithm>
+#include <string_view>
+
+namespace text {
+namespace {
+
+constexpr size_t Mix(size_t seed, size_t value) {
+  return (seed ^ value) * 0x9E3779B97F4A7C15ull + (seed << 6) + (seed >> 2);
+}
+
+template <class... T>
+size_t HashOf(const T&... values) {
+  size_t seed = 0;
+  ((seed = Mix(seed, static_cast<size_t>(values))), ...);
+  return seed ^ (seed >> 29);
+}
+
+size_t Hash(const Font& f) {
+  return HashOf(std::hash<std::string>()(f.name), f.charset, f.family);
+}
+
+size_t Hash(const CharFormat& f) {
+  return HashOf(f.font, f.halfPoints, f.flags, f.color.rgb, f.background.rgb, f.offset, f.object, f.kept);
+}
+
+size_t Hash(const ParaFormat& f) {
+  return HashOf(f.alignment, f.bullet, f.rightToLeft, f.leftIndent, f.firstIndent, f.rightIndent, f.spaceBefore,
+                f.spaceAfter, f.lineSpacing, f.lineSpacingMultiple, f.tabs, f.kept);
+}
+
+size_t Hash(const Tabs& tabs) {
+  size_t seed = tabs.size();
+  for (int32_t tab : tabs) seed = Mix(seed, static_cast<size_t>(tab));
+  return seed;
+}
+
+template <class T>
+uint32_t InternIn(StableVector<T>& values, std::unordered_multimap<size_t, uint32_t>& index, const T& value) {
+  const size_t hash = Hash(value);
+  const auto [first, last] = index.equal_range(hash);
+  for (auto it = first; it != last; ++it)
+    if (values[it->second] == value) return it->second;
+  const auto id = static_cast<uint32_t>(values.Append(value));
+  index.emplace(hash, id);
+  return id;
+}
+
+}  // namespace
+
+FormatTable::FormatTable() {
+  Intern(Font{});
+  Intern(CharFormat{});
+  Intern(ParaFormat{});
+  Intern(Tabs{});
+}
+
+FontId FormatTable::Intern(const Font& font) {
+  std::lock_guard lock(mutex_);
+  return static_cast<FontId>(InternIn(fonts_, fontIndex_, font));
+}
+
+CharFormatId FormatTable::Intern(const CharFormat& format) {
+  std::lock_guard lock(mutex_);
+  return static_cast<CharFormatId>(InternIn(chars_, charIndex_, format));
+}
+
+ParaFormatId FormatTable::Intern(const ParaFormat& format) {
+  std::lock_guard lock(mutex_);
+  return static_cast<ParaFormatId>(InternIn(paras_, paraIndex_, format));
+}
+
+TabsId FormatTable::Intern(const Tabs& tabs) {
+  Tabs sorted = tabs;
+  std::sort(sorted.begin(), sorted.end());
+  sorted.erase(std::unique(sorted.begin(), sorted.end()), sorted.end());
+  if (sorted.size() > kMaxTabs) sorted.resize(kMaxTabs);
+  std::lock_guard lock(mutex_);
+  return static_cast<TabsId>(InternIn(tabs_, tabsIndex_, sorted));
+}
+
+}  // namespace text

@@ -1,0 +1,73 @@
+// Interns fonts, formats and tab lists; append-only, so an id stays good for the life of the store.
+#pragma once
+
+#include "text/Formats.h"
+
+#include <array>
+#include <atomic>
+#include <cstddef>
+#include <memory>
+#include <mutex>
+#include <unordered_map>
+
+namespace text {
+
+// A vector whose elements never move. One thread at a time appends; any thread that was handed an index reads.
+template <class T>
+class StableVector {
+ public:
+  StableVector() = default;
+  StableVector(const StableVector&) = delete;
+  StableVector& operator=(const StableVector&) = delete;
+  ~StableVector() {
+    for (auto& chunk : chunks_) delete[] chunk.load(std::memory_order_relaxed);
+  }
+  size_t size() const { return size_.load(std::memory_order_acquire); }
+  const T& operator[](size_t i) const { return chunks_[i / kChunk].load(std::memory_order_acquire)[i % kChunk]; }
+  // Returns the index, or the last one when all kChunk * kChunks places are taken.
+  size_t Append(T value) {
+    const size_t i = size_.load(std::memory_order_relaxed);
+    if (i == kChunk * kChunks) return i - 1;
+    auto& chunk = chunks_[i / kChunk];
+    if (!chunk.load(std::memory_order_relaxed)) chunk.store(new T[kChunk], std::memory_order_release);
+    chunk.load(std::memory_order_relaxed)[i % kChunk] = std::move(value);
+    size_.store(i + 1, std::memory_order_release);
+    return i;
+  }
+
+ private:
+  static constexpr size_t kChunk = 1024;
+  static constexpr size_t kChunks = 4096;
+  std::array<std::atomic<T*>, kChunks> chunks_{};
+  std::atomic<size_t> size_ = 0;
+};
+
+class FormatTable {
+ public:
+  FormatTable();  // index 0 of every kind is the default value
+
+  // Equal values get equal ids. Safe from any thread.
+  FontId Intern(const Font& font);
+  CharFormatId Intern(const CharFormat& format);
+  ParaFormatId Intern(const ParaFormat& format);
+  TabsId Intern(const Tabs& tabs);  // sorted, repeats and those past kMaxTabs dropped
+
+  const Font& operator[](FontId id) const { return fonts_[static_cast<size_t>(id)]; }
+  const CharFormat& operator[](CharFormatId id) const { return chars_[static_cast<size_t>(id)]; }
+  const ParaFormat& operator[](ParaFormatId id) const { return paras_[static_cast<size_t>(id)]; }
+  const Tabs& operator[](TabsId id) const { return tabs_[static_cast<size_t>(id)]; }
+
+  size_t fontCount() const { return fonts_.size(); }
+  size_t charFormatCount() const { return chars_.size(); }
+  size_t paraFormatCount() const { return paras_.size(); }
+
+ private:
+  std::mutex mutex_;  // guards the appending and the maps
+  StableVector<Font> fonts_;
+  StableVector<CharFormat> chars_;
+  StableVector<ParaFormat> paras_;
+  StableVector<Tabs> tabs_;
+  std::unordered_multimap<size_t, uint32_t> fontIndex_, charIndex_, paraIndex_, tabsIndex_;
+};
+
+}  // namespace text

@@ -1,0 +1,334 @@
+#include "text/TextStore.h"
+
+#include <algorithm>
+#include <cassert>
+#include <cstring>
+#include <new>
+#include <sys/mman.h>
+#if defined(__SSE2__) && !defined(QUILLMARK_TINY_TREE)
+#include <emmintrin.h>
+#define QUILLMARK_SIMD_SCAN 1
+#endif
+
+namespace text {
+namespace {
+
+constexpr bool IsContinuation(char c) {
+  return (static_cast<unsigned char>(c) & 0xC0) == 0x80;
+}
+constexpr bool IsAscii(char c) {
+  return static_cast<signed char>(c) >= 0;
+}
+
+// One character at p: adds it to the counts and returns its length. A LF behind a CR has been counted with the CR.
+inline int CountCharacter(const char* p, const char* end, ScanCounts& counts) {
+  if (IsAscii(*p)) {
+    if (*p == '\r') {
+      ++counts.units, ++counts.breaks, ++counts.crs;
+    } else if (*p == '\n') {
+      if (p[-1] == '\r') {
+        ++counts.crLfs;
+      } else {
+        ++counts.units, ++counts.breaks;
+      }
+    } else {
+      ++counts.units;
+    }
+    return 1;
+  }
+  const int length = Utf8Length(p, end);
+  if (length == 0) {
+    ++counts.units, ++counts.strays;
+    return 1;
+  }
+  counts.units += length == 4 ? 2 : 1;
+  ++counts.multibyte;
+  return length;
+}
+
+#ifdef QUILLMARK_SIMD_SCAN
+int64_t SumOfBytes(__m128i v) {
+  const __m128i sums = _mm_sad_epu8(v, _mm_setzero_si128());
+  return _mm_cvtsi128_si64(sums) + _mm_cvtsi128_si64(_mm_srli_si128(sums, 8));
+}
+
+// Counts sixteen bytes at a time while they are ASCII. At most 255 steps, so that byte counters cannot overflow.
+const char* ScanAscii(const char* p, const char* stop, ScanCounts& counts) {
+  const __m128i cr = _mm_set1_epi8('\r');
+  const __m128i lf = _mm_set1_epi8('\n');
+  __m128i crs = _mm_setzero_si128(), lfs = crs, pairs = crs;
+  const char* const begin = p;
+  const char* const limit = std::min(stop - 15, p + 255 * 16);
+  for (; p < limit; p += 16) {
+    const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+    if (_mm_movemask_epi8(v)) break;
+    const __m128i before = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p - 1));
+    const __m128i isLf = _mm_cmpeq_epi8(v, lf);
+    crs = _mm_sub_epi8(crs, _mm_cmpeq_epi8(v, cr));
+    lfs = _mm_sub_epi8(lfs, isLf);
+    pairs = _mm_sub_epi8(pairs, _mm_and_si128(isLf, _mm_cmpeq_epi8(before, cr)));
+  }
+  const int64_t crCount = SumOfBytes(crs), pairCount = SumOfBytes(pairs);
+  counts.crs += crCount;
+  counts.crLfs += pairCount;
+  counts.breaks += crCount + SumOfBytes(lfs) - pairCount;
+  counts.units += (p - begin) - pairCount;
+  return p;
+}
+#endif
+
+// Counts the characters that begin in [p, stop); returns the first border at or behind stop. p[-1] must be readable.
+const char* Scan(const char* p, const char* stop, const char* end, ScanCounts& counts) {
+  while (p < stop) {
+#ifdef QUILLMARK_SIMD_SCAN
+    if (stop - p >= 16) {
+      p = ScanAscii(p, stop, counts);
+      // The sixteen bytes that stopped it hold something else than ASCII.
+      for (const char* group = std::min(p + 16, stop); p < group;) p += CountCharacter(p, end, counts);
+      continue;
+    }
+#endif
+    p += CountCharacter(p, end, counts);
+  }
+  if (p < end && *p == '\n' && p[-1] == '\r') p += CountCharacter(p, end, counts);
+  return p;
+}
+
+}  // namespace
+
+ScanCounts& ScanCounts::operator+=(const ScanCounts& other) {
+  units += other.units;
+  breaks += other.breaks;
+  crLfs += other.crLfs;
+  crs += other.crs;
+  strays += other.strays;
+  multibyte += other.multibyte;
+  return *this;
+}
+
+int Utf8Length(const char* p, const char* end) {
+  const auto lead = static_cast<unsigned char>(*p);
+  if (lead < 0x80) return 1;
+  if (lead < 0xC2 || lead > 0xF4) return 0;
+  const int length = lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
+  if (end - p < length) return 0;
+  const auto second = static_cast<unsigned char>(p[1]);
+  const unsigned low = lead == 0xE0 ? 0xA0 : lead == 0xF0 ? 0x90 : 0x80;
+  const unsigned high = lead == 0xED ? 0x9F : lead == 0xF4 ? 0x8F : 0xBF;
+  if (second < low || second > high) return 0;
+  for (int i = 2; i < length; ++i)
+    if (!IsContinuation(p[i])) return 0;
+  return length;
+}
+
+size_t UnfinishedTail(std::string_view bytes) {
+  if (bytes.empty()) return 0;
+  if (bytes.back() == '\r') return 1;
+  for (size_t back = 1; back <= std::min<size_t>(3, bytes.size()); ++back) {
+    const char* lead = bytes.data() + bytes.size() - back;
+    if (IsAscii(*lead)) return 0;
+    if (IsContinuation(*lead)) continue;
+    if (Utf8Length(lead, bytes.data() + bytes.size())) return 0;
+    // Could any continuation complete it?
+    char completed[4] = {lead[0], '\x80', '\x80', '\x80'};
+    std::copy(lead, lead + back, completed);
+    if (Utf8Length(completed, completed + 4)) return back;
+    if (back == 1) {
+      for (char second : {'\x80', '\x90', '\xA0', '\xBF'}) {
+        completed[1] = second;
+        if (Utf8Length(completed, completed + 4)) return back;
+      }
+    }
+    return 0;
+  }
+  return 0;
+}
+
+// --- Block
+
+Block* Block::Create(bool wantHugePages) {
+  constexpr size_t kSize = TreeConfig::kBlockBytes;
+  static_assert(sizeof(Block) + kCheckpoints * sizeof(Checkpoint) + 16 <= kDataOffset);
+  // Twice the size always holds an aligned block; what lies around it is given back.
+  void* mapped = mmap(nullptr, 2 * kSize, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+  if (mapped == MAP_FAILED) throw std::bad_alloc();
+  char* const begin = static_cast<char*>(mapped);
+  char* const aligned = reinterpret_cast<char*>((reinterpret_cast<uintptr_t>(begin) + kSize - 1) & ~(kSize - 1));
+  if (aligned > begin) munmap(begin, static_cast<size_t>(aligned - begin));
+  if (aligned < begin + kSize) munmap(aligned + kSize, static_cast<size_t>(begin + kSize - aligned));
+  madvise(aligned, kSize, wantHugePages ? MADV_HUGEPAGE : MADV_NOHUGEPAGE);
+  return new (aligned) Block;
+}
+
+void Block::Destroy() {
+  munmap(reinterpret_cast<char*>(this), TreeConfig::kBlockBytes);
+}
+
+ScanCounts Block::Commit(size_t count) {
+  assert(count <= space());
+  const size_t used = this->used();
+  const char* p = data() + used;
+  const char* const end = p + count;
+  ScanCounts counts;
+  Checkpoint* const checkpoints = checkpoint_;
+  for (size_t next = filled() + 1; next * TreeConfig::kCheckpointBytes <= used + count; ++next) {
+    const char* const stop = data() + next * TreeConfig::kCheckpointBytes;
+    p = Scan(p, stop, end, counts);
+    checkpoints[next - 1] = {static_cast<uint32_t>(units_ + counts.units) & 0x3FFFFFFFu,
+                             static_cast<uint32_t>(p - stop) & 3u, static_cast<uint32_t>(breaks_ + counts.breaks)};
+  }
+  Scan(p, end, end, counts);
+  units_ += counts.units;
+  breaks_ += counts.breaks;
+  used_.store(used + count, std::memory_order_release);
+  return counts;
+}
+
+const char* Block::Append(std::string_view bytes) {
+  if (used() > 0 && !bytes.empty()) {
+    const char last = data()[used() - 1];
+    const char first = bytes.front();
+    if ((last == '\r' && first == '\n') || IsContinuation(first)) {
+      data()[used()] = '\0';
+      Commit(1);
+    }
+  }
+  char* const place = data() + used();
+  std::memcpy(place, bytes.data(), bytes.size());
+  Commit(bytes.size());
+  return place;
+}
+
+Block::Place Block::Checkpointed(size_t index) const {
+  if (index == 0) return {data(), 0, 0};
+  const Checkpoint& c = checkpoint_[index - 1];
+  return {data() + index * TreeConfig::kCheckpointBytes + c.skip, c.units, c.breaks};
+}
+
+Block::Place Block::PlaceOf(const char* border) const {
+  Place place = Checkpointed(static_cast<size_t>(border - data()) / TreeConfig::kCheckpointBytes);
+  if (place.p > border) place = Checkpointed(static_cast<size_t>(border - data()) / TreeConfig::kCheckpointBytes - 1);
+  ScanCounts counts;
+  Scan(place.p, border, data() + used(), counts);
+  return {border, place.units + counts.units, place.breaks + counts.breaks};
+}
+
+Sums Block::SumsOf(const char* begin, const char* end) const {
+  if (end - begin <= static_cast<ptrdiff_t>(TreeConfig::kCheckpointBytes)) {
+    ScanCounts counts;
+    Scan(begin, end, end, counts);
+    return {Bytes(end - begin), Units(counts.units), Breaks(counts.breaks)};
+  }
+  const Place a = PlaceOf(begin), b = PlaceOf(end);
+  return {Bytes(end - begin), Units(b.units - a.units), Breaks(b.breaks - a.breaks)};
+}
+
+const char* Block::FindUnit(const char* begin, int64_t units) const {
+  Place place = PlaceOf(begin);
+  const int64_t target = place.units + units;
+  size_t low = static_cast<size_t>(begin - data()) / TreeConfig::kCheckpointBytes + 1, high = filled() + 1;
+  while (low < high) {  // the first checkpoint past the target
+    const size_t middle = (low + high) / 2;
+    if (Checkpointed(middle).units <= target) {
+      low = middle + 1;
+    } else {
+      high = middle;
+    }
+  }
+  if (const Place before = Checkpointed(low - 1); before.p > place.p) place = before;
+  if (low <= filled()) {
+    const Place behind = Checkpointed(low);
+    // As many units as bytes: each byte is one.
+    if (behind.units - place.units == behind.p - place.p) return place.p + (target - place.units);
+  }
+  const char* const end = data() + used();
+  const char* p = place.p;
+  for (int64_t at = place.units;;) {
+    ScanCounts counts;
+    int length = CountCharacter(p, end, counts);
+    if (*p == '\r' && p + 1 < end && p[1] == '\n') length = 2;
+    if (at + counts.units > target) return p;
+    at += counts.units;
+    p += length;
+    if (p >= end) return end;
+  }
+}
+
+const char* Block::FindBreak(const char* begin, int64_t breaks) const {
+  Place place = PlaceOf(begin);
+  const int64_t target = place.breaks + breaks;
+  size_t low = static_cast<size_t>(begin - data()) / TreeConfig::kCheckpointBytes + 1, high = filled() + 1;
+  while (low < high) {
+    const size_t middle = (low + high) / 2;
+    if (Checkpointed(middle).breaks <= target) {
+      low = middle + 1;
+    } else {
+      high = middle;
+    }
+  }
+  if (const Place before = Checkpointed(low - 1); before.p > place.p) place = before;
+  const char* const end = data() + used();
+  int64_t at = place.breaks;
+  for (const char* p = place.p; p < end; ++p) {
+    if (*p != '\r' && (*p != '\n' || p[-1] == '\r')) continue;
+    if (at++ == target) return p;
+  }
+  assert(!"break not in this block");
+  return end;
+}
+
+const char* Block::CharacterStart(const char* begin, const char* p) const {
+  Place place = Checkpointed(static_cast<size_t>(p - data()) / TreeConfig::kCheckpointBytes);
+  if (place.p > p) place = Checkpointed(static_cast<size_t>(p - data()) / TreeConfig::kCheckpointBytes - 1);
+  const char* const end = data() + used();
+  const char* start = std::max(begin, place.p);
+  for (;;) {
+    int length = std::max(1, Utf8Length(start, end));
+    if (*start == '\r' && start + 1 < end && start[1] == '\n') length = 2;
+    if (start + length > p) return start;
+    start += length;
+  }
+}
+
+// --- TextStore
+
+TextStore::~TextStore() {
+  for (Block* block : blocks_) block->Destroy();
+}
+
+Block* TextStore::Lease(size_t space, bool wantHugePages) {
+  assert(space <= Block::kCapacity);
+  {
+    std::lock_guard lock(mutex_);
+    for (auto it = open_.rbegin(); it != open_.rend(); ++it) {
+      if ((*it)->space() < space) continue;
+      Block* block = *it;
+      open_.erase(std::next(it).base());
+      return block;
+    }
+  }
+  Block* block = Block::Create(wantHugePages);
+  std::lock_guard lock(mutex_);
+  blocks_.push_back(block);
+  return block;
+}
+
+void TextStore::Return(Block* block) {
+  constexpr size_t kWorthKeeping = Block::kCapacity / 64;
+  std::lock_guard lock(mutex_);
+  if (block->space() >= kWorthKeeping) open_.push_back(block);
+}
+
+const char* TextStore::crLf() {
+  {
+    std::lock_guard lock(mutex_);
+    if (crLf_) return crLf_;
+  }
+  Block* block = Lease(3);
+  const char* place = block->Append("\r\n");
+  Return(block);
+  std::lock_guard lock(mutex_);
+  return crLf_ ? crLf_ : crLf_ = place;
+}
+
+}  // namespace text

@@ -1,0 +1,46 @@
+// Rich Text Format, version 1.9.1, read and written.
+#pragma once
+
+#include "text/Document.h"
+#include "text/PlainText.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace text::rtf {
+
+// Properties of the document that belong to no character or paragraph.
+struct DocumentProperties {
+  int codePage = 1252;       // \ansicpg
+  int defaultTab = 720;      // \deftab, twips
+  int defaultLanguage = 0;   // \deflang; 0 = not said
+  FontId defaultFont = FontId::kDefault;
+  // Header groups and words that are given back on saving come here.
+};
+
+struct ReadResult {
+  bool isRtf = false;  // false: the bytes do not begin as RTF; the content is empty
+  Content content;
+  DocumentProperties properties;
+  // What a save would lose, in words for the user ("tables", "footnotes", "pictures"), without repeats, in the order of
+  // their first appearance. Empty = nothing is lost.
+  std::vector<std::string> dropped;
+  bool limited = false;  // a cap was reached and some content was left out
+  bool cancelled = false;
+};
+
+// True when the bytes begin as RTF (a UTF-8 mark, blanks and NUL before it allowed).
+bool LooksLikeRtf(std::string_view bytes);
+
+// Reads a whole file. Never throws on bad input, never recurses, time linear in the input. Line breaks become CR LF.
+// One \par that closes the document adds no empty paragraph.
+ReadResult Read(std::string_view bytes, std::shared_ptr<TextStore> store, const Progress& progress = {});
+// The same for a piece to insert: here the closing \par is kept.
+ReadResult ReadFragment(std::string_view bytes, std::shared_ptr<TextStore> store);
+
+// Writes 7-bit RTF with CR LF between paragraphs. False when the sink refused.
+bool Write(const Content& content, const DocumentProperties& properties, const ByteSink& sink);
+std::string WriteFragment(const Content& content, Range range, const DocumentProperties& properties);
+
+}  // namespace text::rtf

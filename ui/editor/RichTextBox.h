@@ -1,0 +1,147 @@
+// The rich-text control: a scroll area around a controller (input to edits), a layout and a painter.
+// Positions at this surface are UTF-16 units with every line break counting two (CR LF); texts hold CR LF.
+// A stray byte of a file is one unit U+DC80 .. U+DCFF. Lengths are twips, colours 0x00BBGGRR.
+#pragma once
+
+#include "text/Document.h"
+#include "text/layout/ViewLayout.h"
+#include "text/rtf/Rtf.h"
+
+#include <QAbstractScrollArea>
+
+#include <memory>
+#include <optional>
+#include <string>
+
+class QMimeData;
+
+namespace ui {
+
+enum FindOption { kFindWholeWord = 2, kFindMatchCase = 4, kFindNoHighlight = 8 };
+
+class RichTextBox : public QAbstractScrollArea {
+  Q_OBJECT
+
+ public:
+  explicit RichTextBox(QWidget* parent = nullptr);
+  ~RichTextBox() override;
+
+  text::Document& document();
+  const text::Document& document() const;
+
+  // --- The selection. Setting clamps to the text; SelStart also snaps left out of a CR LF and a surrogate pair.
+  int64_t SelStart() const;
+  void SetSelStart(int64_t start);   // an empty selection at start
+  int64_t SelLength() const;
+  void SetSelLength(int64_t length);
+  QString SelText() const;           // exactly SelLength() units
+  // Replaces the selection; behind it the caret stands after the new text. Does nothing when protected text is in the way.
+  void SetSelText(const QString& text);
+  QByteArray SelRTF() const;
+  // RTF keeps its formatting, any other text goes in as plain text in the format at the caret.
+  void SetSelRTF(const QByteArray& rtfOrText);
+  QString Text() const;              // the whole text
+
+  // --- The format of the selection, or with none that of the text typed next. Empty = mixed.
+  std::optional<bool> SelBold() const;
+  void SetSelBold(bool on);
+  std::optional<bool> SelItalic() const;
+  void SetSelItalic(bool on);
+  std::optional<bool> SelUnderline() const;
+  void SetSelUnderline(bool on);
+  std::optional<bool> SelStrikeThru() const;
+  void SetSelStrikeThru(bool on);
+  std::optional<bool> SelProtected() const;
+  void SetSelProtected(bool on);
+  std::optional<QString> SelFontName() const;
+  void SetSelFontName(const QString& name);
+  std::optional<double> SelFontSize() const;  // points
+  void SetSelFontSize(double points);
+  std::optional<int64_t> SelColor() const;    // 0x00BBGGRR; -1 = automatic
+  void SetSelColor(int64_t color);
+  std::optional<int> SelCharOffset() const;   // twips, positive raises
+  void SetSelCharOffset(int twips);
+
+  // --- Of the paragraphs the selection touches
+  std::optional<int> SelAlignment() const;    // 0 left, 1 right, 2 centre, 3 justified
+  void SetSelAlignment(int alignment);
+  std::optional<int> SelIndent() const;       // of the first line
+  void SetSelIndent(int twips);
+  std::optional<int> SelHangingIndent() const;  // of the following lines, from the first line's
+  void SetSelHangingIndent(int twips);
+  std::optional<int> SelRightIndent() const;
+  void SetSelRightIndent(int twips);
+  std::optional<bool> SelBullet() const;
+  void SetSelBullet(bool on);
+  int BulletIndent() const;                   // for the bullets set next
+  void SetBulletIndent(int twips);
+
+  // --- Commands, as by the keys
+  bool CanUndo() const;
+  bool CanRedo() const;
+  void Undo();
+  void Redo();
+  void Cut();
+  void Copy();
+  void Paste();
+  void PastePlainText();
+  void DeleteSelection();   // as the Delete key
+  void SelectAll();
+
+  // The first match at or behind `start` (a surface position), selected and scrolled into view with lines around it unless
+  // kFindNoHighlight; returns its position or -1.
+  int64_t Find(const QString& text, int64_t start, int options);
+  void ScrollToCaret();
+
+  // --- Content. A load replaces the text, clears undo and the changed state and puts the caret at the start.
+  void LoadPlain(text::LoadedText loaded);
+  void LoadRtf(text::rtf::ReadResult read);
+  bool isRichText() const;                    // the content came from RTF or was declared rich
+  void SetRichText(bool rich);
+  const text::rtf::DocumentProperties& rtfProperties() const;
+  // The font and alignment of an empty control: no undo step, no change.
+  void SetDefaultFormat(const QString& fontName, double points);
+
+  // --- Appearance
+  void SetBackgroundColor(const QColor& color);  // invalid = the palette's
+  double Zoom() const;
+  void SetZoom(double factor);
+  bool overtype() const;
+  void SetOvertype(bool on);
+  bool readOnly() const;
+  void SetReadOnly(bool on);
+
+ Q_SIGNALS:
+  void Change();      // every change of text or format
+  void SelChange();   // the selection moved, or the format at it changed
+  void OvertypeChanged(bool on);
+  void ContextMenuRequested(const QPoint& globalPosition);
+
+ protected:
+  bool viewportEvent(QEvent* event) override;
+  bool event(QEvent* event) override;
+  void paintEvent(QPaintEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+  void inputMethodEvent(QInputMethodEvent* event) override;
+  QVariant inputMethodQuery(Qt::InputMethodQuery query) const override;
+  void mousePressEvent(QMouseEvent* event) override;
+  void mouseMoveEvent(QMouseEvent* event) override;
+  void mouseReleaseEvent(QMouseEvent* event) override;
+  void mouseDoubleClickEvent(QMouseEvent* event) override;
+  void wheelEvent(QWheelEvent* event) override;
+  void focusInEvent(QFocusEvent* event) override;
+  void focusOutEvent(QFocusEvent* event) override;
+  void dragEnterEvent(QDragEnterEvent* event) override;
+  void dragMoveEvent(QDragMoveEvent* event) override;
+  void dropEvent(QDropEvent* event) override;
+  void timerEvent(QTimerEvent* event) override;
+  void changeEvent(QEvent* event) override;
+  void scrollContentsBy(int dx, int dy) override;
+
+ private:
+  struct Impl;
+  std::unique_ptr<Impl> impl_;
+};
+
+}  // namespace ui
