@@ -13,6 +13,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -89,7 +90,8 @@ class Content {
   // --- Reading. O(log n + size of what is read)
   std::u16string Utf16(Range range, BreakAs breakAs = BreakAs::kLf) const;
   std::string ByteString(Range range) const;  // the file's own bytes
-  // Calls visit for each piece of the range in order, cut to the range, until it returns false.
+  // Calls visit for each piece of the range in order, cut to the range, until it returns false. Ends of the range
+  // inside a surrogate pair are snapped left.
   void ForEachPiece(Range range, const std::function<bool(const PieceView&)>& visit) const;
   // As above, but over whole stretches of memory whatever their formats: never more pieces than ForEachPiece.
   void ForEachSpan(Range range, const std::function<bool(std::string_view)>& visit) const;
@@ -138,6 +140,9 @@ class ContentBuilder {
               ParaFormatId paraFormat = ParaFormatId::kDefault);
   // Shares the pieces of another content of the same store (short ones are copied together).
   void Append(const Content& content, Range range);
+  // Shares bytes that are committed in a block of this store: [begin, end), whole characters, one block.
+  void AppendCommitted(const char* begin, const char* end, CharFormatId charFormat = CharFormatId::kDefault,
+                       ParaFormatId paraFormat = ParaFormatId::kDefault);
   // A paragraph's format is known at its end: append its text without the break, then the break with the format.
   Content Finish(ParaFormatId lastParaFormat = ParaFormatId::kDefault);
 

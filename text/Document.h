@@ -3,7 +3,6 @@
 
 #include "text/Content.h"
 
-#include <chrono>
 #include <deque>
 #include <optional>
 #include <string>
@@ -77,13 +76,13 @@ class Document {
   bool canUndo() const { return current_ > 0; }
   bool canRedo() const { return current_ + 1 < steps_.size(); }
   // Returns the selection to show, or nothing when there is no step. O(1) but for freeing what nobody holds any more.
-  std::optional<Selection> Undo(Selection now);
+  std::optional<Selection> Undo();
   std::optional<Selection> Redo();
   // The next edit starts a step of its own (a caret move, a save, a focus change).
   void SealStep() { sealed_ = true; }
   // Everything between Begin and End is one step. May nest.
   void BeginGroup() { ++groupDepth_; }
-  void EndGroup();
+  void EndGroup() { groupOpen_ = --groupDepth_ > 0 && groupOpen_; }
 
   // --- Changed since saved
   bool changed() const { return forcedChanged_ || steps_[current_].id != savedId_; }
@@ -103,7 +102,8 @@ class Document {
     std::vector<Change> changes;  // how it was reached from the step before
     EditKind kind = EditKind::kCommand;
   };
-  void Record(Content content, Change change, EditKind kind, Selection before, Selection after);
+  void Record(Content content, Change change, EditKind kind, Selection before);
+  bool Merges(const Change& change, EditKind kind) const;
   void Log(const Change& change);
 
   Content content_;

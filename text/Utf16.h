@@ -1,0 +1,19 @@
+// Conversions between the engine's bytes and UTF-16. Internal to text/; the public ones are in Content.h.
+#pragma once
+
+#include "text/Content.h"
+
+namespace text {
+
+// Appends whole characters; a stray byte b becomes 0xDC00 + b.
+void AppendUtf16(std::u16string& units, std::string_view bytes, BreakAs breakAs);
+// Appends the UTF-8 of a scalar value.
+void AppendUtf8(std::string& bytes, char32_t scalar);
+// The code point at p and its length in bytes; a stray byte gives 0xDC00 + byte. p < end.
+struct Decoded {
+  char32_t scalar;
+  int length;
+};
+Decoded Decode(const char* p, const char* end);
+
+}  // namespace text

@@ -1,0 +1,83 @@
+#include "text/layout/FormatFonts.h"
+
+#include "text/layout/ViewLayout.h"
+
+#include <QFontMetricsF>
+#include <QGuiApplication>
+#include <QScreen>
+
+#include <algorithm>
+
+namespace text::layout {
+namespace {
+
+constexpr uint8_t kSymbolCharset = 2;
+
+QFont::StyleHint HintOf(uint8_t family) {
+  switch (family) {
+    case 1: return QFont::Serif;
+    case 2: return QFont::SansSerif;
+    case 3: return QFont::TypeWriter;
+    case 4: return QFont::Cursive;
+    case 5: return QFont::Fantasy;
+    default: return QFont::AnyStyle;
+  }
+}
+
+// What a point size has to be multiplied with so that 72 points are 96 pixels on this screen.
+double PointScale() {
+  const QScreen* screen = QGuiApplication::primaryScreen();
+  const int dots = screen ? qRound(screen->logicalDotsPerInchY()) : 96;
+  return dots > 0 ? 96.0 / dots : 1.0;
+}
+
+}  // namespace
+
+QFont FontOf(const FormatTable& formats, const CharFormat& format, const QFont& defaultFont, double zoom) {
+  const Font& named = formats[format.font];
+  QFont font = defaultFont;
+  if (!named.name.empty()) {
+    font.setFamilies({QString::fromStdString(named.name)});
+    font.setStyleHint(named.charset == kSymbolCharset ? QFont::AnyStyle : HintOf(named.family));
+  }
+  const double pixels = std::clamp(format.halfPoints / 2.0 * 96 / 72 * zoom, 1.0, kMaxPixels);
+  font.setPointSizeF(pixels * 72 / 96 * PointScale());
+  font.setBold(format.flags & kBold);
+  font.setItalic(format.flags & kItalic);
+  font.setUnderline(format.flags & kUnderline);
+  font.setStrikeOut(format.flags & kStrikeThru);
+  return font;
+}
+
+void FormatFonts::Set(const QFont& defaultFont, double zoom) {
+  defaultFont_ = defaultFont;
+  zoom_ = zoom;
+  Forget();
+}
+
+const FormatLook& FormatFonts::Of(const FormatTable& formats, CharFormatId id) {
+  const auto key = static_cast<uint32_t>(id);
+  if (const auto found = looks_.find(key); found != looks_.end()) return found->second;
+  return looks_.emplace(key, Make(formats, formats[id])).first->second;
+}
+
+FormatLook FormatFonts::Make(const FormatTable& formats, const CharFormat& format) const {
+  FormatLook look;
+  look.source = format;
+  look.font = FontOf(formats, format, defaultFont_, zoom_);
+  const QFontMetricsF metrics(look.font);
+  look.ascent = metrics.ascent();
+  look.descent = metrics.descent();
+  look.leading = std::max(0.0, metrics.leading());
+  look.raise = std::clamp(format.offset / kTwipsPerPixel * zoom_, -kMaxPixels / 2, kMaxPixels / 2);
+  look.format.setFont(look.font);
+  if (!format.color.isAuto()) {
+    const uint32_t rgb = format.color.rgb;
+    look.format.setForeground(QColor(rgb & 255, rgb >> 8 & 255, rgb >> 16 & 255));
+  }
+  if (look.raise != 0) look.format.setBaselineOffset(100 * look.raise / (look.ascent + look.descent));
+  look.fontOnly = format.color.isAuto() && look.raise == 0;
+  return look;
+}
+
+}  // namespace text::layout

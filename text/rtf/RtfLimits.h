@@ -1,0 +1,24 @@
+// Where reading stops following the file, and the ranges that reader and writer agree on.
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+
+namespace text::rtf {
+
+constexpr size_t kMaxDepth = 100'000;  // groups; deeper ones are only counted
+constexpr size_t kMaxFonts = 32'768;
+constexpr size_t kMaxColors = 65'536;
+constexpr size_t kMaxLists = 32'768;
+constexpr size_t kMaxListLevels = 9;
+constexpr size_t kMaxNameBytes = 256;         // of a font name
+constexpr size_t kMaxInstructionBytes = 256;  // of a field's instruction
+constexpr size_t kMaxKeptHeader = 1 << 20;    // bytes of header groups that are given back
+
+constexpr int32_t kMaxLength = 1'000'000;  // twips, either sign
+constexpr int32_t kMaxHalfPoints = 3276;
+
+constexpr int32_t ClampLength(int32_t twips) { return std::clamp(twips, -kMaxLength, kMaxLength); }
+
+}  // namespace text::rtf
