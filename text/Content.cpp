@@ -171,6 +171,11 @@ Units Content::Snap(Units position, Bias bias) const {
   return start == position || bias == Bias::kLeft ? start : position + Units(1);
 }
 
+Range Content::Whole(Range range) const {
+  const Units begin = Snap(range.begin, Bias::kLeft);
+  return {begin, range.empty() ? begin : Snap(range.end, Bias::kRight)};
+}
+
 Units Content::FromSurface(SurfaceUnits position, Bias bias) const {
   if (!root_ || position <= SurfaceUnits(0)) return Units(0);
   if (position >= surfaceSize()) return size();
@@ -219,7 +224,7 @@ void Content::ForEachSpan(Range range, const std::function<bool(std::string_view
 std::u16string Content::Utf16(Range range, BreakAs breakAs) const {
   std::u16string units;
   units.reserve(static_cast<size_t>(std::max<int64_t>(0, std::min(range.end, size()).value() - range.begin.value())));
-  ForEachPiece({Snap(range.begin, Bias::kLeft), Snap(range.end, Bias::kRight)}, [&](const PieceView& piece) {
+  ForEachPiece(Whole(range), [&](const PieceView& piece) {
     AppendUtf16(units, piece.bytes, breakAs);
     return true;
   });
@@ -251,7 +256,8 @@ ParaFormatId Content::ParaFormatOf(Breaks paragraph) const {
 CharSummary Content::Summarize(Range range) const {
   CharSummary chars;
   ParaSummary paras;
-  if (root_) text::Summarize(formats(), root_.get(), range.begin.value(), range.end.value(), chars, paras);
+  if (root_ && !range.empty())
+    text::Summarize(formats(), root_.get(), range.begin.value(), range.end.value(), chars, paras);
   return chars;
 }
 
@@ -271,9 +277,9 @@ ParaSummary Content::SummarizeParagraphs(Range range) const {
 Content Content::WithReplaced(Range range, const Content& fragment) const {
   assert(range.begin <= range.end && (!fragment.root_ || fragment.store_ == store_));
   const Tree tree(*store_);
-  auto [front, rest] = tree.Split(root_, Snap(range.begin, Bias::kLeft));
-  const Units begin = front ? front->sums.units : Units(0);
-  NodeRef back = range.empty() ? std::move(rest) : tree.Split(rest, Snap(range.end, Bias::kRight) - begin).second;
+  const auto [begin, end] = Whole(range);
+  auto [front, rest] = tree.Split(root_, begin);
+  NodeRef back = tree.Split(rest, end - begin).second;
   Content result(store_);
   result.root_ = tree.Join(tree.Join(std::move(front), fragment.root_), std::move(back));
   result.lastParaFormat_ = lastParaFormat_;
@@ -282,10 +288,10 @@ Content Content::WithReplaced(Range range, const Content& fragment) const {
 
 Content Content::Slice(Range range) const {
   const Tree tree(*store_);
-  const Units begin = Snap(range.begin, Bias::kLeft);
+  const auto [begin, end] = Whole(range);
   Content result(store_);
-  result.root_ = tree.Split(tree.Split(root_, begin).second, Snap(range.end, Bias::kRight) - begin).first;
-  result.lastParaFormat_ = ParaFormatOf(ParagraphAt(range.end));
+  result.root_ = tree.Split(tree.Split(root_, begin).second, end - begin).first;
+  result.lastParaFormat_ = ParaFormatOf(ParagraphAt(end));
   return result;
 }
 
@@ -312,9 +318,9 @@ class Memo {
 Content Content::WithCharFormats(Range range, const std::function<CharFormatId(CharFormatId)>& map) const {
   const Tree tree(*store_);
   Memo memo(map);
-  const Units begin = Snap(range.begin, Bias::kLeft);
+  const auto [begin, end] = Whole(range);
   auto [front, rest] = tree.Split(root_, begin);
-  auto [middle, back] = tree.Split(rest, Snap(range.end, Bias::kRight) - begin);
+  auto [middle, back] = tree.Split(rest, end - begin);
   Content result(store_);
   result.root_ = tree.Join(
       tree.Join(std::move(front), tree.Map(middle, [&](Piece& piece) { piece.charFormat = memo(piece.charFormat); })),

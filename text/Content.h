@@ -84,6 +84,8 @@ class Content {
     return SurfaceUnits(position.value() + SumsBefore(position).breaks.value());
   }
   SurfaceUnits surfaceSize() const { return SurfaceUnits(size().value() + breaks().value()); }
+  // The whole characters that the range touches; an empty range stays empty.
+  Range Whole(Range range) const;
   // A surface position inside a CR LF goes before (kLeft) or behind it (kRight). Clamps.
   Units FromSurface(SurfaceUnits position, Bias bias) const;
 

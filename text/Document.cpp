@@ -62,8 +62,7 @@ void Document::Reset(Content content, TextProperties properties) {
 // --- Edits
 
 Range Document::Replace(Range range, const Content& fragment, EditKind kind, Selection before) {
-  const Units begin = content_.Snap(range.begin, Bias::kLeft);
-  const Units end = content_.Snap(range.end, Bias::kRight);
+  const auto [begin, end] = content_.Whole(range);
   if (begin == end && fragment.size() == Units(0)) return {begin, begin};
   Content next = content_.WithReplaced({begin, end}, fragment);
   // Where a CR and a LF have become neighbours the text is shorter than the sum of its parts: count from the ends.
