@@ -1,0 +1,89 @@
+// Every question to the user, behind one interface that tests can script. All texts are plain text.
+#pragma once
+
+#include "files/Result.h"
+
+#include <QString>
+
+#include <atomic>
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <vector>
+
+namespace ui {
+
+class Form;
+class ModalForm;
+
+enum class Icon { kInformation, kQuestion, kExclamation };
+enum class Buttons { kOk, kYesNo, kYesNoCancel };
+enum class Answer : int { kOk = 1, kCancel = 2, kYes = 6, kNo = 7 };
+
+struct Message {
+  QString text;  // lines end in CR LF
+  Buttons buttons = Buttons::kOk;
+  Icon icon = Icon::kExclamation;
+  QString title = {};  // empty = the application's
+};
+
+struct FileFilter {
+  QString description;  // ".txt"
+  QString pattern;      // "*.txt", several joined by ";"
+};
+
+struct FileRequest {
+  bool save = false;
+  QString title;  // empty = the desktop's own
+  std::vector<FileFilter> filters;
+  int filterIndex = 1;  // from 1
+  files::Path folder;   // where to begin; empty = wherever the desktop begins
+  files::Path name;     // proposed, without a folder
+};
+
+struct FontChoice {
+  QString family;
+  double points = 10;
+  bool bold = false, italic = false, strikeThru = false, underline = false;
+  int64_t color = -1;  // 0x00BBGGRR; -1 = automatic
+  bool operator==(const FontChoice&) const = default;
+};
+
+// What work on another thread tells and hears. Safe from any thread.
+class WorkPort {
+ public:
+  // Reports how much is done; false asks the work to stop.
+  bool Report(int64_t done) {
+    done_.store(done, std::memory_order_relaxed);
+    return !cancelled_.load(std::memory_order_relaxed);
+  }
+  int64_t done() const { return done_.load(std::memory_order_relaxed); }
+  bool cancelled() const { return cancelled_.load(std::memory_order_relaxed); }
+  void Cancel() { cancelled_.store(true, std::memory_order_relaxed); }
+
+ private:
+  std::atomic<int64_t> done_ = 0;
+  std::atomic<bool> cancelled_ = false;
+};
+
+class Dialogs {
+ public:
+  virtual ~Dialogs() = default;
+
+  virtual Answer ShowMessage(Form* owner, const Message& message) = 0;
+  // The chosen path with its bytes, unchecked: whether it exists is the caller's question. Nothing on Cancel.
+  virtual std::optional<files::Path> PickFile(Form* owner, const FileRequest& request) = 0;
+  virtual std::optional<FontChoice> PickFont(Form* owner, const FontChoice& initial) = 0;
+  // Runs the form until it is closed and says whether it was accepted.
+  virtual bool ShowModal(ModalForm& form) = 0;
+  // Runs `work`, which must not throw, on another thread and returns when it has ended. After half a second a progress
+  // with Cancel is shown. `total` = what Report counts up to, 0 = unknown.
+  virtual void RunWork(Form* owner, const QString& text, int64_t total, const std::function<void(WorkPort&)>& work) = 0;
+};
+
+// The one way to run a modal form.
+inline bool ShowModal(Dialogs& dialogs, ModalForm& form) {
+  return dialogs.ShowModal(form);
+}
+
+}  // namespace ui

@@ -1,0 +1,61 @@
+#include "ui/Forms.h"
+
+#include "ui/PathText.h"
+#include "ui/PendingEvents.h"
+
+#include <algorithm>
+
+namespace ui {
+
+Form::Form(Forms& forms, std::string_view name) : forms_(forms), id_(FormId{++forms.lastId_}), name_(name) {
+  forms_.forms_.push_back(this);
+}
+
+Form::~Form() {
+  std::erase(forms_.forms_, this);
+}
+
+void Form::SetCaption(std::string caption) {
+  caption_ = std::move(caption);
+  ShowTitle(TitleOf(caption_));
+}
+
+bool Form::RequestClose() {
+  if (!InsideCommand()) {
+    const CommandScope scope;
+    return Close();
+  }
+  if (!closeRequested_) {
+    closeRequested_ = true;
+    AfterCommand(&forms_, [&forms = forms_, id = id_] {
+      Form* form = forms.Find(id);
+      if (!form) return;
+      form->closeRequested_ = false;
+      form->RequestClose();
+    });
+  }
+  return false;
+}
+
+Form* Forms::Find(FormId id) const {
+  const auto found = std::ranges::find(forms_, id, &Form::id);
+  return found == forms_.end() ? nullptr : *found;
+}
+
+std::vector<FormId> Forms::InLoadOrder() const {
+  std::vector<FormId> ids(forms_.size());
+  std::ranges::transform(forms_, ids.begin(), &Form::id);
+  return ids;
+}
+
+std::vector<FormId> Forms::Backwards() const {
+  std::vector<FormId> ids = InLoadOrder();
+  std::ranges::reverse(ids);
+  return ids;
+}
+
+QString TitleOf(std::string_view caption) {
+  return DisplayText(caption).replace(QLatin1String("[*]"), QLatin1String("[*][*]"));
+}
+
+}  // namespace ui

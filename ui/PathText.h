@@ -1,0 +1,23 @@
+// Paths are bytes; only what is drawn is decoded.
+#pragma once
+
+#include "files/Result.h"
+
+#include <QString>
+
+#include <string>
+#include <string_view>
+
+namespace ui {
+
+// For display only: bytes that are not UTF-8 and control characters show as U+FFFD.
+QString DisplayText(std::string_view bytes);
+
+// "&" doubled, for menus and buttons.
+QString DoubleAmpersands(QString text);
+
+// The path behind the text that a file dialog gave. A text that shows `proposed` means `proposed`; where the text holds
+// U+FFFD the folders are looked through for the one name that shows like this. Otherwise the text's own UTF-8.
+files::Path PathOfChosen(const QString& chosen, const files::Path& proposed = {});
+
+}  // namespace ui

@@ -1,0 +1,15 @@
+// The desktop's clipboard.
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+namespace ui {
+
+bool ClipboardHasText();
+bool ClipboardHasRtf();
+QString ClipboardText();
+QByteArray ClipboardRtf();
+void SetClipboardText(const QString& text);
+
+}  // namespace ui

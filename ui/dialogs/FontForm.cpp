@@ -1,0 +1,100 @@
+#include "ui/dialogs/FontForm.h"
+
+#include <QColorDialog>
+#include <QDialogButtonBox>
+#include <QFontDialog>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+namespace ui {
+namespace {
+
+QColor ToQColor(int64_t color) {
+  return QColor(static_cast<int>(color & 255), static_cast<int>((color >> 8) & 255),
+                static_cast<int>((color >> 16) & 255));
+}
+
+int64_t FromQColor(const QColor& color) {
+  return color.red() | color.green() << 8 | color.blue() << 16;
+}
+
+QFont ToQFont(const FontChoice& choice) {
+  QFont font(choice.family);
+  font.setPointSizeF(choice.points > 0 ? choice.points : 10);
+  font.setBold(choice.bold);
+  font.setItalic(choice.italic);
+  font.setStrikeOut(choice.strikeThru);
+  font.setUnderline(choice.underline);
+  return font;
+}
+
+}  // namespace
+
+FontForm::FontForm(const FontChoice& initial, QWidget* owner)
+    : ModalForm(owner), initial_(initial), color_(initial.color), fonts_(new QFontDialog(this)) {
+  setWindowTitle(tr("Font"));
+  // The toolkit's dialog has no colour; without its frame and buttons it is a part of this one.
+  fonts_->setWindowFlags(Qt::Widget);
+  fonts_->setOptions(QFontDialog::NoButtons | QFontDialog::DontUseNativeDialog);
+  fonts_->setCurrentFont(ToQFont(initial));
+  shown_ = fonts_->currentFont();
+
+  auto* layout = new QVBoxLayout(this);
+  layout->addWidget(fonts_);
+  AddColorRow();
+  auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
+  layout->addWidget(buttons);
+  connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
+  connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+  // Enter in the size field of the inner dialog would close that one alone.
+  connect(fonts_, &QDialog::finished, this, [this](int result) { done(result); });
+  SetColor(initial.color);
+}
+
+void FontForm::AddColorRow() {
+  auto* row = new QHBoxLayout;
+  auto* label = new QLabel(tr("&Color:"), this);
+  colorButton_ = new QPushButton(this);
+  label->setBuddy(colorButton_);
+  auto* automatic = new QPushButton(tr("&Automatic"), this);
+  colorButton_->setAutoDefault(false);
+  automatic->setAutoDefault(false);
+  row->addWidget(label);
+  row->addWidget(colorButton_);
+  row->addWidget(automatic);
+  row->addStretch();
+  static_cast<QVBoxLayout*>(layout())->addLayout(row);
+  connect(colorButton_, &QPushButton::clicked, this, &FontForm::PickColor);
+  connect(automatic, &QPushButton::clicked, this, [this] { SetColor(-1); });
+}
+
+void FontForm::SetColor(int64_t color) {
+  color_ = color;
+  QPixmap swatch(32, 16);
+  swatch.fill(color < 0 ? palette().color(QPalette::Text) : ToQColor(color));
+  colorButton_->setIconSize(swatch.size());
+  colorButton_->setIcon(swatch);
+  colorButton_->setText(color < 0 ? tr("Automatic") : ToQColor(color).name());
+}
+
+void FontForm::PickColor() {
+  const QColor picked = QColorDialog::getColor(color_ < 0 ? palette().color(QPalette::Text) : ToQColor(color_), this);
+  if (picked.isValid()) SetColor(FromQColor(picked));
+}
+
+FontChoice FontForm::choice() const {
+  const QFont now = fonts_->currentFont();
+  FontChoice choice = initial_;
+  if (now.family() != shown_.family()) choice.family = now.family();
+  if (now.pointSizeF() != shown_.pointSizeF()) choice.points = now.pointSizeF();
+  if (now.bold() != shown_.bold()) choice.bold = now.bold();
+  if (now.italic() != shown_.italic()) choice.italic = now.italic();
+  if (now.strikeOut() != shown_.strikeOut()) choice.strikeThru = now.strikeOut();
+  if (now.underline() != shown_.underline()) choice.underline = now.underline();
+  choice.color = color_;
+  return choice;
+}
+
+}  // namespace ui

@@ -1,0 +1,34 @@
+// Font, size, emphasis and colour in one dialog.
+#pragma once
+
+#include "ui/Dialogs.h"
+#include "ui/dialogs/ModalForm.h"
+
+class QFontDialog;
+class QPushButton;
+
+namespace ui {
+
+class FontForm : public ModalForm {
+  Q_OBJECT
+
+ public:
+  FontForm(const FontChoice& initial, QWidget* owner = nullptr);
+
+  // What the user changed, everything else as it was given: a family that is not installed stays as it is named.
+  FontChoice choice() const;
+  QFontDialog& fonts() { return *fonts_; }
+  void SetColor(int64_t color);
+
+ private:
+  void AddColorRow();
+  void PickColor();
+
+  const FontChoice initial_;
+  int64_t color_;
+  QFont shown_;  // what the dialog made of the initial choice
+  QFontDialog* fonts_;
+  QPushButton* colorButton_;
+};
+
+}  // namespace ui

@@ -1,0 +1,17 @@
+// The questions as the desktop asks them.
+#pragma once
+
+#include "ui/Dialogs.h"
+
+namespace ui {
+
+class QtDialogs final : public Dialogs {
+ public:
+  Answer ShowMessage(Form* owner, const Message& message) override;
+  std::optional<files::Path> PickFile(Form* owner, const FileRequest& request) override;
+  std::optional<FontChoice> PickFont(Form* owner, const FontChoice& initial) override;
+  bool ShowModal(ModalForm& form) override;
+  void RunWork(Form* owner, const QString& text, int64_t total, const std::function<void(WorkPort&)>& work) override;
+};
+
+}  // namespace ui

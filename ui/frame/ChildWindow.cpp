@@ -1,0 +1,99 @@
+#include "ui/frame/ChildWindow.h"
+
+#include "ui/frame/ChildArea.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+
+namespace ui {
+
+ChildWindow::ChildWindow(ChildForm& form, ChildArea& area, QWidget* content)
+    : owner_(form), formId_(form.id()), area_(area) {
+  setWidget(content);
+  setFocusProxy(nullptr);
+  // Closing is the form's decision; the window is taken out by it.
+  setAttribute(Qt::WA_DeleteOnClose, false);
+  connect(this, &QMdiSubWindow::windowStateChanged, this, &ChildWindow::RememberFocus);
+}
+
+void ChildWindow::PutIn() {
+  area_.Add(this);
+}
+
+void ChildWindow::TakeOut() {
+  hide();
+  area_.Remove(this);
+  deleteLater();
+}
+
+void ChildWindow::ActivateForm() {
+  area_.setActiveSubWindow(this);
+  area_.SetCurrent(this);
+  QWidget* target = rememberedFocus_ && isAncestorOf(rememberedFocus_) ? rememberedFocus_.data() : widget();
+  if (!isMinimized()) target->setFocus(Qt::OtherFocusReason);
+}
+
+void ChildWindow::RememberFocus(Qt::WindowStates before, Qt::WindowStates after) {
+  const bool wasActive = before & Qt::WindowActive, isActive = after & Qt::WindowActive;
+  QWidget* focus = QApplication::focusWidget();
+  if (wasActive && !isActive && focus && isAncestorOf(focus)) rememberedFocus_ = focus;
+}
+
+void ChildWindow::closeEvent(QCloseEvent* event) {
+  event->ignore();
+  owner_.RequestClose();
+}
+
+ChildForm::ChildForm(Forms& forms, std::string_view name, ChildArea& area, QWidget* content)
+    : Form(forms, name), window_(new ChildWindow(*this, area, content)) {
+  window_->PutIn();
+}
+
+ChildForm::~ChildForm() {
+  TakeDown();
+}
+
+void ChildForm::TakeDown() {
+  if (!window_) return;
+  ChildWindow* window = window_;
+  window_ = nullptr;
+  window->TakeOut();
+}
+
+void ChildForm::Show() {
+  if (!window_) return;
+  window_->show();
+  shown_ = true;
+  window_->ActivateForm();
+}
+
+WindowState ChildForm::windowState() const {
+  if (!window_ || !shown_) return WindowState::kNormal;
+  if (window_->isMinimized()) return WindowState::kMinimized;
+  return window_->isMaximized() ? WindowState::kMaximized : WindowState::kNormal;
+}
+
+void ChildForm::SetWindowState(WindowState state) {
+  if (!window_ || !shown_) return;
+  switch (state) {
+    case WindowState::kNormal:
+      window_->showNormal();
+      break;
+    case WindowState::kMinimized:
+      window_->showMinimized();
+      break;
+    case WindowState::kMaximized:
+      window_->showMaximized();
+      break;
+  }
+}
+
+void ChildForm::Activate() {
+  if (window_ && shown_) window_->ActivateForm();
+}
+
+void ChildForm::ShowTitle(const QString& title) {
+  if (window_) window_->setWindowTitle(title);
+}
+
+}  // namespace ui

@@ -1,0 +1,92 @@
+#include "ui/frame/FrameForm.h"
+
+#include "ui/frame/StatusBar.h"
+
+#include <QCloseEvent>
+#include <QGuiApplication>
+#include <QMenuBar>
+#include <QScreen>
+#include <QStatusBar>
+
+namespace ui {
+
+class FrameForm::Window : public QMainWindow {
+ public:
+  explicit Window(FrameForm& owner) : owner_(owner), area_(new ChildArea(this)) {
+    setCentralWidget(area_);
+    const QSize screen = QGuiApplication::primaryScreen()->availableSize();
+    resize(QSize(1000, 700).boundedTo(screen * 9 / 10));
+  }
+  ChildArea& area() { return *area_; }
+
+ protected:
+  void closeEvent(QCloseEvent* event) override { event->setAccepted(owner_.RequestClose()); }
+
+ private:
+  FrameForm& owner_;
+  ChildArea* area_;
+};
+
+FrameForm::FrameForm(Forms& forms, std::string_view name, std::function<bool()> close)
+    : Form(forms, name),
+      close_(std::move(close)),
+      window_(std::make_unique<Window>(*this)),
+      statusBar_(new StatusBar(*window_->statusBar())) {}
+
+FrameForm::~FrameForm() = default;
+
+QWidget* FrameForm::widget() {
+  return window_.get();
+}
+
+WindowState FrameForm::windowState() const {
+  if (window_->isMinimized()) return WindowState::kMinimized;
+  return window_->isMaximized() ? WindowState::kMaximized : WindowState::kNormal;
+}
+
+void FrameForm::SetWindowState(WindowState state) {
+  switch (state) {
+    case WindowState::kNormal:
+      window_->showNormal();
+      break;
+    case WindowState::kMinimized:
+      window_->showMinimized();
+      break;
+    case WindowState::kMaximized:
+      window_->showMaximized();
+      break;
+  }
+}
+
+void FrameForm::Activate() {
+  window_->raise();
+  window_->activateWindow();
+}
+
+bool FrameForm::Close() {
+  return close_();
+}
+
+void FrameForm::Show() {
+  window_->show();
+}
+void FrameForm::Hide() {
+  window_->hide();
+}
+QMenuBar& FrameForm::menuBar() {
+  return *window_->menuBar();
+}
+ChildArea& FrameForm::area() {
+  return window_->area();
+}
+StatusBar& FrameForm::statusBar() {
+  return *statusBar_;
+}
+QImage FrameForm::Picture() {
+  return window_->grab().toImage();
+}
+void FrameForm::ShowTitle(const QString& title) {
+  window_->setWindowTitle(title);
+}
+
+}  // namespace ui

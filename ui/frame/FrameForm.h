@@ -1,0 +1,45 @@
+// The main window: menu bar, document area and status bar in a frame.
+#pragma once
+
+#include "ui/Forms.h"
+#include "ui/frame/ChildArea.h"
+
+#include <QMainWindow>
+
+#include <functional>
+#include <memory>
+
+namespace ui {
+
+class StatusBar;
+
+class FrameForm : public Form {
+ public:
+  // `close` answers the user's wish to close the frame: true when the program may end.
+  FrameForm(Forms& forms, std::string_view name, std::function<bool()> close);
+  ~FrameForm() override;
+
+  QWidget* widget() override;
+  WindowState windowState() const override;
+  void SetWindowState(WindowState state) override;
+  void Activate() override;
+  bool Close() override;
+
+  void Show();
+  void Hide();
+  QMenuBar& menuBar();
+  ChildArea& area();
+  StatusBar& statusBar();
+  QImage Picture();  // what the window shows
+
+ protected:
+  void ShowTitle(const QString& title) override;
+
+ private:
+  class Window;
+  std::function<bool()> close_;
+  std::unique_ptr<Window> window_;
+  StatusBar* statusBar_;
+};
+
+}  // namespace ui

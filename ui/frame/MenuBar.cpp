@@ -1,0 +1,106 @@
+#include "ui/frame/MenuBar.h"
+
+#include <QCoreApplication>
+#include <QKeySequence>
+#include <QMenu>
+#include <QMenuBar>
+
+namespace ui {
+namespace {
+
+QString CaptionOf(const MenuRow& row) {
+  const QString caption = QCoreApplication::translate("Menu", row.caption);
+  return *row.hint ? caption + QLatin1Char('\t') + QLatin1String(row.hint) : caption;
+}
+
+}  // namespace
+
+MenuBar::MenuBar(QMenuBar& bar, std::span<const MenuRow> rows)
+    : rows_(rows.begin(), rows.end()), actions_(rows.size()), menus_(rows.size()), lists_(rows.size()) {
+  Build(bar);
+  SetDocumentActive(false);
+}
+
+MenuBar::~MenuBar() = default;
+
+void MenuBar::Build(QMenuBar& bar) {
+  std::vector<QMenu*> open;
+  for (size_t i = 0; i < rows_.size(); ++i) {
+    const MenuRow& row = rows_[i];
+    if (row.kind == MenuRowKind::kEnd) {
+      open.pop_back();
+      continue;
+    }
+    menus_[i] = open.empty() ? nullptr : open.back();
+    if (row.kind == MenuRowKind::kMenu) {
+      QMenu* menu = open.empty() ? bar.addMenu(CaptionOf(row)) : open.back()->addMenu(CaptionOf(row));
+      menu->setSeparatorsCollapsible(false);
+      connect(menu, &QMenu::aboutToShow, this, [this, i] { Q_EMIT AboutToShow(i); });
+      open.push_back(menu);
+      menus_[i] = menu;
+      actions_[i] = menu->menuAction();
+    } else if (row.kind != MenuRowKind::kList) {
+      actions_[i] = BuildItem(i, *open.back());
+    }
+    if (actions_[i]) actions_[i]->setObjectName(QLatin1String(row.name));
+  }
+}
+
+QAction* MenuBar::BuildItem(size_t i, QMenu& menu) {
+  const MenuRow& row = rows_[i];
+  if (row.kind == MenuRowKind::kSeparator) return menu.addSeparator();
+  QAction* action = menu.addAction(CaptionOf(row));
+  action->setCheckable(row.checkable);
+  action->setMenuRole(QAction::NoRole);
+  connect(action, &QAction::triggered, this, [this, i] { Q_EMIT Triggered(i); });
+  return action;
+}
+
+void MenuBar::SetDocumentActive(bool active) {
+  for (size_t i = 0; i < rows_.size(); ++i) {
+    if (!actions_[i] || rows_[i].kind == MenuRowKind::kSeparator) continue;
+    actions_[i]->setVisible(active || !rows_[i].documentOnly);
+    const char* key = active ? rows_[i].keyWithDocument : rows_[i].keyWithoutDocument;
+    actions_[i]->setShortcut(QKeySequence::fromString(QLatin1String(key), QKeySequence::PortableText));
+  }
+  for (size_t i = 0; i < rows_.size(); ++i)
+    if (rows_[i].kind == MenuRowKind::kMenu) TidySeparators(*menus_[i]);
+}
+
+void MenuBar::TidySeparators(QMenu& menu) {
+  QAction* pending = nullptr;
+  bool itemBefore = false;
+  for (QAction* action : menu.actions()) {
+    if (action->isSeparator()) {
+      action->setVisible(false);
+      if (itemBefore) pending = action;
+    } else if (action->isVisible()) {
+      if (pending) pending->setVisible(true);
+      pending = nullptr;
+      itemBefore = true;
+    }
+  }
+}
+
+void MenuBar::SetEnabled(size_t row, bool enabled) {
+  actions_[row]->setEnabled(enabled);
+}
+
+void MenuBar::SetChecked(size_t row, bool checked) {
+  actions_[row]->setChecked(checked);
+}
+
+void MenuBar::SetList(size_t row, const std::vector<MenuListEntry>& entries) {
+  for (QAction* old : lists_[row]) old->deleteLater(), menus_[row]->removeAction(old);
+  lists_[row].clear();
+  for (size_t k = 0; k < entries.size(); ++k) {
+    QAction* action = menus_[row]->addAction(entries[k].caption);
+    action->setCheckable(true);
+    action->setChecked(entries[k].checked);
+    connect(action, &QAction::triggered, this, [this, row, k] { Q_EMIT ListTriggered(row, k); });
+    lists_[row].push_back(action);
+  }
+  TidySeparators(*menus_[row]);
+}
+
+}  // namespace ui
