@@ -31,8 +31,8 @@ class InputFile {
   FileStamp stamp_;
 };
 
-// Errors: 53 missing, 76 missing parent or a file where a folder is meant, 70 a folder, not allowed, or not a regular file
-// (text "Not a regular file"; never blocks on a FIFO), others by ErrorNumber.
+// Errors: 53 missing, 76 missing parent or a file where a folder is meant, 70 a folder, not allowed, or not a regular
+// file (text "Not a regular file"; never blocks on a FIFO), others by ErrorNumber.
 Result<InputFile> OpenForReading(const Path& path);
 // Reads to the end, at most `limit` bytes (more is an error).
 Result<std::string> ReadAll(InputFile& file, int64_t limit = INT64_MAX);

@@ -13,19 +13,22 @@ namespace files {
 using Path = std::filesystem::path;
 
 struct Error {
-  int number = 0;       // the program's error number: 53 file not found, 75 path/file access error, 70 permission denied, ...
+  int number =
+      0;  // the program's error number: 53 file not found, 75 path/file access error, 70 permission denied, ...
   int systemError = 0;  // errno, 0 when it was no system call
   Path path;
-  std::string text;     // the system's text for errno, or our own ("Not a regular file"); UTF-8
+  std::string text;  // the system's text for errno, or our own ("Not a regular file"); UTF-8
 };
 
 // The program's number for an errno of a failed reading, saving or attribute call.
 int ErrorNumber(int systemError);
+// The error of a failed system call, with the system's text. ENOENT is 76 when the folder that should hold `path` is
+// missing, else 53.
 Error SystemError(int systemError, Path path);
 
 // A value or an error.
 template <class T>
-class Result {
+class [[nodiscard]] Result {
  public:
   Result(T value) : state_(std::move(value)) {}
   Result(Error error) : state_(std::move(error)) {}
