@@ -140,9 +140,10 @@ Sums Content::SumsBefore(Units position) const {
   if (!root_ || position <= Units(0)) return {};
   if (position >= size()) return sums();
   const Spot spot = Find(root_.get(), position.value(), kByUnits);
-  const Piece& piece = *spot.piece;
-  return spot.before +
-         SumsInPiece(piece, Block::Of(piece.data)->FindUnit(piece.data, (position - spot.before.units).value()));
+  const char* const begin = spot.piece->data;
+  Sums inPiece;
+  Block::Of(begin)->FindUnit(begin, (position - spot.before.units).value(), &inPiece);
+  return spot.before + inPiece;
 }
 
 Units Content::PositionOfByte(Bytes offset) const {
@@ -278,11 +279,15 @@ Content Content::WithReplaced(Range range, const Content& fragment) const {
   assert(range.begin <= range.end && (!fragment.root_ || fragment.store_ == store_));
   const Tree tree(*store_);
   const auto [begin, end] = Whole(range);
+  Content result(store_);
+  result.lastParaFormat_ = lastParaFormat_;
+  if (!fragment.root_ || fragment.root_->leaf())
+    result.root_ =
+        tree.ReplaceInLeaf(root_, begin, end, fragment.root_ ? fragment.root_->pieces() : std::span<const Piece>());
+  if (result.root_) return result;
   auto [front, rest] = tree.Split(root_, begin);
   NodeRef back = tree.Split(rest, end - begin).second;
-  Content result(store_);
   result.root_ = tree.Join(tree.Join(std::move(front), fragment.root_), std::move(back));
-  result.lastParaFormat_ = lastParaFormat_;
   return result;
 }
 

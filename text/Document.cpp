@@ -74,7 +74,9 @@ Range Document::Replace(Range range, const Content& fragment, EditKind kind, Sel
 
 Range Document::Replace(Range range, std::string_view bytes, CharFormatId format, EditKind kind, Selection before) {
   ContentBuilder builder(content_.store());
-  builder.Append(bytes, format, content_.ParaFormatOf(content_.ParagraphAt(range.begin)));
+  const bool breaks = bytes.find_first_of("\r\n") != std::string_view::npos;
+  builder.Append(bytes, format,
+                 breaks ? content_.ParaFormatOf(content_.ParagraphAt(range.begin)) : ParaFormatId::kDefault);
   return Replace(range, builder.Finish(), kind, before);
 }
 

@@ -223,9 +223,10 @@ Sums Block::SumsOf(const char* begin, const char* end) const {
   return {Bytes(end - begin), Units(b.units - a.units), Breaks(b.breaks - a.breaks)};
 }
 
-const char* Block::FindUnit(const char* begin, int64_t units) const {
-  Place place = PlaceOf(begin);
-  const int64_t target = place.units + units;
+const char* Block::FindUnit(const char* begin, int64_t units, Sums* before) const {
+  const Place from = PlaceOf(begin);
+  Place place = from;
+  const int64_t target = from.units + units;
   size_t low = static_cast<size_t>(begin - data()) / TreeConfig::kCheckpointBytes + 1, high = filled() + 1;
   while (low < high) {  // the first checkpoint past the target
     const size_t middle = (low + high) / 2;
@@ -235,23 +236,30 @@ const char* Block::FindUnit(const char* begin, int64_t units) const {
       high = middle;
     }
   }
-  if (const Place before = Checkpointed(low - 1); before.p > place.p) place = before;
-  if (low <= filled()) {
-    const Place behind = Checkpointed(low);
-    // As many units as bytes: each byte is one.
-    if (behind.units - place.units == behind.p - place.p) return place.p + (target - place.units);
-  }
+  if (const Place nearer = Checkpointed(low - 1); nearer.p > place.p) place = nearer;
   const char* const end = data() + used();
   const char* p = place.p;
-  for (int64_t at = place.units;;) {
-    ScanCounts counts;
-    int length = CountCharacter(p, end, counts);
-    if (*p == '\r' && p + 1 < end && p[1] == '\n') length = 2;
-    if (at + counts.units > target) return p;
-    at += counts.units;
-    p += length;
-    if (p >= end) return end;
+  ScanCounts counts;
+  if (low <= filled() && Checkpointed(low).units - place.units == Checkpointed(low).p - place.p) {
+    // As many units as bytes: each byte is one.
+    p += target - place.units;
+    if (before) Scan(place.p, p, end, counts);
+  } else {
+    while (p < end && place.units + counts.units <= target) {
+      const ScanCounts soFar = counts;
+      const int length = *p == '\r' && p + 1 < end && p[1] == '\n' ? 2 : CountCharacter(p, end, counts);
+      if (length == 2 && *p == '\r') ++counts.units, ++counts.breaks;
+      if (place.units + counts.units > target) {
+        counts = soFar;
+        break;
+      }
+      p += length;
+    }
   }
+  if (before)
+    *before = {Bytes(p - begin), Units(place.units + counts.units - from.units),
+               Breaks(place.breaks + counts.breaks - from.breaks)};
+  return p;
 }
 
 const char* Block::FindBreak(const char* begin, int64_t breaks) const {

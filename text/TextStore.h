@@ -68,7 +68,8 @@ class Block {
   // Units and breaks in [begin, end), both borders of characters in this block.
   Sums SumsOf(const char* begin, const char* end) const;
   // The first byte of the character that holds the unit `units` behind begin (a half surrogate pair: its first byte).
-  const char* FindUnit(const char* begin, int64_t units) const;
+  // `before`, when given, becomes the sums from begin to there.
+  const char* FindUnit(const char* begin, int64_t units, Sums* before = nullptr) const;
   // The first byte of the break number `breaks` (from 0) at or behind begin. It must exist.
   const char* FindBreak(const char* begin, int64_t breaks) const;
   // The border at or before p.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cassert>
+#include <utility>
 
 namespace text {
 namespace {
@@ -31,10 +32,15 @@ bool SameFormats(const Piece& a, const Piece& b) {
   return a.charFormat == b.charFormat && (a.paraFormat == b.paraFormat || a.breaks == 0 || b.breaks == 0);
 }
 
-// Cut at a position inside the piece: 0 < units < piece.units.
+// Cut at a position inside the piece: 0 < units < piece.units. The left part is empty for the middle of a first pair.
 std::pair<Piece, Piece> Cut(const Piece& piece, int64_t units) {
-  const char* at = Block::Of(piece.data)->FindUnit(piece.data, units);
-  Piece left = MakePiece(piece.data, at, piece.charFormat, piece.paraFormat);
+  Sums before;
+  const char* at = Block::Of(piece.data)->FindUnit(piece.data, units, &before);
+  Piece left = piece;
+  left.bytes = static_cast<uint16_t>(before.bytes.value());
+  left.units = static_cast<uint16_t>(before.units.value());
+  left.breaks = static_cast<uint16_t>(before.breaks.value());
+  if (left.breaks == 0) left.paraFormat = ParaFormatId::kDefault;
   Piece right = piece;
   right.data = at;
   right.bytes = static_cast<uint16_t>(piece.bytes - left.bytes);
@@ -97,15 +103,24 @@ NodeRef Tree::MakeLeaf(const Piece* pieces, size_t count) const {
   assert(count > 0 && count <= kFanout);
   auto* leaf = new Leaf;
   leaf->count = static_cast<uint8_t>(count);
-  const FormatTable& formats = store_.formats();
+  leaf->charFormat = pieces[0].charFormat;
+  bool anyBreak = false;
   for (size_t i = 0; i < count; ++i) {
     const Piece& piece = leaf->piece[i] = pieces[i];
     leaf->sums = leaf->sums + piece.sums();
-    if (i == 0 || piece.charFormat != pieces[i - 1].charFormat)
-      leaf->chars = Combine(leaf->chars, SummaryOf(formats[piece.charFormat]));
-    if (piece.breaks && (i == 0 || !pieces[i - 1].breaks || piece.paraFormat != pieces[i - 1].paraFormat))
-      leaf->paras = Combine(leaf->paras, SummaryOf(formats[piece.paraFormat]));
+    leaf->oneCharFormat &= piece.charFormat == leaf->charFormat;
+    if (!piece.breaks) continue;
+    if (!std::exchange(anyBreak, true)) leaf->paraFormat = piece.paraFormat;
+    leaf->oneParaFormat &= piece.paraFormat == leaf->paraFormat;
   }
+  const FormatTable& formats = store_.formats();
+  leaf->chars = SummaryOf(formats[leaf->charFormat]);
+  if (anyBreak) leaf->paras = SummaryOf(formats[leaf->paraFormat]);
+  for (size_t i = 1; i < count && !leaf->oneCharFormat; ++i)
+    if (pieces[i].charFormat != pieces[i - 1].charFormat)
+      leaf->chars = Combine(leaf->chars, SummaryOf(formats[pieces[i].charFormat]));
+  for (size_t i = 0; i < count && !leaf->oneParaFormat; ++i)
+    if (pieces[i].breaks) leaf->paras = Combine(leaf->paras, SummaryOf(formats[pieces[i].paraFormat]));
   return NodeRef(leaf);
 }
 
@@ -114,13 +129,21 @@ NodeRef Tree::MakeInner(const NodeRef* children, size_t count) const {
   auto* inner = new Inner;
   inner->count = static_cast<uint8_t>(count);
   inner->height = static_cast<uint8_t>(children[0]->height + 1);
+  inner->charFormat = children[0]->charFormat;
+  bool anyBreak = false;
   for (size_t i = 0; i < count; ++i) {
+    const Node& child = *children[i].get();
     inner->child[i] = children[i];
-    inner->childSums[i] = children[i]->sums;
-    inner->sums = inner->sums + children[i]->sums;
-    inner->chars = Combine(inner->chars, children[i]->chars);
-    inner->paras = Combine(inner->paras, children[i]->paras);
+    inner->childSums[i] = child.sums;
+    inner->sums = inner->sums + child.sums;
+    inner->oneCharFormat &= child.oneCharFormat && child.charFormat == inner->charFormat;
+    if (child.sums.breaks == Breaks(0)) continue;
+    if (!std::exchange(anyBreak, true)) inner->paraFormat = child.paraFormat, inner->paras = child.paras;
+    inner->oneParaFormat &= child.oneParaFormat && child.paraFormat == inner->paraFormat;
   }
+  inner->chars = children[0]->chars;
+  for (size_t i = 1; i < count && !inner->oneCharFormat; ++i) inner->chars = Combine(inner->chars, children[i]->chars);
+  for (size_t i = 0; i < count && !inner->oneParaFormat; ++i) inner->paras = Combine(inner->paras, children[i]->paras);
   return NodeRef(inner);
 }
 
@@ -217,6 +240,75 @@ NodeRef Tree::Make(std::span<const Piece> pieces) const {
   return tree;
 }
 
+// --- Replacing within a leaf
+
+NodeRef Tree::ReplaceInLeaf(const NodeRef& tree, Units begin, Units end, std::span<const Piece> with) const {
+  if (!tree || with.size() > 2) return {};
+  Pair pair = ReplacedInLeaf(tree, true, begin.value(), end.value(), with);
+  return pair.first ? Root(std::move(pair)) : NodeRef();
+}
+
+Tree::Pair Tree::ReplacedInLeaf(const NodeRef& node, bool root, int64_t begin, int64_t end,
+                                std::span<const Piece> with) const {
+  if (!node->leaf()) {
+    const auto* inner = static_cast<const Inner*>(node.get());
+    int i = 0;
+    for (; begin >= inner->childSums[i].units.value(); ++i) {
+      begin -= inner->childSums[i].units.value(), end -= inner->childSums[i].units.value();
+      if (i + 1 == inner->count) return {};
+    }
+    if (begin == 0 || end >= inner->childSums[i].units.value()) return {};
+    Pair replaced = ReplacedInLeaf(inner->child[i], false, begin, end, with);
+    if (!replaced.first) return {};
+    NodeRef children[kFanout + 1];
+    size_t count = static_cast<size_t>(std::copy_n(inner->child, i, children) - children);
+    children[count++] = std::move(replaced.first);
+    if (replaced.second) children[count++] = std::move(replaced.second);
+    for (int k = i + 1; k < inner->count; ++k) children[count++] = inner->child[k];
+    return Distribute(children, count);
+  }
+  const auto pieces = node->pieces();
+  size_t first = 0;
+  for (; first < pieces.size() && begin >= pieces[first].units; ++first)
+    begin -= pieces[first].units, end -= pieces[first].units;
+  size_t last = first;
+  int64_t lastEnd = end;
+  for (; last < pieces.size() && lastEnd > pieces[last].units; ++last) lastEnd -= pieces[last].units;
+  // A first or last piece that is touched at its outer border has a seam with another leaf.
+  if (last >= pieces.size() || (first == 0 && begin == 0)) return {};
+  if (last + 1 == pieces.size() && lastEnd == pieces[last].units) return {};
+  PieceRow row(store_);
+  for (size_t i = 0; i < first; ++i) row.Add(pieces[i]);
+  if (begin > 0) row.Add(Cut(pieces[first], begin).first);
+  for (const Piece& piece : with) row.Add(piece);
+  if (lastEnd == 0) {
+    row.Add(pieces[last]);
+  } else if (lastEnd < pieces[last].units) {
+    row.Add(Cut(pieces[last], lastEnd).second);
+  }
+  for (size_t i = last + 1; i < pieces.size(); ++i) row.Add(pieces[i]);
+  const size_t count = row.pieces().size();
+  if (count == 0 || count > 2 * kFanout || (!root && count < kMinimum)) return {};
+  return Distribute(row.pieces().data(), count);
+}
+
+void PieceRow::Add(const Piece& piece) {
+  assert(piece.bytes > 0);
+  if (count_ > 0) {
+    Piece& before = pieces_[count_ - 1];
+    if (MergePieces(before, piece)) return;
+    if (BrokenSeam(before, piece)) {
+      Piece right = piece;
+      const Piece both = RepairSeam(before, right, store_.crLf());
+      if (before.bytes == 0) --count_;
+      pieces_[count_++] = both;
+      if (right.bytes) pieces_[count_++] = right;
+      return;
+    }
+  }
+  pieces_[count_++] = piece;
+}
+
 // --- Splitting
 
 std::pair<NodeRef, NodeRef> Tree::Split(const NodeRef& tree, Units position) const {
@@ -231,10 +323,11 @@ std::pair<NodeRef, NodeRef> Tree::Split(const NodeRef& tree, Units position) con
     size_t lefts = static_cast<size_t>(std::copy_n(pieces.begin(), i, left) - left), rights = 0;
     if (rest > 0) {
       std::tie(left[lefts], right[0]) = Cut(pieces[i], rest);
-      ++i, ++lefts, ++rights;
+      if (left[lefts].bytes) ++lefts;
+      ++i, ++rights;
     }
     for (; i < pieces.size(); ++i) right[rights++] = pieces[i];
-    return {MakeLeaf(left, lefts), rights ? MakeLeaf(right, rights) : NodeRef()};
+    return {lefts ? MakeLeaf(left, lefts) : NodeRef(), rights ? MakeLeaf(right, rights) : NodeRef()};
   }
   const auto* inner = static_cast<const Inner*>(tree.get());
   size_t i = 0;

@@ -44,6 +44,10 @@ class Node {
   std::atomic<uint32_t> references = 1;
   uint8_t height = 0;  // 0 = leaf
   uint8_t count = 0;
+  bool oneCharFormat = true;  // everything below has charFormat; likewise for the breaks
+  bool oneParaFormat = true;
+  CharFormatId charFormat = CharFormatId::kDefault;
+  ParaFormatId paraFormat = ParaFormatId::kDefault;
   Sums sums;
   CharSummary chars;  // of everything below
   ParaSummary paras;  // of the paragraphs whose breaks are below
@@ -71,8 +75,7 @@ inline std::span<const NodeRef> Node::children() const {
   return {static_cast<const Inner*>(this)->child, count};
 }
 
-// The operations on trees of one store. Null is the empty tree. Positions in units, 0 .. sums.units, not inside a
-// surrogate pair.
+// The operations on trees of one store. Null is the empty tree. Positions in units, 0 .. sums.units.
 class Tree {
  public:
   explicit Tree(TextStore& store) : store_(store) {}
@@ -80,7 +83,11 @@ class Tree {
   NodeRef Make(std::span<const Piece> pieces) const;  // any number, seams in order
   // a then b, with the seam repaired: CR|LF joined, neighbouring memory of equal formats merged.
   NodeRef Join(NodeRef a, NodeRef b) const;
+  // Inside a surrogate pair it splits before the pair.
   std::pair<NodeRef, NodeRef> Split(const NodeRef& tree, Units position) const;
+  // Replaces [begin, end) where that touches the inside of one leaf only: one copied path instead of splits and joins.
+  // Null when it does not apply. The positions must not lie inside a surrogate pair.
+  NodeRef ReplaceInLeaf(const NodeRef& tree, Units begin, Units end, std::span<const Piece> with) const;
   // All pieces through the function, which may change their formats.
   NodeRef Map(const NodeRef& tree, const std::function<void(Piece&)>& change) const;
 
@@ -91,6 +98,7 @@ class Tree {
   struct Pair {
     NodeRef first, second;  // second may be null
   };
+  Pair ReplacedInLeaf(const NodeRef& node, bool root, int64_t begin, int64_t end, std::span<const Piece> with) const;
   NodeRef Root(Pair pair) const;
   NodeRef Concat(NodeRef a, NodeRef b) const;
   Pair ConcatNodes(const NodeRef& a, const NodeRef& b) const;
@@ -110,6 +118,20 @@ Piece RepairSeam(Piece& left, Piece& right, const char* crLf);
 inline bool BrokenSeam(const Piece& a, const Piece& b) {
   return a.end()[-1] == '\r' && *b.data == '\n';
 }
+
+// A short row of pieces with its seams in order.
+class PieceRow {
+ public:
+  static constexpr size_t kMost = 2 * TreeConfig::kFanout + 2;
+  explicit PieceRow(TextStore& store) : store_(store) {}
+  void Add(const Piece& piece);  // at most kMost times
+  std::span<const Piece> pieces() const { return {pieces_, count_}; }
+
+ private:
+  TextStore& store_;
+  Piece pieces_[2 * kMost];
+  size_t count_ = 0;
+};
 
 // Builds a tree bottom-up from pieces in order, in O(1) amortised for each, repairing seams.
 class TreeBuilder {
