@@ -12,11 +12,14 @@ namespace text::rtf {
 
 // Properties of the document that belong to no character or paragraph.
 struct DocumentProperties {
-  int codePage = 1252;       // \ansicpg
-  int defaultTab = 720;      // \deftab, twips
-  int defaultLanguage = 0;   // \deflang; 0 = not said
+  int codePage = 1252;      // \ansicpg
+  int defaultTab = 720;     // \deftab, twips
+  int defaultLanguage = 0;  // \deflang; 0 = not said
   FontId defaultFont = FontId::kDefault;
-  // Header groups and words that are given back on saving come here.
+  // Given back on saving as they were read: page measures ("\\paperw12240\\margl1800") and whole groups ("{\\info
+  // ...}").
+  std::string headerWords;
+  std::string headerGroups;
 };
 
 struct ReadResult {

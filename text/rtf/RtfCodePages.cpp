@@ -4,9 +4,8 @@
 #include <unicode/ustring.h>
 
 #include <algorithm>
-#include <vector>
-
 #include <iconv.h>
+#include <vector>
 
 namespace text::rtf {
 
@@ -81,10 +80,10 @@ struct CharsetPage {
 };
 
 constexpr CharsetPage kCharsets[] = {
-    {0, 1252},     {2, kSymbolCodePage}, {77, 10000}, {78, 10001}, {79, 10003}, {80, 10008}, {81, 10002}, {83, 10005},
-    {84, 10004},   {85, 10006},          {86, 10081}, {87, 10021}, {88, 10029}, {89, 10007}, {128, 932},  {129, 949},
-    {130, 1361},   {134, 936},           {136, 950},  {161, 1253}, {162, 1254}, {163, 1258}, {177, 1255}, {178, 1256},
-    {186, 1257},   {204, 1251},          {222, 874},  {238, 1250}, {254, 437},  {255, 850},
+    {0, 1252},   {2, kSymbolCodePage}, {77, 10000}, {78, 10001}, {79, 10003}, {80, 10008}, {81, 10002}, {83, 10005},
+    {84, 10004}, {85, 10006},          {86, 10081}, {87, 10021}, {88, 10029}, {89, 10007}, {128, 932},  {129, 949},
+    {130, 1361}, {134, 936},           {136, 950},  {161, 1253}, {162, 1254}, {163, 1258}, {177, 1255}, {178, 1256},
+    {186, 1257}, {204, 1251},          {222, 874},  {238, 1250}, {254, 437},  {255, 850},
 };
 
 const iconv_t kNoIconv = reinterpret_cast<iconv_t>(-1);
@@ -96,18 +95,24 @@ UConverter* Open(const char* name) {
 }
 
 const NamedPage* FindPage(int number) {
-  const auto* page = std::find_if(std::begin(kPages), std::end(kPages), [=](const auto& p) { return p.number == number; });
+  const auto* page =
+      std::find_if(std::begin(kPages), std::end(kPages), [=](const auto& p) { return p.number == number; });
   return page == std::end(kPages) ? nullptr : page;
 }
 
 // The page's own number may stand for a Mac page that is decoded as its Windows sister.
 int DoubleByteBase(int number) {
   switch (number) {
-    case 10001: return 932;
-    case 10002: return 950;
-    case 10003: return 949;
-    case 10008: return 936;
-    default: return number;
+    case 10001:
+      return 932;
+    case 10002:
+      return 950;
+    case 10003:
+      return 949;
+    case 10008:
+      return 936;
+    default:
+      return number;
   }
 }
 

@@ -19,6 +19,8 @@ constexpr size_t kMaxKeptHeader = 1 << 20;    // bytes of header groups that are
 constexpr int32_t kMaxLength = 1'000'000;  // twips, either sign
 constexpr int32_t kMaxHalfPoints = 3276;
 
-constexpr int32_t ClampLength(int32_t twips) { return std::clamp(twips, -kMaxLength, kMaxLength); }
+constexpr int32_t ClampLength(int32_t twips) {
+  return std::clamp(twips, -kMaxLength, kMaxLength);
+}
 
 }  // namespace text::rtf

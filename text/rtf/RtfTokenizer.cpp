@@ -18,9 +18,15 @@ constexpr std::array<uint8_t, 256> kClasses = [] {
   return classes;
 }();
 
-uint8_t ClassOf(char c) { return kClasses[static_cast<unsigned char>(c)]; }
-bool IsLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
-bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+uint8_t ClassOf(char c) {
+  return kClasses[static_cast<unsigned char>(c)];
+}
+bool IsLetter(char c) {
+  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+}
+bool IsDigit(char c) {
+  return c >= '0' && c <= '9';
+}
 
 int HexValue(char c) {
   if (IsDigit(c)) return c - '0';

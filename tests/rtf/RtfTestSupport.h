@@ -1,0 +1,29 @@
+// What the tests of this folder share.
+#pragma once
+
+#include "text/TextStore.h"
+#include "text/rtf/Rtf.h"
+
+#include <memory>
+#include <string>
+
+namespace text::rtf {
+
+inline std::shared_ptr<TextStore> NewStore() {
+  return std::make_shared<TextStore>();
+}
+
+inline ReadResult ReadNew(std::string_view bytes) {
+  return Read(bytes, NewStore());
+}
+
+inline std::string TextOf(const Content& content) {
+  return content.ByteString(content.all());
+}
+
+// The text with LF for every break, a soft one too.
+std::string PlainLines(const Content& content);
+std::string Written(const ReadResult& result);
+std::string Written(const Content& content, const DocumentProperties& properties = {});
+
+}  // namespace text::rtf

@@ -1,0 +1,287 @@
+// Flags, toggles and values: what they change in the group's state.
+#include "text/rtf/RtfReader.h"
+
+#include <algorithm>
+#include <limits>
+
+namespace text::rtf {
+
+namespace {
+
+constexpr size_t kMaxHeaderWords = 4096;
+
+uint16_t WithFlag(uint16_t flags, int32_t flag, bool on) {
+  return static_cast<uint16_t>(on ? flags | flag : flags & ~flag);
+}
+
+size_t SlotOf(const CharFormat& format, size_t slots) {
+  uint32_t hash = static_cast<uint32_t>(format.font) * 31 + format.halfPoints;
+  hash = hash * 31 + format.flags;
+  hash = hash * 31 + (format.color.rgb ^ format.color.rgb >> 12);
+  hash = hash * 31 + (format.background.rgb ^ format.background.rgb >> 12);
+  hash = hash * 31 + static_cast<uint32_t>(format.offset);
+  return (hash ^ hash >> 7) % slots;
+}
+
+}  // namespace
+
+void RtfReader::Property(const Keyword& word, const Token& token) {
+  if (tooDeep_ > 0) return;
+  const bool on = !token.hasParameter || token.parameter != 0;
+  switch (state().mode) {
+    case Mode::kFonts:
+      return FontWord(word, token.parameter);
+    case Mode::kColors:
+      return ColorWord(word, token.parameter);
+    case Mode::kLists:
+    case Mode::kOverrides:
+      return ListWord(word, token.parameter);
+    case Mode::kNumbering:
+      if (word.op == Op::kNumbering) numbering_ = static_cast<ListKind>(word.value);
+      return;
+    default:
+      break;
+  }
+  const int32_t number = token.hasParameter || word.kind != Kind::kValue ? token.parameter : word.value;
+  if (CharacterProperty(word, on, number) || ParagraphProperty(word, number) || DocumentProperty(word, token)) return;
+  ReportingWord(word, on, token.parameter);
+}
+
+bool RtfReader::CharacterProperty(const Keyword& word, bool on, int32_t number) {
+  GroupState& s = state();
+  switch (word.op) {
+    case Op::kCharEffectFlag:
+      if (on) Report(Dropped::kEffects);
+      [[fallthrough]];
+    case Op::kCharFlag:
+      s.chars.flags = WithFlag(s.chars.flags, word.value, on);
+      break;
+    case Op::kUnderlineOff:
+      s.chars.flags = WithFlag(s.chars.flags, text::kUnderline, false);
+      break;
+    case Op::kFont:
+      s.fontNumber = number;
+      s.fontGeneration = 0;
+      break;
+    case Op::kFontSize:
+      if (number > 0) s.chars.halfPoints = static_cast<uint16_t>(std::min(number, kMaxHalfPoints));
+      break;
+    case Op::kColor:
+      s.chars.color = ColorAt(number);
+      break;
+    // Unlike the others, 0 here means none even if the table gives that place a colour.
+    case Op::kBackground:
+      s.chars.background = number == 0 ? Color{} : ColorAt(number);
+      break;
+    case Op::kUp:
+      s.chars.offset = std::clamp(number, -kMaxHalfPoints, kMaxHalfPoints) * 10;
+      break;
+    case Op::kDown:
+      s.chars.offset = std::clamp(number, -kMaxHalfPoints, kMaxHalfPoints) * -10;
+      break;
+    case Op::kScript:
+      s.script = static_cast<int8_t>(on ? word.value : 0);
+      break;
+    case Op::kPlain:
+      s.chars = CharFormat{};
+      s.script = 0;
+      s.fontNumber = -1;
+      s.fontGeneration = 0;
+      break;
+    default:
+      return false;
+  }
+  s.charIdGood = false;
+  return true;
+}
+
+bool RtfReader::ParagraphProperty(const Keyword& word, int32_t number) {
+  GroupState& s = state();
+  ParaFormat& p = s.paragraph;
+  switch (word.op) {
+    case Op::kAlign:
+      p.alignment = static_cast<Alignment>(word.value);
+      break;
+    case Op::kDirection:
+      p.rightToLeft = word.value != 0;
+      break;
+    case Op::kLeftIndent:
+      p.leftIndent = ClampLength(number);
+      break;
+    case Op::kFirstIndent:
+      p.firstIndent = ClampLength(number);
+      break;
+    case Op::kRightIndent:
+      p.rightIndent = ClampLength(number);
+      break;
+    case Op::kSpaceBefore:
+      p.spaceBefore = ClampLength(number);
+      break;
+    case Op::kSpaceAfter:
+      p.spaceAfter = ClampLength(number);
+      break;
+    case Op::kLineSpacing:
+      p.lineSpacing = ClampLength(number);
+      break;
+    case Op::kLineSpacingMultiple:
+      p.lineSpacingMultiple = number != 0;
+      break;
+    case Op::kListOverride:
+      s.listOverride = number;
+      break;
+    case Op::kListLevel:
+      s.listLevel = std::clamp(number, 0, static_cast<int32_t>(kMaxListLevels) - 1);
+      break;
+    case Op::kTab:
+      AddTab(number);
+      break;
+    case Op::kParagraphDefault:
+      p = ParaFormat{};
+      s.numbering = ListKind::kNone;
+      s.listOverride = s.listLevel = 0;
+      s.tabs.reset();
+      break;
+    default:
+      return false;
+  }
+  s.paragraphIdGood = false;
+  return true;
+}
+
+bool RtfReader::DocumentProperty(const Keyword& word, const Token& token) {
+  const int32_t number = token.hasParameter ? token.parameter : word.value;
+  switch (word.op) {
+    case Op::kFallbackCount:
+      state().fallbackCount = static_cast<uint8_t>(std::clamp(number, 0, 255));
+      return true;
+    case Op::kAnsiCodePage:
+      ansiCodePage_ = number;
+      break;
+    case Op::kCharacterSet:
+      characterSet_ = word.value;
+      break;
+    case Op::kDefaultFont:
+      defaultFont_ = number;
+      break;
+    case Op::kDefaultTab:
+      result_.properties.defaultTab = std::clamp(number, 1, kMaxLength);
+      return true;
+    case Op::kDefaultLanguage:
+      result_.properties.defaultLanguage = std::clamp(number, 0, 0xFFFF);
+      return true;
+    case Op::kHeaderWord:
+      KeepHeaderWord(word, token);
+      return true;
+    default:
+      return false;
+  }
+  ++tables_.fontGeneration;
+  return true;
+}
+
+void RtfReader::KeepHeaderWord(const Keyword& word, const Token& token) {
+  std::string& words = result_.properties.headerWords;
+  if (sawText_ || stack_.size() != 1 || words.size() > kMaxHeaderWords) return;
+  words += '\\';
+  words += word.word;
+  if (token.hasParameter) words += std::to_string(token.parameter);
+}
+
+void RtfReader::ReportingWord(const Keyword& word, bool on, int32_t number) {
+  const auto what = static_cast<Dropped>(word.value);
+  switch (word.op) {
+    case Op::kReport:
+    case Op::kReportTab:
+      return Report(what);
+    case Op::kReportToggle:
+      return on ? Report(what) : void();
+    case Op::kReportValue:
+      return number != 0 ? Report(what) : void();
+    case Op::kReportSeveral:
+      return number > 1 ? Report(what) : void();
+    default:
+      return;
+  }
+}
+
+void RtfReader::AddTab(int32_t position) {
+  GroupState& s = state();
+  if (position < 0) return;
+  position = ClampLength(position);
+  if (!s.tabs) {
+    s.tabs = std::make_shared<Tabs>();
+  } else if (s.tabs.use_count() > 1) {
+    s.tabs = std::make_shared<Tabs>(*s.tabs);
+  }
+  const auto place = std::lower_bound(s.tabs->begin(), s.tabs->end(), position);
+  if (place != s.tabs->end() && *place == position) return;
+  if (s.tabs->size() == kMaxTabs) {
+    result_.limited = true;
+    return;
+  }
+  s.tabs->insert(place, position);
+}
+
+void RtfReader::LookUpFont() {
+  GroupState& s = state();
+  auto found = s.fontNumber < 0 ? tables_.fonts.end() : tables_.fonts.find(s.fontNumber);
+  if (found == tables_.fonts.end()) found = tables_.fonts.find(defaultFont_);
+  const int ansi = ansiCodePage_ > 0 ? ansiCodePage_ : characterSet_;
+  int page = ansi;
+  s.chars.font = FontId::kDefault;
+  if (found != tables_.fonts.end()) {
+    FontEntry& entry = found->second;
+    if (!entry.id) entry.id = formats_.Intern(entry.font);
+    s.chars.font = *entry.id;
+    page = entry.codePage > 0 ? entry.codePage : CodePageOfCharset(entry.charset, ansi);
+  }
+  s.codePage = &pages_[page];
+  s.fontGeneration = tables_.fontGeneration;
+  s.charIdGood = false;
+}
+
+Color RtfReader::ColorAt(int32_t index) const {
+  if (index < 0 || static_cast<size_t>(index) >= tables_.colors.size()) return {};
+  return tables_.colors[static_cast<size_t>(index)];
+}
+
+CharFormatId RtfReader::CurrentChars() {
+  GroupState& s = state();
+  if (s.fontGeneration != tables_.fontGeneration) LookUpFont();
+  if (s.charIdGood) return s.charId;
+  CharFormat format = s.chars;
+  if (s.script != 0) {
+    // As word processors draw it: two thirds of the size, raised by a third or lowered by a sixth.
+    const int32_t size = format.halfPoints;
+    format.halfPoints = static_cast<uint16_t>(std::max(1, size * 2 / 3));
+    format.offset += s.script > 0 ? size / 3 * 10 : -(size / 6 * 10);
+  }
+  CachedFormat& cached = cache_[SlotOf(format, cache_.size())];
+  if (!cached.used || cached.format != format) cached = {format, formats_.Intern(format), true};
+  s.charId = cached.id;
+  s.charIdGood = true;
+  return s.charId;
+}
+
+ListKind RtfReader::ListKindOf(const GroupState& group) const {
+  if (group.listOverride == 0) return group.numbering;
+  const auto listId = tables_.listOverrides.find(group.listOverride);
+  if (listId == tables_.listOverrides.end()) return group.numbering;
+  const auto list = tables_.lists.find(listId->second);
+  if (list == tables_.lists.end()) return group.numbering;
+  return list->second.levels[static_cast<size_t>(group.listLevel)];
+}
+
+ParaFormatId RtfReader::CurrentParagraph() {
+  GroupState& s = state();
+  if (s.paragraphIdGood) return s.paragraphId;
+  const ListKind list = ListKindOf(s);
+  if (list == ListKind::kNumber) Report(Dropped::kNumbering);
+  s.paragraph.bullet = list == ListKind::kBullet;
+  s.paragraph.tabs = s.tabs ? formats_.Intern(*s.tabs) : TabsId::kNone;
+  s.paragraphId = formats_.Intern(s.paragraph);
+  s.paragraphIdGood = true;
+  return s.paragraphId;
+}
+
+}  // namespace text::rtf

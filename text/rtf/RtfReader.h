@@ -1,0 +1,138 @@
+// Reads RTF in one pass: a token at a time, group states on a stack. Handlers lie in a file for each kind of word.
+#pragma once
+
+#include "text/rtf/Rtf.h"
+#include "text/rtf/RtfCodePages.h"
+#include "text/rtf/RtfOutput.h"
+#include "text/rtf/RtfState.h"
+#include "text/rtf/RtfTables.h"
+#include "text/rtf/RtfTokenizer.h"
+
+#include <bitset>
+
+namespace text::rtf {
+
+class RtfReader {
+ public:
+  // The bytes begin at the first brace.
+  RtfReader(std::string_view bytes, std::shared_ptr<TextStore> store);
+  ReadResult Run(bool fragment, const Progress& progress);
+
+ private:
+  struct Field {
+    std::string instruction;
+    int64_t textBefore = 0;  // the output's count at its beginning
+  };
+
+  // --- RtfReader.cpp: groups and text
+  void Handle(const Token& token);
+  void OpenGroup();
+  void CloseGroup();
+  void Word(const Token& token);
+  void Text(std::string_view ascii);
+  void RawBytes(std::string_view bytes);
+  void Hex(int32_t value);
+  const CodePage& Page();
+  void Byte(uint8_t byte);
+  void FlushBytes();
+  void FlushSurrogate();
+  void Emit(std::string_view utf8);
+  void EmitBody(std::string_view utf8);
+  void RememberTail();
+  GroupState& state() { return stack_.back(); }
+  void Report(Dropped what);
+
+  // --- RtfProperties.cpp: flags, toggles and values
+  void Property(const Keyword& word, const Token& token);
+  bool DocumentProperty(const Keyword& word, const Token& token);
+  bool CharacterProperty(const Keyword& word, bool on, int32_t number);
+  bool ParagraphProperty(const Keyword& word, int32_t number);
+  void ReportingWord(const Keyword& word, bool on, int32_t number);
+  void KeepHeaderWord(const Keyword& word, const Token& token);
+  void AddTab(int32_t position);
+  void LookUpFont();
+  Color ColorAt(int32_t index) const;
+  ListKind ListKindOf(const GroupState& group) const;
+  CharFormatId CurrentChars();
+  ParaFormatId CurrentParagraph();
+
+  // --- RtfSymbols.cpp: symbols and \u
+  void ControlSymbol(char symbol);
+  bool ProducesCharacter(const Token& token) const;
+  void Symbol(const Keyword& word);
+  void Character(char32_t character);
+  void Paragraph();
+  void Unicode(int32_t number);
+
+  // --- RtfDestinations.cpp: what groups hold
+  void Destination(const Keyword& word);
+  void Skip(Dropped what);
+  void KeepGroup();
+  void Enter(Mode mode, Opened opened);
+  void OpenField();
+  void CloseField();
+  void CloseInstruction();
+  void CloseNumbering();
+  void OpenUnicodeAlternative();
+
+  // --- RtfTables.cpp: the header's tables
+  void FontWord(const Keyword& word, int32_t number);
+  void FontText(std::string_view utf8);
+  void FinishFont();
+  void ColorWord(const Keyword& word, int32_t number);
+  void ColorText(std::string_view text);
+  void ListWord(const Keyword& word, int32_t number);
+  void FinishList();
+  void FinishOverride();
+
+  std::string_view bytes_;
+  RtfTokenizer tokenizer_;
+  RtfOutput output_;
+  FormatTable& formats_;
+  CodePages pages_;
+  ReadResult result_;
+  std::bitset<static_cast<size_t>(Dropped::kCount)> reported_;
+
+  // --- Groups
+  std::vector<GroupState> stack_;
+  size_t tooDeep_ = 0;      // open groups past kMaxDepth
+  size_t groupBegin_ = 0;   // of the innermost group just opened
+  bool firstWord_ = false;  // nothing but \* has come in this group
+  bool starred_ = false;    // \* has
+  bool done_ = false;
+
+  // --- Text under way
+  std::string pendingBytes_;  // of a multi-byte code page
+  const CodePage* pendingPage_ = nullptr;
+  bool expectTrail_ = false;
+  std::string decoded_;    // scratch
+  int32_t skipUnits_ = 0;  // what is left of a \u's fallback
+  char32_t highSurrogate_ = 0;
+  size_t tailDepth_ = 0;  // where the last text stood; 0 = its paragraph format is remembered
+  ParaFormatId tailParagraph_ = ParaFormatId::kDefault;
+
+  // --- Document
+  Tables tables_;
+  int32_t ansiCodePage_ = 0;  // 0: not said
+  int32_t characterSet_ = 1252;
+  int32_t defaultFont_ = 0;
+  bool sawText_ = false;
+
+  // --- Table entries under way
+  std::optional<int32_t> fontNumber_;
+  FontEntry font_;
+  Color color_;
+  ListEntry list_;
+  std::optional<int32_t> listId_, overrideNumber_;
+  ListKind numbering_ = ListKind::kNone;
+  std::vector<Field> fields_;
+
+  struct CachedFormat {
+    CharFormat format;
+    CharFormatId id = CharFormatId::kDefault;
+    bool used = false;
+  };
+  std::array<CachedFormat, 64> cache_{};
+};
+
+}  // namespace text::rtf

@@ -1,0 +1,112 @@
+// Fonts, colours and lists as the header's tables give them.
+#include "text/rtf/RtfReader.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace text::rtf {
+
+void RtfReader::FontWord(const Keyword& word, int32_t number) {
+  switch (word.op) {
+    case Op::kFont:
+      FinishFont();
+      fontNumber_ = number;
+      return;
+    case Op::kFontFamily:
+      font_.font.family = static_cast<uint8_t>(word.value);
+      return;
+    case Op::kFontCharset:
+      font_.charset = number;
+      font_.font.charset = static_cast<uint8_t>(number >= 0 && number <= 255 ? number : 1);
+      return;
+    case Op::kFontCodePage:
+      font_.codePage = number;
+      return;
+    case Op::kFallbackCount:
+      state().fallbackCount = static_cast<uint8_t>(std::clamp(number, 0, 255));
+      return;
+    default:
+      return;
+  }
+}
+
+// A raw semicolon ends the entry; one that is part of the name is written as \'3b.
+void RtfReader::FontText(std::string_view text) {
+  const size_t end = text.find(';');
+  Emit(text.substr(0, end));
+  if (end != std::string_view::npos) FinishFont();
+}
+
+void RtfReader::FinishFont() {
+  FontEntry entry = std::move(font_);
+  font_ = FontEntry{};
+  const std::optional<int32_t> number = std::exchange(fontNumber_, std::nullopt);
+  if (!number) return;
+  if (tables_.fonts.size() == kMaxFonts && !tables_.fonts.contains(*number)) {
+    result_.limited = true;
+    return;
+  }
+  while (entry.font.name.ends_with(' ')) entry.font.name.pop_back();
+  tables_.fonts.insert_or_assign(*number, std::move(entry));
+  ++tables_.fontGeneration;
+}
+
+void RtfReader::ColorWord(const Keyword& word, int32_t number) {
+  const int shift = word.op == Op::kRed ? 0 : word.op == Op::kGreen ? 8 : word.op == Op::kBlue ? 16 : -1;
+  if (shift < 0) return;
+  if (color_.isAuto()) color_.rgb = 0;
+  const auto level = static_cast<uint32_t>(std::clamp(number, 0, 255));
+  color_.rgb = (color_.rgb & ~(0xFFu << shift)) | level << shift;
+}
+
+void RtfReader::ColorText(std::string_view text) {
+  for (char c : text) {
+    if (c != ';') continue;
+    if (tables_.colors.size() == kMaxColors) {
+      result_.limited = true;
+      return;
+    }
+    tables_.colors.push_back(std::exchange(color_, Color{}));
+  }
+}
+
+void RtfReader::ListWord(const Keyword& word, int32_t number) {
+  switch (word.op) {
+    case Op::kListId:
+      listId_ = number;
+      return;
+    case Op::kListOverride:
+      overrideNumber_ = number;
+      return;
+    case Op::kLevelKind:
+      if (list_.levelCount == 0 || list_.levelCount > kMaxListLevels) return;
+      // 23 is a bullet, 255 no number at all.
+      list_.levels[list_.levelCount - 1] = number == 23    ? ListKind::kBullet
+                                           : number == 255 ? ListKind::kNone
+                                                           : ListKind::kNumber;
+      return;
+    default:
+      return;
+  }
+}
+
+void RtfReader::FinishList() {
+  if (list_.levelCount > kMaxListLevels) result_.limited = true;
+  if (!listId_) return;
+  if (tables_.lists.size() == kMaxLists) {
+    result_.limited = true;
+    return;
+  }
+  tables_.lists.insert_or_assign(*listId_, list_);
+}
+
+void RtfReader::FinishOverride() {
+  if (!listId_ || !overrideNumber_) return;
+  if (tables_.listOverrides.size() == kMaxLists) {
+    result_.limited = true;
+    return;
+  }
+  tables_.listOverrides.insert_or_assign(*overrideNumber_, *listId_);
+}
+
+}  // namespace text::rtf

@@ -1,0 +1,82 @@
+// Writes content as 7-bit RTF: one pass over the formats in use for the tables, one over the text.
+#pragma once
+
+#include "text/rtf/Rtf.h"
+
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace text::rtf {
+
+class RtfWriter {
+ public:
+  RtfWriter(const Content& content, const DocumentProperties& properties, const ByteSink& sink);
+  // A whole document closes its last paragraph with \par; a fragment only one whose break is in the range. False when
+  // the sink refused.
+  bool Run(Range range, bool wholeDocument);
+
+ private:
+  // Text of the paragraph under way; the views lie in the content.
+  struct Stretch {
+    std::string_view bytes;
+    CharFormatId format;
+  };
+
+  // --- What the tables must hold
+  void CollectFormats(Range range);
+  void CollectFont(FontId id);
+  void CollectColor(Color color);
+  int32_t FontNumber(FontId id) const;
+  int32_t ColorNumber(Color color) const;
+  void Header(bool wholeDocument);
+  void FontTable();
+  void ColorTable();
+  void KeptGroups();
+
+  // --- Text
+  void Body(Range range);
+  void SplitParagraphs(const PieceView& piece);
+  void Paragraph(ParaFormatId format, bool close, CharFormatId breakFormat);
+  void ParagraphFormat(const ParaFormat& format);
+  void Chars(CharFormatId id);
+  void Text(std::string_view bytes);
+  void Special(char32_t character);
+
+  // --- Bytes
+  void Word(std::string_view word) { out_ += '\\', out_ += word, needsDelimiter_ = true; }
+  void Word(std::string_view word, int64_t number);
+  void Raw(std::string_view bytes) { out_ += bytes, needsDelimiter_ = false; }
+  void Hex(uint8_t byte);
+  void UnicodeWord(char32_t unit);
+  void Name(std::string_view utf8);
+  void SendIfLarge();
+
+  const Content& content_;
+  const FormatTable& formats_;
+  const DocumentProperties& properties_;
+  const ByteSink& sink_;
+  std::string out_;
+  bool refused_ = false;
+  bool needsDelimiter_ = false;  // the last thing was a control word without its space
+
+  std::vector<bool> seenChars_;
+  std::map<FontId, int32_t> fontNumbers_;
+  std::vector<Font> fonts_;
+  std::map<uint32_t, int32_t> colorNumbers_;
+  std::vector<Color> colors_;
+  int32_t symbolFont_ = 0;  // of bullets
+  bool anyBullet_ = false;
+
+  std::vector<Stretch> paragraph_;
+  bool anyParagraph_ = false;
+  ParaFormatId currentParagraph_ = ParaFormatId::kDefault;
+  bool anyChars_ = false;
+  CharFormatId currentId_ = CharFormatId::kDefault;
+  CharFormat current_;  // as written
+  int32_t currentFont_ = 0;
+  uint8_t charset_ = 0;  // of the current font
+};
+
+}  // namespace text::rtf
