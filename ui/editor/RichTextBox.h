@@ -21,28 +21,33 @@ enum FindOption { kFindWholeWord = 2, kFindMatchCase = 4, kFindNoHighlight = 8 }
 
 class RichTextBox : public QAbstractScrollArea {
   Q_OBJECT
+  friend class EditorAccessible;
 
  public:
   explicit RichTextBox(QWidget* parent = nullptr);
   ~RichTextBox() override;
 
+  // Whoever edits the document directly calls DocumentEdited() afterwards.
   text::Document& document();
   const text::Document& document() const;
+  void DocumentEdited();
 
   // --- The selection. Setting clamps to the text; SelStart also snaps left out of a CR LF and a surrogate pair.
   int64_t SelStart() const;
-  void SetSelStart(int64_t start);   // an empty selection at start
+  void SetSelStart(int64_t start);  // an empty selection at start
   int64_t SelLength() const;
   void SetSelLength(int64_t length);
-  QString SelText() const;           // exactly SelLength() units
-  // Replaces the selection; behind it the caret stands after the new text. Does nothing when protected text is in the way.
+  QString SelText() const;  // exactly SelLength() units
+  // Replaces the selection; behind it the caret stands after the new text. Does nothing when protected text is in the
+  // way.
   void SetSelText(const QString& text);
   QByteArray SelRTF() const;
   // RTF keeps its formatting, any other text goes in as plain text in the format at the caret.
   void SetSelRTF(const QByteArray& rtfOrText);
-  QString Text() const;              // the whole text
+  QString Text() const;  // the whole text
 
-  // --- The format of the selection, or with none that of the text typed next. Empty = mixed.
+  // --- The format of the selection, or with none that of the text typed next (until the caret moves). Empty = mixed.
+  // Setting is one undo step. A selection with protected text takes no format but SelProtected.
   std::optional<bool> SelBold() const;
   void SetSelBold(bool on);
   std::optional<bool> SelItalic() const;
@@ -57,15 +62,15 @@ class RichTextBox : public QAbstractScrollArea {
   void SetSelFontName(const QString& name);
   std::optional<double> SelFontSize() const;  // points
   void SetSelFontSize(double points);
-  std::optional<int64_t> SelColor() const;    // 0x00BBGGRR; -1 = automatic
+  std::optional<int64_t> SelColor() const;  // 0x00BBGGRR; -1 = automatic
   void SetSelColor(int64_t color);
-  std::optional<int> SelCharOffset() const;   // twips, positive raises
+  std::optional<int> SelCharOffset() const;  // twips, positive raises
   void SetSelCharOffset(int twips);
 
   // --- Of the paragraphs the selection touches
-  std::optional<int> SelAlignment() const;    // 0 left, 1 right, 2 centre, 3 justified
+  std::optional<int> SelAlignment() const;  // 0 left, 1 right, 2 centre, 3 justified
   void SetSelAlignment(int alignment);
-  std::optional<int> SelIndent() const;       // of the first line
+  std::optional<int> SelIndent() const;  // of the first line
   void SetSelIndent(int twips);
   std::optional<int> SelHangingIndent() const;  // of the following lines, from the first line's
   void SetSelHangingIndent(int twips);
@@ -73,7 +78,7 @@ class RichTextBox : public QAbstractScrollArea {
   void SetSelRightIndent(int twips);
   std::optional<bool> SelBullet() const;
   void SetSelBullet(bool on);
-  int BulletIndent() const;                   // for the bullets set next
+  int BulletIndent() const;  // for the bullets set next
   void SetBulletIndent(int twips);
 
   // --- Commands, as by the keys
@@ -85,21 +90,21 @@ class RichTextBox : public QAbstractScrollArea {
   void Copy();
   void Paste();
   void PastePlainText();
-  void DeleteSelection();   // as the Delete key
+  void DeleteSelection();  // as the Delete key
   void SelectAll();
 
-  // The first match at or behind `start` (a surface position), selected and scrolled into view with lines around it unless
-  // kFindNoHighlight; returns its position or -1.
+  // The first match at or behind `start` (a surface position), selected and scrolled into view with lines around it
+  // unless kFindNoHighlight; returns its position or -1.
   int64_t Find(const QString& text, int64_t start, int options);
   void ScrollToCaret();
 
   // --- Content. A load replaces the text, clears undo and the changed state and puts the caret at the start.
   void LoadPlain(text::LoadedText loaded);
   void LoadRtf(text::rtf::ReadResult read);
-  bool isRichText() const;                    // the content came from RTF or was declared rich
+  bool isRichText() const;  // the content came from RTF or was declared rich
   void SetRichText(bool rich);
   const text::rtf::DocumentProperties& rtfProperties() const;
-  // The font and alignment of an empty control: no undo step, no change.
+  // The font of an empty control and of plain text loaded into it afterwards: no undo step, no change.
   void SetDefaultFormat(const QString& fontName, double points);
 
   // --- Appearance
@@ -112,10 +117,12 @@ class RichTextBox : public QAbstractScrollArea {
   void SetReadOnly(bool on);
 
  Q_SIGNALS:
-  void Change();      // every change of text or format
-  void SelChange();   // the selection moved, or the format at it changed
+  void Change();     // every change of text or format
+  void SelChange();  // the selection moved, or the format at it changed
   void OvertypeChanged(bool on);
-  void ContextMenuRequested(const QPoint& globalPosition);
+  void ContextMenuRequested(const QPoint& globalPosition);  // right button or menu key
+  void DragStarting(QMimeData* data);                       // a drag of the selection; more formats may be added
+  void EditFailed(const QString& reason);  // an event could not be carried out (out of memory); nothing was lost
 
  protected:
   bool viewportEvent(QEvent* event) override;
@@ -138,8 +145,12 @@ class RichTextBox : public QAbstractScrollArea {
   void timerEvent(QTimerEvent* event) override;
   void changeEvent(QEvent* event) override;
   void scrollContentsBy(int dx, int dy) override;
+  bool focusNextPrevChild(bool next) override;
 
  private:
+  bool DispatchViewportEvent(QEvent& event);
+  bool DispatchEvent(QEvent& event);
+  text::layout::PaintOptions CurrentPaintOptions() const;
   struct Impl;
   std::unique_ptr<Impl> impl_;
 };

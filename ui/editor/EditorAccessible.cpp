@@ -1,0 +1,279 @@
+#include "ui/editor/EditorAccessible.h"
+
+#include "text/Movement.h"
+#include "ui/editor/EditorClipboard.h"
+#include "ui/editor/RichTextBoxImpl.h"
+
+#include <algorithm>
+#include <climits>
+
+namespace ui {
+
+using text::Bias;
+using text::Content;
+using text::Range;
+using text::Units;
+
+namespace {
+
+// Nobody reads out more than this of one change.
+constexpr Units kMostTold(4096);
+
+int OffsetOf(Units position) {
+  return static_cast<int>(std::min<int64_t>(position.value(), INT_MAX));
+}
+
+// Offsets must fit the text, so stray bytes become one unit and objects stay.
+QString TextOf(const Content& content, Range range) {
+  QString result = QString::fromStdU16String(content.Utf16(range, text::BreakAs::kLf));
+  for (qsizetype i = 0; i < result.size(); ++i) {
+    const bool pair = result.at(i).isHighSurrogate() && i + 1 < result.size() && result.at(i + 1).isLowSurrogate();
+    if (pair) {
+      ++i;
+    } else if (result.at(i).isSurrogate()) {
+      result[i] = QChar::ReplacementCharacter;
+    }
+  }
+  return result;
+}
+
+QString FirstOf(const Content& content, Units begin, Units length) {
+  return TextOf(content, {begin, content.Snap(begin + std::min(length, kMostTold), Bias::kLeft)});
+}
+
+QAccessibleInterface* MakeInterface(const QString&, QObject* object) {
+  auto* box = qobject_cast<RichTextBox*>(object);
+  return box ? new EditorAccessible(box) : nullptr;
+}
+
+}  // namespace
+
+void InstallEditorAccessibility() {
+  [[maybe_unused]] static const bool installed = (QAccessible::installFactory(MakeInterface), true);
+}
+
+// The text that went away is read from the snapshot that was told last, so this holds only for a single change.
+void TellTextChange(RichTextBox& box, Content& told, text::Revision& revision) {
+  const text::Document& document = box.document();
+  const Content before = std::exchange(told, document.content());
+  const text::Revision since = std::exchange(revision, document.revision());
+  if (!QAccessible::isActive()) return;
+  const auto changes = document.ChangesSince(since);
+  if (!changes || changes->size() != 1 || changes->front().formatOnly) {
+    QAccessibleEvent event(&box, QAccessible::TextAttributeChanged);
+    QAccessible::updateAccessibility(&event);
+    return;
+  }
+  const text::Change& change = changes->front();
+  const QString removed = FirstOf(before, change.position, change.removed);
+  const QString inserted = FirstOf(document.content(), change.position, change.inserted);
+  QAccessibleTextUpdateEvent event(&box, OffsetOf(change.position), removed, inserted);
+  QAccessible::updateAccessibility(&event);
+}
+
+void TellSelectionChange(RichTextBox& box, const text::Selection& selection) {
+  if (!QAccessible::isActive()) return;
+  const Range range = selection.range();
+  if (range.empty()) {
+    QAccessibleTextCursorEvent event(&box, OffsetOf(selection.caret));
+    QAccessible::updateAccessibility(&event);
+  } else {
+    QAccessibleTextSelectionEvent event(&box, OffsetOf(range.begin), OffsetOf(range.end));
+    event.setCursorPosition(OffsetOf(selection.caret));
+    QAccessible::updateAccessibility(&event);
+  }
+}
+
+EditorAccessible::EditorAccessible(RichTextBox* box) : QAccessibleWidget(box, QAccessible::EditableText) {}
+
+RichTextBox& EditorAccessible::box() const {
+  return *static_cast<RichTextBox*>(widget());
+}
+const Content& EditorAccessible::content() const {
+  return box().document().content();
+}
+
+Units EditorAccessible::UnitsOf(int offset) const {
+  // The interface counts from the end with -1 and means the caret with -2.
+  if (offset == -1) return content().size();
+  if (offset == -2) return box().impl_->controller.selection().caret;
+  return content().Snap(Units(offset), Bias::kLeft);
+}
+
+Range EditorAccessible::RangeOf(int start, int end) const {
+  const Units a = UnitsOf(start), b = UnitsOf(end);
+  return a < b ? Range{a, b} : Range{b, a};
+}
+
+void* EditorAccessible::interface_cast(QAccessible::InterfaceType type) {
+  if (type == QAccessible::TextInterface) return static_cast<QAccessibleTextInterface*>(this);
+  if (type == QAccessible::EditableTextInterface) return static_cast<QAccessibleEditableTextInterface*>(this);
+  return QAccessibleWidget::interface_cast(type);
+}
+
+QAccessible::State EditorAccessible::state() const {
+  QAccessible::State state = QAccessibleWidget::state();
+  state.multiLine = true;
+  state.selectableText = true;
+  state.readOnly = box().readOnly();
+  state.editable = !box().readOnly();
+  return state;
+}
+
+// --- Selection and caret
+
+void EditorAccessible::selection(int index, int* start, int* end) const {
+  *start = *end = 0;
+  if (index != 0 || selectionCount() == 0) return;
+  const Range range = box().impl_->controller.range();
+  *start = OffsetOf(range.begin);
+  *end = OffsetOf(range.end);
+}
+
+int EditorAccessible::selectionCount() const {
+  return box().impl_->controller.range().empty() ? 0 : 1;
+}
+void EditorAccessible::addSelection(int start, int end) {
+  setSelection(0, start, end);
+}
+
+void EditorAccessible::removeSelection(int index) {
+  if (index == 0) setCursorPosition(cursorPosition());
+}
+
+void EditorAccessible::setSelection(int index, int start, int end) {
+  if (index == 0) box().impl_->controller.Select({UnitsOf(start), UnitsOf(end)});
+}
+
+int EditorAccessible::cursorPosition() const {
+  return OffsetOf(box().impl_->controller.selection().caret);
+}
+
+void EditorAccessible::setCursorPosition(int position) {
+  const Units place = UnitsOf(position);
+  box().impl_->controller.Select({place, place});
+}
+
+// --- Text
+
+QString EditorAccessible::text(int start, int end) const {
+  return TextOf(content(), RangeOf(start, end));
+}
+int EditorAccessible::characterCount() const {
+  return OffsetOf(content().size());
+}
+
+Range EditorAccessible::RangeAround(Units position, QAccessible::TextBoundaryType boundary) const {
+  const Content& all = content();
+  switch (boundary) {
+    case QAccessible::CharBoundary:
+      return {position, text::NextGrapheme(all, position)};
+    case QAccessible::WordBoundary:
+      return text::WordAt(all, position);
+    case QAccessible::LineBoundary: {
+      Range line = box().impl_->layout.LineAt({position, Bias::kRight});
+      // The break belongs to the line before it.
+      if (line.end == all.ParagraphEnd(all.ParagraphAt(line.end))) line.end = std::min(line.end + Units(1), all.size());
+      return line;
+    }
+    case QAccessible::SentenceBoundary:
+    case QAccessible::ParagraphBoundary:
+      return text::ParagraphRange(all, position);
+    case QAccessible::NoBoundary:
+      break;
+  }
+  return {Units(0), std::min(all.size(), kMostTold)};
+}
+
+QString EditorAccessible::Give(Range range, int* start, int* end) const {
+  *start = OffsetOf(range.begin);
+  *end = OffsetOf(range.end);
+  return TextOf(content(), range);
+}
+
+QString EditorAccessible::textAtOffset(int offset, QAccessible::TextBoundaryType boundary, int* start, int* end) const {
+  return Give(RangeAround(UnitsOf(offset), boundary), start, end);
+}
+
+QString EditorAccessible::textBeforeOffset(int offset, QAccessible::TextBoundaryType boundary, int* start,
+                                           int* end) const {
+  const Units begin = RangeAround(UnitsOf(offset), boundary).begin;
+  if (begin == Units(0)) return Give({begin, begin}, start, end);
+  Range before = RangeAround(text::PreviousGrapheme(content(), begin), boundary);
+  return Give({before.begin, std::min(before.end, begin)}, start, end);
+}
+
+QString EditorAccessible::textAfterOffset(int offset, QAccessible::TextBoundaryType boundary, int* start,
+                                          int* end) const {
+  const Units after = RangeAround(UnitsOf(offset), boundary).end;
+  if (after == content().size()) return Give({after, after}, start, end);
+  return Give(RangeAround(after, boundary), start, end);
+}
+
+// --- Places
+
+QRect EditorAccessible::characterRect(int offset) const {
+  auto& layout = box().impl_->layout;
+  const Units at = UnitsOf(offset);
+  const auto rects = layout.RangeRects({at, text::NextGrapheme(content(), at)});
+  const QRectF rect = rects.empty() ? layout.CaretRect({at}) : rects.front();
+  return rect.toAlignedRect().translated(box().viewport()->mapToGlobal(QPoint(0, 0)));
+}
+
+int EditorAccessible::offsetAtPoint(const QPoint& point) const {
+  const QPoint local = box().viewport()->mapFromGlobal(point);
+  return OffsetOf(box().impl_->layout.HitTest(local).position);
+}
+
+void EditorAccessible::scrollToSubstring(int start, int end) {
+  auto& layout = box().impl_->layout;
+  layout.EnsureVisible({UnitsOf(end)});
+  layout.EnsureVisible({UnitsOf(start)});
+  box().impl_->ViewChanged();
+}
+
+// In the words of the IAccessible2 text attributes.
+QString EditorAccessible::attributes(int offset, int* start, int* end) const {
+  const Units at = UnitsOf(offset);
+  *start = *end = OffsetOf(at);
+  if (at == content().size()) return {};
+  const text::Breaks paragraph = content().ParagraphAt(at);
+  const text::CharFormatId id = content().CharFormatAt(at);
+  Units runEnd = at;
+  content().ForEachPiece({at, content().ParagraphEnd(paragraph) + Units(1)}, [&](const text::PieceView& piece) {
+    if (piece.charFormat == id) runEnd += piece.sums.units;
+    return piece.charFormat == id;
+  });
+  *end = OffsetOf(runEnd);
+  const text::CharFormat& format = content().formats()[id];
+  const std::string& name = content().formats()[format.font].name;
+  QString result = QStringLiteral("font-size:%1pt;").arg(format.halfPoints / 2.0);
+  result += QStringLiteral("font-family:\"%1\";")
+                .arg(name.empty() ? box().impl_->defaultFont.family() : QString::fromStdString(name));
+  if (format.flags & text::kBold) result += QStringLiteral("font-weight:bold;");
+  if (format.flags & text::kItalic) result += QStringLiteral("font-style:italic;");
+  if (format.flags & text::kUnderline)
+    result += QStringLiteral("text-underline-style:solid;text-underline-type:single;");
+  if (format.flags & text::kStrikeThru) result += QStringLiteral("text-line-through-type:single;");
+  return result;
+}
+
+// --- Editing
+
+void EditorAccessible::deleteText(int start, int end) {
+  replaceText(start, end, {});
+}
+void EditorAccessible::insertText(int offset, const QString& text) {
+  replaceText(offset, offset, text);
+}
+
+void EditorAccessible::replaceText(int start, int end, const QString& text) {
+  if (box().readOnly()) return;
+  const std::u16string_view units(reinterpret_cast<const char16_t*>(text.utf16()), static_cast<size_t>(text.size()));
+  auto& document = box().document();
+  document.SealStep();
+  box().impl_->controller.Replace(RangeOf(start, end), text::BytesOfUtf16(units, document.properties().lineEnd));
+  document.SealStep();
+}
+
+}  // namespace ui

@@ -1,0 +1,61 @@
+// The editor for assistive programs. Offsets are engine units (a break is one character), as far as they fit an int.
+#pragma once
+
+#include "text/Document.h"
+
+#include <QAccessible>
+#include <QAccessibleWidget>
+
+namespace ui {
+
+class RichTextBox;
+
+// Registers the interface of RichTextBox; more than once is harmless.
+void InstallEditorAccessibility();
+// Tell of what happened since `revision`, when anybody listens; both are brought up to date.
+void TellTextChange(RichTextBox& box, text::Content& told, text::Revision& revision);
+void TellSelectionChange(RichTextBox& box, const text::Selection& selection);
+
+class EditorAccessible : public QAccessibleWidget,
+                         public QAccessibleTextInterface,
+                         public QAccessibleEditableTextInterface {
+ public:
+  explicit EditorAccessible(RichTextBox* box);
+
+  void* interface_cast(QAccessible::InterfaceType type) override;
+  QAccessible::State state() const override;
+
+  // QAccessibleTextInterface
+  void selection(int index, int* start, int* end) const override;
+  int selectionCount() const override;
+  void addSelection(int start, int end) override;
+  void removeSelection(int index) override;
+  void setSelection(int index, int start, int end) override;
+  int cursorPosition() const override;
+  void setCursorPosition(int position) override;
+  QString text(int start, int end) const override;
+  QString textBeforeOffset(int offset, QAccessible::TextBoundaryType boundary, int* start, int* end) const override;
+  QString textAfterOffset(int offset, QAccessible::TextBoundaryType boundary, int* start, int* end) const override;
+  QString textAtOffset(int offset, QAccessible::TextBoundaryType boundary, int* start, int* end) const override;
+  int characterCount() const override;
+  QRect characterRect(int offset) const override;
+  int offsetAtPoint(const QPoint& point) const override;
+  void scrollToSubstring(int start, int end) override;
+  QString attributes(int offset, int* start, int* end) const override;
+  using QAccessibleWidget::text;
+
+  // QAccessibleEditableTextInterface
+  void deleteText(int start, int end) override;
+  void insertText(int offset, const QString& text) override;
+  void replaceText(int start, int end, const QString& text) override;
+
+ private:
+  RichTextBox& box() const;
+  const text::Content& content() const;
+  text::Units UnitsOf(int offset) const;
+  text::Range RangeOf(int start, int end) const;
+  text::Range RangeAround(text::Units position, QAccessible::TextBoundaryType boundary) const;
+  QString Give(text::Range range, int* start, int* end) const;
+};
+
+}  // namespace ui

@@ -1,0 +1,228 @@
+#include "ui/editor/EditorClipboard.h"
+
+#include "ui/editor/EditorController.h"
+
+#include <map>
+
+namespace ui {
+
+using text::CharFormat;
+using text::CharFormatId;
+using text::Content;
+using text::ContentBuilder;
+using text::LineEnd;
+using text::ParaFormat;
+using text::ParaFormatId;
+using text::PieceView;
+using text::Range;
+
+namespace {
+
+constexpr QChar kObject(0xFFFC);
+const QString kPlainType = QStringLiteral("text/plain");
+const QString kHtmlType = QStringLiteral("text/html");
+const QString kRtfTypes[] = {QStringLiteral("text/rtf"), QStringLiteral("application/rtf")};
+
+bool IsRtfType(const QString& type) {
+  return type == kRtfTypes[0] || type == kRtfTypes[1];
+}
+
+std::string_view SpellingOf(LineEnd lineEnd) {
+  switch (lineEnd) {
+    case LineEnd::kCrLf:
+      return "\r\n";
+    case LineEnd::kLf:
+      return "\n";
+    case LineEnd::kCr:
+      return "\r";
+  }
+  return "\n";
+}
+
+std::string WithLineEnds(std::string_view bytes, LineEnd lineEnd) {
+  std::string result;
+  result.reserve(bytes.size());
+  const std::string_view spelling = SpellingOf(lineEnd);
+  for (size_t i = 0; i < bytes.size();) {
+    const size_t end = std::min(bytes.find_first_of("\r\n", i), bytes.size());
+    result += bytes.substr(i, end - i);
+    if (end == bytes.size()) break;
+    result += spelling;
+    i = end + (bytes.substr(end, 2) == "\r\n" ? 2 : 1);
+  }
+  return result;
+}
+
+// Formats of one table interned in another. Kept control words and objects belong to their own store.
+class FormatMapper {
+ public:
+  FormatMapper(const text::FormatTable& from, text::FormatTable& to) : from_(from), to_(to) {}
+
+  CharFormatId operator()(CharFormatId id) {
+    const auto [entry, added] = chars_.try_emplace(id);
+    if (added) {
+      CharFormat format = from_[id];
+      format.font = to_.Intern(from_[format.font]);
+      format.object = text::ObjectId::kNone;
+      format.kept = text::KeptId::kNone;
+      entry->second = to_.Intern(format);
+    }
+    return entry->second;
+  }
+  ParaFormatId operator()(ParaFormatId id) {
+    const auto [entry, added] = paras_.try_emplace(id);
+    if (added) {
+      ParaFormat format = from_[id];
+      format.tabs = to_.Intern(text::Tabs(from_[format.tabs]));
+      format.kept = text::KeptId::kNone;
+      entry->second = to_.Intern(format);
+    }
+    return entry->second;
+  }
+
+ private:
+  const text::FormatTable& from_;
+  text::FormatTable& to_;
+  std::map<CharFormatId, CharFormatId> chars_;
+  std::map<ParaFormatId, ParaFormatId> paras_;
+};
+
+// The range rebuilt for the target's store with the target's line ends.
+Content Rebuilt(const Content& source, Range range, const text::Document& target) {
+  ContentBuilder builder(target.content().store());
+  FormatMapper mapped(source.formats(), target.formats());
+  const bool sameStore = source.store() == target.content().store();
+  const LineEnd lineEnd = target.properties().lineEnd;
+  source.ForEachPiece(range, [&](const PieceView& piece) {
+    const auto bytes =
+        piece.sums.breaks > text::Breaks(0) ? WithLineEnds(piece.bytes, lineEnd) : std::string(piece.bytes);
+    builder.Append(bytes, sameStore ? piece.charFormat : mapped(piece.charFormat),
+                   sameStore ? piece.paraFormat : mapped(piece.paraFormat));
+    return true;
+  });
+  return builder.Finish();
+}
+
+}  // namespace
+
+// --- Given to others
+
+QString PlainTextForOthers(const Content& content, Range range) {
+  QString result = QString::fromStdU16String(content.Utf16(range, text::BreakAs::kLf));
+  for (qsizetype i = 0; i < result.size(); ++i) {
+    if (result.at(i).isHighSurrogate() && i + 1 < result.size() && result.at(i + 1).isLowSurrogate()) {
+      ++i;
+    } else if (result.at(i).isSurrogate()) {
+      result[i] = QChar::ReplacementCharacter;
+    }
+  }
+  if (content.Summarize(range).anyObject) result.remove(kObject);
+  return result;
+}
+
+EditorMimeData::EditorMimeData(Content content, Range range, text::rtf::DocumentProperties properties)
+    : content_(std::move(content)), range_(range), properties_(std::move(properties)) {}
+
+// What somebody added to a drag (files, for instance) comes behind our own.
+QStringList EditorMimeData::formats() const {
+  return QStringList{kRtfTypes[0], kRtfTypes[1], kPlainType} + QMimeData::formats();
+}
+
+bool EditorMimeData::hasFormat(const QString& mimeType) const {
+  return formats().contains(mimeType);
+}
+
+QVariant EditorMimeData::retrieveData(const QString& mimeType, QMetaType type) const {
+  if (mimeType == kPlainType) return PlainTextForOthers(content_, range_);
+  if (IsRtfType(mimeType)) return QByteArray::fromStdString(WriteFragment(content_, range_, properties_));
+  return QMimeData::retrieveData(mimeType, type);
+}
+
+// --- Taken from others
+
+bool HasRichText(const QMimeData& data) {
+  return data.hasFormat(kRtfTypes[0]) || data.hasFormat(kRtfTypes[1]);
+}
+
+bool HasAnyText(const QMimeData& data) {
+  return HasRichText(data) || data.hasText() || data.hasHtml();
+}
+
+std::optional<Content> RichFragment(std::string_view rtf, const text::Document& target) {
+  if (!text::rtf::LooksLikeRtf(rtf)) return std::nullopt;
+  text::rtf::ReadResult read = text::rtf::ReadFragment(rtf, target.content().store());
+  if (!read.isRtf) return std::nullopt;
+  if (target.properties().lineEnd == LineEnd::kCrLf) return std::move(read.content);
+  return Rebuilt(read.content, read.content.all(), target);
+}
+
+std::optional<Content> RichFragment(const QMimeData& data, const text::Document& target) {
+  if (const auto* own = qobject_cast<const EditorMimeData*>(&data)) {
+    // Bytes that are no characters survive only this way.
+    if (own->content().store() == target.content().store()) return own->content().Slice(own->range());
+    if (!own->content().Summarize(own->range()).anyObject) return Rebuilt(own->content(), own->range(), target);
+  }
+  for (const QString& type : kRtfTypes) {
+    if (!data.hasFormat(type)) continue;
+    const QByteArray rtf = data.data(type);
+    if (auto fragment = RichFragment(std::string_view(rtf.constData(), static_cast<size_t>(rtf.size())), target)) {
+      return fragment;
+    }
+  }
+  return std::nullopt;
+}
+
+std::optional<std::string> PlainBytes(const QMimeData& data, LineEnd lineEnd) {
+  if (const auto* own = qobject_cast<const EditorMimeData*>(&data)) {
+    return WithLineEnds(own->content().ByteString(own->range()), lineEnd);
+  }
+  QString plain;
+  if (data.hasText()) {
+    plain = data.text();
+  } else if (data.hasHtml()) {
+    plain = TextOfHtml(data.html());
+  }
+  if (plain.isEmpty()) return std::nullopt;
+  return text::BytesOfUtf16({reinterpret_cast<const char16_t*>(plain.utf16()), static_cast<size_t>(plain.size())},
+                            lineEnd);
+}
+
+// --- The controller's commands
+
+void EditorController::Copy() {
+  if (range().empty()) return;
+  host_.SetClipboardData(QClipboard::Clipboard,
+                         std::make_unique<EditorMimeData>(document_.content(), range(), rtfProperties_));
+}
+
+void EditorController::Cut() {
+  const Operation operation(*this);
+  if (range().empty() || !UserMayChange(range())) return;
+  Copy();
+  Erase(true, false);
+}
+
+void EditorController::Paste(bool plain) {
+  const QMimeData* data = host_.ClipboardData(QClipboard::Clipboard);
+  if (data) Insert(*data, plain);
+}
+
+void EditorController::Insert(const QMimeData& data, bool plain) {
+  const Operation operation(*this);
+  if (!HasAnyText(data) || !UserMayChange(range())) return;
+  document_.SealStep();
+  if (const auto fragment = plain ? std::nullopt : RichFragment(data, document_)) {
+    Replace(range(), *fragment);
+  } else if (const auto bytes = PlainBytes(data, document_.properties().lineEnd)) {
+    Replace(range(), *bytes);
+  }
+  document_.SealStep();
+}
+
+void EditorController::PublishPrimarySelection() {
+  if (range().empty() || !host_.HasPrimarySelection()) return;
+  host_.SetClipboardData(QClipboard::Selection,
+                         std::make_unique<EditorMimeData>(document_.content(), range(), rtfProperties_));
+}
+
+}  // namespace ui

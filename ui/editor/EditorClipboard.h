@@ -1,0 +1,53 @@
+// Text to and from the clipboard and drags: text/plain, text/rtf and application/rtf; text/html comes in as plain text.
+#pragma once
+
+#include "text/Document.h"
+#include "text/rtf/Rtf.h"
+
+#include <QMimeData>
+#include <QString>
+#include <QStringList>
+
+#include <optional>
+#include <string>
+
+namespace ui {
+
+// A stretch of text offered to other programs. Holds a snapshot; nothing is converted before somebody asks for it.
+class EditorMimeData : public QMimeData {
+  Q_OBJECT
+
+ public:
+  EditorMimeData(text::Content content, text::Range range, text::rtf::DocumentProperties properties);
+  QStringList formats() const override;
+  bool hasFormat(const QString& mimeType) const override;
+
+  const text::Content& content() const { return content_; }
+  text::Range range() const { return range_; }
+
+ protected:
+  QVariant retrieveData(const QString& mimeType, QMetaType type) const override;
+
+ private:
+  text::Content content_;
+  text::Range range_;
+  text::rtf::DocumentProperties properties_;
+};
+
+// As other programs get it: breaks as LF, U+FFFD for a stray byte, an object as nothing.
+QString PlainTextForOthers(const text::Content& content, text::Range range);
+
+bool HasRichText(const QMimeData& data);
+bool HasAnyText(const QMimeData& data);
+
+// The data's rich text made for that document's store and line ends; nothing when it has none.
+std::optional<text::Content> RichFragment(const QMimeData& data, const text::Document& target);
+// The same for RTF bytes; nothing when they are not RTF.
+std::optional<text::Content> RichFragment(std::string_view rtf, const text::Document& target);
+// The data's text as engine bytes with those line ends; nothing when it has none.
+std::optional<std::string> PlainBytes(const QMimeData& data, text::LineEnd lineEnd);
+
+// The text of an HTML page: blocks and <br> become line breaks, scripts and styles are left out. Linear, opens nothing.
+QString TextOfHtml(const QString& html);
+
+}  // namespace ui

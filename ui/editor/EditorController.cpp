@@ -1,0 +1,120 @@
+#include "ui/editor/EditorController.h"
+
+#include <algorithm>
+
+namespace ui {
+
+using text::Bias;
+using text::Range;
+using text::Selection;
+using text::Units;
+
+EditorController::EditorController(text::Document& document, text::layout::ViewLayout& layout, EditorHost& host)
+    : document_(document), layout_(layout), host_(host), seenRevision_(document.revision()), told_(Now()) {}
+
+// --- The selection
+
+void EditorController::PlaceCaret(Selection selection, Bias affinity) {
+  const auto clamp = [this](Units position) { return document_.content().Snap(position, Bias::kLeft); };
+  selection_ = {clamp(selection.anchor), clamp(selection.caret)};
+  affinity_ = affinity;
+  goalX_.reset();
+  seenRevision_ = document_.revision();
+  reveal_ = true;
+}
+
+void EditorController::Select(Selection selection, Bias affinity) {
+  const Operation operation(*this);
+  DropComposition();
+  document_.SealStep();
+  remembered_.reset();
+  PlaceCaret(selection, affinity);
+}
+
+void EditorController::RevealCaret(int contextLines) {
+  const double line = layout_.CaretRect(caret()).height();
+  layout_.EnsureVisible(caret(), contextLines * line);
+  host_.ViewChanged();
+}
+
+void EditorController::Sync() {
+  const Operation operation(*this);
+}
+
+void EditorController::Reset() {
+  selection_ = {};
+  seenRevision_ = document_.revision();
+  remembered_.reset();
+  DropComposition();
+  layout_.SetScrollValue(0);
+  PlaceCaret({}, Bias::kRight);
+  told_ = Now();
+  host_.ViewChanged();
+  host_.TextChanged();
+  host_.SelectionChanged();
+}
+
+void EditorController::MapThroughForeignEdits() {
+  if (seenRevision_ == document_.revision()) return;
+  if (const auto changes = document_.ChangesSince(seenRevision_)) {
+    for (const text::Change& change : *changes) {
+      selection_.anchor = MapPosition(selection_.anchor, change, Bias::kRight);
+      selection_.caret = MapPosition(selection_.caret, change, Bias::kRight);
+    }
+  }
+  const bool reveal = reveal_;
+  PlaceCaret(selection_, affinity_);
+  reveal_ = reveal;
+}
+
+void EditorController::Settle() {
+  const Told before = told_;
+  told_ = Now();
+  if (reveal_) layout_.EnsureVisible(caret());
+  reveal_ = false;
+  host_.ViewChanged();
+  const bool selectionChanged = !(before == told_);
+  if (before.revision != told_.revision) host_.TextChanged();
+  if (selectionChanged) host_.SelectionChanged();
+}
+
+// --- Edits
+
+bool EditorController::Replace(Range range, std::string_view bytes, text::EditKind kind) {
+  if (!MayChange(range)) return false;
+  const Operation operation(*this);
+  DropComposition();
+  const text::CharFormatId format = document_.formats().Intern(FormatFor(range));
+  const Range inserted = document_.Replace(range, bytes, format, kind, selection_);
+  PlaceCaret({inserted.end, inserted.end}, Bias::kRight);
+  return true;
+}
+
+bool EditorController::Replace(Range range, const text::Content& fragment) {
+  if (!MayChange(range)) return false;
+  const Operation operation(*this);
+  DropComposition();
+  remembered_.reset();
+  const Range inserted = document_.Replace(range, fragment, text::EditKind::kCommand, selection_);
+  PlaceCaret({inserted.end, inserted.end}, Bias::kRight);
+  return true;
+}
+
+void EditorController::Swap(bool redo) {
+  const Operation operation(*this);
+  if (readOnly_) return host_.Refused();
+  DropComposition();
+  const auto shown = redo ? document_.Redo() : document_.Undo();
+  if (!shown) return;
+  remembered_.reset();
+  PlaceCaret(*shown, Bias::kRight);
+}
+
+void EditorController::SetOvertype(bool on) {
+  if (overtype_ == on) return;
+  overtype_ = on;
+  host_.OvertypeChanged(on);
+  host_.ViewChanged();
+}
+
+}  // namespace ui

@@ -1,0 +1,197 @@
+// The editor without its window: keys, input methods and commands become edits and selections of a document.
+//
+// A *user's* operation is refused, with Refused() told to the host, where text is protected or the editor is read-only.
+// A program's operation (Replace, PatchChars, ...) minds protection only and returns false.
+#pragma once
+
+#include "text/Document.h"
+#include "text/layout/ViewLayout.h"
+#include "text/rtf/Rtf.h"
+#include "ui/editor/EditorHost.h"
+
+#include <QString>
+#include <QVariant>
+
+#include <exception>
+#include <functional>
+#include <optional>
+#include <string_view>
+
+class QInputMethodEvent;
+class QKeyEvent;
+
+namespace ui {
+
+enum class EditorMove : uint8_t {
+  kLeft,  // by grapheme, as it is seen
+  kRight,
+  kWordLeft,  // by word; left is towards the end in a right-to-left paragraph
+  kWordRight,
+  kLineUp,  // visual lines, keeping x
+  kLineDown,
+  kPageUp,
+  kPageDown,
+  kLineStart,  // of the visual line
+  kLineEnd,
+  kParagraphUp,    // to the paragraph's start, from there to the previous one's
+  kParagraphDown,  // to the next paragraph's start
+  kDocumentStart,
+  kDocumentEnd,
+};
+
+// A bullet hangs by that many twips; the first line's position stays.
+text::ParaFormat WithBullet(text::ParaFormat format, int bulletIndent);
+text::ParaFormat WithoutBullet(text::ParaFormat format);
+
+class EditorController {
+ public:
+  EditorController(text::Document& document, text::layout::ViewLayout& layout, EditorHost& host);
+
+  // --- The selection
+  const text::Selection& selection() const { return selection_; }
+  text::Range range() const { return selection_.range(); }
+  text::layout::CaretPlace caret() const { return {selection_.caret, affinity_}; }
+  // A caret move: ends the typing step and drops the format remembered for the next text. Clamps.
+  void Select(text::Selection selection, text::Bias affinity = text::Bias::kRight);
+  void SelectAll() { Select({text::Units(0), document_.content().size()}); }
+  void Move(EditorMove move, bool extend);
+  // Scrolls so that the caret shows with that many lines around it.
+  void RevealCaret(int contextLines = 0);
+  // Takes in edits that were made to the document directly. Told like any other change.
+  void Sync();
+  // After a load: caret to the start, everything told.
+  void Reset();
+
+  // --- Edits by the program; the caret goes behind the new text. False: protected text is in the way.
+  bool Replace(text::Range range, std::string_view bytes, text::EditKind kind = text::EditKind::kCommand);
+  bool Replace(text::Range range, const text::Content& fragment);
+
+  // --- The user's edits
+  bool HandleKey(QKeyEvent& event);              // false: not a key of the editor
+  static bool IsOwnKey(const QKeyEvent& event);  // also when a menu has it as a shortcut
+  void Type(const QString& text);
+  void BreakParagraph();
+  void Erase(bool forward, bool word);
+  void Undo() { Swap(false); }
+  void Redo() { Swap(true); }
+  void Cut();
+  void Copy();
+  void Paste(bool plain);
+  // Inserts the data over the selection: rich text first, unless `plain`.
+  void Insert(const QMimeData& data, bool plain);
+  void PublishPrimarySelection();
+
+  // --- Input methods
+  void HandleInputMethod(const QInputMethodEvent& event);
+  // All but the rectangles and the font. Surrounding text is at most some hundred units of the caret's paragraph.
+  QVariant QueryInputMethod(Qt::InputMethodQuery query) const;
+  bool composing() const { return composing_; }
+
+  // --- Formats. Protected text takes no format but protection itself.
+  text::CharSummary CharState() const;  // of the selection, or of the text typed next
+  text::ParaSummary ParagraphState() const;
+  text::CharFormat InsertFormat() const;
+  bool PatchChars(const text::CharFormatPatch& patch);  // with an empty selection: for the text typed next
+  bool PatchParagraphs(const text::ParaFormatPatch& patch);
+  // Where the new format depends on the old one; called once for each different format.
+  bool MapParagraphs(const std::function<text::ParaFormat(text::ParaFormat)>& map);
+
+  // --- Settings
+  bool overtype() const { return overtype_; }
+  void SetOvertype(bool on);
+  bool readOnly() const { return readOnly_; }
+  void SetReadOnly(bool on) { readOnly_ = on; }
+  void SetRtfProperties(const text::rtf::DocumentProperties& properties) { rtfProperties_ = properties; }
+  const text::rtf::DocumentProperties& rtfProperties() const { return rtfProperties_; }
+
+  text::Document& document() { return document_; }
+  const text::Document& document() const { return document_; }
+  text::layout::ViewLayout& layout() { return layout_; }
+  EditorHost& host() { return host_; }
+
+ private:
+  class Operation;
+  struct Told {  // what the host knows
+    text::Selection selection;
+    text::Revision revision = 0;
+    std::optional<text::CharFormat> remembered;
+    bool operator==(const Told&) const = default;
+  };
+  struct KeyBinding;
+  enum class KeyCommand : uint8_t;
+
+  // EditorController.cpp
+  Told Now() const { return {selection_, document_.revision(), remembered_}; }
+  void Settle();
+  void MapThroughForeignEdits();
+  void PlaceCaret(text::Selection selection, text::Bias affinity);
+  void Swap(bool redo);
+
+  // EditorEditing.cpp
+  bool MayChange(text::Range range) const;
+  bool UserMayChange(text::Range range);
+  text::CharFormat FormatFor(text::Range range) const;
+  text::Range OvertypeRange(const QString& text) const;
+  void DropComposition();
+  void KeepFormatForNextText();
+  bool LeaveList();
+  bool BackspaceRemovesBullet();
+
+  // EditorMovement.cpp
+  text::layout::CaretPlace Target(EditorMove move);
+  text::layout::CaretPlace CollapseTarget(bool right);
+  text::layout::CaretPlace PageTarget(bool down);
+  text::Units WordTarget(bool right) const;
+  text::Units ParagraphTarget(bool down) const;
+  bool CaretParagraphIsRightToLeft() const;
+  double GoalX();
+
+  // EditorKeys.cpp
+  static const KeyBinding* FindBinding(const QKeyEvent& event);
+  void Run(KeyCommand command);
+  void NoteTypingPause(const QKeyEvent& event);
+
+  // EditorFormats.cpp
+  text::Range ParagraphsOfSelection() const;
+
+  // EditorInputMethod.cpp
+  void Commit(const QInputMethodEvent& event);
+  void Compose(const QInputMethodEvent& event);
+
+  text::Document& document_;
+  text::layout::ViewLayout& layout_;
+  EditorHost& host_;
+  text::Selection selection_;
+  text::Bias affinity_ = text::Bias::kRight;
+  std::optional<double> goalX_;                 // of a run of vertical moves
+  std::optional<text::CharFormat> remembered_;  // for the text typed next
+  text::rtf::DocumentProperties rtfProperties_;
+  text::Revision seenRevision_ = 0;  // selection_ is of this revision
+  Told told_;
+  int depth_ = 0;  // of nested operations
+  bool reveal_ = false;
+  bool overtype_ = false;
+  bool readOnly_ = false;
+  bool composing_ = false;
+  unsigned long long lastKeyTime_ = 0;
+};
+
+// Everything between construction and destruction is told to the host once, at the end of the outermost one.
+class EditorController::Operation {
+ public:
+  explicit Operation(EditorController& controller) : controller_(controller) {
+    if (controller_.depth_++ == 0) controller_.MapThroughForeignEdits();
+  }
+  // After an exception nothing is told now; the next operation tells it along.
+  ~Operation() noexcept(false) {
+    if (--controller_.depth_ == 0 && std::uncaught_exceptions() == exceptions_) controller_.Settle();
+  }
+  Operation(const Operation&) = delete;
+  Operation& operator=(const Operation&) = delete;
+
+ private:
+  EditorController& controller_;
+  int exceptions_ = std::uncaught_exceptions();
+};
+
+}  // namespace ui

@@ -1,0 +1,154 @@
+// The user's edits: typing, paragraph breaks, deleting.
+#include "text/Movement.h"
+#include "ui/editor/EditorController.h"
+
+#include <algorithm>
+
+namespace ui {
+
+using text::Bias;
+using text::Content;
+using text::EditKind;
+using text::Range;
+using text::Units;
+
+namespace {
+
+std::u16string_view ViewOf(const QString& text) {
+  return {reinterpret_cast<const char16_t*>(text.utf16()), static_cast<size_t>(text.size())};
+}
+
+bool IsProtectedAt(const Content& content, Units position) {
+  return (content.formats()[content.CharFormatAt(position)].flags & text::kProtected) != 0;
+}
+
+int64_t GraphemesIn(std::u16string_view units) {
+  text::ContentBuilder builder(Content().store());
+  builder.Append(text::BytesOfUtf16(units));
+  const Content content = builder.Finish();
+  int64_t count = 0;
+  for (Units at(0); at < content.size(); at = text::NextGrapheme(content, at)) ++count;
+  return count;
+}
+
+}  // namespace
+
+// --- What may be edited, and in which format
+
+// An insertion is in the way only of what is protected on both of its sides.
+bool EditorController::MayChange(Range range) const {
+  const Content& content = document_.content();
+  if (!range.empty()) return (content.Summarize(range).someSet & text::kProtected) == 0;
+  if (range.begin == Units(0) || range.begin == content.size()) return true;
+  return !(IsProtectedAt(content, range.begin - Units(1)) && IsProtectedAt(content, range.begin));
+}
+
+bool EditorController::UserMayChange(Range range) {
+  if (!readOnly_ && MayChange(range)) return true;
+  host_.Refused();
+  return false;
+}
+
+// New text is never itself protected, hidden or an object, whatever it stands beside.
+text::CharFormat EditorController::FormatFor(Range range) const {
+  if (remembered_) return *remembered_;
+  const Content& content = document_.content();
+  text::CharFormatId id = document_.emptyCharFormat();
+  if (content.size() > Units(0)) {
+    const Units paragraphStart = content.ParagraphStart(content.ParagraphAt(range.begin));
+    const bool fromBefore = range.empty() && range.begin > paragraphStart;
+    id = content.CharFormatAt(fromBefore ? range.begin - Units(1) : range.begin);
+  }
+  text::CharFormat format = document_.formats()[id];
+  format.flags &= static_cast<uint16_t>(~(text::kProtected | text::kHidden));
+  format.object = text::ObjectId::kNone;
+  return format;
+}
+
+// What follows in a new paragraph looks like what was typed before it.
+void EditorController::KeepFormatForNextText() {
+  if (!remembered_) remembered_ = FormatFor(range());
+}
+
+void EditorController::DropComposition() {
+  if (!composing_) return;
+  composing_ = false;
+  layout_.SetPreedit(std::nullopt);
+  host_.ResetComposition();
+}
+
+// --- Typing
+
+// As many characters as are typed, but never the paragraph's end.
+Range EditorController::OvertypeRange(const QString& text) const {
+  const Content& content = document_.content();
+  const Units paragraphEnd = content.ParagraphEnd(content.ParagraphAt(selection_.caret));
+  Range over{selection_.caret, selection_.caret};
+  for (int64_t left = GraphemesIn(ViewOf(text)); left > 0 && over.end < paragraphEnd; --left) {
+    over.end = text::NextGrapheme(content, over.end);
+  }
+  return over;
+}
+
+void EditorController::Type(const QString& text) {
+  const Operation operation(*this);
+  const bool selected = !range().empty();
+  const Range target = overtype_ && !selected ? OvertypeRange(text) : range();
+  if (!UserMayChange(target)) return;
+  if (selected) document_.SealStep();
+  // Typing over is a chain of replacements; as composing they are one step too.
+  const EditKind kind = overtype_ ? EditKind::kComposing : EditKind::kTyping;
+  Replace(target, text::BytesOfUtf16(ViewOf(text), document_.properties().lineEnd), kind);
+}
+
+// A step of its own, so undo goes back line by line.
+void EditorController::BreakParagraph() {
+  const Operation operation(*this);
+  if (!UserMayChange(range()) || LeaveList()) return;
+  document_.SealStep();
+  KeepFormatForNextText();
+  Replace(range(), text::BytesOfUtf16(u"\n", document_.properties().lineEnd), EditKind::kTyping);
+  document_.SealStep();
+}
+
+// --- Deleting
+
+// In an empty bulleted paragraph Enter ends the list.
+bool EditorController::LeaveList() {
+  const Content& content = document_.content();
+  const text::Breaks paragraph = content.ParagraphAt(selection_.caret);
+  const bool isEmpty = content.ParagraphStart(paragraph) == content.ParagraphEnd(paragraph);
+  const bool bulleted = document_.formats()[content.ParaFormatOf(paragraph)].bullet;
+  if (!range().empty() || !isEmpty || !bulleted) return false;
+  return MapParagraphs([](text::ParaFormat format) { return WithoutBullet(format); });
+}
+
+void EditorController::Erase(bool forward, bool word) {
+  const Operation operation(*this);
+  const Content& content = document_.content();
+  const Units caret = selection_.caret;
+  Range erased = range();
+  EditKind kind = EditKind::kCommand;
+  if (erased.empty() && word) {
+    erased = forward ? Range{caret, text::NextWord(content, caret)} : Range{text::PreviousWord(content, caret), caret};
+  } else if (erased.empty()) {
+    kind = forward ? EditKind::kDeleting : EditKind::kBackspacing;
+    erased =
+        forward ? Range{caret, text::NextGrapheme(content, caret)} : Range{text::BackspaceStart(content, caret), caret};
+  }
+  if (!forward && range().empty() && BackspaceRemovesBullet()) return;
+  if (erased.empty() || !UserMayChange(erased)) return;
+  if (kind == EditKind::kCommand) document_.SealStep();
+  Replace(erased, {}, kind);
+}
+
+bool EditorController::BackspaceRemovesBullet() {
+  const Content& content = document_.content();
+  const text::Breaks paragraph = content.ParagraphAt(selection_.caret);
+  if (selection_.caret != content.ParagraphStart(paragraph)) return false;
+  if (!document_.formats()[content.ParaFormatOf(paragraph)].bullet) return false;
+  if (readOnly_) return host_.Refused(), true;
+  return MapParagraphs([](text::ParaFormat format) { return WithoutBullet(format); });
+}
+
+}  // namespace ui

@@ -1,0 +1,115 @@
+// Text composed by an input method: shown at the caret, in the document only when committed.
+#include "ui/editor/EditorController.h"
+
+#include <QInputMethodEvent>
+#include <QTextFormat>
+
+#include <algorithm>
+
+namespace ui {
+
+using text::Bias;
+using text::Content;
+using text::EditKind;
+using text::Range;
+using text::Units;
+
+namespace {
+
+constexpr Units kSurrounding(256);
+
+// What an input method may know of the text: the caret's paragraph, cut around the caret.
+Range Surroundings(const Content& content, Units caret) {
+  const text::Breaks paragraph = content.ParagraphAt(caret);
+  return {std::max(content.ParagraphStart(paragraph), content.Snap(caret - kSurrounding, Bias::kLeft)),
+          std::min(content.ParagraphEnd(paragraph), content.Snap(caret + kSurrounding, Bias::kRight))};
+}
+
+QString TextOf(const Content& content, Range range) {
+  return QString::fromStdU16String(content.Utf16(range, text::BreakAs::kLf));
+}
+
+}  // namespace
+
+void EditorController::HandleInputMethod(const QInputMethodEvent& event) {
+  const Operation operation(*this);
+  const bool edits =
+      !event.commitString().isEmpty() || !event.preeditString().isEmpty() || event.replacementLength() > 0;
+  if (edits && !UserMayChange(range())) {
+    composing_ = true;  // so that the input method is told to forget it
+    return DropComposition();
+  }
+  // The composition ends or goes on by this event; it is not to be reset meanwhile.
+  composing_ = false;
+  layout_.SetPreedit(std::nullopt);
+  if (!event.preeditString().isEmpty() && !range().empty()) Erase(true, false);
+  if (!event.commitString().isEmpty() || event.replacementLength() > 0) Commit(event);
+  Compose(event);
+}
+
+void EditorController::Commit(const QInputMethodEvent& event) {
+  if (event.replacementLength() > 0) {
+    const Content& content = document_.content();
+    const Range known = Surroundings(content, selection_.caret);
+    const Units wanted = selection_.caret + Units(event.replacementStart());
+    const Units begin = content.Snap(std::clamp(wanted, known.begin, known.end), Bias::kLeft);
+    const Units end =
+        content.Snap(std::clamp(wanted + Units(event.replacementLength()), begin, known.end), Bias::kRight);
+    if (!UserMayChange({begin, end})) return;
+    Replace({begin, end}, {}, EditKind::kTyping);
+  }
+  if (!event.commitString().isEmpty()) Type(event.commitString());
+}
+
+void EditorController::Compose(const QInputMethodEvent& event) {
+  text::layout::Preedit preedit{selection_.caret, event.preeditString(), -1, {}};
+  preedit.cursor = static_cast<int>(preedit.text.size());
+  for (const QInputMethodEvent::Attribute& attribute : event.attributes()) {
+    if (attribute.type == QInputMethodEvent::Cursor) {
+      preedit.cursor = attribute.length > 0 ? attribute.start : -1;
+    } else if (attribute.type == QInputMethodEvent::TextFormat) {
+      const auto format = qvariant_cast<QTextFormat>(attribute.value).toCharFormat();
+      if (format.isValid()) preedit.formats.append({attribute.start, attribute.length, format});
+    }
+  }
+  composing_ = !preedit.text.isEmpty();
+  if (composing_) layout_.SetPreedit(std::move(preedit));
+  reveal_ = reveal_ || composing_;
+}
+
+QVariant EditorController::QueryInputMethod(Qt::InputMethodQuery query) const {
+  const Content& content = document_.content();
+  const Range known = Surroundings(content, selection_.caret);
+  const auto within = [known](Units position) {
+    return static_cast<int>((std::clamp(position, known.begin, known.end) - known.begin).value());
+  };
+  switch (query) {
+    case Qt::ImEnabled:
+      return !readOnly_;
+    case Qt::ImHints:
+      return int(Qt::ImhMultiLine);
+    case Qt::ImReadOnly:
+      return readOnly_;
+    case Qt::ImCursorPosition:
+      return within(selection_.caret);
+    case Qt::ImAnchorPosition:
+      return within(selection_.anchor);
+    case Qt::ImAbsolutePosition:
+      return QVariant::fromValue<qlonglong>(selection_.caret.value());
+    case Qt::ImSurroundingText:
+      return TextOf(content, known);
+    case Qt::ImTextBeforeCursor:
+      return TextOf(content, {known.begin, selection_.caret});
+    case Qt::ImTextAfterCursor:
+      return TextOf(content, {selection_.caret, known.end});
+    case Qt::ImCurrentSelection: {
+      const Range selected = range();
+      return TextOf(content,
+                    {std::max(selected.begin, known.begin), std::max(known.begin, std::min(selected.end, known.end))});
+    }
+    default:
+      return {};
+  }
+}
+
+}  // namespace ui

@@ -1,0 +1,73 @@
+// The mouse of an editor: selecting by characters, words and paragraphs, drags out of it and drops into it.
+#pragma once
+
+#include "ui/editor/EditorController.h"
+
+#include <QPointF>
+
+#include <optional>
+
+class QMimeData;
+class QMouseEvent;
+class QWheelEvent;
+
+namespace ui {
+
+class EditorMouse {
+ public:
+  explicit EditorMouse(EditorController& controller) : controller_(controller) {}
+
+  void Press(const QMouseEvent& event);
+  void DoubleClick(const QMouseEvent& event);
+  void Move(const QMouseEvent& event);
+  void Release(const QMouseEvent& event);
+  // A right press outside the selection moves the caret there, so that the menu means what was clicked.
+  void PrepareContextMenu(QPointF point);
+
+  // While true the pointer is held outside the viewport and AutoScroll is to be called every kAutoScrollInterval.
+  bool wantsAutoScroll() const;
+  void AutoScroll();
+  static constexpr int kAutoScrollInterval = 30;  // milliseconds
+
+  // With Control the zoom changes; else the text moves by pixels or fractions of lines, as the device tells.
+  void Wheel(const QWheelEvent& event, double lineHeight);
+
+  // --- Drops. `own`: the drag began in this very editor.
+  bool CanDrop(const QMimeData& data, Qt::DropActions offered, bool own) const;
+  void DragOver(QPointF point);
+  void DragLeave();
+  void Drop(const QMimeData& data, QPointF point);
+  const std::optional<text::layout::CaretPlace>& dropPlace() const { return dropPlace_; }
+
+ private:
+  enum class State : uint8_t {
+    kIdle,
+    kSelecting,
+    kArmed
+  };  // kArmed: a drag of the selection starts with the next move
+  enum class Unit : uint8_t { kCharacter, kWord, kParagraph };
+
+  text::Units CharacterUnder(QPointF point);
+  bool IsOnSelection(QPointF point);
+  text::Range UnitAround(QPointF point);
+  void SelectUnit(Unit unit, QPointF point);
+  void ExtendTo(QPointF point);
+  void Click(QPointF point, Qt::KeyboardModifiers modifiers);
+  void PastePrimary(QPointF point);
+  bool IsThirdClick(const QMouseEvent& event) const;
+
+  EditorController& controller_;
+  State state_ = State::kIdle;
+  Unit unit_ = Unit::kCharacter;
+  text::Range origin_;  // the unit where selecting began
+  QPointF pressed_;
+  Qt::KeyboardModifiers pressedModifiers_;
+  Qt::MouseButton pressedButton_ = Qt::NoButton;
+  QPointF last_;  // of the pointer while selecting
+  QPointF doubleClicked_;
+  unsigned long long doubleClickTime_ = 0;
+  bool afterDoubleClick_ = false;
+  std::optional<text::layout::CaretPlace> dropPlace_;
+};
+
+}  // namespace ui

@@ -1,0 +1,380 @@
+#include "ui/editor/RichTextBox.h"
+
+#include "text/Search.h"
+#include "ui/editor/EditorAccessible.h"
+#include "ui/editor/EditorClipboard.h"
+#include "ui/editor/RichTextBoxImpl.h"
+
+#include <QApplication>
+#include <QDrag>
+#include <QFontMetricsF>
+#include <QInputMethod>
+#include <QPointer>
+#include <QScrollBar>
+#include <QStyleHints>
+
+#include <algorithm>
+#include <cmath>
+
+namespace ui {
+
+using text::Bias;
+using text::Content;
+using text::Range;
+using text::SurfaceUnits;
+using text::Units;
+
+namespace {
+
+std::u16string_view ViewOf(const QString& text) {
+  return {reinterpret_cast<const char16_t*>(text.utf16()), static_cast<size_t>(text.size())};
+}
+
+}  // namespace
+
+RichTextBox::RichTextBox(QWidget* parent) : QAbstractScrollArea(parent), impl_(std::make_unique<Impl>(*this)) {
+  InstallEditorAccessibility();
+  setFocusPolicy(Qt::WheelFocus);
+  setAttribute(Qt::WA_InputMethodEnabled);
+  setAttribute(Qt::WA_KeyCompression);
+  setAcceptDrops(true);
+  setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+  viewport()->setCursor(Qt::IBeamCursor);
+  viewport()->setAttribute(Qt::WA_OpaquePaintEvent);
+  viewport()->setAutoFillBackground(false);
+  impl_->defaultFont = font();
+  impl_->layout.SetMargins(4);
+  impl_->layout.SetDefaultFont(impl_->defaultFont);
+  impl_->layout.SetViewport(viewport()->size());
+  connect(verticalScrollBar(), &QScrollBar::actionTriggered, this,
+          [this](int action) { impl_->ScrollBarAction(action); });
+  impl_->UpdateScrollBar();
+}
+
+RichTextBox::~RichTextBox() = default;
+
+text::Document& RichTextBox::document() {
+  return impl_->document;
+}
+const text::Document& RichTextBox::document() const {
+  return impl_->document;
+}
+void RichTextBox::DocumentEdited() {
+  impl_->controller.Sync();
+}
+
+// --- The selection
+
+int64_t RichTextBox::SelStart() const {
+  return impl_->document.content().ToSurface(impl_->controller.range().begin).value();
+}
+
+void RichTextBox::SetSelStart(int64_t start) {
+  const Units position = impl_->document.content().FromSurface(SurfaceUnits(start), Bias::kLeft);
+  impl_->controller.Select({position, position});
+}
+
+int64_t RichTextBox::SelLength() const {
+  const Content& content = impl_->document.content();
+  const Range range = impl_->controller.range();
+  return (content.ToSurface(range.end) - content.ToSurface(range.begin)).value();
+}
+
+void RichTextBox::SetSelLength(int64_t length) {
+  const Content& content = impl_->document.content();
+  const Units begin = impl_->controller.range().begin;
+  const int64_t most = content.surfaceSize().value() - content.ToSurface(begin).value();
+  const SurfaceUnits end = content.ToSurface(begin) + SurfaceUnits(std::clamp<int64_t>(length, 0, most));
+  impl_->controller.Select({begin, content.FromSurface(end, Bias::kRight)});
+}
+
+QString RichTextBox::SelText() const {
+  const auto text = impl_->document.content().Utf16(impl_->controller.range(), text::BreakAs::kCrLf);
+  return QString::fromStdU16String(text);
+}
+
+void RichTextBox::SetSelText(const QString& text) {
+  impl_->document.SealStep();
+  impl_->controller.Replace(impl_->controller.range(),
+                            text::BytesOfUtf16(ViewOf(text), impl_->document.properties().lineEnd));
+  impl_->document.SealStep();
+}
+
+QByteArray RichTextBox::SelRTF() const {
+  return QByteArray::fromStdString(
+      WriteFragment(impl_->document.content(), impl_->controller.range(), rtfProperties()));
+}
+
+void RichTextBox::SetSelRTF(const QByteArray& rtfOrText) {
+  const std::string_view bytes(rtfOrText.constData(), static_cast<size_t>(rtfOrText.size()));
+  const auto fragment = RichFragment(bytes, impl_->document);
+  if (!fragment) return SetSelText(QString::fromStdU16String(text::Utf16OfBytes(bytes)));
+  impl_->document.SealStep();
+  impl_->controller.Replace(impl_->controller.range(), *fragment);
+  impl_->document.SealStep();
+}
+
+QString RichTextBox::Text() const {
+  const Content& content = impl_->document.content();
+  return QString::fromStdU16String(content.Utf16(content.all(), text::BreakAs::kCrLf));
+}
+
+// --- Commands
+
+bool RichTextBox::CanUndo() const {
+  return impl_->document.canUndo() && !impl_->controller.readOnly();
+}
+bool RichTextBox::CanRedo() const {
+  return impl_->document.canRedo() && !impl_->controller.readOnly();
+}
+void RichTextBox::Undo() {
+  impl_->controller.Undo();
+}
+void RichTextBox::Redo() {
+  impl_->controller.Redo();
+}
+void RichTextBox::Cut() {
+  impl_->controller.Cut();
+}
+void RichTextBox::Copy() {
+  impl_->controller.Copy();
+}
+void RichTextBox::Paste() {
+  impl_->controller.Paste(false);
+}
+void RichTextBox::PastePlainText() {
+  impl_->controller.Paste(true);
+}
+void RichTextBox::DeleteSelection() {
+  impl_->controller.Erase(true, false);
+}
+void RichTextBox::SelectAll() {
+  impl_->controller.SelectAll();
+}
+void RichTextBox::ScrollToCaret() {
+  impl_->controller.RevealCaret();
+}
+
+int64_t RichTextBox::Find(const QString& text, int64_t start, int options) {
+  const Content& content = impl_->document.content();
+  const SurfaceUnits from(std::max<int64_t>(start, 0));
+  if (from > content.surfaceSize()) return -1;
+  const text::Searcher searcher(ViewOf(text), {(options & kFindMatchCase) != 0, (options & kFindWholeWord) != 0});
+  const auto match = searcher.FindNext(content, content.FromSurface(from, Bias::kRight), content.size());
+  if (!match) return -1;
+  const int64_t found = content.ToSurface(match->begin).value();
+  if ((options & kFindNoHighlight) == 0) {
+    constexpr int kLinesAround = 3;
+    impl_->controller.Select({match->begin, match->end});
+    impl_->controller.RevealCaret(kLinesAround);
+  }
+  return found;
+}
+
+// --- Content
+
+// Only what names no format of its own takes the default one; as a map over formats this costs nothing for plain text.
+Content RichTextBox::Impl::InDefaultFormat(const Content& content) const {
+  const text::CharFormatId id = content.formats().Intern(DefaultFormat());
+  if (id == text::CharFormatId::kDefault || content.size() == Units(0)) return content;
+  return content.WithCharFormats(
+      content.all(), [id](text::CharFormatId old) { return old == text::CharFormatId::kDefault ? id : old; });
+}
+
+text::CharFormat RichTextBox::Impl::DefaultFormat() const {
+  text::CharFormat format;
+  format.halfPoints = static_cast<uint16_t>(std::clamp(std::lround(defaultPoints * 2), 1L, 3276L));
+  return format;
+}
+
+void RichTextBox::Impl::ApplyEmptyFormat() {
+  if (document.content().size() > Units(0)) return;
+  document.SetEmptyFormat(document.formats().Intern(DefaultFormat()), document.content().lastParaFormat());
+}
+
+void RichTextBox::LoadPlain(text::LoadedText loaded) {
+  impl_->rich = false;
+  impl_->document.Reset(impl_->InDefaultFormat(loaded.content), loaded.properties);
+  impl_->controller.SetRtfProperties({});
+  impl_->ApplyEmptyFormat();
+  impl_->controller.Reset();
+}
+
+void RichTextBox::LoadRtf(text::rtf::ReadResult read) {
+  impl_->rich = true;
+  impl_->document.Reset(std::move(read.content), {});
+  impl_->controller.SetRtfProperties(read.properties);
+  impl_->ApplyEmptyFormat();
+  impl_->controller.Reset();
+}
+
+bool RichTextBox::isRichText() const {
+  return impl_->rich;
+}
+void RichTextBox::SetRichText(bool rich) {
+  impl_->rich = rich;
+}
+const text::rtf::DocumentProperties& RichTextBox::rtfProperties() const {
+  return impl_->controller.rtfProperties();
+}
+
+void RichTextBox::SetDefaultFormat(const QString& fontName, double points) {
+  impl_->defaultFont = QFont(fontName);
+  impl_->defaultPoints = points;
+  impl_->layout.SetDefaultFont(impl_->defaultFont);
+  impl_->ApplyEmptyFormat();
+  impl_->ViewChanged();
+}
+
+// --- Appearance
+
+void RichTextBox::SetBackgroundColor(const QColor& color) {
+  impl_->background = color;
+  viewport()->update();
+}
+
+double RichTextBox::Zoom() const {
+  return impl_->layout.zoom();
+}
+
+void RichTextBox::SetZoom(double factor) {
+  impl_->layout.SetZoom(std::clamp(factor, 0.1, 10.0));
+  impl_->ViewChanged();
+}
+
+bool RichTextBox::overtype() const {
+  return impl_->controller.overtype();
+}
+void RichTextBox::SetOvertype(bool on) {
+  impl_->controller.SetOvertype(on);
+}
+bool RichTextBox::readOnly() const {
+  return impl_->controller.readOnly();
+}
+void RichTextBox::SetReadOnly(bool on) {
+  impl_->controller.SetReadOnly(on);
+}
+
+// --- What the controller asks
+
+void RichTextBox::Impl::ViewChanged() {
+  UpdateScrollBar();
+  RestartBlinking();
+  box.viewport()->update();
+  box.updateMicroFocus();
+}
+
+void RichTextBox::Impl::TextChanged() {
+  TellTextChange(box, toldContent, toldRevision);
+  Q_EMIT box.Change();
+}
+
+void RichTextBox::Impl::SelectionChanged() {
+  TellSelectionChange(box, controller.selection());
+  Q_EMIT box.SelChange();
+}
+
+void RichTextBox::Impl::Refused() {
+  QApplication::beep();
+}
+
+void RichTextBox::Impl::ResetComposition() {
+  if (box.hasFocus()) QGuiApplication::inputMethod()->reset();
+}
+
+void RichTextBox::Impl::StartDrag() {
+  auto data = std::make_unique<EditorMimeData>(document.content(), controller.range(), controller.rtfProperties());
+  Q_EMIT box.DragStarting(data.get());
+  auto* drag = new QDrag(&box);
+  drag->setMimeData(data.release());
+  const QPointer<RichTextBox> alive(&box);
+  dragging = true;
+  drag->exec(Qt::CopyAction);
+  if (alive) dragging = false;
+}
+
+const QMimeData* RichTextBox::Impl::ClipboardData(QClipboard::Mode mode) {
+  return QGuiApplication::clipboard()->mimeData(mode);
+}
+
+void RichTextBox::Impl::SetClipboardData(QClipboard::Mode mode, std::unique_ptr<QMimeData> data) {
+  QGuiApplication::clipboard()->setMimeData(data.release(), mode);
+}
+
+bool RichTextBox::Impl::HasPrimarySelection() {
+  return QGuiApplication::clipboard()->supportsSelection();
+}
+
+// --- Scroll bar and caret
+
+double RichTextBox::Impl::LineHeight() const {
+  return QFontMetricsF(text::layout::FontOf(document.formats(), DefaultFormat(), defaultFont, layout.zoom()))
+      .lineSpacing();
+}
+
+void RichTextBox::Impl::UpdateScrollBar() {
+  const bool outer = std::exchange(syncingScrollBar, true);
+  QScrollBar* bar = box.verticalScrollBar();
+  bar->setPageStep(layout.scrollPage());
+  bar->setSingleStep(std::max(1, static_cast<int>(LineHeight())));
+  bar->setRange(0, layout.scrollMaximum());
+  bar->setValue(layout.scrollValue());
+  syncingScrollBar = outer;
+}
+
+// Steps are counted in pixels: in a huge text one unit of the bar is many of them.
+void RichTextBox::Impl::ScrollBarAction(int action) {
+  const double line = LineHeight();
+  const double page = std::max(line, layout.viewport().height() - line);
+  switch (action) {
+    case QAbstractSlider::SliderSingleStepAdd:
+      layout.ScrollBy(line);
+      break;
+    case QAbstractSlider::SliderSingleStepSub:
+      layout.ScrollBy(-line);
+      break;
+    case QAbstractSlider::SliderPageStepAdd:
+      layout.ScrollBy(page);
+      break;
+    case QAbstractSlider::SliderPageStepSub:
+      layout.ScrollBy(-page);
+      break;
+    default:
+      return;
+  }
+  UpdateScrollBar();
+  box.verticalScrollBar()->setSliderPosition(layout.scrollValue());
+  box.viewport()->update();
+}
+
+void RichTextBox::scrollContentsBy(int, int) {
+  if (impl_->syncingScrollBar) return;
+  if (verticalScrollBar()->value() != impl_->layout.scrollValue()) {
+    impl_->layout.SetScrollValue(verticalScrollBar()->value());
+  }
+  viewport()->update();
+}
+
+void RichTextBox::Impl::RestartBlinking() {
+  blinkTimer.stop();
+  caretShown = box.hasFocus();
+  const int flash = QGuiApplication::styleHints()->cursorFlashTime();
+  if (caretShown && flash > 1) blinkTimer.start(flash / 2, &box);
+}
+
+void RichTextBox::Impl::RepaintCaret() {
+  QRectF rect = layout.CaretRect(controller.caret());
+  if (controller.overtype()) rect.setWidth(std::max(rect.width(), 2 * rect.height()));
+  constexpr int kLean = 8;  // an italic caret and its rounding
+  box.viewport()->update(rect.toAlignedRect().adjusted(-kLean, -1, kLean, 1));
+}
+
+void RichTextBox::Impl::UpdateAutoScroll() {
+  if (!mouse.wantsAutoScroll()) {
+    autoScrollTimer.stop();
+  } else if (!autoScrollTimer.isActive()) {
+    autoScrollTimer.start(EditorMouse::kAutoScrollInterval, &box);
+  }
+}
+
+}  // namespace ui

@@ -1,0 +1,59 @@
+// The inside of a RichTextBox, for its own source files.
+#pragma once
+
+#include "ui/editor/EditorController.h"
+#include "ui/editor/EditorMouse.h"
+#include "ui/editor/RichTextBox.h"
+
+#include <QBasicTimer>
+#include <QFont>
+
+namespace ui {
+
+struct RichTextBox::Impl : EditorHost {
+  explicit Impl(RichTextBox& owner) : box(owner) {}
+
+  // EditorHost
+  void ViewChanged() override;
+  void TextChanged() override;
+  void SelectionChanged() override;
+  void OvertypeChanged(bool on) override { Q_EMIT box.OvertypeChanged(on); }
+  void ZoomBy(double factor) override { box.SetZoom(layout.zoom() * factor); }
+  void Refused() override;
+  void ResetComposition() override;
+  void StartDrag() override;
+  const QMimeData* ClipboardData(QClipboard::Mode mode) override;
+  void SetClipboardData(QClipboard::Mode mode, std::unique_ptr<QMimeData> data) override;
+  bool HasPrimarySelection() override;
+
+  void UpdateScrollBar();
+  void ScrollBarAction(int action);
+  void RestartBlinking();
+  void RepaintCaret();
+  void UpdateAutoScroll();
+  double LineHeight() const;
+  text::CharFormat DefaultFormat() const;
+  text::Content InDefaultFormat(const text::Content& content) const;
+  void ApplyEmptyFormat();
+
+  RichTextBox& box;
+  text::Document document;
+  text::layout::ViewLayout layout{document};
+  EditorController controller{document, layout, *this};
+  EditorMouse mouse{controller};
+  bool rich = false;
+  int bulletIndent = 360;
+  QFont defaultFont;
+  double defaultPoints = 12;
+  QColor background;
+  QBasicTimer blinkTimer;
+  QBasicTimer autoScrollTimer;
+  bool caretShown = false;
+  bool syncingScrollBar = false;
+  bool dragging = false;
+  // What assistive programs were told of.
+  text::Content toldContent;
+  text::Revision toldRevision = 0;
+};
+
+}  // namespace ui
