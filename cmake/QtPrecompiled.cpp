@@ -1,0 +1,1 @@
+// A target that owns a precompiled header needs a file to compile.
