@@ -5,6 +5,7 @@
 
 #include <array>
 #include <atomic>
+#include <bit>
 #include <cstddef>
 #include <memory>
 #include <mutex>
@@ -12,7 +13,8 @@
 
 namespace text {
 
-// A vector whose elements never move. One thread at a time appends; any thread that was handed an index reads.
+// A vector whose elements never move: chunk k holds kFirst << k of them. One thread at a time appends; any thread that
+// was handed an index reads.
 template <class T>
 class StableVector {
  public:
@@ -23,22 +25,24 @@ class StableVector {
     for (auto& chunk : chunks_) delete[] chunk.load(std::memory_order_relaxed);
   }
   size_t size() const { return size_.load(std::memory_order_acquire); }
-  const T& operator[](size_t i) const { return chunks_[i / kChunk].load(std::memory_order_acquire)[i % kChunk]; }
-  // Returns the index, or the last one when all kChunk * kChunks places are taken.
-  size_t Append(T value) {
+  const T& operator[](size_t i) const {
+    const size_t k = ChunkOf(i);
+    return chunks_[k].load(std::memory_order_acquire)[i - Start(k)];
+  }
+  size_t Append(T value) {  // returns its index
     const size_t i = size_.load(std::memory_order_relaxed);
-    if (i == kChunk * kChunks) return i - 1;
-    auto& chunk = chunks_[i / kChunk];
-    if (!chunk.load(std::memory_order_relaxed)) chunk.store(new T[kChunk], std::memory_order_release);
-    chunk.load(std::memory_order_relaxed)[i % kChunk] = std::move(value);
+    const size_t k = ChunkOf(i);
+    if (!chunks_[k].load(std::memory_order_relaxed)) chunks_[k].store(new T[kFirst << k], std::memory_order_release);
+    chunks_[k].load(std::memory_order_relaxed)[i - Start(k)] = std::move(value);
     size_.store(i + 1, std::memory_order_release);
     return i;
   }
 
  private:
-  static constexpr size_t kChunk = 1024;
-  static constexpr size_t kChunks = 4096;
-  std::array<std::atomic<T*>, kChunks> chunks_{};
+  static constexpr size_t kFirst = 16;
+  static constexpr size_t Start(size_t chunk) { return (kFirst << chunk) - kFirst; }
+  static constexpr size_t ChunkOf(size_t i) { return static_cast<size_t>(std::bit_width(i / kFirst + 1)) - 1; }
+  std::array<std::atomic<T*>, 28> chunks_{};  // ids are 32 bits
   std::atomic<size_t> size_ = 0;
 };
 
