@@ -13,7 +13,7 @@ constexpr int64_t kDirectionUnits = 1024;
 constexpr char16_t kObject = u'\uFFFC';
 constexpr char16_t kObjectStandIn = u'\u25A1';  // any character of some width; the box is drawn by the painter
 constexpr char16_t kReplacement = u'\uFFFD';
-constexpr char16_t kWordJoiner = u'\u2060';     // of no width, and no line breaks beside it
+constexpr char16_t kWordJoiner = u'\u2060';  // of no width, and no line breaks beside it
 
 bool IsRightToLeftChar(char32_t c) {
   switch (QChar::direction(c)) {
@@ -22,8 +22,10 @@ bool IsRightToLeftChar(char32_t c) {
     case QChar::DirAN:
     case QChar::DirRLE:
     case QChar::DirRLO:
-    case QChar::DirRLI: return true;
-    default: return false;
+    case QChar::DirRLI:
+      return true;
+    default:
+      return false;
   }
 }
 

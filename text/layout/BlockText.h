@@ -24,15 +24,15 @@ struct BlockRun {
 // that is inserted at preeditBegin.
 struct BlockText {
   QString text;
-  std::vector<BlockRun> runs;     // in order, covering the text
-  std::vector<int> objects;       // offsets of embedded objects
-  std::vector<int> pageBreaks;    // offsets of form feeds, shown as line separators
+  std::vector<BlockRun> runs;                       // in order, covering the text
+  std::vector<int> objects;                         // offsets of embedded objects
+  std::vector<int> pageBreaks;                      // offsets of form feeds, shown as line separators
   CharFormatId endFormat = CharFormatId::kDefault;  // for a text without any character
   ParaFormat paragraph;
   bool startsParagraph = true;
   bool endsParagraph = true;
-  bool rightToLeft = false;       // the paragraph's direction
-  bool mixed = false;             // some character may be shown right to left
+  bool rightToLeft = false;  // the paragraph's direction
+  bool mixed = false;        // some character may be shown right to left
   bool tabs = false;
   int preeditBegin = -1;
   int preeditLength = 0;

@@ -15,12 +15,18 @@ constexpr uint8_t kSymbolCharset = 2;
 
 QFont::StyleHint HintOf(uint8_t family) {
   switch (family) {
-    case 1: return QFont::Serif;
-    case 2: return QFont::SansSerif;
-    case 3: return QFont::TypeWriter;
-    case 4: return QFont::Cursive;
-    case 5: return QFont::Fantasy;
-    default: return QFont::AnyStyle;
+    case 1:
+      return QFont::Serif;
+    case 2:
+      return QFont::SansSerif;
+    case 3:
+      return QFont::TypeWriter;
+    case 4:
+      return QFont::Cursive;
+    case 5:
+      return QFont::Fantasy;
+    default:
+      return QFont::AnyStyle;
   }
 }
 

@@ -13,7 +13,7 @@ namespace text::layout {
 // Twips to logical pixels.
 constexpr double kTwipsPerPixel = 15.0;
 // No length, line or font is laid out larger than this many pixels, so that a block stays within the range of QFixed.
-constexpr double kMaxPixels = 2400;
+constexpr double kMaxPixels = 2000;
 
 struct FormatLook {
   CharFormat source;

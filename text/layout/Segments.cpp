@@ -11,7 +11,9 @@ namespace {
 // How much text on each side of a candidate decides its rank.
 constexpr int64_t kContext = 8;
 
-bool IsBlank(char16_t unit) { return unit == u' ' || unit == u'\t' || unit == u'\u3000'; }
+bool IsBlank(char16_t unit) {
+  return unit == u' ' || unit == u'\t' || unit == u'\u3000';
+}
 
 // Ranks candidates by the text around them. The lowest rank in the window is the border: as the window slides over the
 // text, because something was typed in front of it, the same place stays the border for a long while.
@@ -53,7 +55,8 @@ std::optional<size_t> PlaceBetweenGraphemes(std::u16string_view text, size_t fir
   finder.setPosition(static_cast<qsizetype>(first));
   BestPlace best(text);
   qsizetype at = finder.isAtBoundary() ? static_cast<qsizetype>(first) : finder.toNextBoundary();
-  for (; at >= 0 && at <= static_cast<qsizetype>(last); at = finder.toNextBoundary()) best.Offer(static_cast<size_t>(at));
+  for (; at >= 0 && at <= static_cast<qsizetype>(last); at = finder.toNextBoundary())
+    best.Offer(static_cast<size_t>(at));
   return best.place();
 }
 
@@ -107,13 +110,17 @@ BlockSpan SpanAt(const Content& content, Units position, Bias bias) {
 }
 
 std::optional<BlockSpan> SpanAfter(const Content& content, const BlockSpan& span) {
-  if (!span.endsParagraph()) return BlockSpan{SegmentAt(content, span.paragraph, span.range.end, Bias::kRight), span.paragraph, span.paragraphNumber};
+  if (!span.endsParagraph())
+    return BlockSpan{SegmentAt(content, span.paragraph, span.range.end, Bias::kRight), span.paragraph,
+                     span.paragraphNumber};
   if (span.paragraphNumber == content.breaks()) return std::nullopt;
   return SpanIn(content, span.paragraphNumber + Breaks(1), span.range.end + Units(1), Bias::kRight);
 }
 
 std::optional<BlockSpan> SpanBefore(const Content& content, const BlockSpan& span) {
-  if (!span.startsParagraph()) return BlockSpan{SegmentAt(content, span.paragraph, span.range.begin, Bias::kLeft), span.paragraph, span.paragraphNumber};
+  if (!span.startsParagraph())
+    return BlockSpan{SegmentAt(content, span.paragraph, span.range.begin, Bias::kLeft), span.paragraph,
+                     span.paragraphNumber};
   if (span.paragraphNumber == Breaks(0)) return std::nullopt;
   return SpanIn(content, span.paragraphNumber - Breaks(1), span.range.begin - Units(1), Bias::kLeft);
 }

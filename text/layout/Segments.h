@@ -15,8 +15,8 @@ constexpr int64_t kSegmentWindow = 1024;
 constexpr int64_t kMaxBlockUnits = kSegmentUnits + 2 * kSegmentWindow;
 
 struct BlockSpan {
-  Range range;          // without the paragraph's break
-  Range paragraph;      // likewise
+  Range range;      // without the paragraph's break
+  Range paragraph;  // likewise
   Breaks paragraphNumber;
   bool startsParagraph() const { return range.begin == paragraph.begin; }
   bool endsParagraph() const { return range.end == paragraph.end; }

@@ -19,7 +19,10 @@ class QPainter;
 
 namespace text::layout {
 
-// A caret place: at a line wrap the same position stands at the end of one line (kLeft) and the start of the next (kRight).
+class BlockPainter;
+
+// A caret place: at a line wrap the same position stands at the end of one line (kLeft) and the start of the next
+// (kRight).
 struct CaretPlace {
   Units position;
   Bias affinity = Bias::kRight;
@@ -34,13 +37,14 @@ struct Preedit {
 };
 
 struct PaintOptions {
-  QPalette palette;             // text, base, highlight come from here; automatic colours follow it
-  QColor background;            // invalid = palette's base
+  QPalette palette;   // text, base, highlight come from here; automatic colours follow it
+  QColor background;  // invalid = palette's base
   Selection selection;
   bool selectionActive = true;  // the control has the focus
   bool showCaret = false;
-  bool overtype = false;        // block caret
-  CharFormat caretFormat;       // of the text typed next; the caret leans when italic
+  Bias caretAffinity = Bias::kRight;
+  bool overtype = false;   // block caret
+  CharFormat caretFormat;  // of the text typed next; the caret leans when italic
 };
 
 class ViewLayout {
@@ -51,9 +55,10 @@ class ViewLayout {
 
   // --- Settings. Each keeps the text at the top of the viewport where it is.
   void SetViewport(QSizeF size);
-  void SetZoom(double factor);              // 0.1 .. 10; 1 = 15 twips a pixel
-  void SetDefaultFont(const QFont& font);   // for formats with the default font
-  void SetMargins(double margin);           // around the text, pixels
+  void SetZoom(double factor);             // 0.1 .. 10; 1 = 15 twips a pixel
+  void SetDefaultFont(const QFont& font);  // for formats with the default font
+  void SetMargins(double margin);          // around the text, pixels
+  void SetDefaultTab(int twips);           // between tab stops that no format sets; 720 at first
   QSizeF viewport() const;
   double zoom() const;
 
@@ -82,8 +87,9 @@ class ViewLayout {
   std::vector<QRectF> RangeRects(Range range);
 
   // --- Lines, anywhere in the document
-  Range LineAt(CaretPlace place);      // without the break; of the visual line
-  // The place `lines` visual lines further down (negative: up) nearest to x; stays in the first or last line at the ends.
+  Range LineAt(CaretPlace place);  // without the break; of the visual line
+  // The place `lines` visual lines further down (negative: up) nearest to x; stays in the first or last line at the
+  // ends.
   CaretPlace MoveByLines(CaretPlace place, int64_t lines, double x);
   // One character to the visual left or right, through right-to-left runs as they are seen.
   CaretPlace MoveVisually(CaretPlace place, bool right);
@@ -97,6 +103,8 @@ class ViewLayout {
   size_t cachedBlocks() const;
 
  private:
+  void PaintCaret(BlockPainter& painter, const PaintOptions& options);
+
   struct Impl;
   std::unique_ptr<Impl> impl_;
 };

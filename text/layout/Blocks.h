@@ -1,0 +1,52 @@
+// Lays out blocks of a document as they are asked for, with the settings of one view.
+#pragma once
+
+#include "text/layout/BlockCache.h"
+#include "text/layout/ViewLayout.h"
+
+#include <memory>
+#include <optional>
+
+namespace text::layout {
+
+class Blocks {
+ public:
+  explicit Blocks(const Document& document);
+
+  const Document& document() const { return document_; }
+  const Content& content() const { return document_.content(); }
+  // Grows whenever the text or a setting changed, so that any height may be another.
+  uint64_t generation() const { return generation_; }
+
+  // Takes in the document's changes, in order. False when they are not known: everything was dropped.
+  bool Update(const std::function<void(const Change&)>& visit);
+
+  void SetWidth(double width);
+  void SetFont(const QFont& font, double zoom);
+  void SetDefaultTab(int twips);
+  void SetPreedit(std::optional<Preedit> preedit);
+  void SetCapacity(size_t blocks) { cache_.SetCapacity(blocks); }
+
+  double zoom() const { return fonts_.zoom(); }
+  const QFont& font() const { return fonts_.defaultFont(); }
+  const std::optional<Preedit>& preedit() const { return preedit_; }
+  const FormatFonts& fonts() const { return fonts_; }
+  size_t cached() const { return cache_.size(); }
+
+  std::shared_ptr<const LayoutBlock> Get(const BlockSpan& span);
+
+ private:
+  void Drop();
+
+  const Document& document_;
+  std::weak_ptr<TextStore> store_;  // whose formats the looks are made of
+  Revision revision_;
+  uint64_t generation_ = 1;
+  FormatFonts fonts_;
+  BlockCache cache_;
+  double width_ = 0;
+  int defaultTab_ = 720;
+  std::optional<Preedit> preedit_;
+};
+
+}  // namespace text::layout

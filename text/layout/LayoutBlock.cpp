@@ -1,0 +1,283 @@
+#include "text/layout/LayoutBlock.h"
+
+#include <QFontMetricsF>
+
+#include <algorithm>
+#include <cmath>
+
+namespace text::layout {
+namespace {
+
+// Text is never squeezed into less than this, whatever the indents say.
+constexpr double kMinTextPixels = 24;
+constexpr double kBreakWidth = 0.35;  // of the line's height
+constexpr double kBulletGap = 6;
+
+double Pixels(int32_t twips, double zoom) {
+  return std::clamp(twips / kTwipsPerPixel * zoom, -1e6, 1e6);
+}
+double Space(int32_t twips, double zoom) {
+  return std::round(std::clamp(Pixels(twips, zoom), 0.0, kMaxPixels));
+}
+
+Qt::Alignment AlignmentOf(const ParaFormat& format, bool rightToLeft) {
+  switch (format.alignment) {
+    case Alignment::kRight:
+      return Qt::AlignRight;
+    case Alignment::kCenter:
+      return Qt::AlignHCenter;
+    case Alignment::kJustify:
+      return Qt::AlignJustify;
+    case Alignment::kLeft:
+      break;
+  }
+  // Where only the text says that it runs to the left, "left" is not a choice but the default: it begins at its right.
+  return rightToLeft && !format.rightToLeft ? Qt::AlignRight : Qt::AlignLeft;
+}
+
+double ObjectSize(const FormatLook& look) {
+  return std::round(look.ascent + look.descent);
+}
+
+// The stand-in is made as wide as the object by the spacing behind it.
+QTextCharFormat ObjectFormat(const FormatLook& look, QChar standIn) {
+  QTextCharFormat format = look.format;
+  QFont font = look.font;
+  font.setUnderline(false);
+  font.setStrikeOut(false);
+  font.setLetterSpacing(QFont::AbsoluteSpacing, ObjectSize(look) - QFontMetricsF(look.font).horizontalAdvance(standIn));
+  format.setFont(font);
+  format.setForeground(Qt::transparent);
+  return format;
+}
+
+}  // namespace
+
+LayoutBlock::LayoutBlock(BlockText text, const BlockStyle& style) : text_(std::move(text)), width_(style.width) {
+  looks_.reserve(text_.runs.size());
+  for (const BlockRun& run : text_.runs) looks_.push_back(&style.fonts->Of(*style.formats, run.format));
+  endLook_ = text_.runs.empty() ? &style.fonts->Of(*style.formats, text_.endFormat) : looks_.back();
+  SetUpLayout(style);
+  PlaceLines(style);
+  PlaceBullet(style.fonts->zoom());
+}
+
+QList<QTextLayout::FormatRange> LayoutBlock::FormatRanges() const {
+  QList<QTextLayout::FormatRange> ranges;
+  const bool plain = text_.objects.empty() && looks_.size() <= 1 && endLook_->fontOnly;
+  if (!plain) {
+    for (size_t i = 0; i < looks_.size(); ++i) {
+      const BlockRun& run = text_.runs[i];
+      ranges.append({run.begin, run.end - run.begin, looks_[i]->format});
+    }
+  }
+  for (const int object : text_.objects) ranges.append({object, 1, ObjectFormat(LookAt(object), text_.text[object])});
+  for (QTextLayout::FormatRange range : text_.preeditFormats) {
+    QTextCharFormat format = LookAt(range.start).format;
+    format.merge(range.format);
+    range.format = format;
+    ranges.append(range);
+  }
+  return ranges;
+}
+
+void LayoutBlock::SetUpLayout(const BlockStyle& style) {
+  layout_.setCacheEnabled(true);
+  layout_.setText(text_.text);
+  layout_.setFont(looks_.empty() ? endLook_->font : looks_.front()->font);
+  const QList<QTextLayout::FormatRange> ranges = FormatRanges();
+  if (!ranges.isEmpty()) layout_.setFormats(ranges);
+  option_.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+  option_.setTextDirection(text_.rightToLeft ? Qt::RightToLeft : Qt::LeftToRight);
+  option_.setAlignment(AlignmentOf(text_.paragraph, text_.rightToLeft));
+  option_.setTabStopDistance(std::max(1.0, Pixels(style.defaultTab, style.fonts->zoom())));
+  layout_.setTextOption(option_);
+}
+
+// The indents count from the side where the paragraph's lines begin.
+LayoutBlock::Edges LayoutBlock::EdgesOf(bool firstLine, double zoom) const {
+  const ParaFormat& format = text_.paragraph;
+  double lead = Pixels(format.leftIndent, zoom);
+  if (firstLine) {
+    const double first = lead + Pixels(format.firstIndent, zoom);
+    lead = format.bullet ? std::max(lead, std::max(0.0, first) + bulletRect_.width() + kBulletGap * zoom) : first;
+  }
+  const double room = std::max(0.0, width_ - std::min(width_, kMinTextPixels));
+  lead = std::clamp(lead, 0.0, room);
+  const double trail = std::clamp(Pixels(format.rightIndent, zoom), 0.0, room - lead);
+  return text_.rightToLeft ? Edges{trail, lead} : Edges{lead, trail};
+}
+
+// Qt counts tab stops from where the line begins, the document from the paragraph's edge. A hanging first line has the
+// place of the following lines as a stop of its own.
+void LayoutBlock::SetTabs(const BlockStyle& style, double lead) {
+  const double zoom = style.fonts->zoom();
+  const double distance = option_.tabStopDistance();
+  std::vector<double> stops;
+  for (const int32_t stop : (*style.formats)[text_.paragraph.tabs]) stops.push_back(Pixels(stop, zoom));
+  if (text_.paragraph.firstIndent < 0) stops.push_back(Pixels(text_.paragraph.leftIndent, zoom));
+  if (stops.empty() && lead == 0) return;
+  const double last = stops.empty() ? 0 : *std::max_element(stops.begin(), stops.end());
+  for (double stop = (std::floor(last / distance) + 1) * distance; stop < width_ && stops.size() < 1000;
+       stop += distance) {
+    stops.push_back(stop);
+  }
+  std::sort(stops.begin(), stops.end());
+  QList<QTextOption::Tab> tabs;
+  for (const double stop : stops) {
+    if (stop > lead) tabs.append(QTextOption::Tab(stop - lead, QTextOption::LeftTab));
+  }
+  option_.setTabs(tabs);
+  layout_.setTextOption(option_);
+}
+
+void LayoutBlock::MeasureLine(const QTextLine& line, double zoom, BlockLine* measured, double* ascent,
+                              double* descent) const {
+  double up = line.ascent(), down = line.descent(), leading = std::max(0.0, line.leading());
+  for (size_t i = 0; i < looks_.size(); ++i) {
+    if (looks_[i]->raise == 0 || text_.runs[i].end <= measured->begin || text_.runs[i].begin >= measured->next)
+      continue;
+    up = std::max(up, looks_[i]->ascent + looks_[i]->raise);
+    down = std::max(down, looks_[i]->descent - looks_[i]->raise);
+  }
+  *ascent = std::ceil(up);
+  *descent = std::ceil(down);
+  const double natural = std::clamp(*ascent + *descent + std::ceil(leading), 1.0, 2 * kMaxPixels);
+  const ParaFormat& format = text_.paragraph;
+  const double asked =
+      format.lineSpacingMultiple ? natural * format.lineSpacing / 240.0 : Pixels(format.lineSpacing, zoom);
+  measured->height = natural;
+  if (format.lineSpacing != 0) {
+    // A negative spacing is exact, a positive one the least; multiples of a line may also be less than one.
+    const bool least = !format.lineSpacingMultiple && asked > 0;
+    measured->height = std::clamp(std::round(least ? std::max(asked, natural) : std::abs(asked)), 1.0, 2 * kMaxPixels);
+  }
+}
+
+void LayoutBlock::PlaceLines(const BlockStyle& style) {
+  const double zoom = style.fonts->zoom();
+  if (text_.paragraph.bullet && text_.startsParagraph) {
+    bulletRect_.setWidth(QFontMetricsF(LookAt(0).font).horizontalAdvance(QChar(0x2022)));
+  }
+  double y = text_.startsParagraph ? Space(text_.paragraph.spaceBefore, zoom) : 0;
+  layout_.beginLayout();
+  for (QTextLine line = layout_.createLine(); line.isValid(); line = layout_.createLine()) {
+    const bool first = lines_.empty() && text_.startsParagraph;
+    const Edges edges = EdgesOf(first, zoom);
+    if (text_.tabs && (lines_.empty() || lines_.size() == 1))
+      SetTabs(style, text_.rightToLeft ? edges.right : edges.left);
+    line.setLineWidth(width_ - edges.left - edges.right);
+    // The heights are ours: positions within the layout have a range that tall blocks would leave.
+    line.setPosition({edges.left, 0});
+    BlockLine placed;
+    placed.begin = line.textStart();
+    placed.next = placed.end = placed.begin + line.textLength();
+    if (placed.end > placed.begin && text_.text[placed.end - 1] == QChar::LineSeparator) --placed.end;
+    double ascent = 0, descent = 0;
+    MeasureLine(line, zoom, &placed, &ascent, &descent);
+    placed.top = y;
+    placed.baseline = y + placed.height - descent;
+    y += placed.height;
+    lines_.push_back(placed);
+  }
+  layout_.endLayout();
+  height_ = y + (text_.endsParagraph ? Space(text_.paragraph.spaceAfter, zoom) : 0);
+}
+
+void LayoutBlock::PlaceBullet(double zoom) {
+  if (bulletRect_.width() == 0) return;
+  const double width = bulletRect_.width();
+  const double lead = std::clamp(Pixels(text_.paragraph.leftIndent + text_.paragraph.firstIndent, zoom), 0.0,
+                                 std::max(0.0, width_ - kMinTextPixels));
+  const BlockLine& line = lines_.front();
+  bulletRect_ = QRectF(text_.rightToLeft ? width_ - lead - width : lead, line.top, width, line.height);
+}
+
+const FormatLook& LayoutBlock::LookAt(int shown) const {
+  const auto run = std::upper_bound(text_.runs.begin(), text_.runs.end(), shown,
+                                    [](int offset, const BlockRun& r) { return offset < r.end; });
+  return run == text_.runs.end() ? *endLook_ : *looks_[static_cast<size_t>(run - text_.runs.begin())];
+}
+
+int LayoutBlock::FromShown(int shown) const {
+  if (text_.preeditLength == 0 || shown <= text_.preeditBegin) return shown;
+  return std::max(text_.preeditBegin, shown - text_.preeditLength);
+}
+
+size_t LayoutBlock::LineOf(int shown, Bias bias) const {
+  const auto line = std::upper_bound(lines_.begin(), lines_.end(), shown,
+                                     [](int offset, const BlockLine& l) { return offset < l.next; });
+  size_t index = line == lines_.end() ? lines_.size() - 1 : static_cast<size_t>(line - lines_.begin());
+  if (bias == Bias::kLeft && index > 0 && shown == lines_[index].begin && lines_[index - 1].wraps()) --index;
+  return index;
+}
+
+size_t LayoutBlock::LineAtY(double y) const {
+  const auto line = std::upper_bound(lines_.begin(), lines_.end(), y,
+                                     [](double at, const BlockLine& l) { return at < l.top + l.height; });
+  return line == lines_.end() ? lines_.size() - 1 : static_cast<size_t>(line - lines_.begin());
+}
+
+double LayoutBlock::XAt(size_t line, int shown) const {
+  return std::clamp(qtLine(line).cursorToX(shown), 0.0, width_);
+}
+
+CaretShape LayoutBlock::CaretAt(int shown, Bias bias) const {
+  const size_t index = LineOf(shown, bias);
+  const BlockLine& line = lines_[index];
+  // As high as the text before it, which is what typing continues; at a line's begin as the text behind it.
+  const FormatLook& look = LookAt(shown > line.begin ? shown - 1 : shown);
+  const double baseline = line.baseline - look.raise;
+  const QRectF rect(XAt(index, shown), baseline - std::ceil(look.ascent), 1,
+                    std::ceil(look.ascent) + std::ceil(look.descent));
+  return {rect, baseline};
+}
+
+LayoutBlock::Hit LayoutBlock::HitLine(size_t index, double x) const {
+  const BlockLine& line = lines_[index];
+  const int shown = std::clamp(qtLine(index).xToCursor(x), line.begin, line.end);
+  const bool atWrap = shown == line.end && shown > line.begin && index + 1 < lines_.size() && line.wraps();
+  return {shown, atWrap ? Bias::kLeft : Bias::kRight};
+}
+
+QRectF LayoutBlock::LineTextRect(size_t index) const {
+  const QRectF natural = qtLine(index).naturalTextRect();
+  const double left = std::clamp(natural.left(), 0.0, width_), right = std::clamp(natural.right(), 0.0, width_);
+  return {left, lines_[index].top, right - left, lines_[index].height};
+}
+
+void LayoutBlock::AddRects(size_t index, int from, int to, std::vector<QRectF>* rects) const {
+  const BlockLine& line = lines_[index];
+  from = std::max(from, line.begin);
+  to = std::min(to, line.end);
+  if (from >= to) return;
+  const auto add = [&](double a, double b) {
+    const auto [left, right] = std::minmax(std::clamp(a, 0.0, width_), std::clamp(b, 0.0, width_));
+    if (!rects->empty() && rects->back().top() == line.top) {
+      QRectF& last = rects->back();
+      if (std::abs(last.right() - left) < 0.1) return last.setRight(right);
+      if (std::abs(last.left() - right) < 0.1) return last.setLeft(left);
+    }
+    if (right > left) rects->emplace_back(left, line.top, right - left, line.height);
+  };
+  const QTextLine qt = qtLine(index);
+  if (!text_.mixed) return add(qt.cursorToX(from), qt.cursorToX(to));
+  for (int i = from; i < to; ++i) add(qt.cursorToX(i, QTextLine::Leading), qt.cursorToX(i, QTextLine::Trailing));
+}
+
+QRectF LayoutBlock::BreakRect(size_t index) const {
+  const BlockLine& line = lines_[index];
+  const double width = std::round(line.height * kBreakWidth);
+  const double x = XAt(index, line.end);
+  return {text_.rightToLeft ? x - width : x, line.top, width, line.height};
+}
+
+std::optional<int> LayoutBlock::MoveVisually(int offset, bool right) const {
+  const int shown = ToShown(offset);
+  const int moved = right ? layout_.rightCursorPosition(shown) : layout_.leftCursorPosition(shown);
+  const int result = FromShown(moved);
+  if (moved == shown || result == offset) return std::nullopt;
+  return result;
+}
+
+}  // namespace text::layout

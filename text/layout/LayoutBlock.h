@@ -1,0 +1,108 @@
+// One shaped block: its lines, where they stand, and the questions about places in it.
+//
+// Coordinates are logical pixels from the block's top left corner; the block is as wide as the text area. Offsets are
+// units from the block's begin: 0 .. units(). "Shown" offsets count in the shown text, which a preedit makes longer.
+#pragma once
+
+#include "text/layout/BlockText.h"
+#include "text/layout/FormatFonts.h"
+
+#include <QPointF>
+#include <QRectF>
+#include <QTextLayout>
+
+#include <vector>
+
+namespace text::layout {
+
+struct BlockStyle {
+  double width = 0;
+  int defaultTab = 720;  // twips
+  const FormatTable* formats = nullptr;
+  FormatFonts* fonts = nullptr;
+};
+
+struct BlockLine {
+  double top = 0;
+  double height = 0;
+  double baseline = 0;  // from the block's top
+  int begin = 0;        // shown offsets; a separator at its end is not part of the line
+  int end = 0;
+  int next = 0;  // where the following line begins
+  bool wraps() const { return end == next; }
+};
+
+struct CaretShape {
+  QRectF rect;
+  double baseline = 0;
+};
+
+class LayoutBlock {
+ public:
+  LayoutBlock(BlockText text, const BlockStyle& style);
+  LayoutBlock(const LayoutBlock&) = delete;
+  LayoutBlock& operator=(const LayoutBlock&) = delete;
+
+  double height() const { return height_; }
+  double width() const { return width_; }
+  int units() const { return static_cast<int>(text_.text.size()) - text_.preeditLength; }
+  const std::vector<BlockLine>& lines() const { return lines_; }
+  bool rightToLeft() const { return text_.rightToLeft; }
+  const BlockText& text() const { return text_; }
+  QTextLine qtLine(size_t line) const { return layout_.lineAt(static_cast<int>(line)); }
+  // The look of the character at a shown offset, or at the end of the text of the last one.
+  const FormatLook& LookAt(int shown) const;
+  // The part of the run's look that this block needs; one for each run of text().
+  const FormatLook& LookOfRun(size_t run) const { return *looks_[run]; }
+
+  int ToShown(int offset) const { return offset + (offset > text_.preeditBegin ? text_.preeditLength : 0); }
+  int FromShown(int shown) const;
+
+  // The line of a shown offset; at a wrap kLeft gives the line that ends there.
+  size_t LineOf(int shown, Bias bias) const;
+  // The line at a height, the nearest one outside the block.
+  size_t LineAtY(double y) const;
+  double XAt(size_t line, int shown) const;
+  CaretShape CaretAt(int shown, Bias bias) const;
+  // The place nearest to x in a line: a shown offset and the side of a wrap.
+  struct Hit {
+    int shown;
+    Bias bias;
+  };
+  Hit HitLine(size_t line, double x) const;
+  QRectF LineTextRect(size_t line) const;
+  // The rectangles that shown offsets from .. to cover in a line, as high as the line.
+  void AddRects(size_t line, int from, int to, std::vector<QRectF>* rects) const;
+  // Behind the line's last character: what shows that its break is selected.
+  QRectF BreakRect(size_t line) const;
+  // The offset one character to the left or right as it is seen, or nothing at the block's edge.
+  std::optional<int> MoveVisually(int offset, bool right) const;
+  // Behind the character at a shown offset.
+  int NextShown(int shown) const { return layout_.nextCursorPosition(shown); }
+  // Where a paragraph's bullet stands, an empty rectangle without one.
+  QRectF bulletRect() const { return bulletRect_; }
+
+ private:
+  struct Edges {
+    double left, right;  // of the text area's both sides
+  };
+  void SetUpLayout(const BlockStyle& style);
+  QList<QTextLayout::FormatRange> FormatRanges() const;
+  void PlaceLines(const BlockStyle& style);
+  Edges EdgesOf(bool firstLine, double zoom) const;
+  void SetTabs(const BlockStyle& style, double lead);
+  void MeasureLine(const QTextLine& line, double zoom, BlockLine* measured, double* ascent, double* descent) const;
+  void PlaceBullet(double zoom);
+
+  BlockText text_;
+  std::vector<const FormatLook*> looks_;
+  const FormatLook* endLook_ = nullptr;
+  QTextLayout layout_;
+  QTextOption option_;
+  std::vector<BlockLine> lines_;
+  QRectF bulletRect_;
+  double width_ = 0;
+  double height_ = 0;
+};
+
+}  // namespace text::layout
