@@ -4,6 +4,7 @@
 #include "text/Utf16.h"
 
 #include <algorithm>
+#include <array>
 #include <cassert>
 #include <stdexcept>
 #include <utility>
@@ -302,20 +303,24 @@ Content Content::Slice(Range range) const {
 
 namespace {
 
-// Calls the function once for each id in a row.
+// Remembers what the function gave for ids, so that runs of a few formats cost nothing.
 template <class Id>
 class Memo {
  public:
   explicit Memo(const std::function<Id(Id)>& map) : map_(map) {}
   Id operator()(Id id) {
-    if (!known_ || id != from_) from_ = id, to_ = map_(id), known_ = true;
-    return to_;
+    Entry& entry = entries_[static_cast<size_t>(id) % entries_.size()];
+    if (!entry.known || entry.from != id) entry = {true, id, map_(id)};
+    return entry.to;
   }
 
  private:
+  struct Entry {
+    bool known = false;
+    Id from{}, to{};
+  };
   const std::function<Id(Id)>& map_;
-  bool known_ = false;
-  Id from_{}, to_{};
+  std::array<Entry, 64> entries_{};
 };
 
 }  // namespace

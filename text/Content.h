@@ -111,7 +111,8 @@ class Content {
   // used, so a replacement without a break leaves the paragraph at its end as it is.
   Content WithReplaced(Range range, const Content& fragment) const;
   Content Slice(Range range) const;
-  // The formats of every character in the range go through the function, called once for each different format.
+  // The formats of every character in the range go through the function, called once, or seldom more, for each
+  // different format.
   Content WithCharFormats(Range range, const std::function<CharFormatId(CharFormatId)>& map) const;
   // The same for every paragraph that the range touches.
   Content WithParaFormats(Range range, const std::function<ParaFormatId(ParaFormatId)>& map) const;
