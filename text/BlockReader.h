@@ -1,0 +1,19 @@
+// Reads bytes straight into blocks of a store, without a copy, and makes content of them. Internal to text/.
+#pragma once
+
+#include "text/PlainText.h"
+#include "text/TextStore.h"
+
+namespace text {
+
+struct RawText {
+  Content content;  // without the UTF-8 byte-order mark
+  ScanCounts counts;
+  bool utf8Mark = false;
+  int error = 0;
+};
+
+RawText ReadBlocks(int descriptor, const Progress& progress);
+RawText ReadBlocks(std::string_view bytes);
+
+}  // namespace text
