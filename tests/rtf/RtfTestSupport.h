@@ -21,6 +21,11 @@ inline std::string TextOf(const Content& content) {
   return content.ByteString(content.all());
 }
 
+// A whole content as one line, so that contents of different stores compare: "<b fs20>" before text whose character
+// format differs from that before it, "<>" for the default one, "\n" with "[center li720]" behind each break and "$"
+// with the last paragraph's format at the end; a default format gives no brackets.
+std::string Describe(const Content& content);
+
 // The text with LF for every break, a soft one too.
 std::string PlainLines(const Content& content);
 std::string Written(const ReadResult& result);

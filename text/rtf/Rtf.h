@@ -16,8 +16,7 @@ struct DocumentProperties {
   int defaultTab = 720;     // \deftab, twips
   int defaultLanguage = 0;  // \deflang; 0 = not said
   FontId defaultFont = FontId::kDefault;
-  // Given back on saving as they were read: page measures ("\\paperw12240\\margl1800") and whole groups ("{\\info
-  // ...}").
+  // Given back on saving as they were read: words of the page (\paperw12240\margl1800) and whole groups ({\info ...}).
   std::string headerWords;
   std::string headerGroups;
 };

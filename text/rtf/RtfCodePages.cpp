@@ -1,7 +1,8 @@
 #include "text/rtf/RtfCodePages.h"
 
 #include <unicode/ucnv.h>
-#include <unicode/ustring.h>
+#include <unicode/ucnv_cb.h>
+#include <unicode/utf16.h>
 
 #include <algorithm>
 #include <iconv.h>
@@ -88,10 +89,21 @@ constexpr CharsetPage kCharsets[] = {
 
 const iconv_t kNoIconv = reinterpret_cast<iconv_t>(-1);
 
+// The converter's own substitute is U+001A for some pages.
+void Substitute(const void*, UConverterToUnicodeArgs* arguments, const char*, int32_t, UConverterCallbackReason reason,
+                UErrorCode* error) {
+  if (reason > UCNV_IRREGULAR) return;
+  constexpr UChar kReplacement = 0xFFFD;
+  *error = U_ZERO_ERROR;
+  ucnv_cbToUWriteUChars(arguments, &kReplacement, 1, 0, error);
+}
+
 UConverter* Open(const char* name) {
   UErrorCode error = U_ZERO_ERROR;
   UConverter* converter = ucnv_open(name, &error);
-  return U_SUCCESS(error) ? converter : nullptr;
+  if (U_FAILURE(error)) return nullptr;
+  ucnv_setToUCallBack(converter, Substitute, nullptr, nullptr, nullptr, &error);
+  return converter;
 }
 
 const NamedPage* FindPage(int number) {
@@ -139,6 +151,10 @@ int CodePageOfCharset(int charset, int ansi) {
   for (const CharsetPage& entry : kCharsets)
     if (entry.charset == charset) return entry.codePage;
   return ansi;
+}
+
+bool IsKnownCodePage(int number) {
+  return number == kSymbolCodePage || FindPage(number);
 }
 
 CodePage::CodePage(int number) {
@@ -224,9 +240,9 @@ void CodePage::DecodeJohab(std::string_view bytes, std::string& out) const {
 }
 
 const CodePage& CodePages::operator[](int number) {
-  const bool known = number == kSymbolCodePage || FindPage(number);
-  auto& page = pages_[known ? number : 1252];
-  if (!page) page = std::make_unique<CodePage>(known ? number : 1252);
+  if (!IsKnownCodePage(number)) number = 1252;
+  auto& page = pages_[number];
+  if (!page) page = std::make_unique<CodePage>(number);
   return *page;
 }
 

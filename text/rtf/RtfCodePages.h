@@ -20,6 +20,9 @@ constexpr int kSymbolCodePage = 42;
 // The code page that a \fcharset means; `ansi` is the document's \ansicpg.
 int CodePageOfCharset(int charset, int ansi);
 
+// False for a number that is decoded as 1252 for want of a converter.
+bool IsKnownCodePage(int number);
+
 class CodePage {
  public:
   explicit CodePage(int number);  // an unknown number is taken as 1252

@@ -103,7 +103,8 @@ void RtfReader::Skip(Dropped what) {
   tokenizer_.SkipGroup();
 }
 
-// The group's own bytes, closing brace included. A group that the file's end cuts off is not worth keeping.
+// The group's own bytes, closing brace included, unless the file's end cuts it off or raw data makes it unfit for
+// 7-bit writing.
 void RtfReader::KeepGroup() {
   const bool whole = firstWord_ && state().mode == Mode::kBody;
   tokenizer_.SkipGroup();
@@ -111,6 +112,7 @@ void RtfReader::KeepGroup() {
   if (!whole || end >= bytes_.size()) return;
   std::string& kept = result_.properties.headerGroups;
   const std::string_view group = bytes_.substr(groupBegin_, end + 1 - groupBegin_);
+  if (group.find("\\bin") != std::string_view::npos) return;
   if (kept.size() + group.size() > kMaxKeptHeader) {
     result_.limited = true;
     return;

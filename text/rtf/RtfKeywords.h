@@ -50,11 +50,10 @@ enum class Op : uint8_t {
   kTab,
   kListOverride,
   kListLevel,
-  // What is lost: always, when on, when not 0, when over 1, a bar tab
+  // What is lost: always, when on, when not 0, a bar tab
   kReport,
   kReportToggle,
   kReportValue,
-  kReportSeveral,
   kReportTab,
   // Inside the header's tables
   kFontFamily,

@@ -181,7 +181,8 @@ bool RtfReader::DocumentProperty(const Keyword& word, const Token& token) {
 
 void RtfReader::KeepHeaderWord(const Keyword& word, const Token& token) {
   std::string& words = result_.properties.headerWords;
-  if (sawText_ || stack_.size() != 1 || words.size() > kMaxHeaderWords) return;
+  if (sawText_) return Report(Dropped::kPageLayout);
+  if (stack_.size() != 1 || words.size() > kMaxHeaderWords) return;
   words += '\\';
   words += word.word;
   if (token.hasParameter) words += std::to_string(token.parameter);
@@ -197,8 +198,6 @@ void RtfReader::ReportingWord(const Keyword& word, bool on, int32_t number) {
       return on ? Report(what) : void();
     case Op::kReportValue:
       return number != 0 ? Report(what) : void();
-    case Op::kReportSeveral:
-      return number > 1 ? Report(what) : void();
     default:
       return;
   }

@@ -38,7 +38,8 @@ ReadResult RtfReader::Run(bool fragment, const Progress& progress) {
   while (!done_) CloseGroup();
   FlushSurrogate();
   result_.content = output_.Finish(fragment, tailParagraph_);
-  result_.properties.codePage = ansiCodePage_ > 0 ? ansiCodePage_ : characterSet_;
+  const int page = ansiCodePage_ > 0 ? ansiCodePage_ : characterSet_;
+  result_.properties.codePage = IsKnownCodePage(page) ? page : 1252;
   if (const auto found = tables_.fonts.find(defaultFont_); found != tables_.fonts.end())
     result_.properties.defaultFont = formats_.Intern(found->second.font);
   return std::move(result_);

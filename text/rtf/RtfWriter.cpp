@@ -48,7 +48,7 @@ bool RtfWriter::Run(Range range, bool wholeDocument) {
   Body(range);
   const bool openEnd = wholeDocument || !paragraph_.empty();
   if (openEnd && !refused_)
-    Paragraph(content_.ParaFormatOf(content_.ParagraphAt(range.end)), wholeDocument, currentId_);
+    Paragraph(content_.ParaFormatOf(content_.ParagraphAt(range.end)), wholeDocument, std::nullopt);
   Raw(wholeDocument ? "}\r\n" : "}");
   if (!refused_ && !sink_(out_)) refused_ = true;
   return !refused_;
@@ -177,7 +177,7 @@ void RtfWriter::SplitParagraphs(const PieceView& piece) {
   }
 }
 
-void RtfWriter::Paragraph(ParaFormatId format, bool close, CharFormatId breakFormat) {
+void RtfWriter::Paragraph(ParaFormatId format, bool close, std::optional<CharFormatId> breakFormat) {
   const ParaFormat& paragraph = formats_[format];
   if (!anyParagraph_ || format != currentParagraph_) {
     ParagraphFormat(paragraph);
@@ -192,7 +192,7 @@ void RtfWriter::Paragraph(ParaFormatId format, bool close, CharFormatId breakFor
   }
   paragraph_.clear();
   if (!close) return;
-  if (anyChars_ || breakFormat != CharFormatId::kDefault) Chars(breakFormat);
+  if (breakFormat) Chars(*breakFormat);
   Raw("\\par\r\n");
   SendIfLarge();
 }

@@ -4,6 +4,7 @@
 #include "text/rtf/Rtf.h"
 
 #include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -38,7 +39,8 @@ class RtfWriter {
   // --- Text
   void Body(Range range);
   void SplitParagraphs(const PieceView& piece);
-  void Paragraph(ParaFormatId format, bool close, CharFormatId breakFormat);
+  // Writes what was gathered; without a break's format it keeps the text's.
+  void Paragraph(ParaFormatId format, bool close, std::optional<CharFormatId> breakFormat);
   void ParagraphFormat(const ParaFormat& format);
   void Chars(CharFormatId id);
   void Text(std::string_view bytes);

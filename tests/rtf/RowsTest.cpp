@@ -1,0 +1,163 @@
+// Documents and their written form, checked in both directions.
+#include "tests/rtf/RtfTestSupport.h"
+
+#include <gtest/gtest.h>
+
+namespace text::rtf {
+namespace {
+
+struct Row {
+  std::string document;  // as Describe gives it
+  std::string body;      // of the file, without the closing brace
+  std::string fonts = "{\\f0\\fnil\\fcharset1 ;}";
+  std::string colors = {};
+};
+
+std::string FileOf(const Row& row) {
+  std::string file = "{\\rtf1\\ansi\\ansicpg1252\\deff0\\nouicompat{\\fonttbl" + row.fonts + "}\r\n";
+  if (!row.colors.empty()) file += "{\\colortbl ;" + row.colors + "}\r\n";
+  return file + "{\\*\\generator Quillmark 0.1.0;}\\viewkind4\\uc1\r\n" + row.body + "}\r\n";
+}
+
+class RtfRows : public testing::TestWithParam<Row> {};
+
+TEST_P(RtfRows, ReadAndWrite) {
+  const ReadResult result = ReadNew(FileOf(GetParam()));
+  EXPECT_EQ(Describe(result.content), GetParam().document);
+  EXPECT_EQ(Written(result), FileOf(GetParam()));
+  EXPECT_TRUE(result.dropped.empty()) << result.dropped.front();
+  EXPECT_FALSE(result.limited);
+}
+
+const std::string kPard = "\\pard\\f0\\fs24";
+const std::string kArial = "{\\f0\\fswiss\\fcharset0 Arial;}";
+
+const Row kRows[] = {
+    // Paragraphs
+    {"", "\\pard\\par\r\n"},
+    {"one", kPard + " one\\par\r\n"},
+    {"one\n", kPard + " one\\par\r\n\\par\r\n"},
+    {"one\ntwo", kPard + " one\\par\r\ntwo\\par\r\n"},
+    {"\n\n", kPard + "\\par\r\n\\par\r\n\\par\r\n"},
+    // Characters
+    {"<b>x<> y", "\\pard\\b\\f0\\fs24 x\\b0  y\\par\r\n"},
+    {"<b i ul strike prot v>x", "\\pard\\b\\i\\ul\\strike\\protect\\v\\f0\\fs24 x\\par\r\n"},
+    {"a<ul>b<>c", kPard + " a\\ul b\\ulnone c\\par\r\n"},
+    {"a<fs13>1", kPard + " a\\fs13 1\\par\r\n"},
+    {"<up60>a<up-40>b<>c", kPard + "\\up6 a\\dn4 b\\up0 c\\par\r\n"},
+    {"<cf0000ff>red<cf000000>black<>auto", kPard + "\\cf1 red\\cf2 black\\cf0 auto\\par\r\n",
+     "{\\f0\\fnil\\fcharset1 ;}", "\\red255\\green0\\blue0;\\red0\\green0\\blue0;"},
+    {"<bg00ffff>mark<>x", kPard + "\\highlight1 mark\\highlight0 x\\par\r\n", "{\\f0\\fnil\\fcharset1 ;}",
+     "\\red255\\green255\\blue0;"},
+    {"<Arial/0/2>a<Courier/0/3>b", kPard + " a\\f1 b\\par\r\n", kArial + "{\\f1\\fmodern\\fcharset0 Courier;}"},
+    {"<a;b ä/0/0>x", kPard + " x\\par\r\n", "{\\f0\\fnil\\fcharset0 a\\'3bb \\u228?;}"},
+    // The character format of a break stays its own.
+    {"a<b>\n<>b", kPard + " a\\b\\par\r\n\\b0 b\\par\r\n"},
+    // Text
+    {"a\\{b}", kPard + " a\\\\\\{b\\}\\par\r\n"},
+    {"-1 ", kPard + " -1 \\par\r\n"},
+    {"a\tb", kPard + " a\\tab b\\par\r\n"},
+    {"a\t\\", kPard + " a\\tab\\\\\\par\r\n"},
+    {"a\u2028b", kPard + " a\\line b\\par\r\n"},
+    {"a\fb", kPard + " a\\page b\\par\r\n"},
+    {"\u00A0\u2011\u00AD", kPard + "\\~\\_\\-\\par\r\n"},
+    {"ä€\u0081", kPard + "\\'e4\\'80\\'81\\par\r\n"},
+    {"Ωﬀ", kPard + "\\u937?\\u-1280?\\par\r\n"},
+    {"a😀1", kPard + " a\\u-10179?\\u-8704?1\\par\r\n"},
+    {"\x01\x7F", kPard + "\\'01\\u127?\\par\r\n"},
+    {std::string("a\0b", 3), kPard + " a\\u0?b\\par\r\n"},
+    {"<Symbol/2/0>\uF0B7a", kPard + "\\'b7a\\par\r\n", "{\\f0\\fnil\\fcharset2 Symbol;}"},
+    {"<Times CE/238/1>č", kPard + "\\u269?\\par\r\n", "{\\f0\\froman\\fcharset238 Times CE;}"},
+    // Paragraph formats
+    {"a\n[center]b\n[right]c$[justify]", "\\pard\\qc\\f0\\fs24 a\\par\r\n\\pard\\qr b\\par\r\n\\pard\\qj c\\par\r\n"},
+    {"a$[fi-360 li720 ri100]", "\\pard\\fi-360\\li720\\ri100\\f0\\fs24 a\\par\r\n"},
+    {"a$[sb120 sa240 slm276]", "\\pard\\sb120\\sa240\\sl276\\slmult1\\f0\\fs24 a\\par\r\n"},
+    {"a$[sl-240]", "\\pard\\sl-240\\slmult0\\f0\\fs24 a\\par\r\n"},
+    {"a$[rtl]", "\\pard\\rtlpar\\f0\\fs24 a\\par\r\n"},
+    {"a\tb$[tx720 tx1440]", "\\pard\\tx720\\tx1440\\f0\\fs24 a\\tab b\\par\r\n"},
+    {"a\n[bullet fi-360 li720]b\n[bullet fi-360 li720]c",
+     "\\pard{\\pntext\\f1\\'B7\\tab}{\\*\\pn\\pnlvlblt\\pnf1\\pnindent0{\\pntxtb\\'B7}}\\fi-360\\li720\\f0\\fs24 "
+     "a\\par\r\n{\\pntext\\f1\\'B7\\tab}b\\par\r\n\\pard c\\par\r\n",
+     "{\\f0\\fnil\\fcharset1 ;}{\\f1\\fnil\\fcharset2 Symbol;}"},
+};
+INSTANTIATE_TEST_SUITE_P(Rows, RtfRows, testing::ValuesIn(kRows));
+
+TEST(RtfWriter, StrayBytesBecomeTheCharactersTheyMostLikelyWere) {
+  ContentBuilder builder(NewStore());
+  builder.Append("a\xE4\x80 \xF0\x9F");
+  EXPECT_EQ(TextOf(ReadNew(Written(builder.Finish())).content), "aä€ ðŸ");
+}
+
+TEST(RtfWriter, EveryBreakSpellingIsAParagraph) {
+  ContentBuilder builder(NewStore());
+  builder.Append("a\nb\rc\r\n\rd");
+  EXPECT_EQ(TextOf(ReadNew(Written(builder.Finish())).content), "a\r\nb\r\nc\r\n\r\nd");
+}
+
+TEST(RtfWriter, StopsWhenTheSinkRefuses) {
+  ContentBuilder builder(NewStore());
+  for (int i = 0; i < 1000; ++i) builder.Append(std::string(999, 'x') + "\r\n");
+  const Content content = builder.Finish();
+  for (const int accepted : {0, 1, 5}) {
+    int calls = 0;
+    EXPECT_FALSE(Write(content, {}, [&](std::string_view) { return calls++ < accepted; }));
+    EXPECT_EQ(calls, accepted + 1);
+  }
+}
+
+TEST(RtfWriter, SendsInModeratePieces) {
+  ContentBuilder builder(NewStore());
+  builder.Append(std::string(1 << 20, 'x'));
+  for (int i = 0; i < 50000; ++i) builder.Append("\\ä\t");
+  size_t total = 0, largest = 0;
+  EXPECT_TRUE(Write(builder.Finish(), {}, [&](std::string_view part) {
+    total += part.size();
+    largest = std::max(largest, part.size());
+    return true;
+  }));
+  EXPECT_GT(total, size_t{1} << 20);
+  EXPECT_LE(largest, size_t{256} << 10);
+}
+
+TEST(RtfWriter, DocumentPropertiesComeBack) {
+  const std::string file =
+      "{\\rtf1\\ansi\\ansicpg1251\\deff1\\deflang1049{\\fonttbl{\\f0 A;}{\\f1 B;}}{\\info{\\title \xCF}{\\author "
+      "x}}{\\*\\userprops {\\propname p}}\\paperw11906\\margl1000\\deftab500\\landscape text\\par}";
+  const ReadResult first = ReadNew(file);
+  EXPECT_TRUE(first.dropped.empty());
+  const std::string written = Written(first);
+  EXPECT_NE(written.find("{\\info{\\title \\'cf}{\\author x}}{\\*\\userprops {\\propname p}}"), std::string::npos);
+  const ReadResult second = ReadNew(written);
+  EXPECT_EQ(second.properties.codePage, 1251);
+  EXPECT_EQ(second.properties.defaultTab, 500);
+  EXPECT_EQ(second.properties.defaultLanguage, 1049);
+  EXPECT_EQ(second.properties.headerWords, "\\paperw11906\\margl1000\\landscape");
+  EXPECT_EQ(second.content.formats()[second.properties.defaultFont].name, "B");
+  EXPECT_EQ(Written(second), written);
+}
+
+struct FragmentRow {
+  std::string document;  // read back as a fragment, after being written as one
+  int64_t begin, end;
+};
+
+TEST(RtfFragments, CloseOnlyParagraphsWhoseBreakIsInside) {
+  const auto store = NewStore();
+  const ReadResult whole = Read("{\\rtf1 one\\par\\pard\\qc two {\\b bold}\\par\\pard{\\*\\pn\\pnlvlblt}three}", store);
+  ASSERT_EQ(Describe(whole.content), "one\ntwo <b>bold<>\n[center]three$[bullet]");
+  const FragmentRow rows[] = {
+      {"", 0, 0},
+      {"one", 0, 3},
+      {"one\n", 0, 4},
+      {"ne\ntw$[center]", 1, 6},
+      {"<b>ol$[center]", 9, 11},
+      {"<b>d<>\n[center]th$[bullet]", 11, 15},
+  };
+  for (const FragmentRow& row : rows) {
+    const std::string fragment = WriteFragment(whole.content, {Units(row.begin), Units(row.end)}, {});
+    EXPECT_EQ(Describe(ReadFragment(fragment, NewStore()).content), row.document) << fragment;
+  }
+}
+
+}  // namespace
+}  // namespace text::rtf
