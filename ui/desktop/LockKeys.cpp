@@ -8,6 +8,7 @@
 // Last: its macros would change the names in the toolkit's headers.
 #include <X11/XKBlib.h>
 #undef Bool
+#undef KeyPress
 #undef None
 
 namespace ui {

@@ -1,7 +1,7 @@
 #include "ui/desktop/StartGuard.h"
 
 #include <QString>
-#include <QtLogging>
+#include <QtGlobal>
 
 #include <cstdio>
 #include <unistd.h>

@@ -49,6 +49,10 @@ ChildForm::ChildForm(Forms& forms, std::string_view name, ChildArea& area, QWidg
   window_->PutIn();
 }
 
+QWidget* ChildForm::content() const {
+  return window_->widget();
+}
+
 ChildForm::~ChildForm() {
   TakeDown();
 }

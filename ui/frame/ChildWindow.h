@@ -52,6 +52,7 @@ class ChildForm : public QObject, public Form {
   void ShowTitle(const QString& title) override;
   void Show();
   bool isShown() const { return shown_; }
+  QWidget* content() const;
   // Takes the window off the screen for good; the form may live a little longer.
   void TakeDown();
 

@@ -7,6 +7,7 @@
 #include <QMenuBar>
 #include <QScreen>
 #include <QStatusBar>
+#include <QTimer>
 
 namespace ui {
 
@@ -18,13 +19,20 @@ class FrameForm::Window : public QMainWindow {
     resize(QSize(1000, 700).boundedTo(screen * 9 / 10));
   }
   ChildArea& area() { return *area_; }
+  void OnFirstPaint(std::function<void()> painted) { painted_ = std::move(painted); }
 
  protected:
+  void paintEvent(QPaintEvent* event) override {
+    QMainWindow::paintEvent(event);
+    // The children are painted and shown right behind this; what is queued comes after them.
+    if (painted_) QTimer::singleShot(0, this, std::exchange(painted_, {}));
+  }
   void closeEvent(QCloseEvent* event) override { event->setAccepted(owner_.RequestClose()); }
 
  private:
   FrameForm& owner_;
   ChildArea* area_;
+  std::function<void()> painted_;
 };
 
 FrameForm::FrameForm(Forms& forms, std::string_view name, std::function<bool()> close)
@@ -67,7 +75,8 @@ bool FrameForm::Close() {
   return close_();
 }
 
-void FrameForm::Show() {
+void FrameForm::Show(std::function<void()> painted) {
+  window_->OnFirstPaint(std::move(painted));
   window_->show();
 }
 void FrameForm::Hide() {

@@ -25,7 +25,8 @@ class FrameForm : public Form {
   void Activate() override;
   bool Close() override;
 
-  void Show();
+  // `painted` runs once, from the event loop, after the window has been painted for the first time.
+  void Show(std::function<void()> painted = {});
   void Hide();
   QMenuBar& menuBar();
   ChildArea& area();

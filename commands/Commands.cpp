@@ -1,0 +1,73 @@
+#include "commands/Commands.h"
+
+#include "documents/frmText.h"
+#include "ui/PendingEvents.h"
+#include "ui/frame/ChildArea.h"
+
+namespace commands {
+
+void Commands::mnuNew_Click() {
+  table_.NewDocument();
+  services_.ToolbarToggle(true);
+}
+
+void Commands::mnuOpenFile_Click() {
+  opening_.mnuOpenFile_Click();
+}
+
+void Commands::mnuSaveAll_Click() {
+  const ui::CommandScope scope;
+  for (const ui::FormId id : services_.forms().Backwards())
+    if (documents::frmText* document = table_.Find(id)) document->mnuSaveFile_Click();
+}
+
+void Commands::mnuExit_Click() {
+  services_.forms().at(0)->RequestClose();
+}
+
+void Commands::mnuNextPane_Click() {
+  services_.documentArea().ActivateNext();
+}
+
+void Commands::mnuMinRest_Click() {
+  const ui::CommandScope scope;
+  ui::Forms& forms = services_.forms();
+  minRest_ = minRest_ == ui::WindowState::kMinimized ? ui::WindowState::kNormal : ui::WindowState::kMinimized;
+  for (const ui::FormId id : forms.Backwards()) {
+    ui::Form* form = forms.Find(id);
+    if (!form || form == forms.at(0)) continue;
+    form->SetWindowState(minRest_);
+    ui::LetPendingEventsRun();
+  }
+}
+
+void Commands::mnuWindowCascade_Click() {
+  services_.documentArea().Cascade();
+  arrangement_ = 0;
+}
+
+void Commands::mnuWindowTileHoriz_Click() {
+  services_.documentArea().TileInRows();
+  arrangement_ = 1;
+}
+
+void Commands::mnuWindowTileVertical_Click() {
+  services_.documentArea().TileInColumns();
+  arrangement_ = 2;
+}
+
+void Commands::mnuWindowArrange_Click() {
+  services_.documentArea().ArrangeIcons();
+}
+
+void Commands::mnuWindowSendBack_Click() {
+  if (documents::frmText* document = table_.Active()) services_.documentArea().SendToBack(document->id());
+}
+
+void Commands::mnuCloseAll_Click() {
+  const ui::CommandScope scope;
+  for (const ui::FormId id : services_.forms().Backwards())
+    if (documents::frmText* document = table_.Find(id)) document->Close();
+}
+
+}  // namespace commands

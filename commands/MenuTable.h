@@ -1,0 +1,23 @@
+// The menus as one table, and the pop-up menu of a document.
+#pragma once
+
+#include "commands/Commands.h"
+#include "documents/frmText.h"
+#include "ui/frame/MenuBar.h"
+
+#include <span>
+
+namespace commands {
+
+struct Row {
+  ui::MenuRow menu;
+  void (Commands::*command)() = nullptr;            // runs in the main window,
+  void (*document)(documents::frmText&) = nullptr;  // or in the active document
+  bool documents::FormatChecks::*check = nullptr;   // its check mark
+  bool (*enabled)(documents::frmText&) = nullptr;   // nothing = always
+};
+
+std::span<const Row> MenuTable();
+std::span<const Row> DocumentPopupTable();
+
+}  // namespace commands

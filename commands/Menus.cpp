@@ -1,0 +1,94 @@
+#include "commands/Menus.h"
+
+#include "services/Messages.h"
+#include "ui/PathText.h"
+#include "ui/PendingEvents.h"
+#include "ui/frame/ChildArea.h"
+#include "ui/frame/PopupMenu.h"
+
+#include <exception>
+
+namespace commands {
+namespace {
+
+std::vector<ui::MenuRow> MenuRows(std::span<const Row> rows) {
+  std::vector<ui::MenuRow> menuRows;
+  for (const Row& row : rows) menuRows.push_back(row.menu);
+  return menuRows;
+}
+
+}  // namespace
+
+Menus::Menus(QMenuBar& bar, Commands& commands, services::Services& services, documents::DocumentTable& table)
+    : commands_(commands), services_(services), table_(table), bar_(bar, MenuRows(MenuTable())) {
+  while (bar_.row(listRow_).kind != ui::MenuRowKind::kList) ++listRow_;
+  QObject::connect(&bar_, &ui::MenuBar::Triggered, &bar_, [this](size_t row) { Run(row); });
+  QObject::connect(&bar_, &ui::MenuBar::ListTriggered, &bar_, [this](size_t, size_t index) { ActivateListed(index); });
+  QObject::connect(&bar_, &ui::MenuBar::AboutToShow, &bar_, [this] { Fill(); });
+}
+
+void Menus::FollowActiveDocument() {
+  bar_.SetDocumentActive(table_.Active() != nullptr);
+  Fill();
+}
+
+void Menus::Fill() {
+  documents::frmText* document = table_.Active();
+  const std::span<const Row> rows = MenuTable();
+  for (size_t i = 0; document && i < rows.size(); ++i) {
+    if (rows[i].check) bar_.SetChecked(i, document->checks().*rows[i].check);
+    if (rows[i].enabled) bar_.SetEnabled(i, rows[i].enabled(*document));
+  }
+  FillWindowList();
+}
+
+// In slot order; the first nine have their number as mnemonic.
+void Menus::FillWindowList() {
+  listed_.clear();
+  std::vector<ui::MenuListEntry> entries;
+  const ui::FormId current = services_.documentArea().current();
+  for (int slot = 1; slot <= table_.UpperBound(); ++slot) {
+    const documents::frmText* document = table_.Document(slot);
+    if (!document) continue;
+    const QString caption = ui::DoubleAmpersands(ui::DisplayText(document->caption()));
+    const size_t number = entries.size() + 1;
+    entries.push_back({number <= 9 ? QStringLiteral("&%1 %2").arg(QString::number(number), caption) : caption,
+                       document->id() == current});
+    listed_.push_back(document->id());
+  }
+  bar_.SetList(listRow_, entries);
+}
+
+void Menus::ActivateListed(size_t index) {
+  if (documents::frmText* document = table_.Find(listed_[index])) {
+    if (document->windowState() == ui::WindowState::kMinimized) document->SetWindowState(ui::WindowState::kNormal);
+    document->Activate();
+  }
+  Fill();
+}
+
+void Menus::Run(size_t row) {
+  RunRow(MenuTable()[row]);
+  // A click has turned the row's check mark; what counts is the document's state.
+  Fill();
+}
+
+void Menus::RunRow(const Row& row) {
+  const ui::CommandScope scope;
+  try {
+    if (row.command) (commands_.*row.command)();
+    if (documents::frmText* document = row.document ? table_.Active() : nullptr) row.document(*document);
+  } catch (const std::exception& failure) {
+    // Out of memory, most likely: the event loop must not see it, and the document is as it was.
+    services::ShowError(services_.dialogs(), nullptr, QStringLiteral("Error: ") + QString::fromUtf8(failure.what()));
+  }
+}
+
+void Menus::ShowDocumentPopup(documents::frmText& document, const QPoint& globalPosition) {
+  const std::span<const Row> rows = DocumentPopupTable();
+  std::vector<bool> enabled;
+  for (const Row& row : rows) enabled.push_back(!row.enabled || row.enabled(document));
+  if (const auto chosen = ui::PickFromPopup(globalPosition, MenuRows(rows), enabled)) RunRow(rows[*chosen]);
+}
+
+}  // namespace commands

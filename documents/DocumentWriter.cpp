@@ -1,0 +1,46 @@
+#include "documents/DocumentWriter.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <new>
+
+namespace documents {
+namespace {
+
+bool WriteVerbatim(std::string_view bytes, const files::ByteSink& sink) {
+  constexpr size_t kPortion = 1 << 20;
+  for (; !bytes.empty(); bytes.remove_prefix(std::min(kPortion, bytes.size())))
+    if (!sink(bytes.substr(0, kPortion))) return false;
+  return true;
+}
+
+}  // namespace
+
+bool WriteDocument(const DocumentBytes& document, const text::Progress& progress, const files::ByteSink& sink) {
+  int64_t done = 0;
+  const text::ByteSink counted = [&](std::string_view bytes) {
+    done += static_cast<int64_t>(bytes.size());
+    return (!progress || progress(done)) && sink(bytes);
+  };
+  switch (document.form) {
+    case DocumentBytes::Form::kPlain:
+      return text::WritePlainText(document.content, document.plainProperties, counted);
+    case DocumentBytes::Form::kRtf:
+      return text::rtf::Write(document.content, document.rtfProperties, counted);
+    case DocumentBytes::Form::kVerbatim:
+      return WriteVerbatim(*document.verbatim, counted);
+  }
+  return false;
+}
+
+files::Result<files::FileStamp> SaveDocument(const files::Path& path, const files::Path& recoveryFolder,
+                                             const DocumentBytes& document, const text::Progress& progress) noexcept {
+  try {
+    return files::SaveAtomically(path, recoveryFolder,
+                                 [&](const files::ByteSink& sink) { return WriteDocument(document, progress, sink); });
+  } catch (const std::bad_alloc&) {
+    return files::SystemError(ENOMEM, path);
+  }
+}
+
+}  // namespace documents

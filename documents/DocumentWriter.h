@@ -1,0 +1,30 @@
+// Writing a document's file, on any thread.
+#pragma once
+
+#include "files/AtomicSave.h"
+#include "text/PlainText.h"
+#include "text/rtf/Rtf.h"
+
+#include <memory>
+#include <string>
+
+namespace documents {
+
+// What a document's file shall hold: a snapshot that the editor may go on changing.
+struct DocumentBytes {
+  enum class Form { kPlain, kRtf, kVerbatim };
+  Form form = Form::kPlain;
+  text::Content content;
+  text::TextProperties plainProperties;
+  text::rtf::DocumentProperties rtfProperties;
+  std::shared_ptr<const std::string> verbatim;  // for kVerbatim
+};
+
+// False when the sink refused or `progress` cancelled.
+bool WriteDocument(const DocumentBytes& document, const text::Progress& progress, const files::ByteSink& sink);
+
+// Never throws. A cancelled save fails with ECANCELED and leaves the file as it was.
+files::Result<files::FileStamp> SaveDocument(const files::Path& path, const files::Path& recoveryFolder,
+                                             const DocumentBytes& document, const text::Progress& progress) noexcept;
+
+}  // namespace documents

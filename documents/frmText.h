@@ -1,0 +1,131 @@
+// The window of one document.
+#pragma once
+
+#include "documents/DocumentReader.h"
+#include "documents/DocumentTable.h"
+#include "documents/DocumentWriter.h"
+#include "ui/editor/RichTextBox.h"
+#include "ui/frame/ChildWindow.h"
+
+namespace documents {
+
+// Kinds of texts in the recovery folder.
+constexpr const char* kRecoveryKindRtf = "rtf";
+constexpr const char* kRecoveryKindText = "text";
+
+enum class SaveOutcome { kSaved, kFailed, kCancelled };
+
+// The check marks of the Format menu, as of the selection's last single values.
+struct FormatChecks {
+  bool Bold = false, Italic = false, Underline = false, StrikeThru = false;
+  bool AlignLeft = true, AlignCenter = false, AlignRight = false;
+};
+
+class frmText : public ui::ChildForm {
+  Q_OBJECT
+
+ public:
+  frmText(services::Services& services, DocumentTable& table, int slot);
+  ~frmText() override;
+
+  int slot() const { return slot_; }
+  std::string Tag() const { return std::to_string(slot_); }
+  ui::RichTextBox& RichTextBox1() { return *RichTextBox1_; }
+  const FormatChecks& checks() const { return checks_; }
+
+  void MyShow();
+
+  // --- For the load step
+  void SetDefaultFormat();  // only while the window is empty
+  void TakeIn(ReadDocument read);
+  void MarkRecovered(const files::RecoveryEntry& entry);
+  void SetUnchanged();
+  void ForceChanged();
+
+  // --- Closing, in two steps so that the end of the program can ask all windows before the first one goes
+  bool Close() override;
+  bool QueryUnload();  // asks about changed text; false = the window stays
+  bool Unload();       // false when a text that could not be saved could not be rescued either
+
+  // --- File
+  SaveOutcome mnuSaveFile_Click();
+  SaveOutcome mnuSaveFileAs_Click();
+  void mnuClose_Click();
+  void mnuCopyPath_Click();
+  void mnuRefresh_Click();
+
+  // --- Edit
+  void mnuUndoItem_Click();
+  void mnuRedoItem_Click();
+  void mnuCut_Click();
+  void mnuCopy_Click();
+  void mnuPaste_Click();
+  void mnuPasteAsText_Click();
+  void mnuPasteAsRTF_Click();
+  void mnuDelete_Click();
+  void mnuSelAll_Click();
+
+  // --- Format
+  void mnuBold_Click();
+  void mnuItalic_Click();
+  void mnuUnderline_Click();
+  void mnuStrikeThru_Click();
+  void mnuEmphasisRemove_Click();
+  void mnuAlignLeft_Click();
+  void mnuAlignCenter_Click();
+  void mnuAlignRight_Click();
+  void mnuFont_Click();
+
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+  enum class Go { kOn, kSaveAs, kStop };
+  // Where the text came from and what its file is known to hold.
+  struct Origin {
+    std::optional<files::FileStamp> stamp;  // of the file as it was read or written last; nothing: there was none
+    std::optional<text::Content> asLoaded;  // what rtfBytes are the file of
+    std::shared_ptr<const std::string> rtfBytes;
+    std::vector<std::string> lost;  // what saving as RTF would lose, until the user agreed
+    bool notRtf = false;            // an .rtf name, but the bytes were none, and nobody said what to write
+    bool plainByChoice = false;     // the user said: the text it is
+    std::optional<files::RecoveryEntry> recovered;
+  };
+
+  void ConnectEditor();
+  SaveOutcome RenameUntitledAndSaveAs();
+  SaveOutcome SaveAttributed(int attributes);
+  SaveOutcome Write(int attributes, const text::TextProperties& properties);
+  void Saved(const files::FileStamp& stamp, const DocumentBytes& written);
+  SaveOutcome ReportSaveError(const files::Error& error, int attributes);
+  SaveOutcome Follow(Go go);
+  bool IsAsLoaded() const;
+  DocumentBytes BytesToSave(const text::TextProperties& properties) const;
+  Go AskReadOnly();
+  Go AskChangedOnDisk();
+  Go AskFormat(text::TextProperties& properties);
+  Go AskNotRtf();
+  Go AskLost();
+  Go AskEncoding(text::TextProperties& properties);
+  Go Ask(const QString& text, ui::Buttons buttons, ui::Icon icon);
+  bool WriteRecovery();
+  void Toggle(std::optional<bool> (ui::RichTextBox::*get)() const, void (ui::RichTextBox::*set)(bool));
+  void UpdateSelectionState();
+  void UpdateAlignment();
+  void UpdateFontPanel();
+  files::Path path() const { return files::Path(caption()); }
+
+  services::Services& services_;
+  DocumentTable& table_;
+  const int slot_;
+  ui::RichTextBox* RichTextBox1_;
+  Origin origin_;
+  FormatChecks checks_;
+  QString LastFontName_;
+  double LastFontSize_ = 0;
+  bool unloaded_ = false;
+  bool rescue_ = false;  // the save that the closing asked for did not happen
+  bool asking_ = false;  // the close prompt is open
+};
+
+}  // namespace documents

@@ -1,0 +1,134 @@
+// The commands that act on the text, and the state that follows the selection.
+#include "documents/frmText.h"
+#include "ui/PathText.h"
+#include "ui/desktop/Clipboard.h"
+
+namespace documents {
+
+void frmText::mnuClose_Click() {
+  Close();
+}
+void frmText::mnuCopyPath_Click() {
+  ui::SetClipboardText(ui::DisplayText(caption()));
+}
+void frmText::mnuRefresh_Click() {
+  RichTextBox1_->SetSelLength(0);
+}
+
+void frmText::mnuUndoItem_Click() {
+  RichTextBox1_->Undo();
+}
+void frmText::mnuRedoItem_Click() {
+  RichTextBox1_->Redo();
+}
+void frmText::mnuCut_Click() {
+  RichTextBox1_->Cut();
+}
+void frmText::mnuCopy_Click() {
+  RichTextBox1_->Copy();
+}
+void frmText::mnuPaste_Click() {
+  RichTextBox1_->Paste();
+}
+void frmText::mnuPasteAsText_Click() {
+  RichTextBox1_->SetSelRTF(ui::ClipboardText().toUtf8());
+}
+void frmText::mnuPasteAsRTF_Click() {
+  RichTextBox1_->SetSelRTF(ui::ClipboardRtf());
+}
+void frmText::mnuDelete_Click() {
+  RichTextBox1_->DeleteSelection();
+}
+void frmText::mnuSelAll_Click() {
+  RichTextBox1_->SelectAll();
+}
+
+// The inverse of a mixed state is True.
+void frmText::Toggle(std::optional<bool> (ui::RichTextBox::*get)() const, void (ui::RichTextBox::*set)(bool)) {
+  (RichTextBox1_->*set)(!(RichTextBox1_->*get)().value_or(false));
+}
+
+void frmText::mnuBold_Click() {
+  Toggle(&ui::RichTextBox::SelBold, &ui::RichTextBox::SetSelBold);
+}
+void frmText::mnuItalic_Click() {
+  Toggle(&ui::RichTextBox::SelItalic, &ui::RichTextBox::SetSelItalic);
+}
+void frmText::mnuUnderline_Click() {
+  Toggle(&ui::RichTextBox::SelUnderline, &ui::RichTextBox::SetSelUnderline);
+}
+void frmText::mnuStrikeThru_Click() {
+  Toggle(&ui::RichTextBox::SelStrikeThru, &ui::RichTextBox::SetSelStrikeThru);
+}
+
+void frmText::mnuEmphasisRemove_Click() {
+  text::Document& document = RichTextBox1_->document();
+  document.BeginGroup();
+  RichTextBox1_->SetSelBold(false);
+  RichTextBox1_->SetSelItalic(false);
+  RichTextBox1_->SetSelUnderline(false);
+  RichTextBox1_->SetSelStrikeThru(false);
+  document.EndGroup();
+}
+
+void frmText::mnuAlignLeft_Click() {
+  RichTextBox1_->SetSelAlignment(0);
+}
+void frmText::mnuAlignCenter_Click() {
+  RichTextBox1_->SetSelAlignment(2);
+}
+void frmText::mnuAlignRight_Click() {
+  RichTextBox1_->SetSelAlignment(1);
+}
+
+void frmText::mnuFont_Click() {
+  const auto name = RichTextBox1_->SelFontName();
+  const auto size = RichTextBox1_->SelFontSize();
+  const auto bold = RichTextBox1_->SelBold(), italic = RichTextBox1_->SelItalic();
+  const auto strike = RichTextBox1_->SelStrikeThru(), underline = RichTextBox1_->SelUnderline();
+  const auto color = RichTextBox1_->SelColor();
+  // A dialog for one font cannot show several: the command ends here, without a message.
+  if (!name || !size || !bold || !italic || !strike || !underline || !color) return;
+  const ui::FontChoice before{*name, *size, *bold, *italic, *strike, *underline, *color};
+  const auto chosen = services_.dialogs().PickFont(this, before);
+  if (!chosen || unloaded_) return;
+  text::Document& document = RichTextBox1_->document();
+  document.BeginGroup();
+  if (chosen->family != before.family) RichTextBox1_->SetSelFontName(chosen->family);
+  if (chosen->points != before.points) RichTextBox1_->SetSelFontSize(chosen->points);
+  if (chosen->bold != before.bold) RichTextBox1_->SetSelBold(chosen->bold);
+  if (chosen->italic != before.italic) RichTextBox1_->SetSelItalic(chosen->italic);
+  if (chosen->strikeThru != before.strikeThru) RichTextBox1_->SetSelStrikeThru(chosen->strikeThru);
+  if (chosen->underline != before.underline) RichTextBox1_->SetSelUnderline(chosen->underline);
+  if (chosen->color != before.color) RichTextBox1_->SetSelColor(chosen->color);
+  document.EndGroup();
+}
+
+void frmText::UpdateSelectionState() {
+  // A mixed state leaves its check mark as it was.
+  checks_.Bold = RichTextBox1_->SelBold().value_or(checks_.Bold);
+  checks_.Italic = RichTextBox1_->SelItalic().value_or(checks_.Italic);
+  checks_.Underline = RichTextBox1_->SelUnderline().value_or(checks_.Underline);
+  checks_.StrikeThru = RichTextBox1_->SelStrikeThru().value_or(checks_.StrikeThru);
+  UpdateAlignment();
+  UpdateFontPanel();
+}
+
+void frmText::UpdateAlignment() {
+  const auto alignment = RichTextBox1_->SelAlignment();
+  if (!alignment || *alignment < 0 || *alignment > 2) return;
+  checks_.AlignLeft = *alignment == 0;
+  checks_.AlignRight = *alignment == 1;
+  checks_.AlignCenter = *alignment == 2;
+}
+
+void frmText::UpdateFontPanel() {
+  const auto name = RichTextBox1_->SelFontName();
+  const auto size = RichTextBox1_->SelFontSize();
+  if (!name || !size || (*name == LastFontName_ && *size == LastFontSize_)) return;
+  LastFontName_ = *name;
+  LastFontSize_ = *size;
+  services_.ShowSelectionFont(*name + QStringLiteral(", ") + QString::number(*size));
+}
+
+}  // namespace documents

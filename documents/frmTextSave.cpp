@@ -1,0 +1,258 @@
+// Save and Save As.
+#include "documents/frmText.h"
+#include "files/Attributes.h"
+#include "services/Messages.h"
+#include "ui/PathText.h"
+#include "ui/PendingEvents.h"
+
+#include <QCoreApplication>
+
+#include <cerrno>
+#include <strings.h>
+
+namespace documents {
+namespace {
+
+constexpr int kFileNotFound = 53;
+constexpr std::string_view kUntitled = "Untitled";
+
+bool EndsWithRtf(std::string_view path) {
+  return path.size() >= 3 && strncasecmp(path.data() + path.size() - 3, "rtf", 3) == 0;
+}
+
+bool IsRtfExtension(std::string_view extension) {
+  return extension.size() == 4 && IsRichName(extension);
+}
+
+// What the file is, as the reason why it cannot be replaced.
+QString AttributeText(int attributes) {
+  struct Row {
+    int attribute;
+    const char* text;
+  };
+  static constexpr Row kRows[] = {
+      {files::kVolumeLabel, QT_TRANSLATE_NOOP("Documents", "item is a volume label")},
+      {files::kDirectory, QT_TRANSLATE_NOOP("Documents", "item is a directory")},
+      {files::kSystem, QT_TRANSLATE_NOOP("Documents", "item is a system file or folder")},
+      {files::kHidden, QT_TRANSLATE_NOOP("Documents", "item is a hidden file or folder")},
+  };
+  for (const Row& row : kRows)
+    if (attributes & row.attribute) return QCoreApplication::translate("Documents", row.text);
+  return {};
+}
+
+QString EncodingName(text::Encoding encoding) {
+  switch (encoding) {
+    case text::Encoding::kUtf8:
+      return QStringLiteral("UTF-8");
+    case text::Encoding::kWindows1252:
+      return QStringLiteral("Windows-1252");
+    case text::Encoding::kUtf16Le:
+    case text::Encoding::kUtf16Be:
+      return QStringLiteral("UTF-16");
+  }
+  return {};
+}
+
+}  // namespace
+
+SaveOutcome frmText::mnuSaveFile_Click() {
+  const ui::CommandScope scope;
+  if (caption().starts_with(kUntitled)) return RenameUntitledAndSaveAs();
+  const auto attributes = files::GetAttributes(path());
+  if (attributes) return SaveAttributed(attributes.value());
+  if (attributes.error().number == kFileNotFound) return SaveAttributed(0);
+  return ReportSaveError(attributes.error(), 0);
+}
+
+SaveOutcome frmText::RenameUntitledAndSaveAs() {
+  SetCaption(std::string(kUntitled) + services_.GetFilterForPath({}).extension);
+  return mnuSaveFileAs_Click();
+}
+
+SaveOutcome frmText::SaveAttributed(int attributes) {
+  text::TextProperties properties = RichTextBox1_->document().properties();
+  // A folder or a device cannot be saved to; the attempt says so better than questions would.
+  const bool replaceable = !(attributes & (files::kDirectory | files::kSystem));
+  const bool readOnly = replaceable && attributes & files::kReadOnly;
+  if (readOnly)
+    if (const Go go = AskReadOnly(); go != Go::kOn) return Follow(go);
+  if (replaceable) {
+    if (const Go go = AskChangedOnDisk(); go != Go::kOn) return Follow(go);
+    if (const Go go = AskFormat(properties); go != Go::kOn) return Follow(go);
+  }
+  if (unloaded_) return SaveOutcome::kCancelled;
+  if (readOnly)
+    if (const auto cleared = files::SetReadOnly(path(), false); !cleared)
+      return ReportSaveError(cleared.error(), attributes);
+  return Write(attributes, properties);
+}
+
+SaveOutcome frmText::Follow(Go go) {
+  return go == Go::kSaveAs ? mnuSaveFileAs_Click() : SaveOutcome::kCancelled;
+}
+
+frmText::Go frmText::Ask(const QString& text, ui::Buttons buttons, ui::Icon icon) {
+  switch (services_.dialogs().ShowMessage(this, {services::FileText(caption(), text), buttons, icon})) {
+    case ui::Answer::kYes:
+      return Go::kOn;
+    case ui::Answer::kNo:
+      return Go::kSaveAs;
+    default:
+      return Go::kStop;
+  }
+}
+
+frmText::Go frmText::AskReadOnly() {
+  const Go go =
+      Ask(tr("is a Read-only file.  Its Read-only attribute must be removed before it can be replaced.  Do you "
+             "want to remove it?"),
+          ui::Buttons::kYesNo, ui::Icon::kInformation);
+  return go == Go::kOn ? go : Go::kSaveAs;
+}
+
+frmText::Go frmText::AskChangedOnDisk() {
+  const auto now = files::StampOf(path());
+  if (!now || now == origin_.stamp) return Go::kOn;
+  const Go go =
+      Ask(origin_.stamp ? tr("has been changed by another program since it was opened.  Do you want to replace it?")
+                        : tr("did not exist when it was opened, but exists now.  Do you want to replace it?"),
+          ui::Buttons::kYesNoCancel, ui::Icon::kExclamation);
+  if (go == Go::kOn) origin_.stamp = now;
+  return go;
+}
+
+bool frmText::IsAsLoaded() const {
+  return origin_.asLoaded && RichTextBox1_->document().content().SameAs(*origin_.asLoaded);
+}
+
+frmText::Go frmText::AskFormat(text::TextProperties& properties) {
+  if (IsAsLoaded() && (!IsRichName(caption()) || origin_.rtfBytes || origin_.notRtf)) return Go::kOn;
+  if (IsRichName(caption())) {
+    if (const Go go = AskNotRtf(); go != Go::kOn) return go;
+    if (!origin_.plainByChoice) return AskLost();
+  }
+  return AskEncoding(properties);
+}
+
+frmText::Go frmText::AskNotRtf() {
+  if (!origin_.notRtf || origin_.plainByChoice) return Go::kOn;
+  const QString text =
+      tr("does not hold rich text, although its name says so.  Do you want to save it as rich text?  No "
+         "saves it as the plain text it is.");
+  switch (Ask(text, ui::Buttons::kYesNoCancel, ui::Icon::kQuestion)) {
+    case Go::kOn:
+      origin_.notRtf = false;
+      return Go::kOn;
+    case Go::kSaveAs:
+      origin_.plainByChoice = true;
+      return Go::kOn;
+    case Go::kStop:
+      break;
+  }
+  return Go::kStop;
+}
+
+frmText::Go frmText::AskLost() {
+  if (origin_.lost.empty()) return Go::kOn;
+  QStringList names;
+  for (const std::string& name : origin_.lost) names += QString::fromStdString(name);
+  const QString text = tr("holds what this program cannot save: %1.  Do you want to save it without?");
+  const Go go = Ask(text.arg(names.join(QLatin1String(", "))), ui::Buttons::kYesNoCancel, ui::Icon::kExclamation);
+  // Under another name the original keeps it; that name is not asked about again.
+  if (go != Go::kStop) origin_.lost.clear();
+  return go;
+}
+
+frmText::Go frmText::AskEncoding(text::TextProperties& properties) {
+  if (properties.encoding == text::Encoding::kUtf8) return Go::kOn;
+  const text::Content content = RichTextBox1_->document().content();
+  bool fits = true;
+  services_.dialogs().RunWork(this, tr("Saving %1").arg(ui::DisplayText(caption())), 0,
+                              [&](ui::WorkPort&) { fits = !text::FirstUnencodable(content, properties.encoding); });
+  if (fits) return Go::kOn;
+  const QString text = tr("contains characters that %1 cannot hold.  Save as UTF-8?");
+  const Go go = Ask(text.arg(EncodingName(properties.encoding)), ui::Buttons::kYesNoCancel, ui::Icon::kExclamation);
+  if (go == Go::kOn) {
+    properties.encoding = text::Encoding::kUtf8;
+    properties.byteOrderMark = false;
+  }
+  return go;
+}
+
+DocumentBytes frmText::BytesToSave(const text::TextProperties& properties) const {
+  DocumentBytes bytes;
+  bytes.content = RichTextBox1_->document().content();
+  bytes.plainProperties = properties;
+  bytes.rtfProperties = RichTextBox1_->rtfProperties();
+  const bool plain = !IsRichName(caption()) || origin_.plainByChoice || origin_.notRtf;
+  if (plain) return bytes;
+  bytes.form = DocumentBytes::Form::kRtf;
+  if (origin_.rtfBytes && IsAsLoaded()) {
+    bytes.form = DocumentBytes::Form::kVerbatim;
+    bytes.verbatim = origin_.rtfBytes;
+  }
+  return bytes;
+}
+
+SaveOutcome frmText::Write(int attributes, const text::TextProperties& properties) {
+  const DocumentBytes bytes = BytesToSave(properties);
+  const files::Path target = path();
+  std::optional<files::Result<files::FileStamp>> saved;
+  services_.dialogs().RunWork(this, tr("Saving %1").arg(ui::DisplayText(caption())), bytes.content.sums().bytes.value(),
+                              [&](ui::WorkPort& port) {
+                                saved = SaveDocument(target, services_.recoveryFolder(), bytes,
+                                                     [&port](int64_t done) { return port.Report(done); });
+                              });
+  if (!*saved) return ReportSaveError(saved->error(), attributes);
+  Saved(saved->value(), bytes);
+  return SaveOutcome::kSaved;
+}
+
+void frmText::Saved(const files::FileStamp& stamp, const DocumentBytes& written) {
+  origin_.stamp = stamp;
+  rescue_ = false;
+  if (origin_.recovered) static_cast<void>(files::RemoveRecovery(*origin_.recovered));
+  origin_.recovered.reset();
+  if (unloaded_) return;
+  if (written.form == DocumentBytes::Form::kPlain) RichTextBox1_->document().properties() = written.plainProperties;
+  // An input method may have delivered text meanwhile: that is not in the file.
+  if (RichTextBox1_->document().content().SameAs(written.content)) SetUnchanged();
+}
+
+SaveOutcome frmText::ReportSaveError(const files::Error& error, int attributes) {
+  if (error.systemError == ECANCELED) return SaveOutcome::kCancelled;
+  QString text = services::FileText(caption(), QString::fromStdString(error.text));
+  const QString reason = AttributeText(attributes);
+  if (!reason.isEmpty()) text += QStringLiteral("\r\n") + reason;
+  services::ShowError(services_.dialogs(), this, text);
+  return SaveOutcome::kFailed;
+}
+
+SaveOutcome frmText::mnuSaveFileAs_Click() {
+  const ui::CommandScope scope;
+  if (caption().starts_with("Untitled:")) return mnuSaveFile_Click();
+  const services::PathFilter filter = services_.GetFilterForPath(caption());
+  const files::Path chosen = services_.ShowSaveDialog({.owner = this,
+                                                       .defaultExtension = filter.extension,
+                                                       .filter = services_.documentFilter(),
+                                                       .flags = services::kOverwritePrompt | services::kHideReadOnly,
+                                                       .filterIndex = filter.index,
+                                                       .initialFile = path()});
+  if (chosen.empty() || unloaded_) return SaveOutcome::kCancelled;
+  if (IsRtfExtension(filter.extension) && !EndsWithRtf(chosen.native())) {
+    const QString text =
+        tr("Warning: If you change the extension from .RTF, the saved file will lose any special "
+           "formatting.\r\nShall I continue?");
+    const ui::Message question{services::FileText(chosen.native(), text), ui::Buttons::kYesNo, ui::Icon::kQuestion};
+    if (services_.dialogs().ShowMessage(this, question) != ui::Answer::kYes) return SaveOutcome::kCancelled;
+  }
+  SetCaption(chosen.native());
+  // Whether to replace this file has been asked by the dialog.
+  origin_.stamp = files::StampOf(chosen);
+  const SaveOutcome outcome = mnuSaveFile_Click();
+  ui::LetPendingEventsRun();
+  return outcome;
+}
+
+}  // namespace documents

@@ -1,0 +1,75 @@
+// What a feature may ask of the rest of the program. The main window is the only real implementation.
+#pragma once
+
+#include "files/Result.h"
+#include "ui/Dialogs.h"
+#include "ui/Forms.h"
+
+#include <QPoint>
+#include <QString>
+
+#include <string>
+
+namespace ui {
+class ChildArea;
+}
+
+namespace services {
+
+struct DefaultFont {
+  QString name = QStringLiteral("Courier New");
+  double size = 10;
+};
+
+// What the file dialogs begin with for a path.
+struct PathFilter {
+  std::string extension;  // with its dot
+  int index = 1;          // into the document filter, from 1
+};
+
+// Sums of these are the dialogs' flags.
+enum FileDialogFlag : int {
+  kOverwritePrompt = 2,
+  kHideReadOnly = 4,  // there is no such box on this desktop
+  kNoChangeDir = 8,
+  kFileMustExist = 4096,
+  kCreatePrompt = 8192,
+};
+
+struct FileDialog {
+  ui::Form* owner = nullptr;
+  std::string defaultExtension;
+  QString filter;  // "description|pattern|..."
+  int flags = 0;
+  files::Path initialDirectory = {};
+  QString title = {};
+  int filterIndex = 1;
+  files::Path initialFile = {};
+};
+
+class Services {
+ public:
+  virtual ~Services() = default;
+
+  virtual ui::Dialogs& dialogs() = 0;
+  virtual ui::Forms& forms() = 0;
+  virtual ui::ChildArea& documentArea() = 0;
+  virtual const DefaultFont& defaultFont() const = 0;
+  virtual const files::Path& recoveryFolder() const = 0;
+
+  // The chosen path, empty when cancelled.
+  virtual files::Path ShowOpenDialog(const FileDialog& dialog) = 0;
+  virtual files::Path ShowSaveDialog(const FileDialog& dialog) = 0;
+  virtual const QString& documentFilter() const = 0;
+  virtual PathFilter GetFilterForPath(const std::string& path) const = 0;
+
+  // Brings menus and status bar in line with the document in that slot.
+  virtual void InitDocProperties(int slot) = 0;
+  // Document commands can be used from now on, or no longer.
+  virtual void ToolbarToggle(bool enabled) = 0;
+  virtual void ShowSelectionFont(const QString& text) = 0;  // the panel stsFont
+  virtual void ShowOvertype(bool overtype) = 0;             // the panel stsInsert
+  virtual void ShowDocumentMenu(int slot, const QPoint& globalPosition) = 0;
+};
+
+}  // namespace services

@@ -1,0 +1,137 @@
+#include "shell/Convert.h"
+
+#include "files/AtomicSave.h"
+#include "text/PlainText.h"
+#include "text/html/HtmlWriter.h"
+#include "text/rtf/Rtf.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <exception>
+#include <optional>
+#include <unistd.h>
+
+namespace shell {
+namespace {
+
+enum class Format { kText, kHtml, kRtf };
+constexpr uint16_t kPlainHalfPoints = 20;
+constexpr const char* kPlainFont = "Courier New";
+
+std::optional<Format> FormatOf(const files::Path& path) {
+  std::string extension = path.extension().native();
+  std::ranges::transform(extension, extension.begin(),
+                         [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
+  if (extension == ".txt") return Format::kText;
+  if (extension == ".html" || extension == ".htm") return Format::kHtml;
+  if (extension == ".rtf") return Format::kRtf;
+  return std::nullopt;
+}
+
+std::string Line(const files::Path& path, const std::string& text) {
+  return path.native() + ": " + text;
+}
+
+// Copies to the end of the descriptor; a read error is left in `error`.
+bool CopyBytes(int descriptor, const files::ByteSink& sink, int& error) {
+  std::string buffer(1 << 20, '\0');
+  for (;;) {
+    const ssize_t got = read(descriptor, buffer.data(), buffer.size());
+    if (got == 0) return true;
+    if (got < 0 && errno == EINTR) continue;
+    if (got < 0) error = errno;
+    if (got < 0 || !sink(std::string_view(buffer.data(), static_cast<size_t>(got)))) return false;
+  }
+}
+
+// As the window shows plain text that is saved as rich text.
+text::Content InPlainFont(const text::Content& content, text::rtf::DocumentProperties& properties) {
+  text::FormatTable& formats = content.formats();
+  properties.defaultFont = formats.Intern(text::Font{.name = kPlainFont, .charset = 0, .family = 3});
+  text::CharFormat format;
+  format.font = properties.defaultFont;
+  format.halfPoints = kPlainHalfPoints;
+  const text::CharFormatId id = formats.Intern(format);
+  return content.WithCharFormats(content.all(), [id](text::CharFormatId) { return id; });
+}
+
+class Conversion {
+ public:
+  Conversion(const files::Path& in, const files::Path& out, const files::Path& recoveryFolder)
+      : in_(in), out_(out), recoveryFolder_(recoveryFolder) {}
+
+  std::string Run() {
+    const auto from = FormatOf(in_), to = FormatOf(out_);
+    if (!from) return Line(in_, "cannot read this format (.txt, .html and .rtf)");
+    if (!to) return Line(out_, "cannot write this format (.txt, .html and .rtf)");
+    auto file = files::OpenForReading(in_);
+    if (!file) return Line(in_, file.error().text);
+    if (*from == Format::kRtf) return FromRtf(file.value(), *to);
+    if (*to == Format::kRtf) return PlainToRtf(file.value());
+    return Save([&](const files::ByteSink& sink) { return CopyBytes(file.value().descriptor(), sink, readError_); });
+  }
+
+ private:
+  std::string FromRtf(files::InputFile& file, Format to) {
+    const auto bytes = files::ReadAll(file);
+    if (!bytes) return Line(in_, bytes.error().text);
+    text::rtf::ReadResult read;
+    if (!bytes.value().empty()) {
+      read = text::rtf::Read(bytes.value(), text::Content().store());
+      if (!read.isRtf) return Line(in_, "is not rich text, although its name says so");
+    }
+    return Save([&](const files::ByteSink& sink) { return WriteRich(read, to, sink); });
+  }
+
+  bool WriteRich(const text::rtf::ReadResult& read, Format to, const files::ByteSink& sink) const {
+    switch (to) {
+      case Format::kText:
+        return text::WritePlainText(read.content, {}, sink);
+      case Format::kRtf:
+        return text::rtf::Write(read.content, read.properties, sink);
+      case Format::kHtml:
+        break;
+    }
+    const std::string& font = read.content.formats()[read.properties.defaultFont].name;
+    return text::html::Write(read.content, {.title = in_.stem().native(), .defaultFont = font}, sink);
+  }
+
+  std::string PlainToRtf(files::InputFile& file) {
+    const text::LoadedText loaded = text::ReadPlainText(file.descriptor());
+    if (loaded.error) return Line(in_, files::SystemError(loaded.error, in_).text);
+    text::rtf::DocumentProperties properties;
+    const text::Content content = InPlainFont(loaded.content, properties);
+    return Save([&](const files::ByteSink& sink) { return text::rtf::Write(content, properties, sink); });
+  }
+
+  std::string Save(const files::ByteProducer& write) {
+    const auto saved = files::SaveAtomically(out_, recoveryFolder_, write);
+    if (readError_) return Line(in_, files::SystemError(readError_, in_).text);
+    return saved ? std::string() : Line(out_, saved.error().text);
+  }
+
+  const files::Path& in_;
+  const files::Path& out_;
+  const files::Path& recoveryFolder_;
+  int readError_ = 0;
+};
+
+}  // namespace
+
+std::string Convert(const files::Path& in, const files::Path& out, const files::Path& recoveryFolder) {
+  try {
+    return Conversion(in, out, recoveryFolder).Run();
+  } catch (const std::exception& failure) {
+    return Line(in, failure.what());
+  }
+}
+
+std::string OneLine(const std::string& text) {
+  std::string line = text;
+  for (char& c : line)
+    if (static_cast<unsigned char>(c) < 0x20 || c == 0x7F) c = '?';
+  return line;
+}
+
+}  // namespace shell

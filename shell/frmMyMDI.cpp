@@ -1,0 +1,117 @@
+#include "shell/frmMyMDI.h"
+
+#include "documents/frmText.h"
+#include "services/Messages.h"
+#include "ui/PathText.h"
+#include "ui/PendingEvents.h"
+#include "ui/frame/StatusBar.h"
+
+#include <QBuffer>
+#include <QCoreApplication>
+#include <QImage>
+
+namespace shell {
+
+frmMyMDI::frmMyMDI(ui::Dialogs& dialogs, files::Path recoveryFolder, files::CurrentDirectory directory)
+    : dialogs_(dialogs),
+      recoveryFolder_(std::move(recoveryFolder)),
+      frame_(forms_, "frmMyMDI", [this] { return Close(); }),
+      commonDialogs_(dialogs, std::move(directory)),
+      table_(*this),
+      opening_(*this, table_),
+      commands_(*this, table_, opening_),
+      menus_(frame_.menuBar(), commands_, *this, table_) {
+  frame_.SetCaption("Quillmark");
+  QObject::connect(&frame_.area(), &ui::ChildArea::CurrentChanged, &menus_.bar(), [this] {
+    menus_.FollowActiveDocument();
+    if (!table_.Active()) ShowOvertype(true);
+  });
+}
+
+frmMyMDI::~frmMyMDI() = default;
+
+void frmMyMDI::Show(std::function<void()> then) {
+  frame_.Show(std::move(then));
+}
+
+void frmMyMDI::InitDocProperties(int) {
+  menus_.FollowActiveDocument();
+}
+
+void frmMyMDI::ToolbarToggle(bool) {
+  menus_.FollowActiveDocument();
+}
+
+void frmMyMDI::ShowSelectionFont(const QString& text) {
+  frame_.statusBar().SetText(ui::Panel::stsFont, text);
+}
+
+void frmMyMDI::ShowOvertype(bool overtype) {
+  frame_.statusBar().SetOn(ui::Panel::stsInsert, !overtype);
+}
+
+void frmMyMDI::ShowDocumentMenu(int slot, const QPoint& globalPosition) {
+  if (documents::frmText* document = table_.Document(slot)) menus_.ShowDocumentPopup(*document, globalPosition);
+}
+
+// Every document is asked before the first one goes: after a Cancel all of them are still there.
+bool frmMyMDI::QueryUnload() {
+  for (const ui::FormId id : forms_.Backwards()) {
+    documents::frmText* document = table_.Find(id);
+    if (document && !document->QueryUnload()) return false;
+  }
+  return true;
+}
+
+bool frmMyMDI::Close() {
+  const ui::CommandScope scope;
+  if (!QueryUnload()) return false;
+  for (const ui::FormId id : forms_.Backwards())
+    if (documents::frmText* document = table_.Find(id)) document->Unload();
+  if (table_.AnyDocumentOpen()) return false;
+  frame_.Hide();
+  QCoreApplication::exit(0);
+  return true;
+}
+
+void frmMyMDI::OfferRecovered() {
+  const auto entries = files::ListRecovery(recoveryFolder_);
+  if (!entries) {
+    services::ShowError(dialogs_, &frame_, services::ErrorText(recoveryFolder_.native(), entries.error()));
+    return;
+  }
+  for (const files::RecoveryEntry& entry : entries.value()) OfferRecovered(entry);
+}
+
+void frmMyMDI::OfferRecovered(const files::RecoveryEntry& entry) {
+  const bool cutShort = entry.kind.empty() || !entry.complete;
+  const QString text =
+      cutShort
+          ? QCoreApplication::translate("Recovery",
+                                        "Saving [%1] was cut short.\r\nDo you want to open the text that was to be "
+                                        "saved?  No leaves it for the next start, in the folder\r\n%2")
+          : QCoreApplication::translate("Recovery",
+                                        "The text of [%1] could not be saved when its window was closed.\r\nDo you "
+                                        "want to open it now?  No deletes it, Cancel leaves it for the next start.");
+  const ui::Buttons buttons = cutShort ? ui::Buttons::kYesNo : ui::Buttons::kYesNoCancel;
+  QString shown = text.arg(ui::DisplayText(entry.originalPath.native()));
+  if (cutShort) shown = text.arg(ui::DisplayText(entry.originalPath.native()), ui::DisplayText(entry.folder.native()));
+  const ui::Answer answer = dialogs_.ShowMessage(&frame_, {shown, buttons, ui::Icon::kQuestion});
+  if (answer == ui::Answer::kYes) table_.OpenRecovered(entry);
+  if (answer != ui::Answer::kNo || cutShort) return;
+  if (const auto removed = files::RemoveRecovery(entry); !removed)
+    services::ShowError(dialogs_, &frame_, services::ErrorText(entry.folder.native(), removed.error()));
+}
+
+files::Status frmMyMDI::SavePicture(const files::Path& path) {
+  QByteArray png;
+  QBuffer buffer(&png);
+  buffer.open(QIODevice::WriteOnly);
+  if (!frame_.Picture().save(&buffer, "PNG")) return files::SystemError(ENOMEM, path);
+  const auto saved = files::SaveAtomically(path, recoveryFolder_, [&png](const files::ByteSink& sink) {
+    return sink(std::string_view(png.constData(), static_cast<size_t>(png.size())));
+  });
+  return saved ? files::Status() : files::Status(saved.error());
+}
+
+}  // namespace shell

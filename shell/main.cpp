@@ -1,0 +1,62 @@
+#include "files/Folders.h"
+#include "shell/CommandLine.h"
+#include "shell/Convert.h"
+#include "shell/frmMyMDI.h"
+#include "ui/desktop/Program.h"
+#include "ui/dialogs/QtDialogs.h"
+
+#include <clocale>
+#include <cstdio>
+
+namespace {
+
+using shell::CommandLine;
+
+int Fail(const std::string& text) {
+  std::fprintf(stderr, "quillmark: %s\n", shell::OneLine(text).c_str());
+  return 1;
+}
+
+int RunWindow(const CommandLine& line, const files::CurrentDirectory& directory, const files::Path& recovery) {
+  ui::Program program("Quillmark", QUILLMARK_VERSION);
+  ui::QtDialogs dialogs;
+  shell::frmMyMDI mainWindow(dialogs, recovery, directory);
+  int status = 0;
+  mainWindow.Show([&] {
+    const bool picture = line.action == CommandLine::Action::kScreenshot;
+    if (!picture) mainWindow.OfferRecovered();
+    for (const files::Path& path : line.paths) mainWindow.OpenDocument(path.native());
+    if (!picture) return;
+    program.AfterPainting([&] {
+      const auto saved = mainWindow.SavePicture(line.picture);
+      if (!saved) status = Fail(line.picture.native() + ": " + saved.error().text);
+      program.Quit();
+    });
+  });
+  program.Run();
+  return status;
+}
+
+int Run(const CommandLine& line, const files::CurrentDirectory& directory) {
+  using Action = CommandLine::Action;
+  if (line.action == Action::kHelp) return std::fputs(shell::HelpText(), stdout) < 0;
+  if (line.action == Action::kVersion) return std::printf("Quillmark %s\n", QUILLMARK_VERSION) < 0;
+  if (line.action == Action::kWrong) return Fail(line.error);
+  const auto folders = files::FindUserFolders();
+  if (!folders) return Fail(folders.error().text);
+  const files::Path recovery = folders.value().recovery();
+  if (line.action != Action::kConvert) return RunWindow(line, directory, recovery);
+  const std::string error = shell::Convert(line.paths[0], line.paths[1], recovery);
+  return error.empty() ? 0 : Fail(error);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  std::setlocale(LC_ALL, "");
+  const files::CurrentDirectory directory = files::CurrentDirectory::OfProcess();
+  const std::vector<std::string> arguments(argv + std::min(argc, 1), argv + argc);
+  const int status = Run(shell::ParseCommandLine(arguments, directory), directory);
+  // What was printed is part of the result.
+  return std::fflush(stdout) == 0 ? status : 1;
+}

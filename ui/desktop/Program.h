@@ -1,0 +1,31 @@
+// The toolkit's application object and its event loop.
+#pragma once
+
+#include <functional>
+#include <memory>
+
+class QApplication;
+
+namespace ui {
+
+class Program {
+ public:
+  // Without a display the process ends here with one line and status 1.
+  Program(const char* name, const char* version);
+  ~Program();
+  Program(const Program&) = delete;
+  Program& operator=(const Program&) = delete;
+
+  void Run();  // until Quit
+  void Quit();
+  // Runs the call when all that is waiting to be painted has been.
+  void AfterPainting(std::function<void()> call);
+
+ private:
+  int argc_ = 1;
+  char name_[16] = "quillmark";
+  char* argv_[2] = {name_, nullptr};
+  std::unique_ptr<QApplication> application_;
+};
+
+}  // namespace ui

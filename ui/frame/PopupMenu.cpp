@@ -1,0 +1,25 @@
+#include "ui/frame/PopupMenu.h"
+
+#include <QCoreApplication>
+#include <QMenu>
+
+namespace ui {
+
+std::optional<size_t> PickFromPopup(const QPoint& globalPosition, const std::vector<MenuRow>& rows,
+                                    const std::vector<bool>& enabled) {
+  QMenu menu;
+  for (size_t i = 0; i < rows.size(); ++i) {
+    if (rows[i].kind == MenuRowKind::kSeparator) {
+      menu.addSeparator();
+      continue;
+    }
+    QAction* action = menu.addAction(QCoreApplication::translate("Menu", rows[i].caption));
+    action->setEnabled(enabled[i]);
+    action->setData(static_cast<int>(i));
+  }
+  const QAction* chosen = menu.exec(globalPosition);
+  if (!chosen) return std::nullopt;
+  return static_cast<size_t>(chosen->data().toInt());
+}
+
+}  // namespace ui
