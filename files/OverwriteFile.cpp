@@ -44,6 +44,7 @@ int PutBack(int file, const SaveTarget& target, const Path& previous, int64_t ov
 }  // namespace
 
 Result<FileStamp> OverwriteFile(const SaveTarget& target, RecoveryWriter& entry, int64_t size, const Path& path) {
+  if (const int change = ChangeSince(target)) return ChangedError(change, path);
   if (auto status = entry.Finish(); !status) return status.error();
   if (auto status = entry.AddPrevious(target.file.get(), target.status.st_size); !status) return status.error();
 

@@ -33,8 +33,10 @@ class [[nodiscard]] Result {
   Result(T value) : state_(std::move(value)) {}
   Result(Error error) : state_(std::move(error)) {}
   explicit operator bool() const { return std::holds_alternative<T>(state_); }
-  T& value() { return std::get<T>(state_); }
-  const T& value() const { return std::get<T>(state_); }
+  T& value() & { return std::get<T>(state_); }
+  const T& value() const& { return std::get<T>(state_); }
+  // Out of a temporary it comes by value, so that a loop over it is safe.
+  T value() && { return std::get<T>(std::move(state_)); }
   const Error& error() const { return std::get<Error>(state_); }
 
  private:
