@@ -1,5 +1,6 @@
 #include "text/layout/BlockPainter.h"
 
+#include <QFontMetricsF>
 #include <QGlyphRun>
 #include <QPainter>
 
@@ -123,8 +124,25 @@ void BlockPainter::PaintGlyphs(const LayoutBlock& block, size_t line, int from, 
     const int begin = std::max(from, runs[i].begin), end = std::min(to, runs[i].end);
     if (begin >= end) continue;
     if (end - begin == 1 && Contains(block.text().objects, begin)) continue;
-    const QPointF position = linePosition - QPointF(0, block.LookOfRun(i).raise);
-    for (const QGlyphRun& glyphs : qt.glyphRuns(begin, end - begin)) painter_.drawGlyphRun(position, glyphs);
+    const FormatLook& look = block.LookOfRun(i);
+    const QPointF position = linePosition - QPointF(0, look.raise);
+    for (QGlyphRun glyphs : qt.glyphRuns(begin, end - begin)) {
+      glyphs.setFlags({});  // the painter misplaces the lines of a part of a run
+      painter_.drawGlyphRun(position, glyphs);
+    }
+    if (!look.font.underline() && !look.font.strikeOut()) continue;
+    std::vector<QRectF> rects;
+    block.AddRects(line, begin, end, &rects);
+    const QFontMetricsF metrics(look.font);
+    const double thick = std::max(1.0, std::round(metrics.lineWidth())), baseline = position.y() + qt.ascent();
+    for (const QRectF& rect : rects) {
+      const double x = rect.left() + linePosition.x();
+      const auto fill = [&](double y) {
+        painter_.fillRect(QRectF(x, std::round(y), rect.width(), thick), painter_.pen().color());
+      };
+      if (look.font.underline()) fill(baseline + metrics.underlinePos());
+      if (look.font.strikeOut()) fill(baseline - metrics.strikeOutPos());
+    }
   }
 }
 

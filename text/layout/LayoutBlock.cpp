@@ -1,6 +1,8 @@
 #include "text/layout/LayoutBlock.h"
 
 #include <QFontMetricsF>
+#include <QGlyphRun>
+#include <QRawFont>
 
 #include <algorithm>
 #include <cmath>
@@ -251,18 +253,41 @@ void LayoutBlock::AddRects(size_t index, int from, int to, std::vector<QRectF>* 
   from = std::max(from, line.begin);
   to = std::min(to, line.end);
   if (from >= to) return;
-  const auto add = [&](double a, double b) {
-    const auto [left, right] = std::minmax(std::clamp(a, 0.0, width_), std::clamp(b, 0.0, width_));
-    if (!rects->empty() && rects->back().top() == line.top) {
-      QRectF& last = rects->back();
-      if (std::abs(last.right() - left) < 0.1) return last.setRight(right);
-      if (std::abs(last.left() - right) < 0.1) return last.setLeft(left);
-    }
-    if (right > left) rects->emplace_back(left, line.top, right - left, line.height);
-  };
   const QTextLine qt = qtLine(index);
-  if (!text_.mixed) return add(qt.cursorToX(from), qt.cursorToX(to));
-  for (int i = from; i < to; ++i) add(qt.cursorToX(i, QTextLine::Leading), qt.cursorToX(i, QTextLine::Trailing));
+  if (!text_.mixed) return AddRect(line, qt.cursorToX(from), qt.cursorToX(to), rects);
+  if (from == line.begin && to == line.end) return rects->push_back(LineTextRect(index));
+  for (int i = from; i < to; ++i) {
+    const auto [a, b] = EdgesOfChar(qt, i);
+    AddRect(line, a, b, rects);
+  }
+}
+
+void LayoutBlock::AddRect(const BlockLine& line, double a, double b, std::vector<QRectF>* rects) const {
+  const auto [left, right] = std::minmax(std::clamp(a, 0.0, width_), std::clamp(b, 0.0, width_));
+  if (!rects->empty() && rects->back().top() == line.top) {
+    QRectF& last = rects->back();
+    if (std::abs(last.right() - left) < 0.1) return last.setRight(right);
+    if (std::abs(last.left() - right) < 0.1) return last.setLeft(left);
+  }
+  if (right > left) rects->emplace_back(left, line.top, right - left, line.height);
+}
+
+// Where the direction turns, the leading edge that Qt gives is the caret's, beside the character before; the glyphs
+// tell where the character itself stands.
+std::pair<double, double> LayoutBlock::EdgesOfChar(const QTextLine& line, int shown) const {
+  const double leading = line.cursorToX(shown, QTextLine::Leading),
+               trailing = line.cursorToX(shown, QTextLine::Trailing);
+  double left = 1e9, right = -1e9;
+  for (const QGlyphRun& glyphs : line.glyphRuns(shown, 1)) {
+    const QList<QPointF> positions = glyphs.positions();
+    const QList<QPointF> advances = glyphs.rawFont().advancesForGlyphIndexes(glyphs.glyphIndexes());
+    for (qsizetype i = 0; i < std::min(positions.size(), advances.size()); ++i) {
+      left = std::min(left, positions[i].x());
+      right = std::max(right, positions[i].x() + advances[i].x());
+    }
+  }
+  const bool beside = left <= right && (leading < left - 1 || leading > right + 1);
+  return beside ? std::pair(left, right) : std::pair(leading, trailing);
 }
 
 QRectF LayoutBlock::BreakRect(size_t index) const {

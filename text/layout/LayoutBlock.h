@@ -93,6 +93,8 @@ class LayoutBlock {
   void SetTabs(const BlockStyle& style, double lead);
   void MeasureLine(const QTextLine& line, double zoom, BlockLine* measured, double* ascent, double* descent) const;
   void PlaceBullet(double zoom);
+  void AddRect(const BlockLine& line, double a, double b, std::vector<QRectF>* rects) const;
+  std::pair<double, double> EdgesOfChar(const QTextLine& line, int shown) const;
 
   BlockText text_;
   std::vector<const FormatLook*> looks_;
