@@ -1,3 +1,4 @@
+#include "text/rtf/RtfCharacters.h"
 #include "text/rtf/RtfCodePages.h"
 
 #include <gtest/gtest.h>
@@ -83,6 +84,20 @@ TEST(RtfCodePages, AppendsScalarsOnly) {
   std::string utf8;
   for (char32_t c : {0x41, 0xE4, 0x20AC, 0x1F600, 0xD800, 0x110000}) AppendUtf8(c, utf8);
   EXPECT_EQ(utf8, "Aä€😀\uFFFD\uFFFD");
+}
+
+TEST(RtfCharacters, FontNamesAreCleaned) {
+  const std::pair<std::string, std::string> rows[] = {
+      {"Arial", "Arial"},
+      {" a\x19 b \x7F ", " a b"},
+      {"\xE4\x80x", "ä€x"},
+      {std::string(300, 'x'), std::string(256, 'x')},
+      {std::string(255, 'x') + "ä", std::string(255, 'x')},
+  };
+  for (const auto& [name, clean] : rows) {
+    EXPECT_EQ(CleanFontName(name), clean);
+    EXPECT_EQ(CleanFontName(clean), clean);
+  }
 }
 
 }  // namespace

@@ -1,5 +1,7 @@
 #include "text/rtf/RtfCodePages.h"
 
+#include "text/rtf/RtfCharacters.h"
+
 #include <unicode/ucnv.h>
 #include <unicode/ucnv_cb.h>
 #include <unicode/utf16.h>
@@ -129,23 +131,6 @@ int DoubleByteBase(int number) {
 }
 
 }  // namespace
-
-void AppendUtf8(char32_t c, std::string& out) {
-  if (c > 0x10FFFF || (c >= 0xD800 && c <= 0xDFFF)) c = 0xFFFD;
-  const auto tail = [&](int shift) { out += static_cast<char>(0x80 | ((c >> shift) & 0x3F)); };
-  if (c < 0x80) {
-    out += static_cast<char>(c);
-  } else if (c < 0x800) {
-    out += static_cast<char>(0xC0 | (c >> 6));
-    tail(0);
-  } else if (c < 0x10000) {
-    out += static_cast<char>(0xE0 | (c >> 12));
-    tail(6), tail(0);
-  } else {
-    out += static_cast<char>(0xF0 | (c >> 18));
-    tail(12), tail(6), tail(0);
-  }
-}
 
 int CodePageOfCharset(int charset, int ansi) {
   for (const CharsetPage& entry : kCharsets)

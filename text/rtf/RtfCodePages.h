@@ -12,9 +12,6 @@ struct UConverter;
 
 namespace text::rtf {
 
-// Appends one character; what is no Unicode scalar becomes U+FFFD.
-void AppendUtf8(char32_t character, std::string& out);
-
 constexpr int kSymbolCodePage = 42;
 
 // The code page that a \fcharset means; `ansi` is the document's \ansicpg.

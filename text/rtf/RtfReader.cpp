@@ -268,7 +268,9 @@ void RtfReader::Emit(std::string_view utf8) {
     case Mode::kBody:
       return EmitBody(utf8);
     case Mode::kFonts: {
-      if (font_.font.name.size() + utf8.size() <= kMaxNameBytes) font_.font.name += utf8;
+      // A little more than a name may hold, so that it is cut behind a whole character.
+      std::string& name = font_.font.name;
+      name += utf8.substr(0, kMaxNameBytes + 4 - name.size());
       return;
     }
     case Mode::kInstruction: {

@@ -1,4 +1,5 @@
 // Control symbols, words that stand for a character or an end, and \u.
+#include "text/rtf/RtfCharacters.h"
 #include "text/rtf/RtfReader.h"
 
 namespace text::rtf {

@@ -1,4 +1,5 @@
 // Fonts, colours and lists as the header's tables give them.
+#include "text/rtf/RtfCharacters.h"
 #include "text/rtf/RtfReader.h"
 
 #include <algorithm>
@@ -46,7 +47,7 @@ void RtfReader::FinishFont() {
     result_.limited = true;
     return;
   }
-  while (entry.font.name.ends_with(' ')) entry.font.name.pop_back();
+  entry.font.name = CleanFontName(entry.font.name);
   tables_.fonts.insert_or_assign(*number, std::move(entry));
   ++tables_.fontGeneration;
 }

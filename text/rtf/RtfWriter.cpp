@@ -1,7 +1,6 @@
 #include "text/rtf/RtfWriter.h"
 
-#include "text/TextStore.h"
-#include "text/rtf/RtfCodePages.h"
+#include "text/rtf/RtfCharacters.h"
 #include "text/rtf/RtfLimits.h"
 
 #include <algorithm>
@@ -70,18 +69,25 @@ void RtfWriter::CollectFormats(Range range) {
   });
   if (formats_[content_.ParaFormatOf(content_.ParagraphAt(range.end))].bullet) anyBullet_ = true;
   if (!anyBullet_) return;
-  const Font symbol{"Symbol", 2, 0};
-  const auto found = std::find(fonts_.begin(), fonts_.end(), symbol);
-  symbolFont_ = static_cast<int32_t>(found - fonts_.begin());
-  if (found == fonts_.end()) fonts_.push_back(symbol);
+  symbolFont_ = NumberFont({"Symbol", 2, 0}).value_or(0);
 }
 
 // The font without a name is the document's default, whatever its number.
 void RtfWriter::CollectFont(FontId id) {
   if (id == FontId::kDefault) id = properties_.defaultFont;
-  if (fontNumbers_.contains(id) || fonts_.size() >= kMaxFonts - 1) return;
-  fontNumbers_[id] = static_cast<int32_t>(fonts_.size());
-  fonts_.push_back(formats_[id]);
+  if (fontNumbers_.contains(id)) return;
+  if (const auto number = NumberFont(formats_[id])) fontNumbers_[id] = *number;
+}
+
+// Fonts that are written alike share a number.
+std::optional<int32_t> RtfWriter::NumberFont(Font font) {
+  font.name = CleanFontName(font.name);
+  font.family = std::min<uint8_t>(font.family, std::size(kFamilies) - 1);
+  if (fonts_.size() == kMaxFonts) return std::nullopt;
+  const auto next = static_cast<int32_t>(fonts_.size());
+  const auto [place, isNew] = fontsByValue_.try_emplace({font.name, font.charset, font.family}, next);
+  if (isNew) fonts_.push_back(std::move(font));
+  return place->second;
 }
 
 void RtfWriter::CollectColor(Color color) {
@@ -125,7 +131,7 @@ void RtfWriter::FontTable() {
   for (size_t i = 0; i < fonts_.size(); ++i) {
     Raw("{");
     Word("f", static_cast<int64_t>(i));
-    Word(kFamilies[std::min<size_t>(fonts_[i].family, std::size(kFamilies) - 1)]);
+    Word(kFamilies[fonts_[i].family]);
     Word("fcharset", fonts_[i].charset);
     Raw(" ");
     Name(fonts_[i].name);

@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <vector>
 
 namespace text::rtf {
@@ -28,6 +29,7 @@ class RtfWriter {
   // --- What the tables must hold
   void CollectFormats(Range range);
   void CollectFont(FontId id);
+  std::optional<int32_t> NumberFont(Font font);
   void CollectColor(Color color);
   int32_t FontNumber(FontId id) const;
   int32_t ColorNumber(Color color) const;
@@ -65,6 +67,7 @@ class RtfWriter {
 
   std::vector<bool> seenChars_;
   std::map<FontId, int32_t> fontNumbers_;
+  std::map<std::tuple<std::string, uint8_t, uint8_t>, int32_t> fontsByValue_;
   std::vector<Font> fonts_;
   std::map<uint32_t, int32_t> colorNumbers_;
   std::vector<Color> colors_;
