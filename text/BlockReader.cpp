@@ -1,12 +1,12 @@
 #include "text/BlockReader.h"
 
+#include "text/Memory.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <condition_variable>
-#include <cstdio>
 #include <cstring>
 #include <deque>
-#include <limits>
 #include <mutex>
 #include <new>
 #include <sys/stat.h>
@@ -21,21 +21,6 @@ namespace {
 constexpr int64_t kWorthHugePages = int64_t{8} << 20;
 constexpr size_t kReadAtOnce = size_t{1} << 20;
 constexpr int64_t kProgressEvery = int64_t{16} << 20;
-
-// Free memory in bytes as the system tells, or no limit.
-int64_t FreeMemory() {
-  int64_t kilobytes = 0;
-  FILE* info = std::fopen("/proc/meminfo", "re");
-  if (!info) return std::numeric_limits<int64_t>::max();
-  char line[128];
-  while (std::fgets(line, sizeof line, info)) {
-    long long value = 0;
-    if (std::sscanf(line, "MemAvailable: %lld", &value) == 1 || std::sscanf(line, "SwapFree: %lld", &value) == 1)
-      kilobytes += value;
-  }
-  std::fclose(info);
-  return kilobytes > 0 ? kilobytes * 1024 : std::numeric_limits<int64_t>::max();
-}
 
 // Commits what has been read into blocks and makes pieces of it.
 class Scanner {

@@ -1,4 +1,5 @@
-// Finding and bulk replacement over a content.
+// Finding and bulk replacement over a content. Both work on the bytes, in place where they lie together and gathered
+// where an edited text is scattered; they are O(bytes looked at).
 #pragma once
 
 #include "text/Content.h"
@@ -7,7 +8,6 @@
 #include <atomic>
 #include <optional>
 #include <string_view>
-#include <vector>
 
 namespace text {
 
@@ -16,16 +16,18 @@ struct SearchOptions {
   bool wholeWord = false;  // no word character directly before or behind the match
 };
 
-// True for letters, digits, marks, connector punctuation (Unicode), and so for "_".
+// True for letters, decimal digits, marks, connector punctuation (Unicode), and so for "_".
 bool IsWordCharacter(char32_t c);
 
 // A prepared needle. The needle is UTF-16 as the control's surface gives it: a CR LF, CR or LF in it matches any
-// spelling of a line break. An empty needle matches nowhere.
+// spelling of a line break, but never half of a CR LF; a unit U+DC80 .. U+DCFF matches that stray byte. Matches begin
+// and end at characters. An empty needle, or one with half of a surrogate pair, matches nowhere.
 class Searcher {
  public:
   Searcher(std::u16string_view needle, SearchOptions options);
   ~Searcher();
   Searcher(Searcher&&) noexcept;
+  Searcher& operator=(Searcher&&) noexcept;
 
   // The first match that begins at or after `start` and ends at or before `limit`. `cancel`, when given, is looked at
   // every few milliseconds; a cancelled search finds nothing.
@@ -38,8 +40,9 @@ class Searcher {
     Change change;  // covers all replacements
   };
   // Replaces every match in the range, left to right; inserted text is not searched. After a match the search goes on
-  // `gap` units behind its end. Replacements take the format of the first replaced character. The result is built in
-  // one pass. Nothing when cancelled.
+  // `gap` units behind its end. A replacement takes the format of the first replaced character (without its object),
+  // and its breaks the format of the paragraph in which the match begins. The result is built in one pass. Nothing when
+  // cancelled. Throws std::bad_alloc when the result would not fit into the free memory.
   std::optional<Replaced> ReplaceAll(const Content& content, Range range, std::string_view replacementBytes,
                                      Units gap = Units(0), const std::atomic<bool>* cancel = nullptr) const;
 
