@@ -2,6 +2,8 @@
 
 #include "ui/frame/ChildWindow.h"
 
+#include <QStyle>
+
 #include <algorithm>
 
 namespace ui {
