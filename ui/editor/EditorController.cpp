@@ -33,7 +33,7 @@ void EditorController::Select(Selection selection, Bias affinity) {
 
 void EditorController::RevealCaret(int contextLines) {
   const double line = layout_.CaretRect(caret()).height();
-  layout_.EnsureVisible(caret(), contextLines * line);
+  layout_.EnsureVisible(caret(), std::max(kTextMargin, contextLines * line));
   host_.ViewChanged();
 }
 
@@ -70,7 +70,7 @@ void EditorController::MapThroughForeignEdits() {
 void EditorController::Settle() {
   const Told before = told_;
   told_ = Now();
-  if (reveal_) layout_.EnsureVisible(caret());
+  if (reveal_) layout_.EnsureVisible(caret(), kTextMargin);
   reveal_ = false;
   host_.ViewChanged();
   const bool selectionChanged = !(before == told_);

@@ -39,6 +39,9 @@ enum class EditorMove : uint8_t {
   kDocumentEnd,
 };
 
+// Pixels around the text; so much also stays free around the caret, so that the ends of the text come into view whole.
+constexpr double kTextMargin = 4;
+
 // A bullet hangs by that many twips; the first line's position stays.
 text::ParaFormat WithBullet(text::ParaFormat format, int bulletIndent);
 text::ParaFormat WithoutBullet(text::ParaFormat format);

@@ -100,6 +100,7 @@ class HtmlText {
   }
 
   void Break(bool always) {
+    if (result_.endsWith(u' ')) result_.chop(1);
     if (always || (!result_.isEmpty() && !result_.endsWith(u'\n'))) result_ += u'\n';
   }
 

@@ -43,7 +43,7 @@ RichTextBox::RichTextBox(QWidget* parent) : QAbstractScrollArea(parent), impl_(s
   viewport()->setAttribute(Qt::WA_OpaquePaintEvent);
   viewport()->setAutoFillBackground(false);
   impl_->defaultFont = font();
-  impl_->layout.SetMargins(4);
+  impl_->layout.SetMargins(kTextMargin);
   impl_->layout.SetDefaultFont(impl_->defaultFont);
   impl_->layout.SetViewport(viewport()->size());
   connect(verticalScrollBar(), &QScrollBar::actionTriggered, this,

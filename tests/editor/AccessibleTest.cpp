@@ -1,0 +1,101 @@
+#include "ui/editor/RichTextBox.h"
+
+#include <QAccessible>
+#include <gtest/gtest.h>
+
+namespace ui::test {
+namespace {
+
+class AccessibleTest : public testing::Test {
+ protected:
+  AccessibleTest() {
+    box.resize(400, 200);
+    box.SetSelText(QStringLiteral("one two.\r\nthr\u0301ee"));
+    box.SetSelStart(0);
+    root = QAccessible::queryAccessibleInterface(&box);
+    text = root->textInterface();
+    edit = root->editableTextInterface();
+  }
+  QString At(int offset, QAccessible::TextBoundaryType boundary) {
+    return text->textAtOffset(offset, boundary, &start, &end);
+  }
+
+  RichTextBox box;
+  QAccessibleInterface* root;
+  QAccessibleTextInterface* text;
+  QAccessibleEditableTextInterface* edit;
+  int start = -1, end = -1;
+};
+
+TEST_F(AccessibleTest, IsAnEditableText) {
+  EXPECT_EQ(root->role(), QAccessible::EditableText);
+  ASSERT_TRUE(text);
+  ASSERT_TRUE(edit);
+  EXPECT_TRUE(root->state().editable);
+  EXPECT_TRUE(root->state().multiLine);
+  box.SetReadOnly(true);
+  EXPECT_TRUE(root->state().readOnly);
+}
+
+TEST_F(AccessibleTest, CountsABreakAsOne) {
+  EXPECT_EQ(text->characterCount(), 15);
+  EXPECT_EQ(text->text(0, -1), QStringLiteral("one two.\nthr\u0301ee"));
+  EXPECT_EQ(text->text(9, 12), "thr");
+  text->setCursorPosition(9);
+  EXPECT_EQ(box.SelStart(), 10);
+  EXPECT_EQ(text->cursorPosition(), 9);
+}
+
+TEST_F(AccessibleTest, GivesPiecesAroundAnOffset) {
+  EXPECT_EQ(At(5, QAccessible::WordBoundary), "two");
+  EXPECT_EQ(start, 4);
+  EXPECT_EQ(end, 7);
+  EXPECT_EQ(At(11, QAccessible::CharBoundary), QStringLiteral("r\u0301"));
+  EXPECT_EQ(At(2, QAccessible::ParagraphBoundary), "one two.\n");
+  EXPECT_EQ(At(2, QAccessible::LineBoundary), "one two.\n");
+  EXPECT_EQ(text->textAfterOffset(2, QAccessible::LineBoundary, &start, &end), QStringLiteral("thr\u0301ee"));
+  EXPECT_EQ(text->textBeforeOffset(12, QAccessible::LineBoundary, &start, &end), "one two.\n");
+  EXPECT_EQ(text->textBeforeOffset(0, QAccessible::LineBoundary, &start, &end), "");
+  EXPECT_EQ(text->textAfterOffset(12, QAccessible::LineBoundary, &start, &end), "");
+}
+
+TEST_F(AccessibleTest, SelectsAndEdits) {
+  text->setSelection(0, 4, 7);
+  EXPECT_EQ(box.SelText(), "two");
+  ASSERT_EQ(text->selectionCount(), 1);
+  text->selection(0, &start, &end);
+  EXPECT_EQ(start, 4);
+  EXPECT_EQ(end, 7);
+  text->removeSelection(0);
+  EXPECT_EQ(text->selectionCount(), 0);
+  edit->replaceText(4, 7, "2");
+  edit->insertText(0, "\n");
+  edit->deleteText(1, 4);
+  EXPECT_EQ(box.Text(), QStringLiteral("\r\n 2.\r\nthr\u0301ee"));
+  box.Undo();
+  EXPECT_EQ(box.Text(), QStringLiteral("\r\none 2.\r\nthr\u0301ee"));
+  box.SetReadOnly(true);
+  edit->deleteText(0, 3);
+  EXPECT_EQ(box.Text(), QStringLiteral("\r\none 2.\r\nthr\u0301ee"));
+}
+
+TEST_F(AccessibleTest, PlacesAndOffsetsAgree) {
+  for (const int offset : {0, 4, 10, 13}) {
+    const QRect rect = text->characterRect(offset);
+    ASSERT_FALSE(rect.isEmpty()) << offset;
+    EXPECT_EQ(text->offsetAtPoint({rect.left() + rect.width() / 4, rect.center().y()}), offset);
+  }
+}
+
+TEST_F(AccessibleTest, NamesTheFormatOfARun) {
+  box.SetSelStart(4);
+  box.SetSelLength(3);
+  box.SetSelBold(true);
+  EXPECT_TRUE(text->attributes(5, &start, &end).contains("font-weight:bold"));
+  EXPECT_EQ(end, 7);
+  EXPECT_FALSE(text->attributes(1, &start, &end).contains("bold"));
+  EXPECT_EQ(end, 4);
+}
+
+}  // namespace
+}  // namespace ui::test

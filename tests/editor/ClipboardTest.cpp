@@ -1,0 +1,122 @@
+#include "tests/editor/EditorFixture.h"
+#include "ui/editor/EditorClipboard.h"
+#include "ui/editor/RichTextBox.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <gtest/gtest.h>
+
+namespace ui::test {
+namespace {
+
+TEST(Clipboard, OffersTextAndRtfThatOthersCanRead) {
+  Editor editor("x[a\r\nb\xFF\U0001F600|y");
+  editor.Press("Ctrl+C");
+  const QMimeData& data = *editor.host.data[QClipboard::Clipboard];
+  EXPECT_EQ(data.formats(), (QStringList{"text/rtf", "application/rtf", "text/plain"}));
+  EXPECT_EQ(data.text(), QStringLiteral("a\nb\uFFFD\U0001F600"));
+  EXPECT_EQ(data.data(QStringLiteral("text/plain")), QByteArray("a\nb\xEF\xBF\xBD\xF0\x9F\x98\x80"));
+  EXPECT_TRUE(data.data(QStringLiteral("text/rtf")).startsWith("{\\rtf1"));
+  EXPECT_EQ(data.data(QStringLiteral("text/rtf")), data.data(QStringLiteral("application/rtf")));
+  EXPECT_FALSE(data.hasHtml());
+}
+
+// What is offered is the text as it was when it was copied.
+TEST(Clipboard, HoldsASnapshot) {
+  Editor editor("[abc|");
+  editor.Press("Ctrl+C 'z'");
+  EXPECT_EQ(editor.host.data[QClipboard::Clipboard]->text(), QStringLiteral("abc"));
+}
+
+TEST(Clipboard, CopyWithoutSelectionKeepsWhatWasThere) {
+  Editor editor("[a|bc");
+  editor.Press("Ctrl+C Right Ctrl+C Ctrl+X");
+  EXPECT_EQ(editor.host.data[QClipboard::Clipboard]->text(), QStringLiteral("a"));
+}
+
+// Between two documents the bytes and the formats go over without a detour through RTF.
+TEST(Clipboard, CarriesStrayBytesAndFormatsToAnotherDocument) {
+  Editor from("[ab\r\n\xFF|");
+  text::CharFormatPatch patch;
+  patch.setFlags = text::kBold;
+  patch.font = from.document.formats().Intern(text::Font{"DejaVu Serif", 1, 1});
+  from.controller.PatchChars(patch);
+  from.Press("Ctrl+C");
+  Editor to("<|>", text::LineEnd::kLf);
+  to.document.formats().Intern(text::Font{"Another", 1, 0});
+  to.controller.Insert(*from.host.data[QClipboard::Clipboard], false);
+  EXPECT_EQ(to.Shown(), "<ab\n\xFF|>");
+  EXPECT_EQ(to.Flagged(text::kBold), "ab\n\xFF,");
+  const text::FormatTable& formats = to.document.formats();
+  EXPECT_EQ(formats[formats[to.document.content().CharFormatAt(text::Units(1))].font].name, "DejaVu Serif");
+}
+
+struct PasteCase {
+  const char* name;
+  const char* rtf;  // null: not offered
+  const char* text;
+  const char* html;
+  bool plain;
+  const char* after;
+  const char* bold;
+};
+
+TEST(Clipboard, TakesTheRichestFormThatIsAskedFor) {
+  const PasteCase cases[] = {
+      {"rtf", "{\\rtf1 a{\\b b}}", "text", "<i>html</i>", false, "<ab|>", "b,"},
+      {"plain of rtf", "{\\rtf1 a{\\b b}}", "text", nullptr, true, "<text|>", ""},
+      {"text before html", nullptr, "text", "<i>html</i>", false, "<text|>", ""},
+      {"html", nullptr, nullptr, "<p>a &amp; b</p><p>c</p>", false, "<a & b\nc|>", ""},
+      {"paragraphs", "{\\rtf1 a\\par b}", nullptr, nullptr, false, "<a\nb|>", ""},
+      {"damaged rtf", "not rtf", "text", nullptr, false, "<text|>", ""},
+      {"breaks", nullptr, "a\r\nb\rc\n", nullptr, false, "<a\nb\nc\n|>", ""},
+      {"nothing", nullptr, nullptr, nullptr, false, "<|>", ""},
+  };
+  for (const auto& c : cases) {
+    QMimeData data;
+    if (c.rtf) data.setData(QStringLiteral("application/rtf"), c.rtf);
+    if (c.text) data.setText(QString::fromUtf8(c.text));
+    if (c.html) data.setHtml(QString::fromUtf8(c.html));
+    Editor editor("<|>");
+    editor.controller.Insert(data, c.plain);
+    EXPECT_EQ(editor.Shown(), c.after) << c.name;
+    EXPECT_EQ(editor.Flagged(text::kBold), c.bold) << c.name;
+  }
+}
+
+TEST(Clipboard, HtmlBecomesItsText) {
+  const std::pair<QString, QString> cases[] = {
+      {"a<br>b<br/>c", "a\nb\nc"},
+      {"<h1>T</h1>\n<p>one\n two</p>", "T\none two"},
+      {"<script>x<y</script><style>p{}</style>a<!-- <b> -->b", "ab"},
+      {"<table><tr><td>1<td>2<tr><td>3</table>", "1\t2\n3"},
+      {"&lt;&#65;&#x42;&nbsp;&bogus;&#0;&", "<AB\u00A0&bogus;&#0;&"},
+      {"a<", "a"},
+      {"<script>never closed", ""},
+      {QString("<div>").repeated(100000) + "x", "x"},
+  };
+  for (const auto& [html, text] : cases) EXPECT_EQ(TextOfHtml(html), text) << html.left(40).toStdString();
+}
+
+// Through the real clipboard, from one control to another.
+TEST(Clipboard, GoesFromOneBoxToAnother) {
+  RichTextBox from, to;
+  from.SetSelText(QStringLiteral("one\r\ntwo"));
+  from.SetSelStart(5);
+  from.SetSelLength(3);
+  from.SetSelItalic(true);
+  from.SelectAll();
+  from.Cut();
+  EXPECT_EQ(from.Text(), QString());
+  EXPECT_EQ(QGuiApplication::clipboard()->text(), QStringLiteral("one\ntwo"));
+  to.Paste();
+  EXPECT_EQ(to.Text(), QStringLiteral("one\r\ntwo"));
+  to.SetSelStart(5);
+  to.SetSelLength(3);
+  EXPECT_EQ(to.SelItalic(), true);
+  to.PastePlainText();
+  EXPECT_EQ(to.Text(), QStringLiteral("one\r\none\r\ntwo"));
+}
+
+}  // namespace
+}  // namespace ui::test
