@@ -196,6 +196,7 @@ void RichTextBox::LoadPlain(text::LoadedText loaded) {
   impl_->rich = false;
   impl_->document.Reset(impl_->InDefaultFormat(loaded.content), loaded.properties);
   impl_->controller.SetRtfProperties({});
+  impl_->layout.SetDefaultTab(text::rtf::DocumentProperties().defaultTab);
   impl_->ApplyEmptyFormat();
   impl_->controller.Reset();
 }
@@ -204,6 +205,7 @@ void RichTextBox::LoadRtf(text::rtf::ReadResult read) {
   impl_->rich = true;
   impl_->document.Reset(std::move(read.content), {});
   impl_->controller.SetRtfProperties(read.properties);
+  impl_->layout.SetDefaultTab(read.properties.defaultTab);
   impl_->ApplyEmptyFormat();
   impl_->controller.Reset();
 }
