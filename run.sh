@@ -12,7 +12,7 @@ needs_display() {
   for argument in "$@"; do
     case $argument in
       --) return 0 ;;
-      --help | --version | --convert) return 1 ;;
+      --help | -h | --version | -v | --convert) return 1 ;;
     esac
   done
 }
