@@ -235,11 +235,25 @@ CaretShape LayoutBlock::CaretAt(int shown, Bias bias) const {
   return {rect, baseline};
 }
 
+// Qt gives places that its caret does not come to, where directions meet and beside trailing blanks.
+int LayoutBlock::NearestCaret(size_t index, double x) const {
+  const BlockLine& line = lines_[index];
+  int best = line.begin;
+  for (int shown = line.begin; shown <= line.end;
+       shown = shown < line.end ? layout_.nextCursorPosition(shown) : shown + 1) {
+    if (std::abs(XAt(index, shown) - x) < std::abs(XAt(index, best) - x)) best = shown;
+  }
+  return best;
+}
+
 LayoutBlock::Hit LayoutBlock::HitLine(size_t index, double x) const {
   const BlockLine& line = lines_[index];
-  const int shown = std::clamp(qtLine(index).xToCursor(x), line.begin, line.end);
-  const bool atWrap = shown == line.end && shown > line.begin && index + 1 < lines_.size() && line.wraps();
-  return {shown, atWrap ? Bias::kLeft : Bias::kRight};
+  int shown = text_.mixed ? NearestCaret(index, x) : std::clamp(qtLine(index).xToCursor(x), line.begin, line.end);
+  if (!line.wraps() || index + 1 == lines_.size() || line.begin == line.end) return {shown, Bias::kRight};
+  const QChar last = text_.text[line.end - 1];
+  if (last.isSpace()) return {std::min(shown, line.end - 1), Bias::kRight};
+  if (std::abs(XAt(index, line.end) - x) < std::abs(XAt(index, shown) - x)) shown = line.end;
+  return {shown, shown == line.end ? Bias::kLeft : Bias::kRight};
 }
 
 QRectF LayoutBlock::LineTextRect(size_t index) const {

@@ -93,6 +93,7 @@ class LayoutBlock {
   void SetTabs(const BlockStyle& style, double lead);
   void MeasureLine(const QTextLine& line, double zoom, BlockLine* measured, double* ascent, double* descent) const;
   void PlaceBullet(double zoom);
+  int NearestCaret(size_t line, double x) const;
   void AddRect(const BlockLine& line, double a, double b, std::vector<QRectF>* rects) const;
   std::pair<double, double> EdgesOfChar(const QTextLine& line, int shown) const;
 

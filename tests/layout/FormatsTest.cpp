@@ -1,0 +1,268 @@
+// What formats do to places and pixels.
+#include "LayoutTesting.h"
+#include "text/layout/LayoutBlock.h"
+
+namespace text::layout {
+namespace {
+
+struct Formatted {
+  Document document;
+  TestView view;
+  Formatted(std::string_view text, const CharFormat& chars, const ParaFormat& paragraph, double width = 400)
+      : document(Make(text, chars, paragraph)), view(document, width, 600) {}
+  static Content Make(std::string_view text, const CharFormat& chars, const ParaFormat& paragraph) {
+    ContentBuilder builder(Content().store());
+    FormatTable& formats = Content(builder.Finish()).formats();
+    ContentBuilder real(builder.Finish().store());
+    const ParaFormatId id = formats.Intern(paragraph);
+    real.Append(text, formats.Intern(chars), id);
+    return real.Finish(id);
+  }
+  double Left(int64_t position) { return view.CaretRect({Units(position)}).left() - 4; }
+};
+
+std::string LongText() {
+  return Repeated("words that wrap ", 20);
+}
+
+TEST(FontOf, PointsAreNinetySixDotsToTheInch) {
+  FormatTable formats;
+  CharFormat format;
+  for (const auto& [halfPoints, zoom, pixels] :
+       {std::tuple(24, 1.0, 16.0), {24, 2.0, 32.0}, {15, 1.0, 10.0}, {144, 0.5, 48.0}}) {
+    format.halfPoints = static_cast<uint16_t>(halfPoints);
+    const QFont font = FontOf(formats, format, QFont("DejaVu Sans"), zoom);
+    EXPECT_NEAR(QFontInfo(font).pixelSize(), pixels, 0.6) << halfPoints << " at " << zoom;
+  }
+}
+
+TEST(FontOf, TakesNameAndEmphasis) {
+  FormatTable formats;
+  CharFormat format;
+  format.font = formats.Intern(Font{"Courier New", 0, 3});
+  format.flags = kBold | kItalic | kUnderline | kStrikeThru;
+  const QFont font = FontOf(formats, format, QFont("DejaVu Sans"), 1);
+  EXPECT_EQ(font.family(), "Courier New");
+  EXPECT_TRUE(font.bold() && font.italic() && font.underline() && font.strikeOut());
+  EXPECT_EQ(FontOf(formats, CharFormat{}, QFont("DejaVu Serif"), 1).family(), "DejaVu Serif");
+}
+
+struct EdgeCase {
+  const char* name;
+  void (*set)(ParaFormat&);
+  double first, second;  // where the first and the second line begin, pixels; negative = not looked at
+};
+
+class Edges : public testing::TestWithParam<EdgeCase> {};
+
+TEST_P(Edges, LinesBeginWhereTheFormatSays) {
+  ParaFormat format;
+  GetParam().set(format);
+  Formatted f(LongText(), {}, format);
+  EXPECT_NEAR(f.Left(0), GetParam().first, 0.5);
+  const Units second = f.view.LineAt({Units(0)}).end;
+  if (GetParam().second >= 0) {
+    EXPECT_NEAR(f.Left(second.value()), GetParam().second, 0.5);
+  }
+  for (int64_t at = 0; at < 200; ++at) {
+    EXPECT_GE(f.Left(at), 0);
+    EXPECT_LE(f.Left(at), 392 - format.rightIndent / 15.0 + 0.5);
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(All, Edges,
+                         testing::Values(EdgeCase{"none", [](ParaFormat&) {}, 0, 0},
+                                         EdgeCase{"left", [](ParaFormat& p) { p.leftIndent = 600; }, 40, 40},
+                                         EdgeCase{"first", [](ParaFormat& p) { p.firstIndent = 300; }, 20, 0},
+                                         EdgeCase{"hanging",
+                                                  [](ParaFormat& p) {
+                                                    p.leftIndent = 600;
+                                                    p.firstIndent = -300;
+                                                  },
+                                                  20, 40},
+                                         EdgeCase{"negativeIsClamped",
+                                                  [](ParaFormat& p) {
+                                                    p.leftIndent = 300;
+                                                    p.firstIndent = -900;
+                                                  },
+                                                  0, 20},
+                                         EdgeCase{"right", [](ParaFormat& p) { p.rightIndent = 1500; }, 0, 0},
+                                         EdgeCase{"bullet",
+                                                  [](ParaFormat& p) {
+                                                    p.bullet = true;
+                                                    p.leftIndent = 360;
+                                                    p.firstIndent = -360;
+                                                  },
+                                                  24, 24},
+                                         EdgeCase{"absurd",
+                                                  [](ParaFormat& p) {
+                                                    p.leftIndent = 2000000000;
+                                                    p.firstIndent = 2000000000;
+                                                    p.rightIndent = 0;
+                                                  },
+                                                  368, 368},
+                                         EdgeCase{"justified", [](ParaFormat& p) { p.alignment = Alignment::kJustify; },
+                                                  0, 0}),
+                         [](const auto& sample) { return std::string(sample.param.name); });
+
+TEST(Alignments, ShiftTheLine) {
+  ParaFormat format;
+  for (const auto& [alignment, part] :
+       {std::pair(Alignment::kLeft, 0.0), {Alignment::kCenter, 0.5}, {Alignment::kRight, 1.0}}) {
+    format.alignment = alignment;
+    Formatted f("short", {}, format);
+    const double width = f.Left(5) - f.Left(0);
+    EXPECT_NEAR(f.Left(0), part * (392 - width), 1);
+  }
+  format.alignment = Alignment::kJustify;
+  Formatted f(LongText(), {}, format);
+  const Range line = f.view.LineAt({Units(0)});
+  EXPECT_NEAR(f.Left(line.end.value() - 1), 392, 1) << "a full line reaches the right edge";
+}
+
+TEST(Directions, RightToLeftParagraphsBeginOnTheRight) {
+  Formatted automatic(std::string("123 ") + kHebrew, {}, {});
+  EXPECT_TRUE(automatic.view.IsRightToLeft(Breaks(0)));
+  EXPECT_GT(automatic.Left(4), 300);
+  ParaFormat format;
+  format.rightToLeft = true;
+  format.alignment = Alignment::kRight;
+  format.leftIndent = 600;
+  Formatted said("latin", {}, format);
+  EXPECT_TRUE(said.view.IsRightToLeft(Breaks(0)));
+  EXPECT_LT(said.Left(3), 392 - 40 + 0.5) << "indents count from the side where lines begin";
+  EXPECT_GT(said.Left(3), 250);
+  Formatted latin(std::string("abc ") + kHebrew, {}, {});
+  EXPECT_FALSE(latin.view.IsRightToLeft(Breaks(0)));
+}
+
+TEST(Directions, LaterSegmentsFollowTheParagraph) {
+  Document document = MakeDocument(kHebrew + Repeated(" latin words", 2000));
+  TestView view(document);
+  view.SetScrollValue(view.scrollMaximum());
+  const Range line = view.LineAt({document.content().size()});
+  EXPECT_GT(view.CaretRect({line.begin}).left(), 100) << "the last line begins on the right";
+  Insert(document, Units(0), "latin ");
+  const Range now = view.LineAt({document.content().size()});
+  EXPECT_LT(view.CaretRect({now.begin}).left(), 10);
+}
+
+TEST(Tabs, StopsCountFromTheParagraphsEdge) {
+  ParaFormat format;
+  {
+    Formatted plain("a\tb\tc", {}, format);
+    EXPECT_NEAR(plain.Left(2), 48, 0.5);
+    EXPECT_NEAR(plain.Left(4), 96, 0.5);
+  }
+  format.leftIndent = 300;
+  Formatted indented("a\tb\tc", {}, format);
+  EXPECT_NEAR(indented.Left(0), 20, 0.5);
+  EXPECT_NEAR(indented.Left(2), 48, 0.5);
+  FormatTable& formats = indented.document.formats();
+  ParaFormatPatch patch;
+  patch.tabs = formats.Intern(Tabs{1500, 3000});
+  indented.document.PatchParagraphs({Units(0), Units(1)}, patch, {});
+  EXPECT_NEAR(indented.Left(2), 100, 0.5);
+  EXPECT_NEAR(indented.Left(4), 200, 0.5);
+}
+
+TEST(Tabs, AHangingFirstLineStopsAtTheIndent) {
+  ParaFormat format;
+  format.leftIndent = 600;
+  format.firstIndent = -600;
+  Formatted f("1.\ttext", {}, format);
+  EXPECT_NEAR(f.Left(3), 40, 0.5);
+}
+
+TEST(Spacing, BeforeAfterAndBetween) {
+  const auto distance = [](void (*set)(ParaFormat&)) {
+    ParaFormat format;
+    set(format);
+    Formatted f("one\ntwo", {}, format);
+    return f.view.TopOf(Units(4)) - f.view.TopOf(Units(0));
+  };
+  const double plain = distance([](ParaFormat&) {});
+  EXPECT_NEAR(distance([](ParaFormat& p) { p.spaceBefore = 300; }), plain + 20, 1);
+  EXPECT_NEAR(distance([](ParaFormat& p) { p.spaceAfter = 150; }), plain + 10, 1);
+  EXPECT_NEAR(distance([](ParaFormat& p) {
+                p.lineSpacing = 480;
+                p.lineSpacingMultiple = true;
+              }),
+              plain * 2, 1);
+  EXPECT_NEAR(distance([](ParaFormat& p) { p.lineSpacing = 15; }), plain, 1) << "at least";
+  EXPECT_NEAR(distance([](ParaFormat& p) { p.lineSpacing = 900; }), 60, 1) << "at least";
+  EXPECT_NEAR(distance([](ParaFormat& p) { p.lineSpacing = -150; }), 10, 1) << "exactly";
+  ParaFormat absurd;
+  absurd.spaceBefore = absurd.spaceAfter = absurd.lineSpacing = 2000000000;
+  Formatted f("one\ntwo", {}, absurd);
+  EXPECT_LE(f.view.scrollMaximum(), 20000);
+}
+
+TEST(Offset, RaisedTextMakesTheLineHigherAndMovesTheCaret) {
+  for (const int twips : {300, -300}) {
+    Document document = MakeDocument("plain raised\nnext");
+    TestView view(document);
+    const double before = view.TopOf(Units(13)) - 4, plainTop = view.CaretRect({Units(2)}).top();
+    CharFormatPatch patch;
+    patch.offset = twips;
+    document.PatchChars({Units(6), Units(12)}, patch, {});
+    EXPECT_NEAR(view.TopOf(Units(13)) - 4, before + 20, 1) << twips;
+    const double relative = view.CaretRect({Units(9)}).top() - view.CaretRect({Units(2)}).top();
+    EXPECT_NEAR(relative, -twips / 15.0, 0.5);
+    EXPECT_NEAR(view.CaretRect({Units(2)}).top() - plainTop, twips > 0 ? 20 : 0, 1);
+    EXPECT_EQ(view.HitTest(view.CaretRect({Units(9)}).center()).position, Units(9));
+  }
+}
+
+TEST(Sizes, TheLargestTextOfALineSetsItsHeight) {
+  Document document = MakeDocument("small BIG small\nnext");
+  TestView view(document);
+  const double before = view.TopOf(Units(16));
+  CharFormatPatch patch;
+  patch.halfPoints = 72;
+  document.PatchChars({Units(6), Units(9)}, patch, {});
+  EXPECT_GT(view.TopOf(Units(16)), before * 1.8);
+  EXPECT_GT(view.CaretRect({Units(8)}).height(), 2 * view.CaretRect({Units(2)}).height());
+}
+
+TEST(Sizes, TheLargestFontInANarrowLongLineStaysInRange) {
+  CharFormat format;
+  format.halfPoints = 3276;
+  Formatted f(std::string(9000, 'W'), format, {}, 60);
+  f.view.SetZoom(10);
+  f.view.SetScrollValue(f.view.scrollMaximum());
+  EXPECT_EQ(f.view.VisibleRange().end, f.document.content().size());
+  EXPECT_EQ(f.view.scrollValue(), f.view.scrollMaximum());
+}
+
+TEST(Shown, StrangeCharactersHaveAWidth) {
+  const std::string strange("\0\x01\x0B\x1B\x7F\xFF\x80\xC2\x85", 9);
+  Formatted f("a" + strange + "b", {}, {});
+  const int64_t size = f.document.content().size().value();
+  ASSERT_EQ(size, 10);
+  for (int64_t at = 0; at < size; ++at) EXPECT_GT(f.Left(at + 1) - f.Left(at), 2) << at;
+  EXPECT_EQ(f.view.LineAt({Units(0)}).end.value(), size) << "none of them breaks the line";
+}
+
+TEST(Shown, HiddenTextTakesNoRoom) {
+  Document document = MakeDocument("seen hidden seen");
+  TestView view(document);
+  const double width = view.CaretRect({Units(16)}).left();
+  CharFormatPatch patch;
+  patch.setFlags = kHidden;
+  document.PatchChars({Units(5), Units(12)}, patch, {});
+  EXPECT_EQ(view.CaretRect({Units(5)}).left(), view.CaretRect({Units(12)}).left());
+  EXPECT_LT(view.CaretRect({Units(16)}).left(), width - 30);
+}
+
+TEST(Shown, AnObjectIsABoxAsHighAsItsText) {
+  CharFormat format;
+  format.halfPoints = 60;
+  Formatted f("\uFFFC\uFFFC", format, {});
+  const QFontMetricsF metrics(FontOf(f.document.formats(), format, QFont("DejaVu Sans"), 1));
+  EXPECT_NEAR(f.Left(1), metrics.height(), 1.5);
+  EXPECT_NEAR(f.Left(2), 2 * metrics.height(), 3);
+}
+
+}  // namespace
+}  // namespace text::layout
