@@ -225,6 +225,7 @@ void CodePage::DecodeJohab(std::string_view bytes, std::string& out) const {
 }
 
 const CodePage& CodePages::operator[](int number) {
+  if (const auto found = pages_.find(number); found != pages_.end()) return *found->second;
   if (!IsKnownCodePage(number)) number = 1252;
   auto& page = pages_[number];
   if (!page) page = std::make_unique<CodePage>(number);

@@ -10,6 +10,7 @@ namespace {
 
 constexpr size_t kProgressStep = 1 << 20;
 constexpr size_t kDecodeAt = 4096;
+constexpr char kLowestTrail = 0x30;  // of a second byte, in any double-byte code page
 
 }  // namespace
 
@@ -179,7 +180,7 @@ void RtfReader::Text(std::string_view ascii) {
     if (ascii.empty()) return;
   }
   if (!pendingBytes_.empty()) {
-    if (expectTrail_) {
+    if (expectTrail_ && ascii.front() >= kLowestTrail) {
       pendingBytes_ += ascii.front();
       expectTrail_ = false;
       ascii.remove_prefix(1);
@@ -219,7 +220,7 @@ void RtfReader::Hex(int32_t value) {
     return;
   }
   if (value < 0) return;
-  if (value < 0x20 && !expectTrail_) {
+  if (value < 0x20) {
     FlushBytes();
     if (value == '\r' || value == '\n') return Paragraph();
     if (value != 0) Character(static_cast<char32_t>(value));

@@ -1,0 +1,171 @@
+// Files cut short and files made to do harm: nothing crashes, and the text that is there is read.
+#include "tests/rtf/RtfTestSupport.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <random>
+
+namespace text::rtf {
+namespace {
+
+std::string Repeat(std::string_view part, size_t times) {
+  std::string all;
+  all.reserve(part.size() * times);
+  for (size_t i = 0; i < times; ++i) all += part;
+  return all;
+}
+
+std::string Numbered(size_t count, const std::function<std::string(size_t)>& part) {
+  std::string all;
+  for (size_t i = 0; i < count; ++i) all += part(i);
+  return all;
+}
+
+// Text read must be what was read of a shorter file, and more.
+TEST(RtfTruncated, KeepsTheTextBeforeTheCut) {
+  const std::string files[] = {
+      "{\\rtf1\\ansi\\deff0{\\fonttbl{\\f0\\fcharset0 Arial;}{\\f1\\fcharset128 J{\\*\\falt K};}}{\\colortbl "
+      ";\\red1\\green2\\blue3;}\\f0\\fs20 one \\b two\\b0\\par\\cf1 three \\'e4\\u8364?\\u-10179?\\u-8704?\\par}",
+      "{\\rtf1 a\\trowd\\cellx1 b\\cell c\\cell\\row{\\field{\\*\\fldinst HYPERLINK \"x\"}{\\fldrslt link}}{\\pict "
+      "\\bin3 }}}00}end\\line x\\par}",
+      "{\\rtf1{\\info{\\title t}}\\pard{\\pntext\\'B7\\tab}{\\*\\pn\\pnlvlblt{\\pntxtb\\'B7}}\\fi-360\\li720 "
+      "item\\par{\\upr{a}{\\*\\ud{b}}}c\\~\\-\\_\\{\\}\\\\}",
+  };
+  for (const std::string& file : files) {
+    const std::string whole = TextOf(ReadNew(file).content);
+    ASSERT_FALSE(whole.empty());
+    std::string before;
+    for (size_t length = 0; length <= file.size(); ++length) {
+      const ReadResult result = ReadNew(file.substr(0, length));
+      result.content.CheckInvariants();
+      const std::string text = TextOf(result.content);
+      EXPECT_EQ(result.isRtf, length == 0 || length >= 5) << length;
+      if (length < 5) continue;
+      // What a cut leaves behind may differ at its end: half a surrogate pair, a word that was cut to another.
+      const std::string stable = before.substr(0, before.size() - std::min<size_t>(before.size(), 8));
+      EXPECT_TRUE(text.starts_with(stable)) << length << ": '" << text << "' after '" << before << "'";
+      before = text;
+    }
+    EXPECT_EQ(before, whole);
+  }
+}
+
+TEST(RtfTruncated, ChangedBytesDoNoHarm) {
+  const std::string file =
+      "{\\rtf1\\ansi{\\fonttbl{\\f0\\fcharset0 A;}}{\\*\\listtable{\\list{\\listlevel\\levelnfc23}\\listid1}}"
+      "\\ls1\\uc1 a\\u228?{\\field{\\*\\fldinst SYMBOL 65}}\\tx5\\'e4\\bin2 xx{\\upr{b}{\\*\\ud{c}}}\\par}";
+  for (uint32_t seed = 1; seed <= 3000; ++seed) {
+    std::mt19937 random(seed);
+    std::string changed = file;
+    for (uint32_t i = random() % 6; i < 6; ++i) {
+      const size_t at = 5 + random() % (changed.size() - 5);
+      if (random() % 3 == 0) {
+        changed.erase(at, random() % 8);
+        changed.resize(std::max<size_t>(changed.size(), 8), '}');
+      } else {
+        changed[at] = "{}\\'*0 a"[random() % 8];
+      }
+    }
+    const ReadResult result = ReadNew(changed);
+    result.content.CheckInvariants();
+    const std::string written = Written(result);
+    ASSERT_EQ(Written(ReadNew(written)), written) << "seed " << seed;
+  }
+}
+
+struct HostileRow {
+  const char* name;
+  std::function<std::string()> file;
+  std::string text;
+  bool limited = false;
+};
+
+void PrintTo(const HostileRow& row, std::ostream* out) {
+  *out << row.name;
+}
+
+class RtfHostile : public testing::TestWithParam<HostileRow> {};
+
+TEST_P(RtfHostile, IsReadAsFarAsItMakesSense) {
+  const ReadResult result = ReadNew(GetParam().file());
+  EXPECT_TRUE(result.isRtf);
+  EXPECT_EQ(result.limited, GetParam().limited);
+  const std::string text = TextOf(result.content);
+  if (text.size() < 10000) {
+    EXPECT_EQ(text, GetParam().text);
+  } else {
+    EXPECT_TRUE(text == GetParam().text) << text.size() << " bytes instead of " << GetParam().text.size();
+  }
+}
+
+std::string Rtf(const std::string& body) {
+  return "{\\rtf1 " + body + "}";
+}
+
+const HostileRow kHostile[] = {
+    {"million_groups", [] { return Rtf(Repeat("{", 1000000) + "deep" + Repeat("}", 1000000) + "end"); }, "deepend",
+     true},
+    {"open_groups", [] { return "{\\rtf1 a" + Repeat("{\\b ", 500000) + "b"; }, "ab", true},
+    {"only_closing", [] { return "{\\rtf1 a" + Repeat("}", 1000000) + "b"; }, "a"},
+    {"deep_skipped", [] { return Rtf("{\\*\\unknown" + Repeat("{", 1000000) + Repeat("}", 1000000) + "x}end"); },
+     "end"},
+    {"skipped_past_depth",
+     [] { return Rtf(Repeat("{", 100010) + "{\\*\\x a}{\\pict 00}b\\b c" + Repeat("}", 100010) + "end"); }, "bcend",
+     true},
+    {"bin_huge", [] { return Rtf("a\\bin2147483647 b}c"); }, "a"},
+    {"bin_negative", [] { return Rtf("a\\bin-5 b"); }, "ab"},
+    {"bin_overflow", [] { return Rtf("a\\bin99999999999999999999 b"); }, "ab"},
+    {"bin_in_skipped", [] { return Rtf("a{\\*\\x\\bin2147483647 b}c}d"); }, "a"},
+    {"many_colors", [] { return Rtf("{\\colortbl" + Repeat("\\red1\\green2\\blue3;", 500000) + "}\\cf499999 a"); }, "a",
+     true},
+    {"many_tabs", [] { return Rtf(Numbered(100000, [](size_t i) { return "\\tx" + std::to_string(i); }) + " a"); }, "a",
+     true},
+    {"many_tabs_in_groups", [] { return Rtf(Repeat("\\tx1\\tx2{\\tx3\\tx4}", 100000) + "a"); }, "a"},
+    {"many_fonts",
+     [] {
+       return Rtf("{\\fonttbl" +
+                  Numbered(32761,
+                           [](size_t i) {
+                             return "{\\f" + std::to_string(i) + "\\fcharset" + std::to_string(i % 300) + " F;}";
+                           }) +
+                  "}\\f32760 a");
+     },
+     "a"},
+    {"too_many_fonts",
+     [] {
+       return Rtf("{\\fonttbl" + Numbered(40000, [](size_t i) { return "{\\f" + std::to_string(i) + " F;}"; }) +
+                  "}\\f39999 a");
+     },
+     "a", true},
+    {"colliding_fonts",
+     [] {
+       return Rtf("{\\fonttbl" + Numbered(30000, [](size_t i) { return "{\\f" + std::to_string(i * 62233) + " F;}"; }) +
+                  "}a");
+     },
+     "a"},
+    {"long_word", [] { return Rtf("a\\" + std::string(1 << 20, 'w') + " b"); }, "ab"},
+    {"long_number", [] { return Rtf("a\\fs" + std::string(1 << 20, '9') + " b"); }, "ab"},
+    {"deep_fields",
+     [] { return Rtf(Repeat("{\\field{\\*\\fldinst X}{\\fldrslt ", 30000) + "a" + Repeat("}}", 30000) + "b"); }, "ab"},
+    {"fields_in_instructions",
+     [] { return Rtf(Repeat("{\\field{\\*\\fldinst ", 30000) + "a" + Repeat("}{\\fldrslt b}}", 30000)); }, "b"},
+    {"deep_alternatives", [] { return Rtf(Repeat("{\\upr{a}{\\*\\ud{", 20000) + "b" + Repeat("}}}", 20000)); }, "b"},
+    {"many_cells", [] { return Rtf("\\trowd " + Repeat("x\\cell ", 50000) + "\\row"); }, "x" + Repeat("\tx", 49999)},
+    {"empty_cells", [] { return Rtf(Repeat("\\cell", 300000) + " a"); }, Repeat("\t", 300000) + "a"},
+    {"list_levels",
+     [] { return Rtf("{\\*\\listtable{\\list" + Repeat("{\\listlevel\\levelnfc23}", 100000) + "\\listid1}}a"); }, "a",
+     true},
+    {"shape_properties", [] { return Rtf("{\\*\\shpinst" + Repeat("{\\sp{\\sn n}{\\sv v}}", 20000) + "}a"); }, "a"},
+    {"upr_tables", [] { return Rtf(Repeat("{\\upr{\\fonttbl{\\f0 A;}}{\\*\\ud{\\fonttbl{\\f0 B;}}}}x", 20000)); },
+     Repeat("x", 20000)},
+    {"font_table_per_character", [] { return Rtf(Repeat("{", 50000) + Repeat("{\\fonttbl{\\f0 A;}}x", 50000)); },
+     Repeat("x", 50000)},
+    {"lead_bytes", [] { return Rtf("\\ansicpg932 " + Repeat("\\'81", 200001)); }, Repeat("＝", 100000) + "\uFFFD"},
+    {"styles_on_each_other", [] { return Rtf("{\\stylesheet{\\s1\\sbasedon2 A;}{\\s2\\sbasedon1 B;}}\\s1 a"); }, "a"},
+};
+INSTANTIATE_TEST_SUITE_P(Files, RtfHostile, testing::ValuesIn(kHostile),
+                         [](const auto& row) { return std::string(row.param.name); });
+
+}  // namespace
+}  // namespace text::rtf

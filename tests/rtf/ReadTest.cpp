@@ -1,0 +1,228 @@
+// What files of other writers, good and bad, are read as.
+#include "tests/rtf/RtfTestSupport.h"
+
+#include <gtest/gtest.h>
+
+namespace text::rtf {
+namespace {
+
+struct Row {
+  std::string rtf;       // inside "{\rtf1" and "}"
+  std::string document;  // as Describe gives it
+};
+
+class RtfReading : public testing::TestWithParam<Row> {};
+
+TEST_P(RtfReading, Gives) {
+  const ReadResult result = ReadNew("{\\rtf1" + GetParam().rtf + "}");
+  ASSERT_TRUE(result.isRtf);
+  EXPECT_EQ(Describe(result.content), GetParam().document) << GetParam().rtf;
+  result.content.CheckInvariants();
+  const std::string written = Written(result);
+  EXPECT_EQ(Written(ReadNew(written)), written) << GetParam().rtf;
+}
+
+const std::string kFonts =
+    "\\deff0{\\fonttbl{\\f0\\fcharset0 A;}{\\f1\\fcharset128 J;}{\\f2\\fcharset2 S;}{\\f3\\fcharset1\\cpg65001 "
+    "U;}{\\f4\\fcharset130 K;}}";
+
+const Row kCharacters[] = {
+    {" x", "x"},
+    {"\\par", ""},
+    {"\\par\\par", "\n"},
+    {" a\\\r\nb\\\nc", "a\nb\nc"},
+    {" \\'0da\\'0ab", "\na\nb"},
+    {" a\\'00b\\'09c", "ab\tc"},
+    {" a\\sect b", "a\nb"},
+    {" \\lquote\\rdblquote\\emdash\\bullet\\zwj", "‘”—•\u200D"},
+    {" a\\unknown\\unknown5 b\\unknown c",
+     "ab"
+     "c"},
+    {" \\'e4\xF6\\'80", "äö€"},
+    {"\\ansicpg1251 \\'e4", "д"},
+    {"\\mac \\'8a", "ä"},
+    {"\\pc \\'81", "ü"},
+    {"\\mac\\ansicpg1250 \\'e8", "č"},
+    {"\\u228?\\u-3913?x", "ä\uF0B7x"},
+    {"\\u65000?", "\uFDE8"},
+    {"\\u128512?", "😀"},
+    {"\\u-10179?\\u-8704?", "😀"},
+    {"\\u-10179?\\uc1\\u-8704?", "😀"},
+    {"\\u-10179?x", "\uFFFDx"},
+    {"\\u-8704?", "\uFFFD"},
+    {"\\u-10179?", "\uFFFD"},
+    {"\\u-10179?\\u-10179?\\u-8704?", "\uFFFD😀"},
+    {"\\u-99999?x", "\uFFFDx"},
+    {"\\uc0\\u228 x", "äx"},
+    {"\\uc2\\u228\\'e4\\'e4x", "äx"},
+    {"\\uc2\\u228 abc", "äc"},
+    {"{\\uc2\\u228 ab}\\u228 bc", "ääc"},
+    {"\\u228\\~x", "äx"},
+    {"\\u8212\\emdash x", "—x"},
+    {"\\u228{?}x", "ä?x"},
+    {"\\u228\\par x", "ä\nx"},
+    {"\\u228\\u246?", "äö"},
+    {"\\u228\\bin3 {}}x", "äx"},
+    {"\\upr{old}", "old"},
+    {"{\\upr{old}{\\*\\ud{n\\u228?w}}} x", "näw x"},
+    {"{\\*\\ud{x}}", "x"},
+    {"{\\htmlrtf b\\htmlrtf0 c}", "bc"},
+};
+
+const Row kFormats[] = {
+    {" a{\\b b{\\i c}d}e", "a<b>b<b i>c<b>d<>e"},
+    {"\\b1 a\\b0 b", "<b>a<>b"},
+    {"\\b\\i\\plain a", "a"},
+    {"\\ul0 a\\uldb b\\ulnone c", "a<ul>b<>c"},
+    {"\\striked1 a\\striked0 b", "<strike>a<>b"},
+    {"\\fs0 a\\fs-4 b\\fs99999 c", "ab<fs3276>c"},
+    {"\\up a\\up0 b\\dn c\\dn4 d", "<up60>a<>b<up-60>c<up-40>d"},
+    {"\\super a\\nosupersub b\\sub c\\sub0 d", "<fs16 up80>a<>b<fs16 up-40>c<>d"},
+    {"{\\colortbl;\\red255;\\blue7\\green1;}\\cf1 a\\cf2 b\\cf9 c\\cf-1 d\\cf0 e", "<cf0000ff>a<cf070100>b<>cde"},
+    {"{\\colortbl\\red1;\\red2;}\\cf0 a\\highlight0 b\\highlight1 c", "<cf000001>ab<cf000001 bg000002>c"},
+    {"{\\colortbl ;\\red300\\green-1;}\\cf1 a", "<cf0000ff>a"},
+    {kFonts + "\\f0 a\\f7 b\\plain c", "<A/0/0>abc"},
+    {"{\\fonttbl\\f0\\fswiss A;\\f1\\froman B{\\*\\falt C};}\\f1 a", "<B/1/1>a"},
+    {"{\\fonttbl{\\f1 B}}\\deff1 a", "<B/1/0>a"},
+    {"\\f3 a{\\fonttbl{\\f3 L;}}b", "a<L/1/0>b"},
+    {kFonts + "\\f1 \\'93\\'fa\\'96{\\b x}", "<J/128/0>日\uFFFD<b J/128/0>x"},
+    {kFonts + "\\f1 \\'83A\\'83\r\nA\\'b1", "<J/128/0>アアｱ"},
+    {kFonts + "\\f1 \\'93\\par\\'93\\'0dx", "<J/128/0>\uFFFD\n\uFFFD\nx"},
+    {kFonts + "\\f2 \\'b7a\\'61", "<S/2/0>\uF0B7a\uF061"},
+    {kFonts + "\\f3 \\'e4\\'b8\\'ad\xC3\xA4", "<U/1/0>中ä"},
+    {kFonts + "\\f4 \\'d0e", "<K/130/0>한"},
+    {"{\\upr{\\fonttbl{\\f0 A;}}{\\*\\ud{\\fonttbl{\\f0 B;}}}}x", "<B/1/0>x"},
+};
+
+const Row kParagraphs[] = {
+    {"\\qc a\\par b\\pard\\par c", "a\n[center]b\nc"},
+    {"{\\qr a\\par}b", "a\n[right]b"},
+    {"{\\pard\\qc a}", "a$[center]"},
+    {"{\\pard\\qc a}\\par", "a"},
+    {"\\li100\\fi-50\\ri7\\lin9 a", "a$[fi-50 li100 ri7]"},
+    {"\\li9999999 a", "a$[li1000000]"},
+    {"\\tx300\\tx100\\tx300\\tx-5 a", "a$[tx100 tx300]"},
+    {"\\tx1{\\tx2 a\\par}b", "a\n[tx1 tx2]b$[tx1]"},
+    {"\\sl240\\slmult1 a\\par\\slmult0 b", "a\n[slm240]b$[sl240]"},
+    {"\\rtlpar a\\par\\ltrpar b", "a\n[rtl]b"},
+    {"{\\pntext x\\tab}{\\*\\pn\\pnlvlblt\\pnf1{\\pntxtb\\'B7}}a\\par{\\pntext x}b\\par\\pard c",
+     "a\n[bullet]b\n[bullet]c"},
+    {"{\\pntext 1.}{\\*\\pn\\pnlvlbody\\pndec{\\pntxta.}}a", "a"},
+    {"{\\*\\pnseclvl1\\pndec{\\pntxta .}}a", "a"},
+    {"{\\*\\listtable{\\list{\\listlevel\\levelnfc0}{\\listlevel\\levelnfc23{\\leveltext\\'01\\'b7;}}\\listid-7}}"
+     "{\\*\\listoverridetable{\\listoverride\\listid-7\\listoverridecount0\\ls2}}"
+     "\\ls2\\ilvl1{\\listtext x}a\\par\\ilvl0 b\\par\\ls9 c",
+     "a\n[bullet]b\nc"},
+};
+
+const Row kGroups[] = {
+    {"{\\info{\\title t}}{\\stylesheet{\\s1 h;}}a{\\*\\unknown{b}}{\\footnote c}d", "ad"},
+    {"{\\unknown a}", "a"},
+    {" a\\*\\b b} c", "a"},
+    {" a{b\\*\\x c}d", "abd"},
+    {"{\\* a}b", "b"},
+    {"{\\*}b", "b"},
+    {"{\\*{a}}b", "b"},
+    {"{\\*\\b a}b", "b"},
+    {" a\\footnote b", "ab"},
+    {"{\\pict\\pngblip 0011\\bin4 {{{{}a", "a"},
+    {"{\\*\\shppict{\\pict 00}}{\\nonshppict{\\pict 11}}a", "a"},
+    {"{\\object\\objemb{\\*\\objclass P}{\\*\\objdata 00}{\\result{b}}}", "b"},
+    {"{\\field{\\*\\fldinst HYPERLINK \"x\"}{\\fldrslt a}}b", "ab"},
+    {"{\\field{\\*\\fldinst PAGE}}b", "b"},
+    {"{\\field{\\*\\fldinst X {\\field{\\*\\fldinst Y}{\\fldrslt q}}}{\\fldrslt a}}", "a"},
+    {"{\\field{\\*\\fldinst SYMBOL 183 \\\\f \"Symbol\" \\\\s 10}{\\fldrslt}}", "<Symbol/2/0>\uF0B7"},
+    {"{\\field{\\*\\fldinst SYMBOL 0x41}{\\fldrslt r}}", "r"},
+    {"{\\field{\\*\\fldinst SYMBOL 8364 \\\\u}}", "€"},
+    {"{\\field{\\*\\fldinst SYMBOL \"}}x", "x"},
+    {"\\trowd\\cellx1 a\\cell b\\cell\\row c", "a\tb\nc"},
+    {"\\trowd a\\cell\\cell\\row\\row b", "a\t\n\nb"},
+    {" a\\cell b\\par c\\cell", "a\tb\nc"},
+    {"\\trowd a{\\*\\nesttableprops\\trowd}b\\nestcell c\\nestcell\\nestrow d\\cell\\row", "ab\tc\nd"},
+    {"{{{\\NeXTGraphic x.tiff }}}a", "a"},
+};
+
+INSTANTIATE_TEST_SUITE_P(Characters, RtfReading, testing::ValuesIn(kCharacters));
+INSTANTIATE_TEST_SUITE_P(Formats, RtfReading, testing::ValuesIn(kFormats));
+INSTANTIATE_TEST_SUITE_P(Paragraphs, RtfReading, testing::ValuesIn(kParagraphs));
+INSTANTIATE_TEST_SUITE_P(Groups, RtfReading, testing::ValuesIn(kGroups));
+
+struct WholeRow {
+  std::string bytes;
+  bool isRtf;
+  std::string text;
+};
+
+TEST(RtfReader, RecognisesRtfAndItsEnd) {
+  const WholeRow rows[] = {
+      {"", true, ""},
+      {"{\\rtf1 a}", true, "a"},
+      {"{\\rtf a}", true, "a"},
+      {"{\\rtf", true, ""},
+      {"{\\rtf0 a}", true, "a"},
+      {"\xEF\xBB\xBF{\\rtf1 a}", true, "a"},
+      {std::string(" \r\n\0{\\rtf1 a}", 13), true, "a"},
+      {"{\\rtf1 a", true, "a"},
+      {"{\\rtf1 a{b{\\b c", true, "abc"},
+      {"{\\rtf1 a}}b}", true, "a"},
+      {"{\\rtf1 a}\r\n{b}", true, "a"},
+      {std::string("{\\rtf1 a}\0", 10), true, "a"},
+      {"{\\rtfx a}", false, ""},
+      {"\\rtf1 a", false, ""},
+      {"{{\\rtf1 a}}", false, ""},
+      {"{\\rt", false, ""},
+      {"text", false, ""},
+  };
+  for (const WholeRow& row : rows) {
+    const ReadResult result = ReadNew(row.bytes);
+    EXPECT_EQ(result.isRtf, row.isRtf) << row.bytes;
+    EXPECT_EQ(TextOf(result.content), row.text) << row.bytes;
+  }
+}
+
+struct DroppedRow {
+  std::string rtf;
+  std::vector<std::string> dropped;
+};
+
+TEST(RtfReader, NamesWhatASaveWouldLose) {
+  const DroppedRow rows[] = {
+      {"{\\stylesheet{\\s1 Heading;}}{\\*\\generator x;}{\\info{\\title t}}\\paperw1 a\\lang1033\\protect b", {}},
+      {"{\\pict 00}{\\pict 11}", {"pictures"}},
+      {"a{\\footnote b}\\trowd c\\cell\\row{\\header d}{\\pict 0}",
+       {"footnotes", "tables", "headers and footers", "pictures"}},
+      {"\\s0 a\\s3 b", {"styles"}},
+      {"{\\field{\\*\\fldinst HYPERLINK \"x\"}{\\fldrslt y}}", {"links"}},
+      {"{\\field{\\*\\fldinst{ PAGE }}{\\fldrslt 1}}", {"fields"}},
+      {"{\\*\\pn\\pnlvlbody\\pndec}a\\par", {"list numbering"}},
+      {"\\caps0 a\\expnd0 b\\caps c", {"special character effects"}},
+      {"\\tqr\\tx5 a", {"tab alignment and leaders"}},
+      {"{\\*\\wholly{x}}", {"content of unknown kinds"}},
+      {"a\\par\\sectd\\landscape b", {"page layout"}},
+      {"{\\object{\\*\\objdata 0}{\\result a}}", {"embedded objects"}},
+      {"{\\*\\bkmkstart x}a{\\*\\bkmkend x}", {"bookmarks"}},
+      {"{\\revised a}", {"tracked changes"}},
+  };
+  for (const DroppedRow& row : rows) EXPECT_EQ(ReadNew("{\\rtf1" + row.rtf + "}").dropped, row.dropped) << row.rtf;
+}
+
+TEST(RtfReader, FragmentsKeepTheirClosingBreak) {
+  EXPECT_EQ(Describe(ReadFragment("{\\rtf1\\qc a\\par}", NewStore()).content), "a\n[center]$[center]");
+  EXPECT_EQ(Describe(ReadFragment("{\\rtf1 a}", NewStore()).content), "a");
+  EXPECT_FALSE(ReadFragment("a", NewStore()).isRtf);
+}
+
+TEST(RtfReader, CanBeCancelled) {
+  const std::string bytes = "{\\rtf1 " + std::string(5 << 20, 'x') + "\\par " + std::string(5 << 20, 'y') + "}";
+  std::vector<int64_t> reports;
+  const ReadResult whole = Read(bytes, NewStore(), [&](int64_t done) { return reports.push_back(done), true; });
+  EXPECT_FALSE(whole.cancelled);
+  EXPECT_FALSE(reports.empty());
+  EXPECT_TRUE(std::is_sorted(reports.begin(), reports.end()));
+  const ReadResult cancelled = Read(bytes, NewStore(), [](int64_t) { return false; });
+  EXPECT_TRUE(cancelled.cancelled);
+  EXPECT_EQ(cancelled.content.size(), Units(0));
+}
+
+}  // namespace
+}  // namespace text::rtf
