@@ -4,6 +4,7 @@
 #include "ui/PendingEvents.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace ui {
 
@@ -12,7 +13,11 @@ Form::Form(Forms& forms, std::string_view name) : forms_(forms), id_(FormId{++fo
 }
 
 Form::~Form() {
-  std::erase(forms_.forms_, this);
+  Leave();
+}
+
+void Form::Leave() {
+  if (std::exchange(listed_, false)) std::erase(forms_.forms_, this);
 }
 
 void Form::SetCaption(std::string caption) {

@@ -44,6 +44,8 @@ class Form {
   Form(Forms& forms, std::string_view name);
   virtual void ShowTitle(const QString& title) = 0;
   Forms& forms() const { return forms_; }
+  // Takes the form out of the registry before its object goes.
+  void Leave();
 
  private:
   Forms& forms_;
@@ -51,6 +53,7 @@ class Form {
   std::string name_;
   std::string caption_;
   bool closeRequested_ = false;
+  bool listed_ = true;
 };
 
 // Loops hold ids and look the form up again after every call that may have closed it.

@@ -4,13 +4,14 @@
 
 #include <QApplication>
 #include <QCloseEvent>
+#include <QStyle>
 
 namespace ui {
 
 ChildWindow::ChildWindow(ChildForm& form, ChildArea& area, QWidget* content)
     : owner_(form), formId_(form.id()), area_(area) {
   setWidget(content);
-  setFocusProxy(nullptr);
+  setWindowIcon(style()->standardIcon(QStyle::SP_FileIcon));
   // Closing is the form's decision; the window is taken out by it.
   setAttribute(Qt::WA_DeleteOnClose, false);
   connect(this, &QMdiSubWindow::windowStateChanged, this, &ChildWindow::RememberFocus);
@@ -58,6 +59,7 @@ ChildForm::~ChildForm() {
 }
 
 void ChildForm::TakeDown() {
+  Leave();
   if (!window_) return;
   ChildWindow* window = window_;
   window_ = nullptr;

@@ -74,7 +74,7 @@ void StatusBar::Refresh() {
   const QDateTime now = QDateTime::currentDateTime();
   const QLocale locale;
   SetText(Panel::stsDate, locale.toString(now.date(), QLocale::ShortFormat));
-  SetText(Panel::stsTime, locale.toString(now.time(), QLocale::ShortFormat));
+  SetText(Panel::stsTime, now.toString(QStringLiteral("HH:mm")));
   const LockKeys keys = CurrentLockKeys();
   SetOn(Panel::stsCaps, keys.caps);
   SetOn(Panel::stsNum, keys.num);

@@ -1,0 +1,244 @@
+// A document window from its making to its end.
+#include "tests/program/ProgramTest.h"
+#include "ui/frame/StatusBar.h"
+
+namespace {
+
+using documents::frmText;
+using ui::Answer;
+using ui::WindowState;
+
+class DocumentWindowTest : public ProgramTest {
+ protected:
+  void CloseUnsaved(frmText& document) {
+    ExpectClosePrompt(document.caption(), Answer::kNo);
+    EXPECT_TRUE(document.Close());
+    Settle();
+  }
+};
+
+TEST_F(DocumentWindowTest, NumbersAreTheLowestFreeSlots) {
+  frmText& first = New();
+  frmText& second = New();
+  frmText& third = New();
+  EXPECT_EQ(first.caption(), "Untitled:1");
+  EXPECT_EQ(second.caption(), "Untitled:2");
+  EXPECT_EQ(third.caption(), "Untitled:3");
+  EXPECT_EQ(third.Tag(), "3");
+  CloseUnsaved(second);
+  EXPECT_TRUE(table().DocInfo(2).Free);
+  EXPECT_EQ(New().caption(), "Untitled:2");
+  EXPECT_EQ(table().UpperBound(), 3);
+  EXPECT_FALSE(table().DocInfo(2).Free);
+}
+
+TEST_F(DocumentWindowTest, ANewDocumentIsChangedEvenWhenEmpty) {
+  frmText& document = New();
+  EXPECT_TRUE(Changed(document));
+  EXPECT_EQ(document.RichTextBox1().SelFontName(), QString("Courier New"));
+  EXPECT_EQ(document.RichTextBox1().SelFontSize(), 10.0);
+  EXPECT_EQ(document.RichTextBox1().SelAlignment(), 0);
+  EXPECT_FALSE(document.RichTextBox1().CanUndo());
+  ExpectClosePrompt("Untitled:1", Answer::kCancel);
+  EXPECT_FALSE(document.Close());
+  EXPECT_TRUE(table().AnyDocumentOpen());
+  CloseUnsaved(document);
+  EXPECT_FALSE(table().AnyDocumentOpen());
+}
+
+TEST_F(DocumentWindowTest, ChangedFollowsTheText) {
+  frmText* document = Open(Put("a.txt", "one"));
+  ASSERT_TRUE(document);
+  EXPECT_FALSE(Changed(*document));
+  Type(*document, "x");
+  EXPECT_TRUE(Changed(*document));
+  document->mnuUndoItem_Click();
+  EXPECT_FALSE(Changed(*document)) << "undone to what the file holds";
+  document->mnuRedoItem_Click();
+  EXPECT_TRUE(Changed(*document));
+  document->mnuSaveFile_Click();
+  EXPECT_FALSE(Changed(*document));
+  document->mnuUndoItem_Click();
+  EXPECT_TRUE(Changed(*document)) << "before what the file holds";
+}
+
+TEST_F(DocumentWindowTest, APathThatIsOpenIsBroughtForward) {
+  const files::Path path = Put("a.txt", "one");
+  frmText* document = Open(path);
+  ASSERT_TRUE(document);
+  document->SetWindowState(WindowState::kMinimized);
+  New();
+  EXPECT_NE(table().Active(), document);
+  Put("a.txt", "two");
+  program().OpenDocument(At("A.TXT").native());
+  EXPECT_EQ(table().Active(), document);
+  EXPECT_EQ(document->windowState(), WindowState::kNormal);
+  EXPECT_EQ(document->RichTextBox1().Text(), "one") << "nothing is read again";
+  EXPECT_EQ(table().UpperBound(), 2);
+}
+
+TEST_F(DocumentWindowTest, PathsThatDifferByCaseAndAreTwoFilesAreTwoDocuments) {
+  frmText* lower = Open(Put("a.txt", "lower"));
+  frmText* upper = Open(Put("A.TXT", "upper"));
+  ASSERT_TRUE(lower && upper);
+  EXPECT_NE(lower, upper);
+  EXPECT_EQ(upper->RichTextBox1().Text(), "upper");
+}
+
+TEST_F(DocumentWindowTest, ANameThatIsNotUtf8IsOpenedAndSaved) {
+  const files::Path path = Put("caf\xE9 & [*].txt", "bytes");
+  frmText* document = Open(path);
+  ASSERT_TRUE(document);
+  EXPECT_EQ(document->RichTextBox1().Text(), "bytes");
+  Type(*document, "more ");
+  document->mnuSaveFile_Click();
+  EXPECT_EQ(Bytes(path), "more bytes");
+  EXPECT_TRUE(document->widget()->windowTitle().endsWith(QString("caf\uFFFD & [*][*].txt")));
+}
+
+TEST_F(DocumentWindowTest, TheNextWindowOpensInTheStateOfTheLastClosed) {
+  for (const WindowState state : {WindowState::kMaximized, WindowState::kMinimized, WindowState::kNormal}) {
+    frmText* document = Open(Put("a.txt", ""));
+    document->SetWindowState(state);
+    EXPECT_TRUE(document->Close());
+    EXPECT_EQ(table().LastDocWindowState, static_cast<int>(state));
+    frmText* next = Open(Put("b.txt", ""));
+    EXPECT_EQ(next->windowState(), state);
+    EXPECT_EQ(table().LastDocWindowState, -1) << "used once";
+    next->SetWindowState(WindowState::kNormal);
+    EXPECT_TRUE(next->Close());
+    table().LastDocWindowState = -1;
+  }
+}
+
+TEST_F(DocumentWindowTest, ClosingTheLastClearsTheFontPanelAndTheDocumentMenus) {
+  ui::StatusBar& status = program().frame().statusBar();
+  frmText* a = Open(Put("a.txt", "a"));
+  frmText* b = Open(Put("b.txt", "b"));
+  ASSERT_TRUE(a && b);
+  EXPECT_EQ(status.text(ui::Panel::stsFont), "Courier New, 10");
+  EXPECT_TRUE(b->Close());
+  EXPECT_EQ(status.text(ui::Panel::stsFont), "Courier New, 10");
+  EXPECT_EQ(table().Active(), a);
+  EXPECT_TRUE(a->Close());
+  EXPECT_EQ(status.text(ui::Panel::stsFont), "");
+  EXPECT_EQ(table().Active(), nullptr);
+}
+
+TEST_F(DocumentWindowTest, YesSavesAndCloses) {
+  const files::Path path = Put("a.txt", "one");
+  frmText* document = Open(path);
+  Type(*document, "x");
+  ExpectClosePrompt(path.native(), Answer::kYes);
+  EXPECT_TRUE(document->Close());
+  EXPECT_EQ(Bytes(path), "xone");
+  EXPECT_FALSE(table().AnyDocumentOpen());
+}
+
+TEST_F(DocumentWindowTest, TheEndOfTheProgramAsksEveryDocumentBeforeTheFirstGoes) {
+  New();
+  New();
+  ExpectClosePrompt("Untitled:2", Answer::kNo);
+  ExpectClosePrompt("Untitled:1", Answer::kCancel);
+  EXPECT_FALSE(program().frame().RequestClose());
+  EXPECT_TRUE(table().Document(1) && table().Document(2)) << "a Cancel leaves all of them open";
+  ExpectClosePrompt("Untitled:2", Answer::kNo);
+  ExpectClosePrompt("Untitled:1", Answer::kNo);
+  EXPECT_TRUE(program().frame().RequestClose());
+  EXPECT_FALSE(table().AnyDocumentOpen());
+}
+
+TEST_F(DocumentWindowTest, CloseAllGoesBackwardsAndPassesOverACancel) {
+  New();
+  Open(Put("a.txt", ""));
+  New();
+  ExpectClosePrompt("Untitled:3", Answer::kCancel);
+  ExpectClosePrompt("Untitled:1", Answer::kNo);
+  program().commands().mnuCloseAll_Click();
+  EXPECT_TRUE(Showing("Untitled:3"));
+  EXPECT_EQ(program().forms().count(), 2u);
+}
+
+TEST_F(DocumentWindowTest, FormattingCommands) {
+  frmText* document = Open(Put("a.rtf", "{\\rtf1 plain {\\b bold}}"));
+  ASSERT_TRUE(document);
+  ui::RichTextBox& box = document->RichTextBox1();
+  document->mnuSelAll_Click();
+  EXPECT_EQ(box.SelBold(), std::nullopt);
+  document->mnuBold_Click();
+  EXPECT_EQ(box.SelBold(), true) << "mixed becomes bold";
+  EXPECT_TRUE(document->checks().Bold);
+  document->mnuBold_Click();
+  EXPECT_EQ(box.SelBold(), false);
+  EXPECT_FALSE(document->checks().Bold);
+  document->mnuItalic_Click();
+  document->mnuUnderline_Click();
+  document->mnuStrikeThru_Click();
+  EXPECT_TRUE(document->checks().Italic && document->checks().Underline && document->checks().StrikeThru);
+  document->mnuEmphasisRemove_Click();
+  EXPECT_TRUE(box.SelItalic() == false && box.SelUnderline() == false && box.SelStrikeThru() == false);
+  document->mnuUndoItem_Click();
+  EXPECT_TRUE(box.SelItalic() == true && box.SelUnderline() == true) << "one command is one step";
+  document->mnuAlignCenter_Click();
+  EXPECT_EQ(box.SelAlignment(), 2);
+  EXPECT_TRUE(document->checks().AlignCenter && !document->checks().AlignLeft && !document->checks().AlignRight);
+  document->mnuAlignRight_Click();
+  EXPECT_EQ(box.SelAlignment(), 1);
+  EXPECT_TRUE(document->checks().AlignRight);
+  document->mnuAlignLeft_Click();
+  EXPECT_EQ(box.SelAlignment(), 0);
+}
+
+TEST_F(DocumentWindowTest, AMixedSelectionLeavesTheCheckMark) {
+  frmText* document = Open(Put("a.rtf", "{\\rtf1 {\\b bold} plain}"));
+  ui::RichTextBox& box = document->RichTextBox1();
+  box.SetSelStart(1);
+  box.SetSelLength(2);
+  EXPECT_TRUE(document->checks().Bold);
+  box.SetSelStart(1);
+  box.SetSelLength(6);
+  EXPECT_EQ(box.SelBold(), std::nullopt);
+  EXPECT_TRUE(document->checks().Bold);
+}
+
+TEST_F(DocumentWindowTest, TheFontDialogChangesWhatTheUserChanged) {
+  frmText* document = Open(Put("a.txt", "text"));
+  ui::RichTextBox& box = document->RichTextBox1();
+  document->mnuSelAll_Click();
+  dialogs.Font([](ui::FontChoice choice) {
+    EXPECT_EQ(choice, (ui::FontChoice{"Courier New", 10, false, false, false, false, -1}));
+    return std::nullopt;
+  });
+  document->mnuFont_Click();
+  EXPECT_FALSE(Changed(*document)) << "cancelled";
+  dialogs.Font([](ui::FontChoice choice) {
+    choice.points = 14;
+    choice.color = 0x0000FF;
+    return choice;
+  });
+  document->mnuFont_Click();
+  EXPECT_EQ(box.SelFontSize(), 14.0);
+  EXPECT_EQ(box.SelColor(), 0x0000FF);
+  EXPECT_EQ(box.SelFontName(), QString("Courier New"));
+  EXPECT_EQ(program().frame().statusBar().text(ui::Panel::stsFont), "Courier New, 14");
+  document->mnuUndoItem_Click();
+  EXPECT_EQ(box.SelFontSize(), 10.0);
+  EXPECT_FALSE(Changed(*document)) << "one command is one step";
+}
+
+TEST_F(DocumentWindowTest, TheFontDialogOfAMixedSelectionEndsSilently) {
+  frmText* document = Open(Put("a.rtf", "{\\rtf1 {\\fs20 small} {\\fs40 large}}"));
+  document->mnuSelAll_Click();
+  document->mnuFont_Click();
+  EXPECT_FALSE(Changed(*document));
+}
+
+TEST_F(DocumentWindowTest, RefreshEndsTheSelection) {
+  frmText* document = Open(Put("a.txt", "some text"));
+  document->mnuSelAll_Click();
+  EXPECT_EQ(document->RichTextBox1().SelLength(), 9);
+  document->mnuRefresh_Click();
+  EXPECT_EQ(document->RichTextBox1().SelLength(), 0);
+}
+
+}  // namespace
