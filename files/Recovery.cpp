@@ -149,7 +149,7 @@ void RecoveryWriter::Discard() {
   Keep();
 }
 
-Result<RecoveryEntry> WriteRecovery(const Path& folder, const Path& originalPath, std::string kind,
+Result<RecoveryEntry> WriteRecovery(const Path& folder, const Path& originalPath, std::string_view kind,
                                     const ByteProducer& write) {
   RecoveryWriter entry;
   if (auto status = entry.Begin(folder, originalPath, kind); !status) return status.error();
@@ -159,7 +159,8 @@ Result<RecoveryEntry> WriteRecovery(const Path& folder, const Path& originalPath
   if (out.error()) return SystemError(out.error(), entry.path());
   if (!produced) return SystemError(ECANCELED, originalPath);
   if (auto status = entry.Finish(); !status) return status.error();
-  RecoveryEntry result{entry.path(), originalPath, kind.substr(0, kind.find('\n')), entry.path() / kText, true, {}, {}};
+  RecoveryEntry result{
+      entry.path(), originalPath, std::string(kind.substr(0, kind.find('\n'))), entry.path() / kText, true, {}, {}};
   struct stat status;
   if (fstat(entry.text(), &status) != 0) return SystemError(errno, entry.path());
   result.stamp = StampOf(status);

@@ -23,7 +23,7 @@ struct RecoveryEntry {
 };
 
 // Writes an entry and makes it durable; after a failure nothing is left. `folder` is made (mode 0700) when needed.
-Result<RecoveryEntry> WriteRecovery(const Path& folder, const Path& originalPath, std::string kind,
+Result<RecoveryEntry> WriteRecovery(const Path& folder, const Path& originalPath, std::string_view kind,
                                     const ByteProducer& write);
 
 // The entries that no running process is writing, oldest first. Leftovers without any text are cleared away when they
