@@ -94,6 +94,25 @@ TEST(RtfWriter, EveryBreakSpellingIsAParagraph) {
   EXPECT_EQ(TextOf(ReadNew(Written(builder.Finish())).content), "a\r\nb\r\nc\r\n\r\nd");
 }
 
+TEST(RtfWriter, FormatsThatAreWrittenAlikeAreOne) {
+  const auto store = NewStore();
+  FormatTable& formats = store->formats();
+  ContentBuilder builder(store);
+  for (const int32_t twips : {2'000'000, 3'000'000, 1'000'000}) {
+    ParaFormat paragraph;
+    paragraph.leftIndent = twips;
+    CharFormat chars;
+    chars.offset = 60 + twips / 1'000'000;
+    chars.color.rgb = twips == 1'000'000 ? 0x000102 : 0x01000102;
+    chars.font = formats.Intern(Font{twips == 1'000'000 ? "A" : "A ", 0, 0});
+    builder.Append("x\r\n", formats.Intern(chars), formats.Intern(paragraph));
+  }
+  const std::string written = Written(builder.Finish());
+  EXPECT_NE(written.find("\\pard\\li1000000\\f1\\fs24\\cf1\\up6 x\\par\r\nx\\par\r\nx\\par\r\n"), std::string::npos)
+      << written;
+  EXPECT_EQ(Written(ReadNew(written)), written);
+}
+
 TEST(RtfWriter, StopsWhenTheSinkRefuses) {
   ContentBuilder builder(NewStore());
   for (int i = 0; i < 1000; ++i) builder.Append(std::string(999, 'x') + "\r\n");

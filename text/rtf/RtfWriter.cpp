@@ -184,11 +184,8 @@ void RtfWriter::SplitParagraphs(const PieceView& piece) {
 }
 
 void RtfWriter::Paragraph(ParaFormatId format, bool close, std::optional<CharFormatId> breakFormat) {
-  const ParaFormat& paragraph = formats_[format];
-  if (!anyParagraph_ || format != currentParagraph_) {
-    ParagraphFormat(paragraph);
-  } else if (paragraph.bullet) {
-    Raw("{"), Word("pntext"), Word("f", symbolFont_), Raw("\\'B7\\tab}");
+  if ((anyParagraph_ && format == currentParagraph_) || !ParagraphFormat(formats_[format])) {
+    if (formats_[format].bullet) Bullet();
   }
   anyParagraph_ = true;
   currentParagraph_ = format;
@@ -203,10 +200,15 @@ void RtfWriter::Paragraph(ParaFormatId format, bool close, std::optional<CharFor
   SendIfLarge();
 }
 
-void RtfWriter::ParagraphFormat(const ParaFormat& format) {
+void RtfWriter::Bullet() {
+  Raw("{"), Word("pntext"), Word("f", symbolFont_), Raw("\\'B7\\tab}");
+}
+
+bool RtfWriter::ParagraphFormat(const ParaFormat& format) {
+  const size_t begin = out_.size();
   Word("pard");
   if (format.bullet) {
-    Raw("{"), Word("pntext"), Word("f", symbolFont_), Raw("\\'B7\\tab}");
+    Bullet();
     Raw("{\\*\\pn\\pnlvlblt"), Word("pnf", symbolFont_), Raw("\\pnindent0{\\pntxtb\\'B7}}");
   }
   if (format.rightToLeft) Word("rtlpar");
@@ -237,6 +239,15 @@ void RtfWriter::ParagraphFormat(const ParaFormat& format) {
       Word("qj");
       break;
   }
+  // Formats may differ in what RTF cannot hold.
+  const std::string_view words = std::string_view(out_).substr(begin);
+  if (words == paragraphWords_) {
+    out_.resize(begin);
+    needsDelimiter_ = false;
+    return false;
+  }
+  paragraphWords_ = words;
+  return true;
 }
 
 void RtfWriter::Chars(CharFormatId id) {
@@ -248,14 +259,20 @@ void RtfWriter::Chars(CharFormatId id) {
     if ((next.flags ^ current_.flags) & word.flag) Word(next.flags & word.flag ? word.on : word.off);
   if (!anyChars_ || font != currentFont_) Word("f", font);
   if (!anyChars_ || next.halfPoints != current_.halfPoints) Word("fs", next.halfPoints);
-  if (next.color != current_.color) Word("cf", ColorNumber(next.color));
-  if (next.background != current_.background) Word("highlight", ColorNumber(next.background));
+  if (next.color != current_.color) ChangeColor("cf", ColorNumber(next.color), currentColor_);
+  if (next.background != current_.background)
+    ChangeColor("highlight", ColorNumber(next.background), currentBackground_);
   if (next.offset != current_.offset) Word(next.offset < 0 ? "dn" : "up", std::abs(next.offset) / 10);
   anyChars_ = true;
   currentId_ = id;
   current_ = next;
   currentFont_ = font;
   charset_ = fonts_[static_cast<size_t>(font)].charset;
+}
+
+void RtfWriter::ChangeColor(std::string_view word, int32_t number, int32_t& current) {
+  if (number != current) Word(word, number);
+  current = number;
 }
 
 void RtfWriter::SendIfLarge() {

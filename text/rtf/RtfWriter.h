@@ -43,8 +43,11 @@ class RtfWriter {
   void SplitParagraphs(const PieceView& piece);
   // Writes what was gathered; without a break's format it keeps the text's.
   void Paragraph(ParaFormatId format, bool close, std::optional<CharFormatId> breakFormat);
-  void ParagraphFormat(const ParaFormat& format);
+  // False, and nothing written, when the format is written like the one in force.
+  bool ParagraphFormat(const ParaFormat& format);
+  void Bullet();
   void Chars(CharFormatId id);
+  void ChangeColor(std::string_view word, int32_t number, int32_t& current);
   void Text(std::string_view bytes);
   void Special(char32_t character);
 
@@ -77,10 +80,12 @@ class RtfWriter {
   std::vector<Stretch> paragraph_;
   bool anyParagraph_ = false;
   ParaFormatId currentParagraph_ = ParaFormatId::kDefault;
+  std::string paragraphWords_;  // as written for it
   bool anyChars_ = false;
   CharFormatId currentId_ = CharFormatId::kDefault;
   CharFormat current_;  // as written
   int32_t currentFont_ = 0;
+  int32_t currentColor_ = 0, currentBackground_ = 0;
   uint8_t charset_ = 0;  // of the current font
 };
 
