@@ -14,13 +14,14 @@ constexpr size_t kConsidered = 64;
 // Comparing in vain: bytes after which the caller gets a chance to cancel.
 constexpr int64_t kPatience = int64_t{1} << 20;
 
-// Roughly how often a byte occurs in text, 0 .. 255.
+// Roughly how often a byte occurs in text; all together about kAllFrequencies.
+constexpr int kAllFrequencies = 12000;
 int Frequency(char c) {
   static constexpr std::string_view kOrder =
       " etaoinsrhldcumfpgwybv,.k\n\r0-1\"'2)(:/;_xT=ASICEjqz3MPNDRL>*5498O67BFHWU<GY\tV#K{}+[]&!?$@XJZQ%|\\~^`";
-  if (static_cast<signed char>(c) < 0) return static_cast<unsigned char>(c) >= 0xC0 ? 120 : 60;
+  if (static_cast<signed char>(c) < 0) return static_cast<unsigned char>(c) >= 0xC0 ? 200 : 100;
   const size_t rank = kOrder.find(c);
-  return rank == std::string_view::npos ? 1 : 255 - static_cast<int>(rank) * 2;
+  return rank == std::string_view::npos ? 5 : 4000 / (4 + static_cast<int>(rank));
 }
 
 int Frequency(const AnchorScan::Test& test) {
@@ -141,7 +142,7 @@ void Needle::ChooseAnchor() {
       return Frequency(a) != Frequency(b) ? Frequency(a) < Frequency(b) : a.offset < b.offset;
     });
     const AnchorScan::Test& second = tests[tests.size() > 1 ? 1 : 0];
-    const int cost = tests.size() > 1 ? Frequency(tests[0]) * Frequency(second) : Frequency(tests[0]) * 256;
+    const int cost = tests.size() > 1 ? Frequency(tests[0]) * Frequency(second) : Frequency(tests[0]) * kAllFrequencies;
     if (best >= 0 && cost >= best) continue;
     best = cost;
     anchor_ = i;
@@ -156,8 +157,7 @@ std::optional<ByteMatch> Needle::Next(const Window& window, const char*& p) cons
   int64_t inVain = 0;
   for (; (p = scan_.Next(p, window.until, window.end)) < window.until; ++p) {
     if (literal) {
-      if (window.end - p >= static_cast<ptrdiff_t>(literal_.size()) &&
-          std::memcmp(p, literal_.data(), literal_.size()) == 0)
+      if (window.end - p >= static_cast<ptrdiff_t>(literal_.size()) && IsLiteral(p))
         return ByteMatch{p, p + literal_.size()};
     } else if (const auto match = Compare(window, p)) {
       return match;
@@ -168,6 +168,19 @@ std::optional<ByteMatch> Needle::Next(const Window& window, const char*& p) cons
     return literal ? NextByLibrary(window, p) : std::nullopt;
   }
   return std::nullopt;
+}
+
+// p is followed by as many bytes as the needle has. Short needles are not worth a call.
+bool Needle::IsLiteral(const char* p) const {
+  const size_t size = literal_.size();
+  if (size < 4) return p[0] == literal_[0] && p[size - 1] == literal_[size - 1] && p[size / 2] == literal_[size / 2];
+  const auto load = [](const char* at) {
+    uint32_t four;
+    std::memcpy(&four, at, 4);
+    return four;
+  };
+  if (load(p) != load(literal_.data()) || load(p + size - 4) != load(literal_.data() + size - 4)) return false;
+  return size <= 8 || std::memcmp(p, literal_.data(), size) == 0;
 }
 
 // For text full of near misses: linear in the worst case.
@@ -205,6 +218,8 @@ const char* Needle::MatchBehind(const Element& element, const Window& window, co
     return *p == element.spelling[0].bytes[0] && window.IsStray(p) ? p + 1 : nullptr;
   for (int i = 0; i < element.count; ++i) {
     const std::string_view bytes = element.spelling[i].view();
+    if (bytes[0] != *p) continue;
+    if (bytes.size() == 1) return p + 1;
     if (std::string_view(p, static_cast<size_t>(window.end - p)).starts_with(bytes))
       return window.LengthAt(p) == static_cast<int>(bytes.size()) ? p + bytes.size() : nullptr;
   }
@@ -223,6 +238,8 @@ const char* Needle::MatchBefore(const Element& element, const Window& window, co
     return last == element.spelling[0].bytes[0] && window.IsStray(p - 1) ? p - 1 : nullptr;
   for (int i = 0; i < element.count; ++i) {
     const std::string_view bytes = element.spelling[i].view();
+    if (bytes.back() != last) continue;
+    if (bytes.size() == 1) return p - 1;
     if (std::string_view(window.begin, static_cast<size_t>(p - window.begin)).ends_with(bytes)) {
       const char* const begin = p - bytes.size();
       return window.LengthAt(begin) == static_cast<int>(bytes.size()) ? begin : nullptr;

@@ -54,6 +54,7 @@ class Needle {
   void ChooseAnchor();
   std::vector<AnchorScan::Test> TestsFrom(size_t element) const;
 
+  bool IsLiteral(const char* p) const;
   std::optional<ByteMatch> NextByLibrary(const Window& window, const char*& p) const;
   std::optional<ByteMatch> Compare(const Window& window, const char* place) const;
   static const char* MatchBehind(const Element& element, const Window& window, const char* p);

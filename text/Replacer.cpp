@@ -64,6 +64,7 @@ void Replacer::CopyPiece(const PieceView& piece) {
   const int64_t end = pieceBegin_ + piece.sums.bytes.value();
   if (piece.sums.breaks > Breaks(0)) openParagraph_.reset();
   lastBreak_.reset();
+  replacementFormat_ = WithoutObject(piece.charFormat);
   const auto part = [&](int64_t from, int64_t to) {
     return piece.bytes.substr(static_cast<size_t>(from - pieceBegin_), static_cast<size_t>(to - from));
   };
@@ -89,15 +90,16 @@ void Replacer::Copy(std::string_view bytes, const PieceView& piece) {
   builder_.AppendCommitted(bytes.data(), bytes.data() + bytes.size(), piece.charFormat, piece.paraFormat);
 }
 
+CharFormatId Replacer::WithoutObject(CharFormatId id) const {
+  CharFormat format = content_.formats()[id];
+  if (format.object == ObjectId::kNone) return id;
+  format.object = ObjectId::kNone;
+  return content_.formats().Intern(format);
+}
+
 void Replacer::PutReplacement(const PieceView& piece, int64_t begin) {
   if (replacement_.empty()) return;
-  CharFormatId charFormat = piece.charFormat;
-  if (content_.formats()[charFormat].object != ObjectId::kNone) {
-    CharFormat plain = content_.formats()[charFormat];
-    plain.object = ObjectId::kNone;
-    charFormat = content_.formats().Intern(plain);
-  }
-  Put(replacement_, charFormat, replacementHasBreaks_ ? ParaFormatAt(piece, begin) : piece.paraFormat);
+  Put(replacement_, replacementFormat_, replacementHasBreaks_ ? ParaFormatAt(piece, begin) : piece.paraFormat);
 }
 
 // Of the paragraph that holds the byte, which is in the piece.

@@ -32,6 +32,7 @@ class Replacer {
   void Consume();
   void CopyPiece(const PieceView& piece);
   void Copy(std::string_view bytes, const PieceView& piece);
+  CharFormatId WithoutObject(CharFormatId id) const;
   void PutReplacement(const PieceView& piece, int64_t begin);
   void Put(std::string_view bytes, CharFormatId charFormat, ParaFormatId paraFormat);
   void Flush();
@@ -48,6 +49,7 @@ class Replacer {
   int64_t at_ = 0;                             // the byte up to which the old content has been dealt with
   Units taken_;                                // the same as a position
   int64_t pieceBegin_ = 0;                     // of the piece being copied
+  CharFormatId replacementFormat_{};           // for matches that begin in the piece
   std::optional<int64_t> lastBreak_;           // where the piece's last break is, -1 without one
   std::optional<ParaFormatId> openParagraph_;  // the format of the paragraph that has not ended in this piece
   Units first_;

@@ -11,13 +11,17 @@ constexpr ptrdiff_t kSlice = 262144;
 }  // namespace
 
 bool SearchRun::Walk(const Content& content, Range range, const OnMatch& onMatch) {
-  const Units begin = content.Snap(range.begin, Bias::kRight), end = content.Snap(range.end, Bias::kLeft);
-  if (!needle_.possible() || begin >= end) return true;
-  resume_ = content.SumsBefore(begin).bytes.value();
-  limit_ = content.SumsBefore(end).bytes.value();
+  Sums begin = content.SumsBefore(range.begin);
+  // Between the halves of a surrogate pair: behind it.
+  if (begin.units < std::min(range.begin, content.size())) begin = {begin.bytes + Bytes(4), begin.units + Units(2), {}};
+  const Sums end = content.SumsBefore(range.end);
+  if (!needle_.possible() || begin.units >= end.units) return true;
+  resume_ = begin.bytes.value();
+  limit_ = end.bytes.value();
   // A character more on both sides, for the sake of whole words.
-  const Range around{content.Snap(begin - Units(1), Bias::kLeft), content.Snap(end + Units(1), Bias::kRight)};
-  WindowFeed feed(needle_.before(), needle_.behind(), content.SumsBefore(around.begin).bytes.value());
+  const Sums before = content.SumsBefore(begin.units - Units(1));
+  const Range around{before.units, content.Snap(end.units + Units(1), Bias::kRight)};
+  WindowFeed feed(needle_.before(), needle_.behind(), before.bytes.value());
   const auto look = [&](const Window& window) { return Look(window, onMatch); };
   bool on = true;
   content.ForEachSpan(around, [&](std::string_view span) { return on = feed.Take(span, look); });
