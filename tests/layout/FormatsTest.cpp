@@ -1,6 +1,7 @@
 // What formats do to places and pixels.
 #include "LayoutTesting.h"
 #include "text/layout/LayoutBlock.h"
+#include "text/layout/SymbolFonts.h"
 
 namespace text::layout {
 namespace {
@@ -262,6 +263,33 @@ TEST(Shown, AnObjectIsABoxAsHighAsItsText) {
   const QFontMetricsF metrics(FontOf(f.document.formats(), format, QFont("DejaVu Sans"), 1));
   EXPECT_NEAR(f.Left(1), metrics.height(), 1.5);
   EXPECT_NEAR(f.Left(2), 2 * metrics.height(), 3);
+}
+
+TEST(Shown, SymbolFontsAreReadAsUnicode) {
+  struct Case {
+    const char* font;
+    char16_t unit, unicode;
+  };
+  for (const Case& c : {Case{"Symbol", 0xF061, 0x03B1},
+                        {"Symbol", 0xF0B7, 0x2022},
+                        {"Symbol", 0xF020, u' '},
+                        {"Symbol", 0xF0FE, 0x23AD},
+                        {"Symbol", 0xF0FF, 0xF0FF},
+                        {"Symbol", 0xF080, 0xF080},
+                        {"Symbol", u'a', u'a'},
+                        {"Wingdings", 0xF0A7, 0x25AA},
+                        {"Wingdings", 0xF04A, 0x263A},
+                        {"Wingdings", 0xF0FE, 0x2611},
+                        {"Wingdings", 0xF0FF, 0xF0FF},
+                        {"Other", 0xF061, 0xF061}}) {
+    EXPECT_EQ(UnicodeOfSymbol(c.font, c.unit), c.unicode) << c.font << std::hex << int(c.unit);
+  }
+  Document document = MakeDocument("\xEF\x81\xA1\xEF\x82\xB7 plain");
+  CharFormatPatch patch;
+  patch.font = document.formats().Intern(Font{"Symbol", 2, 0});
+  document.PatchChars({Units(0), Units(2)}, patch, {});
+  const BlockText shown = ReadBlockText(document, SpanAt(document.content(), Units(0), Bias::kRight), nullptr);
+  EXPECT_EQ(shown.text, QString::fromUtf16(u"\u03B1\u2022 plain"));
 }
 
 }  // namespace

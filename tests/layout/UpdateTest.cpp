@@ -72,7 +72,7 @@ TEST_P(RandomEdits, LeaveTheViewAsAFreshOneWouldBe) {
       MakeDocument(longLine ? Repeated("a long line of words ", 2500) : Paragraphs(GetParam() % 2 ? 60 : 600));
   TestView view(document);
   view.SetScrollValue(view.scrollMaximum() / 2);
-  for (int step = 0; step < 60; ++step) {
+  for (int step = 0; step < 40; ++step) {
     for (unsigned burst = random_() % 3; burst > 0; --burst) Edit(document, view);
     Edit(document, view);
     if (random_() % 5 == 0) view.ScrollBy(double(random_() % 300) - 150);

@@ -14,6 +14,12 @@ QColor Blend(const QColor& a, const QColor& b) {
   return QColor((a.red() + b.red()) / 2, (a.green() + b.green()) / 2, (a.blue() + b.blue()) / 2);
 }
 
+// Whole pixels, so that what is filled and what is clipped have the same edges.
+QRect OnPixels(const QRectF& rect) {
+  const int left = qRound(rect.left()), top = qRound(rect.top());
+  return {left, top, qRound(rect.right()) - left, qRound(rect.bottom()) - top};
+}
+
 QColor Rgb(Color color) {
   return QColor(color.rgb & 255, color.rgb >> 8 & 255, color.rgb >> 16 & 255);
 }
@@ -74,7 +80,7 @@ void BlockPainter::PaintBackgrounds(const LayoutBlock& block, size_t line, QPoin
     if (color.isAuto()) continue;
     std::vector<QRectF> rects;
     block.AddRects(line, runs[i].begin, runs[i].end, &rects);
-    for (const QRectF& rect : rects) painter_.fillRect(rect.translated(origin), Rgb(color));
+    for (const QRectF& rect : rects) painter_.fillRect(OnPixels(rect.translated(origin)), Rgb(color));
   }
 }
 
@@ -85,7 +91,7 @@ void BlockPainter::PaintSelection(const LayoutBlock& block, size_t line, const S
   const bool last = line + 1 == block.lines().size();
   const bool separator = !geometry.wraps() && selected.from <= geometry.end && selected.to > geometry.end;
   if (separator || (last && selected.lastBreak)) rects.push_back(block.BreakRect(line));
-  for (const QRectF& rect : rects) painter_.fillRect(rect.translated(origin), highlight_);
+  for (const QRectF& rect : rects) painter_.fillRect(OnPixels(rect.translated(origin)), highlight_);
 }
 
 void BlockPainter::PaintText(const LayoutBlock& block, size_t line, const Selected& selected, QPointF origin) {
@@ -98,9 +104,8 @@ void BlockPainter::PaintText(const LayoutBlock& block, size_t line, const Select
   std::vector<QRectF> rects;
   block.AddRects(line, from, to, &rects);
   QRegion inside;
-  for (const QRectF& rect : rects) inside += rect.translated(origin).toAlignedRect();
+  for (const QRectF& rect : rects) inside += OnPixels(rect.translated(origin));
   if (from > geometry.begin || to < geometry.end) {
-    // A region of whole pixels, so that the two parts neither overlap nor leave a seam.
     const QRect around =
         QRectF(0, origin.y() + geometry.top - geometry.height, x_ * 2 + block.width(), 3 * geometry.height)
             .toAlignedRect();

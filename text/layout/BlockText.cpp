@@ -1,10 +1,13 @@
 #include "text/layout/BlockText.h"
 
+#include "text/layout/FormatFonts.h"
+#include "text/layout/SymbolFonts.h"
 #include "text/layout/ViewLayout.h"
 
 #include <QChar>
 
 #include <algorithm>
+#include <optional>
 
 namespace text::layout {
 namespace {
@@ -36,14 +39,15 @@ char32_t CharAt(std::u16string_view text, size_t i, size_t* units) {
   return pair ? QChar::surrogateToUcs4(text[i], text[i + 1]) : text[i];
 }
 
-bool FirstStrongIsRightToLeft(std::u16string_view text) {
+// Whether the first strong character goes right to left; nothing without one.
+std::optional<bool> FirstStrong(std::u16string_view text) {
   for (size_t i = 0, units = 1; i < text.size(); i += units) {
     const char32_t c = CharAt(text, i, &units);
     const QChar::Direction direction = QChar::direction(c);
     if (direction == QChar::DirL) return false;
     if (direction == QChar::DirR || direction == QChar::DirAL) return true;
   }
-  return false;
+  return std::nullopt;
 }
 
 // What stands for a unit that cannot be shown as it is; the rest is unchanged.
@@ -94,9 +98,17 @@ void ReadRuns(const Content& content, Range range, BlockText& block) {
   });
 }
 
-void HideHidden(const FormatTable& formats, std::u16string& text, const BlockText& block) {
+// What the format makes of the text: hidden, or characters of a symbol font.
+void ShowFormats(const FormatTable& formats, std::u16string& text, const BlockText& block) {
   for (const BlockRun& run : block.runs) {
-    if (formats[run.format].flags & kHidden) std::fill(text.begin() + run.begin, text.begin() + run.end, kWordJoiner);
+    const CharFormat& format = formats[run.format];
+    const Font& font = formats[format.font];
+    const auto begin = text.begin() + run.begin, end = text.begin() + run.end;
+    if (format.flags & kHidden) {
+      std::fill(begin, end, kWordJoiner);
+    } else if (font.charset == kSymbolCharset) {
+      std::transform(begin, end, begin, [&](char16_t unit) { return UnicodeOfSymbol(font.name, unit); });
+    }
   }
 }
 
@@ -135,8 +147,13 @@ void InsertPreedit(const Preedit& preedit, int at, BlockText& block) {
 
 bool IsParagraphRightToLeft(const Content& content, Range paragraph, const ParaFormat& format) {
   if (format.rightToLeft) return true;
-  const Units end = content.Snap(std::min(paragraph.end, paragraph.begin + Units(kDirectionUnits)), Bias::kLeft);
-  return FirstStrongIsRightToLeft(content.Utf16({paragraph.begin, end}));
+  // Nearly always the first few characters decide.
+  for (const int64_t units : {int64_t{32}, kDirectionUnits}) {
+    const Units end = content.Snap(std::min(paragraph.end, paragraph.begin + Units(units)), Bias::kLeft);
+    if (const auto rightToLeft = FirstStrong(content.Utf16({paragraph.begin, end}))) return *rightToLeft;
+    if (end == paragraph.end) break;
+  }
+  return false;
 }
 
 BlockText ReadBlockText(const Document& document, const BlockSpan& span, const Preedit* preedit) {
@@ -149,7 +166,7 @@ BlockText ReadBlockText(const Document& document, const BlockSpan& span, const P
   std::u16string text = content.Utf16(span.range);
   ShowText(text, block);
   ReadRuns(content, span.range, block);
-  HideHidden(formats, text, block);
+  ShowFormats(formats, text, block);
   block.endFormat = content.size() == Units(0) ? document.emptyCharFormat() : content.CharFormatAt(span.range.end);
   // Only text that has such characters, or a segment whose paragraph may begin with them, needs the second look.
   if (block.paragraph.rightToLeft || block.mixed || !block.startsParagraph) {

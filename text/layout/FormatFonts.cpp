@@ -11,8 +11,6 @@
 namespace text::layout {
 namespace {
 
-constexpr uint8_t kSymbolCharset = 2;
-
 QFont::StyleHint HintOf(uint8_t family) {
   switch (family) {
     case 1:

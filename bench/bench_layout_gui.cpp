@@ -1,0 +1,152 @@
+// The layout without the control: first screens, keys, scrolling, painting. Offscreen, into an image.
+#include "bench/Measure.h"
+#include "text/layout/ViewLayout.h"
+
+#include <QGuiApplication>
+#include <QImage>
+#include <QPainter>
+#include <benchmark/benchmark.h>
+
+using namespace text;
+using namespace text::layout;
+
+namespace {
+
+constexpr size_t kLargeBytes = 100'000'000;
+const QSizeF kViewport(800, 1000);  // about sixty lines
+
+const Content& ManyLines() {
+  static const Content content = [] {
+    ContentBuilder builder(Content().store());
+    size_t bytes = 0;
+    for (int line = 0; bytes < kLargeBytes; ++line) {
+      std::string text = "line " + std::to_string(line) + " with the words of an ordinary line of text in it";
+      text.resize(40 + static_cast<size_t>(line) * 7 % 40, 'x');
+      text += "\n";
+      builder.Append(text);
+      bytes += text.size();
+    }
+    return builder.Finish();
+  }();
+  return content;
+}
+
+const Content& OneLine() {
+  static const Content content = [] {
+    ContentBuilder builder(Content().store());
+    for (size_t bytes = 0, word = 0; bytes < kLargeBytes; ++word) {
+      const std::string text = "word" + std::to_string(word % 1000) + " ";
+      builder.Append(text);
+      bytes += text.size();
+    }
+    return builder.Finish();
+  }();
+  return content;
+}
+
+QImage& Frame() {
+  static QImage image(kViewport.toSize(), QImage::Format_RGB32);
+  return image;
+}
+
+void PaintFrame(ViewLayout& view, Selection selection = {}) {
+  PaintOptions options;
+  options.palette = QGuiApplication::palette();
+  options.selection = selection;
+  options.showCaret = true;
+  QPainter painter(&Frame());
+  view.Paint(painter, QRectF(QPointF(), kViewport), options);
+}
+
+void FirstScreen(benchmark::State& state, const Content& (*content)()) {
+  const Document document(content());
+  for (auto run : state) {
+    ViewLayout view(document);
+    view.SetViewport(kViewport);
+    benchmark::DoNotOptimize(view.scrollMaximum());
+    PaintFrame(view);
+  }
+}
+
+void LayoutOfAScreen(benchmark::State& state, const Content& (*content)()) {
+  const Document document(content());
+  ViewLayout view(document);
+  view.SetViewport(kViewport);
+  double zoom = 1;
+  for (auto run : state) {
+    view.SetZoom(zoom = zoom == 1 ? 1.0001 : 1);  // drops every block
+    benchmark::DoNotOptimize(view.VisibleRange());
+  }
+}
+
+void PaintOfAScreen(benchmark::State& state, bool selected) {
+  const Document document(ManyLines());
+  ViewLayout view(document);
+  view.SetViewport(kViewport);
+  PaintFrame(view);
+  for (auto run : state) PaintFrame(view, selected ? Selection{Units(0), document.content().size()} : Selection{});
+}
+
+// A key in the middle of the text, from the insertion to the painted frame, with the scroll bar brought up to date.
+void Key(benchmark::State& state, const Content& (*content)()) {
+  Document document(content());
+  ViewLayout view(document);
+  view.SetViewport(kViewport);
+  Units caret(document.content().size().value() / 2);
+  view.EnsureVisible({caret}, 300);
+  std::vector<double> seconds;
+  for (auto run : state) {
+    seconds.push_back(bench::Seconds([&] {
+      caret = document.Replace({caret, caret}, "k", CharFormatId::kDefault, EditKind::kTyping, {caret, caret}).end;
+      view.EnsureVisible({caret});
+      benchmark::DoNotOptimize(view.scrollMaximum() + view.scrollValue());
+      PaintFrame(view, {caret, caret});
+    }));
+  }
+  state.counters["p50_ms"] = bench::Median(seconds) * 1e3;
+  state.counters["p99_ms"] = bench::Percentile(seconds, 0.99) * 1e3;
+}
+
+void ScrollByLines(benchmark::State& state, const Content& (*content)()) {
+  const Document document(content());
+  ViewLayout view(document);
+  view.SetViewport(kViewport);
+  view.SetScrollValue(view.scrollMaximum() / 2);
+  for (auto run : state) {
+    view.ScrollBy(3 * 19);
+    benchmark::DoNotOptimize(view.scrollValue());
+    PaintFrame(view);
+  }
+}
+
+void DragTheBar(benchmark::State& state, const Content& (*content)()) {
+  const Document document(content());
+  ViewLayout view(document);
+  view.SetViewport(kViewport);
+  int64_t step = 0;
+  for (auto run : state) {
+    view.SetScrollValue(static_cast<int>(int64_t{view.scrollMaximum()} * (step++ * 37 % 101) / 101));
+    PaintFrame(view);
+  }
+}
+
+BENCHMARK_CAPTURE(FirstScreen, manyLines, ManyLines)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(FirstScreen, oneLine, OneLine)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(LayoutOfAScreen, manyLines, ManyLines)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(PaintOfAScreen, plain, false)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(PaintOfAScreen, selected, true)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(Key, manyLines, ManyLines)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(Key, oneLine, OneLine)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(ScrollByLines, manyLines, ManyLines)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(ScrollByLines, oneLine, OneLine)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(DragTheBar, manyLines, ManyLines)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(DragTheBar, oneLine, OneLine)->Unit(benchmark::kMillisecond);
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+  QGuiApplication application(argc, argv);
+  benchmark::Initialize(&argc, argv);
+  benchmark::RunSpecifiedBenchmarks();
+}
