@@ -89,7 +89,7 @@ TEST(RtfCodePages, AppendsScalarsOnly) {
 TEST(RtfCharacters, FontNamesAreCleaned) {
   const std::pair<std::string, std::string> rows[] = {
       {"Arial", "Arial"},
-      {" a\x19 b \x7F ", " a b"},
+      {" a\x19 b\u2028 \x7F ", " a b"},
       {"\xE4\x80x", "ä€x"},
       {std::string(300, 'x'), std::string(256, 'x')},
       {std::string(255, 'x') + "ä", std::string(255, 'x')},

@@ -206,6 +206,13 @@ TEST(RtfReader, NamesWhatASaveWouldLose) {
   for (const DroppedRow& row : rows) EXPECT_EQ(ReadNew("{\\rtf1" + row.rtf + "}").dropped, row.dropped) << row.rtf;
 }
 
+TEST(RtfReader, PutsTheNamesIntoWords) {
+  EXPECT_EQ(InWords({}), "");
+  EXPECT_EQ(InWords({"tables"}), "tables");
+  EXPECT_EQ(InWords({"tables", "pictures"}), "tables and pictures");
+  EXPECT_EQ(InWords({"tables", "pictures", "styles"}), "tables, pictures and styles");
+}
+
 TEST(RtfReader, FragmentsKeepTheirClosingBreak) {
   EXPECT_EQ(Describe(ReadFragment("{\\rtf1\\qc a\\par}", NewStore()).content), "a\n[center]$[center]");
   EXPECT_EQ(Describe(ReadFragment("{\\rtf1 a}", NewStore()).content), "a");

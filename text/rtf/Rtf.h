@@ -32,17 +32,26 @@ struct ReadResult {
   bool cancelled = false;
 };
 
+// The names as one phrase: "tables", "tables and pictures", "tables, pictures and footnotes".
+std::string InWords(const std::vector<std::string>& dropped);
+
 // True when the bytes begin as RTF (a UTF-8 mark, blanks and NUL before it allowed).
 bool LooksLikeRtf(std::string_view bytes);
 
-// Reads a whole file. Never throws on bad input, never recurses, time linear in the input. Line breaks become CR LF.
-// One \par that closes the document adds no empty paragraph.
+// Reads a whole file. Never throws on bad input, never recurses, time linear in the input. No bytes at all are an empty
+// document. A paragraph's end becomes CR LF, \line U+2028, \page U+000C; no byte of the text is a stray one. The end of
+// a table's cell becomes a tab, that of a row a paragraph's end. One \par that closes the document adds no empty
+// paragraph.
 ReadResult Read(std::string_view bytes, std::shared_ptr<TextStore> store, const Progress& progress = {});
 // The same for a piece to insert: here the closing \par is kept.
 ReadResult ReadFragment(std::string_view bytes, std::shared_ptr<TextStore> store);
 
-// Writes 7-bit RTF with CR LF between paragraphs. False when the sink refused.
+// Writes 7-bit RTF with CR LF between paragraphs, in pieces of about 64 KB. False when the sink refused. Reading it
+// back gives the same text and formats, but for: breaks, which all become CR LF; stray bytes, which become the
+// Windows-1252 characters they stand for; offsets, which RTF counts in steps of 10 twips; lengths past a million twips;
+// kept words and objects. Writing what was read back gives the same bytes.
 bool Write(const Content& content, const DocumentProperties& properties, const ByteSink& sink);
+// The last paragraph is closed by \par only when its break lies in the range.
 std::string WriteFragment(const Content& content, Range range, const DocumentProperties& properties);
 
 }  // namespace text::rtf

@@ -69,7 +69,7 @@ std::string CleanFontName(std::string_view name) {
   std::string clean;
   while (!name.empty()) {
     const char32_t character = TakeCharacter(name);
-    if (character < 0x20 || character == 0x7F) continue;
+    if (character < 0x20 || character == 0x7F || character == 0x2028) continue;
     const size_t before = clean.size();
     AppendUtf8(character, clean);
     if (clean.size() <= kMaxNameBytes) continue;

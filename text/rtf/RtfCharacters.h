@@ -17,8 +17,8 @@ char32_t TakeCharacter(std::string_view& utf8);
 // The Windows-1252 byte of a character past ASCII, or 0.
 uint8_t Windows1252Byte(char32_t character);
 
-// A name as it survives writing and reading: valid UTF-8, no control characters, no blanks at its end, at most
-// kMaxNameBytes.
+// A name as it survives writing and reading: valid UTF-8, no control characters or line breaks, no blanks at its end,
+// at most kMaxNameBytes.
 std::string CleanFontName(std::string_view name);
 
 }  // namespace text::rtf

@@ -1,6 +1,7 @@
 #include "text/rtf/RtfKeywords.h"
 
 #include "text/Formats.h"
+#include "text/rtf/Rtf.h"
 
 #include <algorithm>
 #include <array>
@@ -427,6 +428,15 @@ constexpr std::array<std::string_view, static_cast<size_t>(Dropped::kCount)> kDr
 
 std::string_view DroppedName(Dropped what) {
   return kDroppedNames[static_cast<size_t>(what)];
+}
+
+std::string InWords(const std::vector<std::string>& dropped) {
+  std::string words;
+  for (size_t i = 0; i < dropped.size(); ++i) {
+    if (i > 0) words += i + 1 == dropped.size() ? " and " : ", ";
+    words += dropped[i];
+  }
+  return words;
 }
 
 const Keyword* FindKeyword(std::string_view word) {
