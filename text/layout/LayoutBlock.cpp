@@ -14,6 +14,8 @@ namespace {
 constexpr double kMinTextPixels = 24;
 constexpr double kBreakWidth = 0.35;  // of the line's height
 constexpr double kBulletGap = 6;
+// A line of more characters than that is made of such without width; there is nothing to see in their order.
+constexpr int kMaxMixedUnits = 2000;
 
 double Pixels(int32_t twips, double zoom) {
   return std::clamp(twips / kTwipsPerPixel * zoom, -1e6, 1e6);
@@ -73,7 +75,19 @@ QList<QTextLayout::FormatRange> LayoutBlock::FormatRanges() const {
       ranges.append({run.begin, run.end - run.begin, looks_[i]->format});
     }
   }
-  for (const int object : text_.objects) ranges.append({object, 1, ObjectFormat(LookAt(object), text_.text[object])});
+  // Neighbours of one look share a range: making a font is what costs.
+  const FormatLook* last = nullptr;
+  for (const int object : text_.objects) {
+    const FormatLook* look = &LookAt(object);
+    if (look == last && ranges.back().start + ranges.back().length == object) {
+      ++ranges.back().length;
+    } else if (look == last) {
+      ranges.append({object, 1, ranges.back().format});
+    } else {
+      ranges.append({object, 1, ObjectFormat(*look, text_.text[object])});
+    }
+    last = look;
+  }
   for (QTextLayout::FormatRange range : text_.preeditFormats) {
     QTextCharFormat format = LookAt(range.start).format;
     format.merge(range.format);
@@ -239,16 +253,21 @@ CaretShape LayoutBlock::CaretAt(int shown, Bias bias) const {
 int LayoutBlock::NearestCaret(size_t index, double x) const {
   const BlockLine& line = lines_[index];
   int best = line.begin;
+  double nearest = 1e9;
   for (int shown = line.begin; shown <= line.end;
        shown = shown < line.end ? layout_.nextCursorPosition(shown) : shown + 1) {
-    if (std::abs(XAt(index, shown) - x) < std::abs(XAt(index, best) - x)) best = shown;
+    const double distance = std::abs(XAt(index, shown) - x);
+    if (distance >= nearest) continue;
+    nearest = distance;
+    best = shown;
   }
   return best;
 }
 
 LayoutBlock::Hit LayoutBlock::HitLine(size_t index, double x) const {
   const BlockLine& line = lines_[index];
-  int shown = text_.mixed ? NearestCaret(index, x) : std::clamp(qtLine(index).xToCursor(x), line.begin, line.end);
+  const bool careful = text_.mixed && line.end - line.begin <= kMaxMixedUnits;
+  int shown = careful ? NearestCaret(index, x) : std::clamp(qtLine(index).xToCursor(x), line.begin, line.end);
   if (!line.wraps() || index + 1 == lines_.size() || line.begin == line.end) return {shown, Bias::kRight};
   const QChar last = text_.text[line.end - 1];
   if (last.isSpace()) return {std::min(shown, line.end - 1), Bias::kRight};
@@ -268,8 +287,8 @@ void LayoutBlock::AddRects(size_t index, int from, int to, std::vector<QRectF>* 
   to = std::min(to, line.end);
   if (from >= to) return;
   const QTextLine qt = qtLine(index);
-  if (!text_.mixed) return AddRect(line, qt.cursorToX(from), qt.cursorToX(to), rects);
-  if (from == line.begin && to == line.end) return rects->push_back(LineTextRect(index));
+  if (text_.mixed && from == line.begin && to == line.end) return rects->push_back(LineTextRect(index));
+  if (!text_.mixed || to - from > kMaxMixedUnits) return AddRect(line, qt.cursorToX(from), qt.cursorToX(to), rects);
   for (int i = from; i < to; ++i) {
     const auto [a, b] = EdgesOfChar(qt, i);
     AddRect(line, a, b, rects);
