@@ -38,8 +38,8 @@ enum FileDialogFlag : int {
 
 struct FileDialog {
   ui::Form* owner = nullptr;
-  std::string defaultExtension;
-  QString filter;  // "description|pattern|..."
+  std::string defaultExtension = {};
+  QString filter = {};  // "description|pattern|..."
   int flags = 0;
   files::Path initialDirectory = {};
   QString title = {};

@@ -1,0 +1,234 @@
+// The menu bar as the user finds it.
+#include "tests/program/ProgramTest.h"
+#include "ui/desktop/Clipboard.h"
+
+#include <QAction>
+#include <QMenu>
+#include <QMenuBar>
+
+#include <map>
+#include <set>
+
+namespace {
+
+using documents::frmText;
+
+class MenuTest : public ProgramTest {
+ protected:
+  ui::MenuBar& Bar() { return program().menus().bar(); }
+  size_t Row(const std::string& name) {
+    for (size_t i = 0; i < Bar().rowCount(); ++i)
+      if (name == Bar().row(i).name) return i;
+    ADD_FAILURE() << "no row " << name;
+    return 0;
+  }
+  const QAction& Action(const std::string& name) { return *Bar().action(Row(name)); }
+  void Choose(const std::string& name) { const_cast<QAction&>(Action(name)).trigger(); }
+  // What a menu shows, "-" for a separator, "v " before a check.
+  QStringList Shown(const std::string& menu) {
+    program().menus().Fill();
+    QStringList texts;
+    for (const QAction* action : Bar().menu(Row(menu))->actions()) {
+      if (!action->isVisible()) continue;
+      const QString check = action->isChecked() ? "v " : "";
+      texts += action->isSeparator() ? QString("-") : check + action->text().section('\t', 0, 0);
+    }
+    return texts;
+  }
+  QStringList TopLevel() {
+    QStringList texts;
+    for (const QAction* action : program().frame().menuBar().actions())
+      if (action->isVisible()) texts += action->text();
+    return texts;
+  }
+  void ExpectTidy(const std::string& menu) {
+    const QStringList shown = Shown(menu);
+    ASSERT_FALSE(shown.isEmpty()) << menu;
+    EXPECT_NE(shown.front(), "-") << menu;
+    EXPECT_NE(shown.back(), "-") << menu;
+    for (qsizetype i = 1; i < shown.size(); ++i) EXPECT_FALSE(shown[i] == "-" && shown[i - 1] == "-") << menu;
+  }
+  void ExpectRules() {
+    std::map<QKeySequence, std::string> keys;
+    std::map<const QMenu*, std::map<QChar, QString>> mnemonics;
+    for (size_t i = 0; i < Bar().rowCount(); ++i) {
+      const QAction* action = Bar().action(i);
+      if (!action || action->isSeparator()) continue;
+      if (Bar().row(i).kind == ui::MenuRowKind::kMenu && action->isVisible()) ExpectTidy(Bar().row(i).name);
+      if (!action->isVisible()) continue;
+      if (!action->shortcut().isEmpty()) {
+        EXPECT_TRUE(keys.emplace(action->shortcut(), Bar().row(i).name).second)
+            << action->shortcut().toString().toStdString() << " twice: " << Bar().row(i).name;
+      }
+      const auto* menu = qobject_cast<QMenu*>(action->parent());
+      const qsizetype at = action->text().indexOf('&');
+      ASSERT_GE(at, 0) << Bar().row(i).name << " has no mnemonic";
+      const QChar letter = action->text()[at + 1].toLower();
+      const auto [other, unique] = mnemonics[menu].emplace(letter, Bar().row(i).name);
+      EXPECT_TRUE(unique) << Bar().row(i).name << " and " << other->second.toStdString();
+    }
+  }
+};
+
+TEST_F(MenuTest, WithoutADocument) {
+  EXPECT_EQ(TopLevel(), (QStringList{"&File", "&Window"}));
+  EXPECT_EQ(Shown("mnuFile"), (QStringList{"&New document", "Open a &document...", "Save a&ll", "-", "E&xit"}));
+  EXPECT_TRUE(Action("mnuSaveFile").shortcut().isEmpty());
+  EXPECT_EQ(Action("mnuNew").shortcut(), QKeySequence("Ctrl+N"));
+  ExpectRules();
+}
+
+TEST_F(MenuTest, WithADocument) {
+  New();
+  EXPECT_EQ(TopLevel(), (QStringList{"&File", "&Edit", "For&mat", "&Window"}));
+  EXPECT_EQ(Shown("mnuFile"),
+            (QStringList{"&New document", "Open a &document...", "&Save document", "Save document &as...", "Save a&ll",
+                         "&Close document", "-", "Copy document &pathname to clipboard", "&Refresh", "-", "E&xit"}));
+  EXPECT_EQ(Action("mnuSaveFile").shortcut(), QKeySequence("Ctrl+S"));
+  EXPECT_EQ(Action("mnuBold").shortcut(), QKeySequence("Ctrl+B"));
+  EXPECT_TRUE(Action("mnuCut").shortcut().isEmpty()) << "the key belongs to the editor";
+  EXPECT_EQ(Action("mnuCut").text(), "Cu&t\tCtrl+X");
+  EXPECT_EQ(Action("mnuExit").text(), "E&xit\tAlt+F4");
+  ExpectRules();
+}
+
+TEST_F(MenuTest, TheDocumentRowsGoWithTheLastDocument) {
+  frmText* document = Open(Put("a.txt", ""));
+  EXPECT_TRUE(Action("mnuEdit").isVisible());
+  document->Close();
+  Settle();
+  EXPECT_FALSE(Action("mnuEdit").isVisible());
+  EXPECT_EQ(TopLevel(), (QStringList{"&File", "&Window"}));
+}
+
+TEST_F(MenuTest, ChecksFollowTheSelection) {
+  New();
+  EXPECT_EQ(Shown("mnuAlign"), (QStringList{"v &left", "&center", "&right"}));
+  Choose("mnuAlignCenter");
+  EXPECT_EQ(Shown("mnuAlign"), (QStringList{"&left", "v &center", "&right"}));
+  Choose("mnuAlignCenter");
+  EXPECT_EQ(Shown("mnuAlign"), (QStringList{"&left", "v &center", "&right"})) << "a click alone changes no check mark";
+  Choose("mnuBold");
+  EXPECT_EQ(Shown("mnuEmphasis").front(), "v &Bold");
+  Choose("mnuBold");
+  EXPECT_EQ(Shown("mnuEmphasis").front(), "&Bold");
+}
+
+TEST_F(MenuTest, OpenDocumentsAreListedInSlotOrder) {
+  Open(Put("a & b.txt", ""));
+  New();
+  Open(Put("c.txt", ""));
+  const QString folderText = QString::fromStdString(folder().native());
+  EXPECT_EQ(Shown("mnuWindow").mid(Shown("mnuWindow").lastIndexOf("-") + 1),
+            (QStringList{"&1 " + folderText + "/a && b.txt", "&2 Untitled:2", "v &3 " + folderText + "/c.txt"}));
+  for (int i = 0; i < 7; ++i) New();
+  EXPECT_EQ(Shown("mnuWindow").mid(Shown("mnuWindow").size() - 2), (QStringList{"&9 Untitled:9", "v Untitled:10"}));
+  for (QAction* action : Bar().menu(Row("mnuWindow"))->actions())
+    if (action->text() == "&2 Untitled:2") action->trigger();
+  EXPECT_EQ(table().Active()->caption(), "Untitled:2");
+}
+
+TEST_F(MenuTest, ThePasteFormsAreEnabledByWhatTheClipboardHolds) {
+  New();
+  ui::SetClipboardText("text");
+  program().menus().Fill();
+  EXPECT_TRUE(Action("mnuPasteAsText").isEnabled());
+  EXPECT_FALSE(Action("mnuPasteAsRTF").isEnabled());
+}
+
+TEST_F(MenuTest, EditCommandsReachTheActiveDocument) {
+  frmText& document = New();
+  Type(document, "one two");
+  Choose("mnuSelAll");
+  Choose("mnuCopy");
+  EXPECT_EQ(ui::ClipboardText(), "one two");
+  Choose("mnuDelete");
+  EXPECT_EQ(document.RichTextBox1().Text(), "");
+  Choose("mnuPaste");
+  Choose("mnuPasteAsText");
+  EXPECT_EQ(document.RichTextBox1().Text(), "one twoone two");
+  Choose("mnuUndoItem");
+  EXPECT_EQ(document.RichTextBox1().Text(), "one two");
+  Choose("mnuRedoItem");
+  EXPECT_EQ(document.RichTextBox1().Text(), "one twoone two");
+  Choose("mnuCopyPath");
+  EXPECT_EQ(ui::ClipboardText(), "Untitled:1");
+}
+
+TEST_F(MenuTest, MinimizeAndRestoreAll) {
+  frmText& a = New();
+  frmText& b = New();
+  Choose("mnuMinRest");
+  EXPECT_EQ(a.windowState(), ui::WindowState::kMinimized);
+  EXPECT_EQ(b.windowState(), ui::WindowState::kMinimized);
+  EXPECT_NE(program().frame().windowState(), ui::WindowState::kMinimized);
+  Choose("mnuMinRest");
+  EXPECT_EQ(a.windowState(), ui::WindowState::kNormal);
+  EXPECT_EQ(b.windowState(), ui::WindowState::kNormal);
+}
+
+TEST_F(MenuTest, NextWindowVisitsAll) {
+  New();
+  New();
+  New();
+  std::set<std::string> seen;
+  for (int i = 0; i < 3; ++i) {
+    Choose("mnuNextPane");
+    seen.insert(table().Active()->caption());
+  }
+  EXPECT_EQ(seen.size(), 3u);
+}
+
+TEST_F(MenuTest, SendToBackActivatesTheNextInFront) {
+  New();
+  New();
+  New();
+  Choose("mnuWindowSendBack");
+  EXPECT_EQ(table().Active()->caption(), "Untitled:2");
+  Choose("mnuWindowSendBack");
+  EXPECT_EQ(table().Active()->caption(), "Untitled:1");
+}
+
+struct TileCase {
+  const char* command;
+  bool rows;
+  int mode;
+};
+
+TEST_F(MenuTest, TilesFillTheAreaWithoutGapsOrOverlaps) {
+  std::vector<frmText*> documents;
+  for (int i = 0; i < 3; ++i) documents.push_back(&New());
+  documents[2]->SetWindowState(ui::WindowState::kMaximized);
+  for (const TileCase& tile : {TileCase{"mnuWindowTileHoriz", true, 1}, TileCase{"mnuWindowTileVertical", false, 2}}) {
+    Choose(tile.command);
+    EXPECT_EQ(program().commands().arrangement(), tile.mode);
+    const QSize area = program().frame().area().viewport()->size();
+    int next = 0;
+    for (frmText* document : documents) {
+      const QRect place = document->widget()->geometry();
+      EXPECT_EQ(tile.rows ? place.top() : place.left(), next);
+      EXPECT_EQ(tile.rows ? place.width() : place.height(), tile.rows ? area.width() : area.height());
+      next = tile.rows ? place.bottom() + 1 : place.right() + 1;
+    }
+    EXPECT_EQ(next, tile.rows ? area.height() : area.width());
+  }
+  Choose("mnuWindowCascade");
+  EXPECT_EQ(program().commands().arrangement(), 0);
+  EXPECT_LT(documents[0]->widget()->y(), documents[1]->widget()->y());
+  EXPECT_LT(documents[1]->widget()->x(), documents[2]->widget()->x());
+}
+
+TEST_F(MenuTest, ArrangeIconsStandsThemAtTheBottom) {
+  frmText& a = New();
+  frmText& b = New();
+  a.SetWindowState(ui::WindowState::kMinimized);
+  b.SetWindowState(ui::WindowState::kMinimized);
+  a.widget()->move(200, 100);
+  Choose("mnuWindowArrange");
+  const int bottom = program().frame().area().viewport()->height();
+  EXPECT_EQ(a.widget()->geometry().bottom() + 1, bottom);
+  EXPECT_EQ(a.widget()->x(), 0);
+  EXPECT_EQ(b.widget()->geometry().left(), a.widget()->geometry().right() + 1);
+}
+
+}  // namespace

@@ -1,0 +1,140 @@
+// Events that come in the middle of a command.
+#include "tests/program/ProgramTest.h"
+
+#include <QTimer>
+
+namespace {
+
+using documents::frmText;
+using ui::Answer;
+
+class PendingEventsTest : public ProgramTest {
+ protected:
+  // Runs the call at every place where the program lets events through, until `stop_`.
+  void AtEveryPoint(const std::function<void()>& call) {
+    QTimer::singleShot(0, qApp, [this, call] {
+      if (stop_) return;
+      call();
+      ++points_;
+      AtEveryPoint(call);
+    });
+  }
+  void TearDown() override {
+    stop_ = true;
+    Settle();
+  }
+
+  bool stop_ = false;
+  int points_ = 0;
+};
+
+TEST_F(PendingEventsTest, ACloseRequestWaitsForTheCommandsEnd) {
+  frmText* document = Open(Put("a.txt", "text"));
+  bool during = true;
+  {
+    const ui::CommandScope command;
+    EXPECT_FALSE(document->RequestClose());
+    EXPECT_FALSE(document->RequestClose()) << "twice is once";
+    ui::LetPendingEventsRun();
+    during = Showing(At("a.txt").native()) != nullptr;
+  }
+  EXPECT_TRUE(during);
+  Settle();
+  EXPECT_FALSE(Showing(At("a.txt").native()));
+}
+
+TEST_F(PendingEventsTest, ACloseRequestForAWindowThatHasGoneIsForgotten) {
+  frmText* document = Open(Put("a.txt", "text"));
+  {
+    const ui::CommandScope command;
+    document->RequestClose();
+    EXPECT_TRUE(document->Close());
+  }
+  Settle();
+  EXPECT_FALSE(table().AnyDocumentOpen());
+}
+
+TEST_F(PendingEventsTest, TheCloseBoxInTheMiddleOfTheClosePromptAsksNoSecondTime) {
+  frmText& document = New();
+  ExpectClosePrompt("Untitled:1", Answer::kCancel, [&] {
+    document.widget()->close();
+    program().frame().widget()->close();
+  });
+  EXPECT_FALSE(document.Close());
+  // The requests come after the command: the document is asked by its own, and then by the frame's.
+  ExpectClosePrompt("Untitled:1", Answer::kCancel);
+  ExpectClosePrompt("Untitled:1", Answer::kCancel);
+  Settle();
+  EXPECT_TRUE(table().AnyDocumentOpen());
+}
+
+TEST_F(PendingEventsTest, DocumentsThatAppearWhileAllAreClosedStay) {
+  for (const char* name : {"a.txt", "b.txt", "c.txt"}) Open(Put(name, ""));
+  int made = 0;
+  AtEveryPoint([&] {
+    if (made++ < 2) table().NewDocument();
+  });
+  program().commands().mnuCloseAll_Click();
+  stop_ = true;
+  EXPECT_GT(points_, 0) << "nothing was injected";
+  for (const char* name : {"a.txt", "b.txt", "c.txt"}) EXPECT_FALSE(Showing(At(name).native())) << name;
+  int open = 0;
+  for (int slot = 1; slot <= table().UpperBound(); ++slot) open += table().Document(slot) != nullptr;
+  EXPECT_EQ(open, 2);
+}
+
+TEST_F(PendingEventsTest, DocumentsThatGoWhileAllAreMinimized) {
+  for (const char* name : {"a.txt", "b.txt", "c.txt", "d.txt"}) Open(Put(name, ""));
+  AtEveryPoint([&] {
+    if (frmText* document = Showing(At(points_ == 0 ? "c.txt" : "a.txt").native())) document->Close();
+  });
+  program().commands().mnuMinRest_Click();
+  stop_ = true;
+  EXPECT_GE(points_, 2);
+  EXPECT_FALSE(Showing(At("c.txt").native()));
+  EXPECT_EQ(Showing(At("b.txt").native())->windowState(), ui::WindowState::kMinimized);
+}
+
+TEST_F(PendingEventsTest, AWindowThatGoesWhileItsFileIsRead) {
+  const files::Path path = Put("a.txt", "text");
+  dialogs.AfterNextWork([&] { EXPECT_TRUE(Showing(path.native())->Close()); });
+  EXPECT_FALSE(Open(path));
+  EXPECT_FALSE(table().AnyDocumentOpen());
+  EXPECT_TRUE(table().DocInfo(1).Free);
+}
+
+TEST_F(PendingEventsTest, AWindowThatGoesWhileItIsSaved) {
+  const files::Path path = Put("a.txt", "text");
+  frmText* document = Open(path);
+  Type(*document, "+");
+  dialogs.AfterNextWork([&] {
+    ExpectClosePrompt(path.native(), Answer::kNo);
+    EXPECT_TRUE(document->Close());
+  });
+  EXPECT_EQ(document->mnuSaveFile_Click(), documents::SaveOutcome::kSaved);
+  EXPECT_EQ(Bytes(path), "+text");
+  Settle();
+  EXPECT_FALSE(table().AnyDocumentOpen());
+}
+
+TEST_F(PendingEventsTest, SaveAllPassesOverWindowsThatHaveGone) {
+  Open(Put("a.txt", "a"));
+  frmText* last = Open(Put("b.txt", "b"));
+  Type(*last, "+");
+  dialogs.AfterNextWork([&] { EXPECT_TRUE(Showing(At("a.txt").native())->Close()); });
+  program().commands().mnuSaveAll_Click();
+  EXPECT_EQ(Bytes(At("b.txt")), "+b");
+}
+
+TEST_F(PendingEventsTest, TheEndOfTheProgramIsRememberedToo) {
+  Open(Put("a.txt", ""));
+  {
+    const ui::CommandScope command;
+    EXPECT_FALSE(program().frame().RequestClose());
+  }
+  EXPECT_TRUE(table().AnyDocumentOpen());
+  Settle();
+  EXPECT_FALSE(table().AnyDocumentOpen());
+}
+
+}  // namespace

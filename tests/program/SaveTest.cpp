@@ -1,0 +1,481 @@
+// Save, Save As and what can stand in their way.
+#include "files/Recovery.h"
+#include "tests/program/ProgramTest.h"
+
+#include <sched.h>
+#include <sys/mount.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+using documents::frmText;
+using documents::SaveOutcome;
+using ui::Answer;
+using ui::Buttons;
+using ui::Icon;
+
+const QString kReadOnly =
+    "is a Read-only file.  Its Read-only attribute must be removed before it can be replaced.  Do you want to remove "
+    "it?";
+const QString kChangedOnDisk = "has been changed by another program since it was opened.  Do you want to replace it?";
+const QString kExistsNow = "did not exist when it was opened, but exists now.  Do you want to replace it?";
+const QString kLosesFormat =
+    "Warning: If you change the extension from .RTF, the saved file will lose any special formatting.\r\nShall I "
+    "continue?";
+const QString kNotRtf =
+    "does not hold rich text, although its name says so.  Do you want to save it as rich text?  No saves it as the "
+    "plain text it is.";
+
+class SaveTest : public ProgramTest {
+ protected:
+  void Question(const files::Path& path, const QString& text, Buttons buttons, Icon icon, Answer answer) {
+    dialogs.Message(File(path, text), buttons, icon, answer);
+  }
+  // An open document that has been edited.
+  frmText& Edited(const files::Path& path) {
+    frmText* document = Open(path);
+    EXPECT_TRUE(document);
+    Type(*document, "+");
+    return *document;
+  }
+};
+
+TEST_F(SaveTest, AnUntitledDocumentOffersItsNameWithTheDefaultExtension) {
+  frmText& document = New();
+  Type(document, "text\r\n");
+  dialogs.File(std::nullopt, [&](const ui::FileRequest& request) {
+    EXPECT_TRUE(request.save);
+    EXPECT_EQ(request.name, "Untitled.txt");
+    EXPECT_EQ(request.folder, folder());
+    EXPECT_EQ(request.filterIndex, 1);
+    EXPECT_EQ(request.filters.size(), 7u);
+  });
+  EXPECT_EQ(document.mnuSaveFile_Click(), SaveOutcome::kCancelled);
+  EXPECT_EQ(document.caption(), "Untitled.txt");
+  EXPECT_TRUE(Changed(document));
+  dialogs.File(At("new.txt"));
+  EXPECT_EQ(document.mnuSaveFile_Click(), SaveOutcome::kSaved) << "still untitled, so Save As again";
+  EXPECT_EQ(document.caption(), At("new.txt").native());
+  EXPECT_EQ(Bytes(At("new.txt")), "text\r\n");
+  EXPECT_FALSE(Changed(document));
+}
+
+struct FormatCase {
+  const char* name;
+  bool rich;
+};
+
+class FormatTest : public ProgramTest, public ::testing::WithParamInterface<FormatCase> {};
+
+TEST_P(FormatTest, GoesByTheNameAlone) {
+  frmText& document = New();
+  Type(document, "text");
+  dialogs.File(At(GetParam().name));
+  ASSERT_EQ(document.mnuSaveFileAs_Click(), SaveOutcome::kSaved);
+  EXPECT_EQ(Bytes(document.caption()).starts_with("{\\rtf1"), GetParam().rich);
+  EXPECT_TRUE(document.Close());
+  frmText* again = Open(document.caption());
+  ASSERT_TRUE(again);
+  EXPECT_EQ(again->RichTextBox1().isRichText(), GetParam().rich);
+  EXPECT_EQ(again->RichTextBox1().Text(), "text");
+}
+
+INSTANTIATE_TEST_SUITE_P(Names, FormatTest,
+                         ::testing::Values(FormatCase{"NOTES.Rtf", true}, FormatCase{"notes.rtf.bak", false},
+                                           FormatCase{"a.RTF", true}, FormatCase{"a.rtfx", false},
+                                           FormatCase{"xrtf.txt", false}, FormatCase{".rtf", true}));
+
+TEST_F(SaveTest, WithoutAPointTheDefaultExtensionIsAdded) {
+  frmText& document = New();
+  dialogs.File(At("README"));
+  EXPECT_EQ(document.mnuSaveFileAs_Click(), SaveOutcome::kSaved);
+  EXPECT_EQ(document.caption(), At("README.txt").native());
+}
+
+TEST_F(SaveTest, AFileWithoutAPointKeepsItsName) {
+  frmText& document = Edited(Put("README", "text"));
+  EXPECT_EQ(document.mnuSaveFile_Click(), SaveOutcome::kSaved);
+  EXPECT_EQ(Bytes(At("README")), "+text");
+}
+
+TEST_F(SaveTest, LeavingRichTextWarns) {
+  const files::Path path = Put("a.rtf", "{\\rtf1 {\\b text}}");
+  frmText& document = Edited(path);
+  const files::Path plain = At("a.txt");
+  dialogs.File(plain, [](const ui::FileRequest& request) {
+    EXPECT_EQ(request.name, "a.rtf");
+    EXPECT_EQ(request.filterIndex, 6);
+  });
+  Question(plain, kLosesFormat, Buttons::kYesNo, Icon::kQuestion, Answer::kNo);
+  EXPECT_EQ(document.mnuSaveFileAs_Click(), SaveOutcome::kCancelled);
+  EXPECT_EQ(document.caption(), path.native());
+  EXPECT_FALSE(Exists(plain));
+  dialogs.File(plain);
+  Question(plain, kLosesFormat, Buttons::kYesNo, Icon::kQuestion, Answer::kYes);
+  EXPECT_EQ(document.mnuSaveFileAs_Click(), SaveOutcome::kSaved);
+  EXPECT_EQ(Bytes(plain), "+text");
+}
+
+TEST_F(SaveTest, GoingToRichTextDoesNotWarn) {
+  frmText& document = Edited(Put("a.txt", "text"));
+  dialogs.File(At("a.rtf"));
+  EXPECT_EQ(document.mnuSaveFileAs_Click(), SaveOutcome::kSaved);
+  EXPECT_TRUE(Bytes(At("a.rtf")).starts_with("{\\rtf1"));
+  EXPECT_EQ(Bytes(At("a.txt")), "text");
+}
+
+TEST_F(SaveTest, ReplacingAnotherFileIsAskedOnce) {
+  frmText& document = Edited(Put("a.txt", "text"));
+  const files::Path other = Put("b.txt", "other");
+  const QString question =
+      QString::fromStdString(other.native()) + "\r\nThis file already exists.  Do you want to replace it?";
+  dialogs.File(other);
+  dialogs.Message(question, Buttons::kYesNo, Icon::kExclamation, Answer::kNo);
+  dialogs.File(other, [](const ui::FileRequest& request) { EXPECT_EQ(request.name, "b.txt"); });
+  dialogs.Message(question, Buttons::kYesNo, Icon::kExclamation, Answer::kYes);
+  EXPECT_EQ(document.mnuSaveFileAs_Click(), SaveOutcome::kSaved);
+  EXPECT_EQ(Bytes(other), "+text");
+}
+
+TEST_F(SaveTest, AReadOnlyFileIsReplacedAfterYes) {
+  const files::Path path = Put("a.txt", "text");
+  frmText& document = Edited(path);
+  chmod(path.c_str(), 0444);
+  Question(path, kReadOnly, Buttons::kYesNo, Icon::kInformation, Answer::kYes);
+  EXPECT_EQ(document.mnuSaveFile_Click(), SaveOutcome::kSaved);
+  EXPECT_EQ(Bytes(path), "+text");
+  struct stat status {};
+  stat(path.c_str(), &status);
+  EXPECT_EQ(status.st_mode & 0777, 0644u);
+}
+
+TEST_F(SaveTest, AReadOnlyFileLeadsToSaveAsAfterNo) {
+  const files::Path path = Put("a.txt", "text");
+  frmText& document = Edited(path);
+  chmod(path.c_str(), 0444);
+  Question(path, kReadOnly, Buttons::kYesNo, Icon::kInformation, Answer::kNo);
+  dialogs.File(At("b.txt"));
+  EXPECT_EQ(document.mnuSaveFile_Click(), SaveOutcome::kSaved);
+  EXPECT_EQ(Bytes(path), "text");
+  EXPECT_EQ(Bytes(At("b.txt")), "+text");
+  EXPECT_EQ(document.caption(), At("b.txt").native());
+}
+
+TEST_F(SaveTest, AFileThatChangedOnDiskIsNotReplacedUnasked) {
+  const files::Path path = Put("a.txt", "text");
+  frmText& document = Edited(path);
+  Put("a.txt", "someone else's");
+  Question(path, kChangedOnDisk, Buttons::kYesNoCancel, Icon::kExclamation, Answer::kCancel);
+  EXPECT_EQ(document.mnuSaveFile_Click(), SaveOutcome::kCancelled);
+  EXPECT_EQ(Bytes(path), "someone else's");
+  EXPECT_TRUE(Changed(document));
+  Question(path, kChangedOnDisk, Buttons::kYesNoCancel, Icon::kExclamation, Answer::kNo);
+  dialogs.File(At("b.txt"));
+  EXPECT_EQ(document.mnuSaveFile_Click(), SaveOutcome::kSaved);
+  EXPECT_EQ(Bytes(path), "someone else's");
+  EXPECT_EQ(Bytes(At("b.txt")), "+text");
+}
+
+TEST_F(SaveTest, AChangedFileIsReplacedAfterYes) {
+  const files::Path path = Put("a.txt", "text");
+  frmText& document = Edited(path);
+  Put("a.txt", "someone else's");
+  Question(path, kChangedOnDisk, Buttons::kYesNoCancel, Icon::kExclamation, Answer::kYes);
+  EXPECT_EQ(document.mnuSaveFile_Click(), SaveOutcome::kSaved);
+  EXPECT_EQ(Bytes(path), "+text");
+  EXPECT_EQ(document.mnuSaveFile_Click(), SaveOutcome::kSaved) << "our own file is no change";
+}
+
+TEST_F(SaveTest, AFileThatVanishedIsMadeAgain) {
+  const files::Path path = Put("a.txt", "text");
+  frmText& document = Edited(path);
+  unlink(path.c_str());
+  EXPECT_EQ(document.mnuSaveFile_Click(), SaveOutcome::kSaved);
+  EXPECT_EQ(Bytes(path), "+text");
+}
+
+TEST_F(SaveTest, AMissingFileIsMadeBySaving) {
+  frmText* document = Open(At("later.txt"));
+  ASSERT_TRUE(document);
+  EXPECT_FALSE(Changed(*document));
+  EXPECT_EQ(document->RichTextBox1().SelFontName(), QString("Courier New"));
+  Type(*document, "text");
+  EXPECT_EQ(document->mnuSaveFile_Click(), SaveOutcome::kSaved);
+  EXPECT_EQ(Bytes(At("later.txt")), "text");
+}
+
+TEST_F(SaveTest, AMissingFileThatExistsByNowIsNotReplacedUnasked) {
+  frmText& document = Edited(At("later.txt"));
+  Put("later.txt", "meanwhile");
+  Question(At("later.txt"), kExistsNow, Buttons::kYesNoCancel, Icon::kExclamation, Answer::kCancel);
+  EXPECT_EQ(document.mnuSaveFile_Click(), SaveOutcome::kCancelled);
+  EXPECT_EQ(Bytes(At("later.txt")), "meanwhile");
+}
+
+TEST_F(SaveTest, CharactersThatThePageCannotHold) {
+  const std::string bytes = "caf\xE9 na\xEFve \xFC\xF6\xE4";
+  const files::Path path = Put("a.txt", bytes);
+  const QString question = "contains characters that Windows-1252 cannot hold.  Save as UTF-8?";
+  frmText* document = Open(path);
+  Type(*document, QString(QChar(0x4E2D)));
+  Question(path, question, Buttons::kYesNoCancel, Icon::kExclamation, Answer::kCancel);
+  EXPECT_EQ(document->mnuSaveFile_Click(), SaveOutcome::kCancelled);
+  EXPECT_EQ(Bytes(path), bytes);
+  Question(path, question, Buttons::kYesNoCancel, Icon::kExclamation, Answer::kNo);
+  dialogs.File(std::nullopt);
+  EXPECT_EQ(document->mnuSaveFile_Click(), SaveOutcome::kCancelled);
+  Question(path, question, Buttons::kYesNoCancel, Icon::kExclamation, Answer::kYes);
+  EXPECT_EQ(document->mnuSaveFile_Click(), SaveOutcome::kSaved);
+  EXPECT_EQ(Bytes(path),
+            "\xE4\xB8\xAD"
+            "caf\xC3\xA9 na\xC3\xAFve \xC3\xBC\xC3\xB6\xC3\xA4");
+  Type(*document, "x");
+  EXPECT_EQ(document->mnuSaveFile_Click(), SaveOutcome::kSaved) << "UTF-8 from now on";
+}
+
+TEST_F(SaveTest, RichTextInNameOnlyAsksAtTheFirstEditedSave) {
+  const files::Path path = Put("a.rtf", "plain\n");
+  frmText& document = Edited(path);
+  Question(path, kNotRtf, Buttons::kYesNoCancel, Icon::kQuestion, Answer::kCancel);
+  EXPECT_EQ(document.mnuSaveFile_Click(), SaveOutcome::kCancelled);
+  EXPECT_EQ(Bytes(path), "plain\n");
+  Question(path, kNotRtf, Buttons::kYesNoCancel, Icon::kQuestion, Answer::kNo);
+  EXPECT_EQ(document.mnuSaveFile_Click(), SaveOutcome::kSaved);
+  EXPECT_EQ(Bytes(path), "+plain\n");
+  Type(document, "+");
+  EXPECT_EQ(document.mnuSaveFile_Click(), SaveOutcome::kSaved) << "the answer is remembered";
+}
+
+TEST_F(SaveTest, RichTextInNameOnlyBecomesRichText) {
+  const files::Path path = Put("a.rtf", "plain");
+  frmText& document = Edited(path);
+  Question(path, kNotRtf, Buttons::kYesNoCancel, Icon::kQuestion, Answer::kYes);
+  EXPECT_EQ(document.mnuSaveFile_Click(), SaveOutcome::kSaved);
+  EXPECT_TRUE(Bytes(path).starts_with("{\\rtf1"));
+}
+
+TEST_F(SaveTest, WhatTheProgramWouldDropIsNamedFirst) {
+  const std::string bytes = "{\\rtf1\\ansi before{\\footnote a note} after\\par}";
+  const auto read = text::rtf::Read(bytes, text::Content().store());
+  ASSERT_FALSE(read.dropped.empty()) << "this test needs something the reader reports as dropped";
+  const files::Path path = Put("a.rtf", bytes);
+  frmText& document = Edited(path);
+  QStringList names;
+  for (const std::string& name : read.dropped) names += QString::fromStdString(name);
+  const QString question =
+      "holds what this program cannot save: " + names.join(", ") + ".  Do you want to save it without?";
+  Question(path, question, Buttons::kYesNoCancel, Icon::kExclamation, Answer::kCancel);
+  EXPECT_EQ(document.mnuSaveFile_Click(), SaveOutcome::kCancelled);
+  EXPECT_EQ(Bytes(path), bytes);
+  Question(path, question, Buttons::kYesNoCancel, Icon::kExclamation, Answer::kYes);
+  EXPECT_EQ(document.mnuSaveFile_Click(), SaveOutcome::kSaved);
+  EXPECT_EQ(document.mnuSaveFile_Click(), SaveOutcome::kSaved) << "asked once";
+}
+
+TEST_F(SaveTest, SavingToAFolderSaysWhatItIs) {
+  frmText& document = Edited(At("later.txt"));
+  std::filesystem::create_directory(At("later.txt"));
+  dialogs.Message(File(At("later.txt"), "Is a directory\r\nitem is a directory"), Buttons::kOk, Icon::kExclamation,
+                  Answer::kOk);
+  EXPECT_EQ(document.mnuSaveFile_Click(), SaveOutcome::kFailed);
+  EXPECT_TRUE(Changed(document));
+}
+
+TEST_F(SaveTest, AHiddenFileThatCannotBeWrittenSaysSo) {
+  const files::Path path = Put(".a.txt", "text");
+  frmText& document = Edited(path);
+  chmod(folder().c_str(), 0555);
+  chown(path.c_str(), 65533, 65533);
+  const Unprivileged unprivileged;
+  dialogs.Message(File(path, "Permission denied\r\nitem is a hidden file or folder"), Buttons::kOk, Icon::kExclamation,
+                  Answer::kOk);
+  EXPECT_EQ(document.mnuSaveFile_Click(), SaveOutcome::kFailed);
+  EXPECT_EQ(Bytes(path), "text");
+}
+
+TEST_F(SaveTest, AMissingFolderIsReported) {
+  std::filesystem::create_directory(At("sub"));
+  frmText& document = Edited(At("sub/a.txt"));
+  std::filesystem::remove(At("sub"));
+  ExpectError(File(At("sub/a.txt"), "No such file or directory"));
+  EXPECT_EQ(document.mnuSaveFile_Click(), SaveOutcome::kFailed);
+  EXPECT_TRUE(Changed(document));
+}
+
+TEST_F(SaveTest, AFullDiskLeavesTheOldFileAndTheText) {
+  const files::Path disk = At("disk");
+  std::filesystem::create_directory(disk);
+  if (unshare(CLONE_NEWNS) != 0 || mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+      mount("none", disk.c_str(), "tmpfs", 0, "size=64k") != 0)
+    GTEST_SKIP() << "mounting is not allowed here";
+  const files::Path path = Put("disk/a.txt", "old");
+  frmText* document = Open(path);
+  Type(*document, QString(200000, 'x'));
+  ExpectError(File(path, "No space left on device"));
+  EXPECT_EQ(document->mnuSaveFile_Click(), SaveOutcome::kFailed);
+  EXPECT_EQ(Bytes(path), "old");
+  EXPECT_TRUE(Changed(*document));
+  EXPECT_EQ(document->RichTextBox1().document().content().size().value(), 200003);
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(disk), {}), 1) << "nothing left behind";
+  umount(disk.c_str());
+}
+
+TEST_F(SaveTest, AWriteThatFailsHalfWayLeavesTheOldFileAndTheText) {
+  const files::Path path = Put("a.txt", "old");
+  frmText* document = Open(path);
+  Type(*document, QString(200000, 'x'));
+  rlimit before{};
+  getrlimit(RLIMIT_FSIZE, &before);
+  const rlimit small{100000, before.rlim_max};
+  setrlimit(RLIMIT_FSIZE, &small);
+  ExpectError(File(path, "File too large"));
+  EXPECT_EQ(document->mnuSaveFile_Click(), SaveOutcome::kFailed);
+  setrlimit(RLIMIT_FSIZE, &before);
+  EXPECT_EQ(Bytes(path), "old");
+  EXPECT_TRUE(Changed(*document));
+  EXPECT_EQ(document->mnuSaveFile_Click(), SaveOutcome::kSaved);
+  EXPECT_EQ(Bytes(path).size(), 200003u);
+}
+
+TEST_F(SaveTest, ACancelledSaveLeavesTheOldFileAndSaysNothing) {
+  const files::Path path = Put("a.txt", "old");
+  frmText& document = Edited(path);
+  dialogs.CancelNextWork();
+  EXPECT_EQ(document.mnuSaveFile_Click(), SaveOutcome::kCancelled);
+  EXPECT_EQ(Bytes(path), "old");
+  EXPECT_TRUE(Changed(document));
+}
+
+TEST_F(SaveTest, TextThatArrivesWhileSavingStaysUnsaved) {
+  frmText& document = Edited(Put("a.txt", "text"));
+  dialogs.AfterNextWork([&] { Type(document, "late"); });
+  EXPECT_EQ(document.mnuSaveFile_Click(), SaveOutcome::kSaved);
+  EXPECT_EQ(Bytes(At("a.txt")), "+text");
+  EXPECT_TRUE(Changed(document));
+}
+
+TEST_F(SaveTest, SaveAllGoesBackwards) {
+  New();
+  Edited(Put("a.txt", "text"));
+  New();
+  dialogs.File(At("first.txt"));
+  dialogs.File(At("second.txt"));
+  program().commands().mnuSaveAll_Click();
+  EXPECT_EQ(Bytes(At("a.txt")), "+text");
+  EXPECT_EQ(table().Document(3)->caption(), At("first.txt").native());
+  EXPECT_EQ(table().Document(1)->caption(), At("second.txt").native());
+}
+
+// --- Texts whose save failed while their window closed
+
+class RescueTest : public SaveTest {
+ protected:
+  std::vector<files::RecoveryEntry> Kept() {
+    const auto entries = files::ListRecovery(program().recoveryFolder());
+    EXPECT_TRUE(entries);
+    return entries ? entries.value() : std::vector<files::RecoveryEntry>{};
+  }
+  void Offer(const std::string& caption, Answer answer) {
+    dialogs.Message(
+        "The text of [" + QString::fromStdString(caption) +
+            "] could not be saved when its window was closed.\r\nDo you want to open it now?  No deletes it, "
+            "Cancel leaves it for the next start.",
+        Buttons::kYesNoCancel, Icon::kQuestion, answer);
+  }
+  void CloseWithCancelledSave() {
+    frmText& document = New();
+    Type(document, "precious");
+    ExpectClosePrompt("Untitled:1", Answer::kYes);
+    dialogs.File(std::nullopt);
+    EXPECT_TRUE(document.Close()) << "it closes whether or not it was saved";
+  }
+};
+
+TEST_F(RescueTest, ACancelledSaveWhileClosingKeepsTheText) {
+  CloseWithCancelledSave();
+  ASSERT_EQ(Kept().size(), 1u);
+  EXPECT_EQ(Kept()[0].originalPath, "Untitled.txt");
+  EXPECT_EQ(Bytes(Kept()[0].text), "precious");
+}
+
+TEST_F(RescueTest, TheTextIsOfferedAtTheNextStart) {
+  CloseWithCancelledSave();
+  Restart();
+  Offer("Untitled.txt", Answer::kCancel);
+  program().OfferRecovered();
+  EXPECT_EQ(Kept().size(), 1u);
+  Offer("Untitled.txt", Answer::kYes);
+  program().OfferRecovered();
+  frmText* document = Showing("Untitled.txt");
+  ASSERT_TRUE(document);
+  EXPECT_EQ(document->RichTextBox1().Text(), "precious");
+  EXPECT_TRUE(Changed(*document));
+  EXPECT_EQ(Kept().size(), 1u) << "kept until it is saved";
+  dialogs.File(At("saved.txt"));
+  EXPECT_EQ(document->mnuSaveFile_Click(), SaveOutcome::kSaved);
+  EXPECT_EQ(Bytes(At("saved.txt")), "precious");
+  EXPECT_TRUE(Kept().empty());
+}
+
+TEST_F(RescueTest, NoDeletesTheText) {
+  CloseWithCancelledSave();
+  Offer("Untitled.txt", Answer::kNo);
+  program().OfferRecovered();
+  EXPECT_TRUE(Kept().empty());
+}
+
+TEST_F(RescueTest, AFailedSaveWhileClosingKeepsRichTextAsSuch) {
+  std::filesystem::create_directory(At("sub"));
+  frmText* document = Open(At("sub/a.rtf"));
+  ASSERT_TRUE(document);
+  document->mnuBold_Click();
+  Type(*document, "bold");
+  std::filesystem::remove(At("sub"));
+  const files::Path path = At("sub/a.rtf");
+  ExpectClosePrompt(path.native(), Answer::kYes);
+  ExpectError(File(path, "No such file or directory"));
+  EXPECT_TRUE(document->Close());
+  ASSERT_EQ(Kept().size(), 1u);
+  EXPECT_TRUE(Bytes(Kept()[0].text).starts_with("{\\rtf1"));
+  Offer(path.native(), Answer::kYes);
+  program().OfferRecovered();
+  document = Showing(path.native());
+  ASSERT_TRUE(document);
+  document->mnuSelAll_Click();
+  EXPECT_EQ(document->RichTextBox1().SelBold(), true);
+}
+
+TEST_F(RescueTest, ARecoveredTextDoesNotReplaceTheFileUnasked) {
+  const files::Path path = Put("a.txt", "text");
+  frmText& document = Edited(path);
+  Put("a.txt", "someone else's");
+  ExpectClosePrompt(path.native(), Answer::kYes);
+  Question(path, kChangedOnDisk, Buttons::kYesNoCancel, Icon::kExclamation, Answer::kCancel);
+  EXPECT_TRUE(document.Close());
+  Offer(path.native(), Answer::kYes);
+  program().OfferRecovered();
+  frmText* recovered = Showing(path.native());
+  ASSERT_TRUE(recovered);
+  EXPECT_EQ(recovered->RichTextBox1().Text(), "+text");
+  Question(path, kExistsNow, Buttons::kYesNoCancel, Icon::kExclamation, Answer::kCancel);
+  EXPECT_EQ(recovered->mnuSaveFile_Click(), SaveOutcome::kCancelled);
+  ExpectClosePrompt(path.native(), Answer::kNo);
+  EXPECT_TRUE(recovered->Close());
+  EXPECT_TRUE(Kept().empty()) << "given up by the user";
+}
+
+TEST_F(RescueTest, WhenTheTextCannotBeKeptTheWindowStays) {
+  Put("state", "a file where the folder should be");
+  frmText& document = New();
+  Type(document, "precious");
+  ExpectClosePrompt("Untitled:1", Answer::kYes);
+  dialogs.File(std::nullopt);
+  ExpectError("Error: Untitled.txt\r\nNot a directory");
+  EXPECT_FALSE(document.Close());
+  EXPECT_EQ(Showing("Untitled.txt"), &document);
+  EXPECT_EQ(document.RichTextBox1().Text(), "precious");
+}
+
+}  // namespace
