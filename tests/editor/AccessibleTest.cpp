@@ -1,7 +1,11 @@
+#include "ui/editor/EditorAccessible.h"
 #include "ui/editor/RichTextBox.h"
 
 #include <QAccessible>
 #include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
 
 namespace ui::test {
 namespace {
@@ -95,6 +99,57 @@ TEST_F(AccessibleTest, NamesTheFormatOfARun) {
   EXPECT_EQ(end, 7);
   EXPECT_FALSE(text->attributes(1, &start, &end).contains("bold"));
   EXPECT_EQ(end, 4);
+}
+
+// --- What listeners are told
+
+std::string Line(const QAccessibleEvent& event) {
+  if (event.type() == QAccessible::TextInserted) {
+    const auto& inserted = static_cast<const QAccessibleTextInsertEvent&>(event);
+    return "+" + std::to_string(inserted.changePosition()) + inserted.textInserted().toStdString();
+  }
+  if (event.type() == QAccessible::TextRemoved) {
+    const auto& removed = static_cast<const QAccessibleTextRemoveEvent&>(event);
+    return "-" + std::to_string(removed.changePosition()) + removed.textRemoved().toStdString();
+  }
+  if (event.type() == QAccessible::TextUpdated) {
+    const auto& updated = static_cast<const QAccessibleTextUpdateEvent&>(event);
+    return "=" + std::to_string(updated.changePosition()) + updated.textRemoved().toStdString() + ">" +
+           updated.textInserted().toStdString();
+  }
+  return event.type() == QAccessible::TextAttributeChanged ? "format" : "other";
+}
+
+TEST_F(AccessibleTest, ListenersHearOfEdits) {
+  std::vector<std::string> heard;
+  text::Content before = box.document().content();
+  text::Revision since = box.document().revision();
+  QObject::connect(&box, &RichTextBox::Change, [&] {
+    heard.push_back(Line(*EventOfTextChange(box, before, since)));
+    before = box.document().content();
+    since = box.document().revision();
+  });
+  box.SetSelStart(4);
+  box.SetSelText(QStringLiteral("X"));
+  box.SetSelStart(4);
+  box.SetSelLength(1);
+  box.SetSelText(QStringLiteral("yz"));
+  box.Undo();
+  box.SetSelBold(true);
+  box.DeleteSelection();
+  EXPECT_EQ(heard, (std::vector<std::string>{"+4X", "=4X>yz", "=4yz>X", "format", "-4X"}));
+}
+
+TEST_F(AccessibleTest, ListenersHearOfTheSelection) {
+  const auto caret = EventOfSelectionChange(box, {text::Units(3), text::Units(3)});
+  ASSERT_EQ(caret->type(), QAccessible::TextCaretMoved);
+  EXPECT_EQ(static_cast<QAccessibleTextCursorEvent&>(*caret).cursorPosition(), 3);
+  const auto selected = EventOfSelectionChange(box, {text::Units(7), text::Units(2)});
+  ASSERT_EQ(selected->type(), QAccessible::TextSelectionChanged);
+  const auto& selection = static_cast<QAccessibleTextSelectionEvent&>(*selected);
+  EXPECT_EQ(selection.selectionStart(), 2);
+  EXPECT_EQ(selection.selectionEnd(), 7);
+  EXPECT_EQ(selection.cursorPosition(), 2);
 }
 
 }  // namespace

@@ -12,6 +12,8 @@
 #include <QWheelEvent>
 #include <gtest/gtest.h>
 
+#include <stdexcept>
+
 namespace ui::test {
 namespace {
 
@@ -84,6 +86,22 @@ TEST(Widget, AnEditInTheMiddleOfAnEventIsToldToo) {
   SendKey(box, Qt::Key_A, {}, "a");
   EXPECT_EQ(box.Text(), "a!");
   EXPECT_EQ(changes, 2);
+}
+
+TEST(Widget, AnExceptionDoesNotReachTheEventLoop) {
+  RichTextBox box;
+  QStringList failures;
+  QObject::connect(&box, &RichTextBox::EditFailed, [&](const QString& reason) { failures << reason; });
+  bool fail = true;
+  QObject::connect(&box, &RichTextBox::Change, [&] {
+    if (fail) throw std::runtime_error("no memory");
+  });
+  SendKey(box, Qt::Key_A, {}, "a");
+  EXPECT_EQ(failures, QStringList{"no memory"});
+  fail = false;
+  SendKey(box, Qt::Key_B, {}, "b");
+  EXPECT_EQ(box.Text(), "ab");
+  EXPECT_EQ(failures.size(), 1);
 }
 
 TEST(Widget, MenusAreAskedForAtThePointerOrTheCaret) {

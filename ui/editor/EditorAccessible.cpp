@@ -53,35 +53,28 @@ void InstallEditorAccessibility() {
 }
 
 // The text that went away is read from the snapshot that was told last, so this holds only for a single change.
-void TellTextChange(RichTextBox& box, Content& told, text::Revision& revision) {
+std::unique_ptr<QAccessibleEvent> EventOfTextChange(RichTextBox& box, const Content& before, text::Revision since) {
   const text::Document& document = box.document();
-  const Content before = std::exchange(told, document.content());
-  const text::Revision since = std::exchange(revision, document.revision());
-  if (!QAccessible::isActive()) return;
   const auto changes = document.ChangesSince(since);
   if (!changes || changes->size() != 1 || changes->front().formatOnly) {
-    QAccessibleEvent event(&box, QAccessible::TextAttributeChanged);
-    QAccessible::updateAccessibility(&event);
-    return;
+    return std::make_unique<QAccessibleEvent>(&box, QAccessible::TextAttributeChanged);
   }
   const text::Change& change = changes->front();
+  const int offset = OffsetOf(change.position);
   const QString removed = FirstOf(before, change.position, change.removed);
   const QString inserted = FirstOf(document.content(), change.position, change.inserted);
-  QAccessibleTextUpdateEvent event(&box, OffsetOf(change.position), removed, inserted);
-  QAccessible::updateAccessibility(&event);
+  if (removed.isEmpty()) return std::make_unique<QAccessibleTextInsertEvent>(&box, offset, inserted);
+  if (inserted.isEmpty()) return std::make_unique<QAccessibleTextRemoveEvent>(&box, offset, removed);
+  return std::make_unique<QAccessibleTextUpdateEvent>(&box, offset, removed, inserted);
 }
 
-void TellSelectionChange(RichTextBox& box, const text::Selection& selection) {
-  if (!QAccessible::isActive()) return;
+std::unique_ptr<QAccessibleEvent> EventOfSelectionChange(RichTextBox& box, const text::Selection& selection) {
   const Range range = selection.range();
-  if (range.empty()) {
-    QAccessibleTextCursorEvent event(&box, OffsetOf(selection.caret));
-    QAccessible::updateAccessibility(&event);
-  } else {
-    QAccessibleTextSelectionEvent event(&box, OffsetOf(range.begin), OffsetOf(range.end));
-    event.setCursorPosition(OffsetOf(selection.caret));
-    QAccessible::updateAccessibility(&event);
-  }
+  const int caret = OffsetOf(selection.caret);
+  if (range.empty()) return std::make_unique<QAccessibleTextCursorEvent>(&box, caret);
+  auto event = std::make_unique<QAccessibleTextSelectionEvent>(&box, OffsetOf(range.begin), OffsetOf(range.end));
+  event->setCursorPosition(caret);
+  return event;
 }
 
 EditorAccessible::EditorAccessible(RichTextBox* box) : QAccessibleWidget(box, QAccessible::EditableText) {}

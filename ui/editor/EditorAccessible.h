@@ -6,15 +6,19 @@
 #include <QAccessible>
 #include <QAccessibleWidget>
 
+#include <memory>
+
 namespace ui {
 
 class RichTextBox;
 
 // Registers the interface of RichTextBox; more than once is harmless.
 void InstallEditorAccessibility();
-// Tell of what happened since `revision`, when anybody listens; both are brought up to date.
-void TellTextChange(RichTextBox& box, text::Content& told, text::Revision& revision);
-void TellSelectionChange(RichTextBox& box, const text::Selection& selection);
+// What to tell of the change from `before`, the text of revision `since`, and of the selection. At most some thousand
+// units of text are read.
+std::unique_ptr<QAccessibleEvent> EventOfTextChange(RichTextBox& box, const text::Content& before,
+                                                    text::Revision since);
+std::unique_ptr<QAccessibleEvent> EventOfSelectionChange(RichTextBox& box, const text::Selection& selection);
 
 class EditorAccessible : public QAccessibleWidget,
                          public QAccessibleTextInterface,

@@ -267,12 +267,16 @@ void RichTextBox::Impl::ViewChanged() {
 }
 
 void RichTextBox::Impl::TextChanged() {
-  TellTextChange(box, toldContent, toldRevision);
+  const Content before = std::exchange(toldContent, document.content());
+  const text::Revision since = std::exchange(toldRevision, document.revision());
+  if (QAccessible::isActive()) QAccessible::updateAccessibility(EventOfTextChange(box, before, since).get());
   Q_EMIT box.Change();
 }
 
 void RichTextBox::Impl::SelectionChanged() {
-  TellSelectionChange(box, controller.selection());
+  if (QAccessible::isActive()) {
+    QAccessible::updateAccessibility(EventOfSelectionChange(box, controller.selection()).get());
+  }
   Q_EMIT box.SelChange();
 }
 
