@@ -155,6 +155,22 @@ TEST(RtfWriter, DocumentPropertiesComeBack) {
   EXPECT_EQ(Written(second), written);
 }
 
+TEST(RtfWriter, KeptGroupsStaySound) {
+  const std::pair<std::string, std::string> rows[] = {
+      {std::string("{\\info\0tle}", 11), "{\\info\ntle}"},
+      {"{\\info \xE4\\\xE4\\'\xE4}", "{\\info \\'e4\\\\'e4\\'\\'e4}"},
+      {"{\\info\\bin1 }}", ""},  // raw data cannot be written in 7 bits
+      {"{\\info", ""},
+  };
+  for (const auto& [read, kept] : rows) {
+    const ReadResult result = ReadNew("{\\rtf1" + read + (kept.empty() ? "" : "a}"));
+    const std::string written = Written(result);
+    EXPECT_EQ(written.find("\\info") != std::string::npos, !kept.empty()) << written;
+    EXPECT_NE(written.find(kept), std::string::npos) << written;
+    EXPECT_EQ(Written(ReadNew(written)), written);
+  }
+}
+
 struct FragmentRow {
   std::string document;  // read back as a fragment, after being written as one
   int64_t begin, end;

@@ -157,8 +157,8 @@ void RtfWriter::KeptGroups() {
     const auto byte = static_cast<uint8_t>(c);
     if (byte >= 0x80) {
       Hex(byte);
-    } else if (byte != 0) {
-      out_ += c;
+    } else {
+      out_ += byte == 0 ? '\n' : c;  // either ends a word and is no text
     }
   }
   if (!properties_.headerGroups.empty()) Raw("\r\n");
