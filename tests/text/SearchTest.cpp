@@ -208,6 +208,27 @@ TEST(Search, NearMissesEverywhereTakeNoLongTime) {
   EXPECT_EQ(FindAll(content, half, kExact).size(), (size_t{16} << 20) / 8192);
 }
 
+// Bytes that would be a character together, had they not come from different places.
+TEST(Search, StrayBytesThatMeetAtASeam) {
+  Content empty;
+  CharFormat bold;
+  bold.flags = kBold;
+  ContentBuilder builder(empty.store());
+  builder.Append("a\xC3");
+  builder.Append("\xA9z\xC3\xA9.", empty.formats().Intern(bold));
+  const Content content = builder.Finish();
+  EXPECT_EQ(Show(FindAll(content, u"\u00E9", kExact)), "4-5");
+  EXPECT_EQ(Show(FindAll(content, u"\u00C9", kAnyCase)), "4-5");
+  EXPECT_EQ(Show(FindAll(content, u"\xDCC3\xDCA9", kExact)), "1-3");
+  EXPECT_EQ(Show(FindAll(content, u"z", kWord)), "");
+  EXPECT_EQ(Show(FindAll(content, u"a\xDCC3", kWord)), "0-2");
+  // The same when a replacement brings them together.
+  const Content apart = ContentOf("a\xC3-\xA9z");
+  const auto result = Searcher(u"-", kExact).ReplaceAll(apart, apart.all(), "");
+  ASSERT_TRUE(result);
+  EXPECT_EQ(result->content.Utf16(result->content.all()), u"a\xDCC3\xDCA9z");
+}
+
 TEST(Search, StartAndLimit) {
   const Content content = ContentOf(
       "ab\xF0\x9F\x98\x80"
