@@ -90,7 +90,13 @@ std::string InChild(const ChildBody& body) {
   const pid_t child = fork();
   if (child == 0) {
     close(ends[0]);
-    const std::string text = body();
+    std::string text;
+    try {
+      text = body();
+    } catch (const std::exception& exception) {
+      // Out of here it would go on as a second test program.
+      text = exception.what();
+    }
     const bool told = write(ends[1], text.data(), text.size()) == static_cast<ssize_t>(text.size());
     _exit(told ? 0 : 1);
   }
