@@ -47,15 +47,18 @@ SymbolField ParseSymbol(std::string_view instruction) {
 
 void RtfReader::Destination(const Keyword& word) {
   const auto what = static_cast<Dropped>(word.value);
-  if (word.op == Op::kSkipGroup)
-    return firstWord_ || what == Dropped::kPictures || what == Dropped::kObjects ? Skip(what) : void();
+  const bool data = what == Dropped::kPictures || what == Dropped::kObjects;
+  if (word.op == Op::kSkipGroup) return firstWord_ || data ? Skip(what) : void();
   if (word.op == Op::kKeepGroup) return KeepGroup();
   if (tooDeep_ > 0) return;
+  if (word.op == Op::kTransparent) return Report(what);
+  OpenDestination(word.op);
+}
+
+void RtfReader::OpenDestination(Op op) {
   const Mode mode = state().mode;
   const bool inText = mode == Mode::kBody || mode == Mode::kMuted;
-  switch (word.op) {
-    case Op::kTransparent:
-      return Report(what);
+  switch (op) {
     case Op::kOpenFonts:
       return inText ? Enter(Mode::kFonts, Opened::kFonts) : void();
     case Op::kOpenColors:

@@ -2,7 +2,6 @@
 #include "text/rtf/RtfReader.h"
 
 #include <algorithm>
-#include <limits>
 
 namespace text::rtf {
 
@@ -12,6 +11,44 @@ constexpr size_t kMaxHeaderWords = 4096;
 
 uint16_t WithFlag(uint16_t flags, int32_t flag, bool on) {
   return static_cast<uint16_t>(on ? flags | flag : flags & ~flag);
+}
+
+int32_t TwipsOf(int32_t halfPoints) {
+  return std::clamp(halfPoints, -kMaxHalfPoints, kMaxHalfPoints) * 10;
+}
+
+// Null for a word that sets no length.
+int32_t* LengthOf(ParaFormat& format, Op op) {
+  switch (op) {
+    case Op::kLeftIndent:
+      return &format.leftIndent;
+    case Op::kFirstIndent:
+      return &format.firstIndent;
+    case Op::kRightIndent:
+      return &format.rightIndent;
+    case Op::kSpaceBefore:
+      return &format.spaceBefore;
+    case Op::kSpaceAfter:
+      return &format.spaceAfter;
+    case Op::kLineSpacing:
+      return &format.lineSpacing;
+    default:
+      return nullptr;
+  }
+}
+
+void ResetChars(GroupState& s) {
+  s.chars = CharFormat{};
+  s.script = 0;
+  s.fontNumber = -1;
+  s.fontGeneration = 0;
+}
+
+void ResetParagraph(GroupState& s) {
+  s.paragraph = ParaFormat{};
+  s.numbering = ListKind::kNone;
+  s.listOverride = s.listLevel = 0;
+  s.tabs.reset();
 }
 
 size_t SlotOf(const CharFormat& format, size_t slots) {
@@ -51,9 +88,8 @@ bool RtfReader::CharacterProperty(const Keyword& word, bool on, int32_t number) 
   GroupState& s = state();
   switch (word.op) {
     case Op::kCharEffectFlag:
-      if (on) Report(Dropped::kEffects);
-      [[fallthrough]];
     case Op::kCharFlag:
+      if (on && word.op == Op::kCharEffectFlag) Report(Dropped::kEffects);
       s.chars.flags = WithFlag(s.chars.flags, word.value, on);
       break;
     case Op::kUnderlineOff:
@@ -74,19 +110,14 @@ bool RtfReader::CharacterProperty(const Keyword& word, bool on, int32_t number) 
       s.chars.background = number == 0 ? Color{} : ColorAt(number);
       break;
     case Op::kUp:
-      s.chars.offset = std::clamp(number, -kMaxHalfPoints, kMaxHalfPoints) * 10;
-      break;
     case Op::kDown:
-      s.chars.offset = std::clamp(number, -kMaxHalfPoints, kMaxHalfPoints) * -10;
+      s.chars.offset = word.op == Op::kUp ? TwipsOf(number) : -TwipsOf(number);
       break;
     case Op::kScript:
       s.script = static_cast<int8_t>(on ? word.value : 0);
       break;
     case Op::kPlain:
-      s.chars = CharFormat{};
-      s.script = 0;
-      s.fontNumber = -1;
-      s.fontGeneration = 0;
+      ResetChars(s);
       break;
     default:
       return false;
@@ -97,34 +128,20 @@ bool RtfReader::CharacterProperty(const Keyword& word, bool on, int32_t number) 
 
 bool RtfReader::ParagraphProperty(const Keyword& word, int32_t number) {
   GroupState& s = state();
-  ParaFormat& p = s.paragraph;
+  if (int32_t* length = LengthOf(s.paragraph, word.op)) {
+    *length = ClampLength(number);
+    s.paragraphIdGood = false;
+    return true;
+  }
   switch (word.op) {
     case Op::kAlign:
-      p.alignment = static_cast<Alignment>(word.value);
+      s.paragraph.alignment = static_cast<Alignment>(word.value);
       break;
     case Op::kDirection:
-      p.rightToLeft = word.value != 0;
-      break;
-    case Op::kLeftIndent:
-      p.leftIndent = ClampLength(number);
-      break;
-    case Op::kFirstIndent:
-      p.firstIndent = ClampLength(number);
-      break;
-    case Op::kRightIndent:
-      p.rightIndent = ClampLength(number);
-      break;
-    case Op::kSpaceBefore:
-      p.spaceBefore = ClampLength(number);
-      break;
-    case Op::kSpaceAfter:
-      p.spaceAfter = ClampLength(number);
-      break;
-    case Op::kLineSpacing:
-      p.lineSpacing = ClampLength(number);
+      s.paragraph.rightToLeft = word.value != 0;
       break;
     case Op::kLineSpacingMultiple:
-      p.lineSpacingMultiple = number != 0;
+      s.paragraph.lineSpacingMultiple = number != 0;
       break;
     case Op::kListOverride:
       s.listOverride = number;
@@ -136,10 +153,7 @@ bool RtfReader::ParagraphProperty(const Keyword& word, int32_t number) {
       AddTab(number);
       break;
     case Op::kParagraphDefault:
-      p = ParaFormat{};
-      s.numbering = ListKind::kNone;
-      s.listOverride = s.listLevel = 0;
-      s.tabs.reset();
+      ResetParagraph(s);
       break;
     default:
       return false;

@@ -66,6 +66,7 @@ class RtfReader {
 
   // --- RtfDestinations.cpp: what groups hold
   void Destination(const Keyword& word);
+  void OpenDestination(Op op);
   void Skip(Dropped what);
   void KeepGroup();
   void Enter(Mode mode, Opened opened);

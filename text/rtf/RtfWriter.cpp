@@ -28,6 +28,9 @@ constexpr FlagWord kFlagWords[] = {
 
 constexpr std::string_view kFamilies[] = {"fnil", "froman", "fswiss", "fmodern", "fscript", "fdecor", "ftech", "fbidi"};
 
+// By Alignment.
+constexpr std::string_view kAlignments[] = {"ql", "qr", "qc", "qj"};
+
 // What RTF can hold of a format, so that a change too small to be written is none.
 CharFormat Writable(CharFormat format) {
   format.halfPoints = static_cast<uint16_t>(std::clamp<int32_t>(format.halfPoints, 1, kMaxHalfPoints));
@@ -226,19 +229,7 @@ bool RtfWriter::ParagraphFormat(const ParaFormat& format) {
   }
   for (int32_t tab : formats_[format.tabs])
     if (tab >= 0) Word("tx", ClampLength(tab));
-  switch (format.alignment) {
-    case Alignment::kLeft:
-      break;
-    case Alignment::kRight:
-      Word("qr");
-      break;
-    case Alignment::kCenter:
-      Word("qc");
-      break;
-    case Alignment::kJustify:
-      Word("qj");
-      break;
-  }
+  if (format.alignment != Alignment::kLeft) Word(kAlignments[static_cast<size_t>(format.alignment)]);
   // Formats may differ in what RTF cannot hold.
   const std::string_view words = std::string_view(out_).substr(begin);
   if (words == paragraphWords_) {
