@@ -88,16 +88,18 @@ void ChildArea::ActivateNext() {
 void ChildArea::SendToBack(FormId form) {
   const QList<QMdiSubWindow*> stack = subWindowList(QMdiArea::StackingOrder);
   ChildWindow* next = nullptr;
+  ChildWindow* sent = nullptr;
   for (QMdiSubWindow* window : stack) {
     auto* child = qobject_cast<ChildWindow*>(window);
-    if (!child) continue;
-    if (child->form() == form) {
-      child->lower();
-    } else if (child->isVisible()) {
+    if (child && child->form() == form) {
+      sent = child;
+    } else if (child && child->isVisible()) {
       next = child;  // the last one is in front
     }
   }
+  // First the other one: the toolkit raises the active window once more while it loses its place.
   if (next && current() == form) next->ActivateForm();
+  if (sent) sent->lower();
 }
 
 std::vector<QMdiSubWindow*> ChildArea::Arrangeable() {
