@@ -96,8 +96,7 @@ bool RtfReader::CharacterProperty(const Keyword& word, bool on, int32_t number) 
       s.chars.flags = WithFlag(s.chars.flags, text::kUnderline, false);
       break;
     case Op::kFont:
-      s.fontNumber = number;
-      s.fontGeneration = 0;
+      s.fontNumber = number, s.fontGeneration = 0;
       break;
     case Op::kFontSize:
       if (number > 0) s.chars.halfPoints = static_cast<uint16_t>(std::min(number, kMaxHalfPoints));
