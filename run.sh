@@ -29,6 +29,10 @@ start_on_virtual_display() {
     return 1
   fi
   export DISPLAY=:$number
+  if [[ -z ${XDG_RUNTIME_DIR:-} ]]; then
+    export XDG_RUNTIME_DIR=$root/build/runtime
+    mkdir -p -m 700 "$XDG_RUNTIME_DIR"
+  fi
   openbox >/dev/null 2>&1 &
   helpers+=("$!")
   # shellcheck disable=SC2064

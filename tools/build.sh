@@ -25,8 +25,7 @@ if [[ ! -f $folder/build.ninja ]]; then
   fi
 fi
 
-# Ninja says nothing when it finds nothing to do.
-if ! ninja -C "$folder" --quiet "$@" >&2; then
+if ! ninja -C "$folder" --quiet "$@" | sed '/^ninja: no work to do\.$/d' >&2; then
   echo "build: 'ninja -C build/$preset $*' failed (see above)" >&2
   exit 1
 fi
