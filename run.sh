@@ -31,7 +31,8 @@ start_on_virtual_display() {
   export DISPLAY=:$number
   if [[ -z ${XDG_RUNTIME_DIR:-} ]]; then
     export XDG_RUNTIME_DIR=$root/build/runtime
-    mkdir -p -m 700 "$XDG_RUNTIME_DIR"
+    mkdir -p "$XDG_RUNTIME_DIR"
+    chmod 700 "$XDG_RUNTIME_DIR"
   fi
   openbox >/dev/null 2>&1 &
   helpers+=("$!")
