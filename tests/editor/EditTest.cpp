@@ -92,6 +92,16 @@ TEST(Undo, APauseBeginsANewStep) {
   EXPECT_EQ(editor.Shown(), "abc|");
 }
 
+TEST(Undo, AFormatForTheNextTextBeginsANewStep) {
+  Editor editor("|");
+  editor.Press("'abc'");
+  text::CharFormatPatch bold;
+  bold.setFlags = text::kBold;
+  editor.controller.PatchChars(bold);
+  editor.Press("'def' Ctrl+Z");
+  EXPECT_EQ(editor.Shown(), "abc|");
+}
+
 TEST(Undo, ReadOnlyTextIsNotTouchedByIt) {
   Editor editor("|");
   editor.Press("'a'");

@@ -325,6 +325,7 @@ TEST(Loading, TheDefaultFormatIsNeitherEditNorChange) {
   EXPECT_EQ(box.SelFontSize(), 10);
   EXPECT_FALSE(box.document().changed());
   EXPECT_FALSE(box.CanUndo());
+  EXPECT_TRUE(box.SelRTF().contains("DejaVu Sans")) << "plain text keeps its font when it becomes rich";
   box.LoadRtf(text::rtf::Read("{\\rtf1{\\fonttbl{\\f0 Courier;}}\\f0\\fs40 rich}", box.document().content().store()));
   EXPECT_TRUE(box.isRichText());
   box.SelectAll();

@@ -54,6 +54,7 @@ bool EditorController::PatchChars(const text::CharFormatPatch& patch) {
   if (!range().empty() && !onlyProtection && !MayChange(range())) return false;
   const Operation operation(*this);
   if (range().empty()) {
+    document_.SealStep();
     remembered_ = patch.Apply(InsertFormat());
     return true;
   }

@@ -175,27 +175,37 @@ int64_t RichTextBox::Find(const QString& text, int64_t start, int options) {
 
 // Only what names no format of its own takes the default one; as a map over formats this costs nothing for plain text.
 Content RichTextBox::Impl::InDefaultFormat(const Content& content) const {
-  const text::CharFormatId id = content.formats().Intern(DefaultFormat());
+  const text::CharFormatId id = content.formats().Intern(DefaultFormat(content.formats()));
   if (id == text::CharFormatId::kDefault || content.size() == Units(0)) return content;
   return content.WithCharFormats(
       content.all(), [id](text::CharFormatId old) { return old == text::CharFormatId::kDefault ? id : old; });
 }
 
-text::CharFormat RichTextBox::Impl::DefaultFormat() const {
+// Names its font, so that the text keeps it when it is saved as rich text or copied.
+text::CharFormat RichTextBox::Impl::DefaultFormat(text::FormatTable& formats) const {
   text::CharFormat format;
+  if (!defaultFontName.empty()) format.font = formats.Intern(text::Font{.name = defaultFontName});
   format.halfPoints = static_cast<uint16_t>(std::clamp(std::lround(defaultPoints * 2), 1L, 3276L));
   return format;
 }
 
 void RichTextBox::Impl::ApplyEmptyFormat() {
   if (document.content().size() > Units(0)) return;
-  document.SetEmptyFormat(document.formats().Intern(DefaultFormat()), document.content().lastParaFormat());
+  document.SetEmptyFormat(document.formats().Intern(DefaultFormat(document.formats())),
+                          document.content().lastParaFormat());
+}
+
+// What plain text is saved with when it becomes rich.
+void RichTextBox::Impl::SetPlainProperties() {
+  text::rtf::DocumentProperties properties;
+  properties.defaultFont = DefaultFormat(document.formats()).font;
+  controller.SetRtfProperties(properties);
 }
 
 void RichTextBox::LoadPlain(text::LoadedText loaded) {
   impl_->rich = false;
   impl_->document.Reset(impl_->InDefaultFormat(loaded.content), loaded.properties);
-  impl_->controller.SetRtfProperties({});
+  impl_->SetPlainProperties();
   impl_->layout.SetDefaultTab(text::rtf::DocumentProperties().defaultTab);
   impl_->ApplyEmptyFormat();
   impl_->controller.Reset();
@@ -222,8 +232,10 @@ const text::rtf::DocumentProperties& RichTextBox::rtfProperties() const {
 
 void RichTextBox::SetDefaultFormat(const QString& fontName, double points) {
   impl_->defaultFont = QFont(fontName);
+  impl_->defaultFontName = fontName.toStdString();
   impl_->defaultPoints = points;
   impl_->layout.SetDefaultFont(impl_->defaultFont);
+  if (!impl_->rich) impl_->SetPlainProperties();
   impl_->ApplyEmptyFormat();
   impl_->ViewChanged();
 }
@@ -314,7 +326,8 @@ bool RichTextBox::Impl::HasPrimarySelection() {
 // --- Scroll bar and caret
 
 double RichTextBox::Impl::LineHeight() const {
-  return QFontMetricsF(text::layout::FontOf(document.formats(), DefaultFormat(), defaultFont, layout.zoom()))
+  return QFontMetricsF(
+             text::layout::FontOf(document.formats(), DefaultFormat(document.formats()), defaultFont, layout.zoom()))
       .lineSpacing();
 }
 

@@ -93,6 +93,7 @@ text::layout::PaintOptions RichTextBox::CurrentPaintOptions() const {
   options.showCaret = impl_->caretShown && !impl_->mouse.dropPlace();
   options.overtype = impl_->controller.overtype();
   options.caretFormat = impl_->controller.InsertFormat();
+  options.caretAffinity = impl_->controller.caret().affinity;
   return options;
 }
 

@@ -32,7 +32,8 @@ struct RichTextBox::Impl : EditorHost {
   void RepaintCaret();
   void UpdateAutoScroll();
   double LineHeight() const;
-  text::CharFormat DefaultFormat() const;
+  text::CharFormat DefaultFormat(text::FormatTable& formats) const;
+  void SetPlainProperties();
   text::Content InDefaultFormat(const text::Content& content) const;
   void ApplyEmptyFormat();
 
@@ -44,6 +45,7 @@ struct RichTextBox::Impl : EditorHost {
   bool rich = false;
   int bulletIndent = 360;
   QFont defaultFont;
+  std::string defaultFontName;  // UTF-8; empty = not set
   double defaultPoints = 12;
   QColor background;
   QBasicTimer blinkTimer;
