@@ -29,7 +29,7 @@ std::optional<Path> HomeOfAccount() {
   return Path(found->pw_dir);
 }
 
-// The specification asks for a folder of ours that nobody else may enter.
+// The XDG base directory rules want a folder of ours that nobody else may enter.
 bool IsPrivate(const Path& folder) {
   struct stat status;
   return stat(folder.c_str(), &status) == 0 && S_ISDIR(status.st_mode) && status.st_uid == geteuid() &&

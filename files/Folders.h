@@ -7,7 +7,7 @@
 
 namespace files {
 
-// The program's own folders, by the XDG base directory specification. None of them need exist.
+// The program's own folders, by the XDG base directory rules. None of them need exist.
 struct UserFolders {
   Path config;   // settings
   Path data;     // the application folder

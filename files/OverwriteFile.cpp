@@ -26,7 +26,7 @@ int Reserve(int file, int64_t from, int64_t to) {
   return errno == EOPNOTSUPP || errno == ENOSYS || errno == EINTR ? 0 : errno;
 }
 
-// Only what was overwritten is written again: its blocks are there, even on a full disk.
+// Only what was overwritten or cut off is written again: overwritten blocks are there, even on a full disk.
 int PutBack(int file, const SaveTarget& target, const Path& previous, int64_t overwritten) {
   const int64_t size = target.status.st_size;
   if (overwritten > 0) {
@@ -57,7 +57,11 @@ Result<FileStamp> OverwriteFile(const SaveTarget& target, RecoveryWriter& entry,
   Transfer written;
   written.error = Reserve(file.get(), target.status.st_size, size);
   if (!written.error) written = CopyRange(entry.text(), file.get(), 0, size);
-  if (!written.error) written.error = Truncate(file.get(), size);
+  if (!written.error) {
+    // From here on what lay behind the new end may be gone too.
+    written.bytes = std::max(size, static_cast<int64_t>(target.status.st_size));
+    written.error = Truncate(file.get(), size);
+  }
   if (!written.error) written.error = SyncFile(file.get());
   if (!written.error && fstat(file.get(), &now) != 0) written.error = errno;
   if (!written.error) return StampOf(now);

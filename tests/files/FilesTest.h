@@ -1,4 +1,4 @@
-// Helpers of the file room's tests: scratch folders, children with fewer rights, injected failures.
+// Tools of the file room's tests: scratch folders, children with fewer rights, injected failures.
 #pragma once
 
 #include "files/AtomicSave.h"
