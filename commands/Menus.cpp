@@ -19,8 +19,8 @@ std::vector<ui::MenuRow> MenuRows(std::span<const Row> rows) {
 
 }  // namespace
 
-Menus::Menus(QMenuBar& bar, Commands& commands, services::Services& services, documents::DocumentTable& table)
-    : commands_(commands), services_(services), table_(table), bar_(bar, MenuRows(MenuTable())) {
+Menus::Menus(ui::FrameForm& frame, Commands& commands, services::Services& services, documents::DocumentTable& table)
+    : commands_(commands), services_(services), table_(table), bar_(frame, MenuRows(MenuTable())) {
   while (bar_.row(listRow_).kind != ui::MenuRowKind::kList) ++listRow_;
   QObject::connect(&bar_, &ui::MenuBar::Triggered, &bar_, [this](size_t row) { Run(row); });
   QObject::connect(&bar_, &ui::MenuBar::ListTriggered, &bar_, [this](size_t, size_t index) { ActivateListed(index); });

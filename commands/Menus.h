@@ -6,14 +6,13 @@
 
 #include <memory>
 
-class QMenuBar;
 class QPoint;
 
 namespace commands {
 
 class Menus {
  public:
-  Menus(QMenuBar& bar, Commands& commands, services::Services& services, documents::DocumentTable& table);
+  Menus(ui::FrameForm& frame, Commands& commands, services::Services& services, documents::DocumentTable& table);
 
   // After another document, or none, has become the active one.
   void FollowActiveDocument();

@@ -6,9 +6,10 @@
 #include "ui/PendingEvents.h"
 #include "ui/frame/StatusBar.h"
 
-#include <QBuffer>
+#include <QByteArray>
 #include <QCoreApplication>
-#include <QImage>
+
+#include <cerrno>
 
 namespace shell {
 
@@ -20,7 +21,7 @@ frmMyMDI::frmMyMDI(ui::Dialogs& dialogs, files::Path recoveryFolder, files::Curr
       table_(*this),
       opening_(*this, table_),
       commands_(*this, table_, opening_),
-      menus_(frame_.menuBar(), commands_, *this, table_) {
+      menus_(frame_, commands_, *this, table_) {
   frame_.SetCaption("Quillmark");
   QObject::connect(&frame_.area(), &ui::ChildArea::CurrentChanged, &menus_.bar(), [this] {
     menus_.FollowActiveDocument();
@@ -104,10 +105,8 @@ void frmMyMDI::OfferRecovered(const files::RecoveryEntry& entry) {
 }
 
 files::Status frmMyMDI::SavePicture(const files::Path& path) {
-  QByteArray png;
-  QBuffer buffer(&png);
-  buffer.open(QIODevice::WriteOnly);
-  if (!frame_.Picture().save(&buffer, "PNG")) return files::SystemError(ENOMEM, path);
+  const QByteArray png = frame_.PicturePng();
+  if (png.isEmpty()) return files::SystemError(ENOMEM, path);
   const auto saved = files::SaveAtomically(path, recoveryFolder_, [&png](const files::ByteSink& sink) {
     return sink(std::string_view(png.constData(), static_cast<size_t>(png.size())));
   });

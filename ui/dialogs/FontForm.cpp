@@ -2,7 +2,9 @@
 
 #include <QColorDialog>
 #include <QDialogButtonBox>
+#include <QFontDatabase>
 #include <QFontDialog>
+#include <QFontInfo>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
@@ -22,6 +24,8 @@ int64_t FromQColor(const QColor& color) {
 
 QFont ToQFont(const FontChoice& choice) {
   QFont font(choice.family);
+  // A family that is not installed is shown as the one that stands in for it.
+  if (!QFontDatabase::hasFamily(choice.family)) font.setFamily(QFontInfo(font).family());
   font.setPointSizeF(choice.points > 0 ? choice.points : 10);
   font.setBold(choice.bold);
   font.setItalic(choice.italic);

@@ -2,6 +2,7 @@
 
 #include "ui/frame/StatusBar.h"
 
+#include <QBuffer>
 #include <QCloseEvent>
 #include <QGuiApplication>
 #include <QMenuBar>
@@ -91,8 +92,12 @@ ChildArea& FrameForm::area() {
 StatusBar& FrameForm::statusBar() {
   return *statusBar_;
 }
-QImage FrameForm::Picture() {
-  return window_->grab().toImage();
+QByteArray FrameForm::PicturePng() {
+  QByteArray png;
+  QBuffer buffer(&png);
+  buffer.open(QIODevice::WriteOnly);
+  if (!window_->grab().save(&buffer, "PNG")) png.clear();
+  return png;
 }
 void FrameForm::ShowTitle(const QString& title) {
   window_->setWindowTitle(title);

@@ -31,7 +31,7 @@ class FrameForm : public Form {
   QMenuBar& menuBar();
   ChildArea& area();
   StatusBar& statusBar();
-  QImage Picture();  // what the window shows
+  QByteArray PicturePng();  // what the window shows; empty when there is no memory for it
 
  protected:
   void ShowTitle(const QString& title) override;

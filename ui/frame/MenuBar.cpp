@@ -1,5 +1,7 @@
 #include "ui/frame/MenuBar.h"
 
+#include "ui/frame/FrameForm.h"
+
 #include <QCoreApplication>
 #include <QKeySequence>
 #include <QMenu>
@@ -20,6 +22,8 @@ MenuBar::MenuBar(QMenuBar& bar, std::span<const MenuRow> rows)
   Build(bar);
   SetDocumentActive(false);
 }
+
+MenuBar::MenuBar(FrameForm& frame, std::span<const MenuRow> rows) : MenuBar(frame.menuBar(), rows) {}
 
 MenuBar::~MenuBar() = default;
 

@@ -15,6 +15,8 @@ class QMenuBar;
 
 namespace ui {
 
+class FrameForm;
+
 enum class MenuRowKind : uint8_t { kMenu, kItem, kSeparator, kList, kEnd };
 
 // One row of the table; a menu's rows stand between its kMenu and its kEnd. All texts are static.
@@ -41,6 +43,7 @@ class MenuBar : public QObject {
  public:
   // Rows are named by their index in the table from here on.
   MenuBar(QMenuBar& bar, std::span<const MenuRow> rows);
+  MenuBar(FrameForm& frame, std::span<const MenuRow> rows);
   ~MenuBar() override;
 
   // Shows, hides and gives keys to the rows; no separator stands first, last or doubled.
