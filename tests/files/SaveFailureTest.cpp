@@ -219,8 +219,8 @@ TEST_F(SaveFailureTest, DiskBreaksWhileWritingInPlace) {
   }
 }
 
-// Runs `body` in a child that is killed after `microseconds`, counted from its first sign of life.
-void KillDuring(const std::function<void()>& body, int microseconds) {
+// Runs `body` in a child that is killed `microseconds` after its first sign of life and after `ready` came true.
+void KillDuring(const std::function<void()>& body, const std::function<bool()>& ready, int microseconds) {
   int ends[2];
   ASSERT_EQ(0, pipe(ends));
   const pid_t child = fork();
@@ -231,9 +231,13 @@ void KillDuring(const std::function<void()>& body, int microseconds) {
   }
   char sign;
   ASSERT_EQ(1, read(ends[0], &sign, 1));
+  bool ended = false;
+  while (!ended && !ready()) ended = waitpid(child, nullptr, WNOHANG) == child;
   usleep(static_cast<useconds_t>(microseconds));
-  kill(child, SIGKILL);
-  waitpid(child, nullptr, 0);
+  if (!ended) {
+    kill(child, SIGKILL);
+    waitpid(child, nullptr, 0);
+  }
   close(ends[0]);
   close(ends[1]);
 }
@@ -247,7 +251,7 @@ TEST_F(SaveFailureTest, KilledWhileWriting) {
         while (save.Write(Pattern(100 * kKilo))) {
         }
       },
-      30000);
+      [] { return true; }, 30000);
   EXPECT_EQ("old", Get(file));
   EXPECT_EQ("", Outcome(Save(file, state, "new")));
   EXPECT_EQ("new", Get(file));
@@ -258,13 +262,17 @@ TEST_F(SaveFailureTest, KilledWhileWritingInPlace) {
   const unsigned seed = std::random_device()();
   SCOPED_TRACE(testing::Message() << "seed " << seed);
   std::mt19937 random(seed);
-  const std::string oldBytes = Pattern(6 * kMega), newBytes = Pattern(8 * kMega, 2);
-  for (int round = 0; round < 25; ++round) {
+  const std::string oldBytes = Pattern(12 * kMega), newBytes = Pattern(16 * kMega, 2);
+  for (int round = 0; round < 16; ++round) {
     Put(file, oldBytes);
     if (round == 0) std::filesystem::create_hard_link(file, folder / "other");
-    const int microseconds = static_cast<int>(random() % 80000);
-    SCOPED_TRACE(testing::Message() << "killed after " << microseconds);
-    KillDuring([&] { static_cast<void>(Save(file, state, newBytes)); }, microseconds);
+    // At any time, and in turn when the file itself is just being touched.
+    const bool late = round % 2 == 1;
+    const int microseconds = static_cast<int>(random() % (late ? 1500 : 80000));
+    SCOPED_TRACE(testing::Message() << "killed after " << microseconds << (late ? ", late" : ""));
+    const auto before = StampOf(file);
+    const auto ready = [&] { return !late || StampOf(file) != before; };
+    KillDuring([&] { static_cast<void>(Save(file, state, newBytes)); }, ready, microseconds);
     const auto entries = ListRecovery(state);
     ASSERT_TRUE(entries) << entries.error().text;
     const std::string found = Get(file);
