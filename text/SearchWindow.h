@@ -4,6 +4,7 @@
 
 #include "text/Content.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -38,7 +39,7 @@ class WindowFeed {
   // A window holds at least `before` bytes in front of its places and `behind` bytes after them, unless the text begins
   // or ends there. The text begins at the byte `offset` of the content.
   WindowFeed(size_t before, size_t behind, int64_t offset)
-      : before_(before), behind_(behind), offset_(offset), inPlace_(std::max<size_t>(4096, 4 * (before + behind))) {}
+      : before_(before), behind_(behind), offset_(offset), inPlace_(std::max(kSmallest, 4 * (before + behind))) {}
 
   // Takes the text's next stretch; calls visit(window) until it returns false. Small stretches are gathered.
   template <class Visit>
@@ -70,7 +71,13 @@ class WindowFeed {
   }
 
  private:
+#ifdef QUILLMARK_TINY_TREE
+  static constexpr size_t kSmallest = 16;
+  static constexpr size_t kGathered = 64;
+#else
+  static constexpr size_t kSmallest = 4096;
   static constexpr size_t kGathered = 65536;
+#endif
   static const std::vector<int64_t> kNoBarriers;
 
   void NoteBarrier(std::string_view span);
@@ -84,7 +91,7 @@ class WindowFeed {
   int64_t offset_;   // of gathered_'s beginning
   size_t from_ = 0;  // in gathered_: the first place not looked at
   size_t inPlace_;   // stretches from this size on are not copied
-  size_t enough_ = 4096 + before_ + behind_;
+  size_t enough_ = kSmallest + before_ + behind_;
   std::string gathered_;
   std::vector<int64_t> barriers_;
 };

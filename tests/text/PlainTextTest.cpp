@@ -71,6 +71,8 @@ LoadedText ReadPipe(
     close(ends[1]);
   });
   LoadedText loaded = ReadPlainText(ends[0]);
+  char unread[4096];  // after an error, lest the writer wait for ever
+  for (ssize_t count = 1; count > 0 || (count < 0 && errno == EINTR);) count = read(ends[0], unread, sizeof unread);
   writer.join();
   close(ends[0]);
   return loaded;

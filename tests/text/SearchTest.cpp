@@ -320,8 +320,18 @@ class RandomSearch : public ::testing::TestWithParam<unsigned> {
 };
 
 std::string RandomSearch::RandomText(int characters) {
-  static const std::string kFolding[] = {"k", "K", "\xE2\x84\xAA", "s",       "S", "\xC5\xBF",
-                                         "A", "a", "\xC3\x89",     "\xC3\xA9"};
+  static const std::string kFolding[] = {"k",
+                                         "K",
+                                         "\xE2\x84\xAA",
+                                         "s",
+                                         "S",
+                                         "\xC5\xBF",
+                                         "A",
+                                         "a",
+                                         "\xC3\x89",
+                                         "\xC3\xA9",
+                                         "\xF0\x9F\x98\x80",
+                                         "\xF0\x9F\x98\x80"};
   std::string bytes;
   for (int i = 0; i < characters; ++i)
     bytes += random() % 2 ? kFolding[random() % std::size(kFolding)] : RandomBytes(random, 1);
@@ -386,7 +396,7 @@ void RandomSearch::ExpectReplaces(std::u16string_view needle, SearchOptions opti
   const NaiveText model = ModelOf(content);
   const NaiveSearch naive(model, needle, options);
   const std::string replacement = random() % 3 ? RandomText(static_cast<int>(random() % 4)) : "";
-  const int64_t gap = random() % 3 ? 0 : static_cast<int64_t>(random() % 5);
+  const int64_t gap = random() % 3 ? 0 : static_cast<int64_t>(random() % 12);
   NaiveText expected;
   expected.last = model.last;
   int64_t count = 0;
