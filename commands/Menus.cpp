@@ -6,6 +6,8 @@
 #include "ui/frame/ChildArea.h"
 #include "ui/frame/PopupMenu.h"
 
+#include <QCoreApplication>
+
 #include <exception>
 
 namespace commands {
@@ -80,11 +82,13 @@ void Menus::RunRow(const Row& row) {
     if (documents::frmText* document = row.document ? table_.Active() : nullptr) row.document(*document);
   } catch (const std::exception& failure) {
     // Out of memory, most likely: the event loop must not see it, and the document is as it was.
-    services::ShowError(services_.dialogs(), nullptr, QStringLiteral("Error: ") + QString::fromUtf8(failure.what()));
+    services::ShowError(services_.dialogs(), nullptr,
+                        QCoreApplication::translate("Messages", "Error: ") + QString::fromUtf8(failure.what()));
   }
 }
 
 void Menus::ShowDocumentPopup(documents::frmText& document, const QPoint& globalPosition) {
+  const ui::CommandScope scope;
   const std::span<const Row> rows = DocumentPopupTable();
   std::vector<bool> enabled;
   for (const Row& row : rows) enabled.push_back(!row.enabled || row.enabled(document));

@@ -1,7 +1,7 @@
 #include "documents/DocumentReader.h"
 
 #include <cerrno>
-#include <new>
+#include <stdexcept>
 #include <strings.h>
 
 namespace documents {
@@ -58,10 +58,10 @@ ReadDocument ReadDocumentFile(const files::Path& path, bool rich, const text::Pr
       TakePlain(read, text::ReadPlainText(file.value().descriptor(), progress), path);
     }
     return read;
-  } catch (const std::bad_alloc&) {
-    return Failed(files::SystemError(ENOMEM, path));
   } catch (const std::length_error&) {
     return Failed(files::SystemError(EFBIG, path));
+  } catch (const std::exception&) {
+    return Failed(files::SystemError(ENOMEM, path));
   }
 }
 

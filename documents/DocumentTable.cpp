@@ -54,8 +54,8 @@ frmText* DocumentTable::Active() const {
 void DocumentTable::Release(int slot) {
   DocInfo_[slot].Free = true;
   DocInfo_[slot].Changed = false;
-  // Its own code may still be running.
-  if (frmText* window = Documents_[slot].release()) window->deleteLater();
+  // Its own code may still be running, below nested event loops too.
+  if (frmText* window = Documents_[slot].release()) ui::AfterCommand(window, [window] { window->deleteLater(); });
 }
 
 frmText& DocumentTable::MakeWindow(std::string caption) {

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <new>
+#include <exception>
 
 namespace documents {
 namespace {
@@ -24,7 +24,7 @@ bool WriteDocument(const DocumentBytes& document, const text::Progress& progress
   };
   switch (document.form) {
     case DocumentBytes::Form::kPlain:
-      return text::WritePlainText(document.content, document.plainProperties, counted);
+      return text::WritePlainText(document.content, document.plainProperties, counted, document.plainOptions);
     case DocumentBytes::Form::kRtf:
       return text::rtf::Write(document.content, document.rtfProperties, counted);
     case DocumentBytes::Form::kVerbatim:
@@ -36,9 +36,29 @@ bool WriteDocument(const DocumentBytes& document, const text::Progress& progress
 files::Result<files::FileStamp> SaveDocument(const files::Path& path, const files::Path& recoveryFolder,
                                              const DocumentBytes& document, const text::Progress& progress) noexcept {
   try {
-    return files::SaveAtomically(path, recoveryFolder,
-                                 [&](const files::ByteSink& sink) { return WriteDocument(document, progress, sink); });
-  } catch (const std::bad_alloc&) {
+    bool cancelled = false;
+    const text::Progress watched = [&](int64_t done) {
+      cancelled = cancelled || (progress && !progress(done));
+      return !cancelled;
+    };
+    auto saved = files::SaveAtomically(
+        path, recoveryFolder, [&](const files::ByteSink& sink) { return WriteDocument(document, watched, sink); });
+    // The writer gave up by itself: a character that the encoding does not have.
+    if (!saved && saved.error().systemError == ECANCELED && !cancelled) return files::SystemError(EILSEQ, path);
+    return saved;
+  } catch (const std::exception&) {
+    return files::SystemError(ENOMEM, path);
+  }
+}
+
+std::optional<files::Error> RescueDocument(const files::Path& recoveryFolder, const files::Path& path,
+                                           std::string_view kind, const DocumentBytes& document) noexcept {
+  try {
+    const auto written = files::WriteRecovery(
+        recoveryFolder, path, kind, [&](const files::ByteSink& sink) { return WriteDocument(document, {}, sink); });
+    if (written) return std::nullopt;
+    return written.error();
+  } catch (const std::exception&) {
     return files::SystemError(ENOMEM, path);
   }
 }

@@ -1,11 +1,12 @@
 // Writing a document's file, on any thread.
 #pragma once
 
-#include "files/AtomicSave.h"
+#include "files/Recovery.h"
 #include "text/PlainText.h"
 #include "text/rtf/Rtf.h"
 
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace documents {
@@ -16,6 +17,7 @@ struct DocumentBytes {
   Form form = Form::kPlain;
   text::Content content;
   text::TextProperties plainProperties;
+  text::WriteOptions plainOptions;
   text::rtf::DocumentProperties rtfProperties;
   std::shared_ptr<const std::string> verbatim;  // for kVerbatim
 };
@@ -26,5 +28,9 @@ bool WriteDocument(const DocumentBytes& document, const text::Progress& progress
 // Never throws. A cancelled save fails with ECANCELED and leaves the file as it was.
 files::Result<files::FileStamp> SaveDocument(const files::Path& path, const files::Path& recoveryFolder,
                                              const DocumentBytes& document, const text::Progress& progress) noexcept;
+
+// Writes the text to the recovery folder. Never throws; nothing = success.
+std::optional<files::Error> RescueDocument(const files::Path& recoveryFolder, const files::Path& path,
+                                           std::string_view kind, const DocumentBytes& document) noexcept;
 
 }  // namespace documents

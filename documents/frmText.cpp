@@ -1,5 +1,6 @@
 #include "documents/frmText.h"
 
+#include "files/Attributes.h"
 #include "services/Messages.h"
 #include "ui/PathText.h"
 #include "ui/PendingEvents.h"
@@ -77,6 +78,7 @@ void frmText::MarkRecovered(const files::RecoveryEntry& entry) {
   // The file itself was never read: one that is there now is not replaced unasked.
   origin_ = {};
   origin_.recovered = entry;
+  origin_.notRtf = IsRichName(caption()) && entry.kind == kRecoveryKindText;
   ForceChanged();
 }
 
@@ -105,7 +107,9 @@ bool frmText::QueryUnload() {
   const ui::Answer answer = services_.dialogs().ShowMessage(
       this, {text.arg(ui::DisplayText(caption())), ui::Buttons::kYesNoCancel, ui::Icon::kExclamation});
   ui::LetPendingEventsRun();
-  if (answer == ui::Answer::kYes && !unloaded_) rescue_ = mnuSaveFile_Click() != SaveOutcome::kSaved;
+  // Text that an input method delivered during the save is not in the file either.
+  if (answer == ui::Answer::kYes && !unloaded_)
+    rescue_ = mnuSaveFile_Click() != SaveOutcome::kSaved || table_.DocInfo(slot_).Changed;
   asking_ = false;
   return answer != ui::Answer::kCancel;
 }
@@ -119,9 +123,7 @@ bool frmText::Unload() {
   ui::LetPendingEventsRun();
   if (unloaded_) return true;
   unloaded_ = true;
-  // Saved, written anew to the recovery folder, or given up by the user: the old copy has done its work. When it cannot
-  // be removed it is offered once more, which loses nothing.
-  if (origin_.recovered) static_cast<void>(files::RemoveRecovery(*origin_.recovered));
+  ForgetRecovered(false);
   const bool shown = isShown();
   const int state = static_cast<int>(windowState());
   TakeDown();
@@ -135,16 +137,32 @@ bool frmText::Unload() {
   return true;
 }
 
+// Saved, written anew to the recovery folder, or given up by the user: the old copy has done its work. But what is left
+// of a save that was cut short may be all that is whole of its file: only that file's being saved makes it useless.
+void frmText::ForgetRecovered(bool saved) {
+  if (!origin_.recovered) return;
+  const files::RecoveryEntry& entry = *origin_.recovered;
+  const bool cutShort = entry.kind.empty() || !entry.complete;
+  if (cutShort && !(saved && files::SamePath(entry.originalPath, path()))) return;
+  // When it cannot be removed it is offered once more, which loses nothing.
+  static_cast<void>(files::RemoveRecovery(entry));
+  origin_.recovered.reset();
+}
+
 bool frmText::WriteRecovery() {
-  const bool rich = IsRichName(caption()) && !origin_.notRtf && !origin_.plainByChoice;
+  const bool rich = !SavesAsPlain();
   text::TextProperties properties = RichTextBox1_->document().properties();
   const text::Content content = RichTextBox1_->document().content();
   if (!rich && text::FirstUnencodable(content, properties.encoding)) properties = {};
   const DocumentBytes bytes = BytesToSave(properties);
-  auto written = files::WriteRecovery(services_.recoveryFolder(), path(), rich ? kRecoveryKindRtf : kRecoveryKindText,
-                                      [&](const files::ByteSink& sink) { return WriteDocument(bytes, {}, sink); });
-  if (!written) services::ShowError(services_.dialogs(), this, services::ErrorText(caption(), written.error()));
-  return static_cast<bool>(written);
+  const files::Path named = path();
+  const char* const kind = rich ? kRecoveryKindRtf : kRecoveryKindText;
+  std::optional<files::Error> error;
+  services_.dialogs().RunWork(
+      this, tr("Saving %1").arg(ui::DisplayText(caption())), bytes.content.sums().bytes.value(),
+      [&](ui::WorkPort&) { error = RescueDocument(services_.recoveryFolder(), named, kind, bytes); });
+  if (error) services::ShowError(services_.dialogs(), this, services::ErrorText(caption(), *error));
+  return !error;
 }
 
 }  // namespace documents

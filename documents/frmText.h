@@ -62,6 +62,7 @@ class frmText : public ui::ChildForm {
   void mnuPaste_Click();
   void mnuPasteAsText_Click();
   void mnuPasteAsRTF_Click();
+  void mnuPasteAsLink_Click();
   void mnuDelete_Click();
   void mnuSelAll_Click();
 
@@ -87,6 +88,7 @@ class frmText : public ui::ChildForm {
     std::optional<text::Content> asLoaded;  // what rtfBytes are the file of
     std::shared_ptr<const std::string> rtfBytes;
     std::vector<std::string> lost;  // what saving as RTF would lose, until the user agreed
+    bool loseElsewhere = false;     // the user agreed for a file of another name
     bool notRtf = false;            // an .rtf name, but the bytes were none, and nobody said what to write
     bool plainByChoice = false;     // the user said: the text it is
     std::optional<files::RecoveryEntry> recovered;
@@ -109,6 +111,9 @@ class frmText : public ui::ChildForm {
   Go AskEncoding(text::TextProperties& properties);
   Go Ask(const QString& text, ui::Buttons buttons, ui::Icon icon);
   bool WriteRecovery();
+  void TakeName(const files::Path& chosen);
+  bool SavesAsPlain() const;
+  void ForgetRecovered(bool saved);
   void Toggle(std::optional<bool> (ui::RichTextBox::*get)() const, void (ui::RichTextBox::*set)(bool));
   void UpdateSelectionState();
   void UpdateAlignment();

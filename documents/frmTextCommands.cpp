@@ -1,6 +1,5 @@
 // The commands that act on the text, and the state that follows the selection.
 #include "documents/frmText.h"
-#include "ui/PathText.h"
 #include "ui/desktop/Clipboard.h"
 
 namespace documents {
@@ -9,7 +8,7 @@ void frmText::mnuClose_Click() {
   Close();
 }
 void frmText::mnuCopyPath_Click() {
-  ui::SetClipboardText(ui::DisplayText(caption()));
+  ui::SetClipboardPath(caption());
 }
 void frmText::mnuRefresh_Click() {
   RichTextBox1_->SetSelLength(0);
@@ -35,6 +34,10 @@ void frmText::mnuPasteAsText_Click() {
 }
 void frmText::mnuPasteAsRTF_Click() {
   RichTextBox1_->SetSelRTF(ui::ClipboardRtf());
+}
+void frmText::mnuPasteAsLink_Click() {
+  const QString link = QStringLiteral("<a href=\"") + ui::ClipboardText() + QStringLiteral("\"></a>");
+  RichTextBox1_->SetSelRTF(link.toUtf8());
 }
 void frmText::mnuDelete_Click() {
   RichTextBox1_->DeleteSelection();
@@ -62,13 +65,11 @@ void frmText::mnuStrikeThru_Click() {
 }
 
 void frmText::mnuEmphasisRemove_Click() {
-  text::Document& document = RichTextBox1_->document();
-  document.BeginGroup();
+  const text::EditGroup oneStep(RichTextBox1_->document());
   RichTextBox1_->SetSelBold(false);
   RichTextBox1_->SetSelItalic(false);
   RichTextBox1_->SetSelUnderline(false);
   RichTextBox1_->SetSelStrikeThru(false);
-  document.EndGroup();
 }
 
 void frmText::mnuAlignLeft_Click() {
@@ -92,8 +93,7 @@ void frmText::mnuFont_Click() {
   const ui::FontChoice before{*name, *size, *bold, *italic, *strike, *underline, *color};
   const auto chosen = services_.dialogs().PickFont(this, before);
   if (!chosen || unloaded_) return;
-  text::Document& document = RichTextBox1_->document();
-  document.BeginGroup();
+  const text::EditGroup oneStep(RichTextBox1_->document());
   if (chosen->family != before.family) RichTextBox1_->SetSelFontName(chosen->family);
   if (chosen->points != before.points) RichTextBox1_->SetSelFontSize(chosen->points);
   if (chosen->bold != before.bold) RichTextBox1_->SetSelBold(chosen->bold);
@@ -101,7 +101,6 @@ void frmText::mnuFont_Click() {
   if (chosen->strikeThru != before.strikeThru) RichTextBox1_->SetSelStrikeThru(chosen->strikeThru);
   if (chosen->underline != before.underline) RichTextBox1_->SetSelUnderline(chosen->underline);
   if (chosen->color != before.color) RichTextBox1_->SetSelColor(chosen->color);
-  document.EndGroup();
 }
 
 void frmText::UpdateSelectionState() {

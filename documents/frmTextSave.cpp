@@ -78,8 +78,9 @@ SaveOutcome frmText::SaveAttributed(int attributes) {
   if (readOnly)
     if (const Go go = AskReadOnly(); go != Go::kOn) return Follow(go);
   if (replaceable) {
-    if (const Go go = AskChangedOnDisk(); go != Go::kOn) return Follow(go);
     if (const Go go = AskFormat(properties); go != Go::kOn) return Follow(go);
+    // Last, since the other questions may have stood open for a while.
+    if (const Go go = AskChangedOnDisk(); go != Go::kOn) return Follow(go);
   }
   if (unloaded_) return SaveOutcome::kCancelled;
   if (readOnly)
@@ -155,12 +156,11 @@ frmText::Go frmText::AskNotRtf() {
 
 frmText::Go frmText::AskLost() {
   if (origin_.lost.empty()) return Go::kOn;
-  QStringList names;
-  for (const std::string& name : origin_.lost) names += QString::fromStdString(name);
   const QString text = tr("holds what this program cannot save: %1.  Do you want to save it without?");
-  const Go go = Ask(text.arg(names.join(QLatin1String(", "))), ui::Buttons::kYesNoCancel, ui::Icon::kExclamation);
-  // Under another name the original keeps it; that name is not asked about again.
-  if (go != Go::kStop) origin_.lost.clear();
+  const Go go = Ask(text.arg(QString::fromStdString(text::rtf::InWords(origin_.lost))), ui::Buttons::kYesNoCancel,
+                    ui::Icon::kExclamation);
+  if (go == Go::kOn) origin_.lost.clear();
+  origin_.loseElsewhere = go == Go::kSaveAs;
   return go;
 }
 
@@ -180,13 +180,17 @@ frmText::Go frmText::AskEncoding(text::TextProperties& properties) {
   return go;
 }
 
+bool frmText::SavesAsPlain() const {
+  return !IsRichName(caption()) || origin_.plainByChoice || origin_.notRtf;
+}
+
 DocumentBytes frmText::BytesToSave(const text::TextProperties& properties) const {
   DocumentBytes bytes;
   bytes.content = RichTextBox1_->document().content();
   bytes.plainProperties = properties;
+  bytes.plainOptions.softBreaksAsLineEnds = RichTextBox1_->isRichText();
   bytes.rtfProperties = RichTextBox1_->rtfProperties();
-  const bool plain = !IsRichName(caption()) || origin_.plainByChoice || origin_.notRtf;
-  if (plain) return bytes;
+  if (SavesAsPlain()) return bytes;
   bytes.form = DocumentBytes::Form::kRtf;
   if (origin_.rtfBytes && IsAsLoaded()) {
     bytes.form = DocumentBytes::Form::kVerbatim;
@@ -212,8 +216,7 @@ SaveOutcome frmText::Write(int attributes, const text::TextProperties& propertie
 void frmText::Saved(const files::FileStamp& stamp, const DocumentBytes& written) {
   origin_.stamp = stamp;
   rescue_ = false;
-  if (origin_.recovered) static_cast<void>(files::RemoveRecovery(*origin_.recovered));
-  origin_.recovered.reset();
+  ForgetRecovered(true);
   if (unloaded_) return;
   if (written.form == DocumentBytes::Form::kPlain) RichTextBox1_->document().properties() = written.plainProperties;
   // An input method may have delivered text meanwhile: that is not in the file.
@@ -229,6 +232,16 @@ SaveOutcome frmText::ReportSaveError(const files::Error& error, int attributes) 
   return SaveOutcome::kFailed;
 }
 
+// What was agreed for one name does not hold for another; under the new one the old file keeps what would be lost.
+void frmText::TakeName(const files::Path& chosen) {
+  if (!files::SamePath(chosen, path())) {
+    if (origin_.loseElsewhere) origin_.lost.clear();
+    origin_.notRtf = origin_.plainByChoice = false;
+  }
+  origin_.loseElsewhere = false;
+  SetCaption(chosen.native());
+}
+
 SaveOutcome frmText::mnuSaveFileAs_Click() {
   const ui::CommandScope scope;
   if (caption().starts_with("Untitled:")) return mnuSaveFile_Click();
@@ -240,6 +253,8 @@ SaveOutcome frmText::mnuSaveFileAs_Click() {
                                                        .filterIndex = filter.index,
                                                        .initialFile = path()});
   if (chosen.empty() || unloaded_) return SaveOutcome::kCancelled;
+  // Whether to replace this file has been asked by the dialog.
+  const auto agreed = files::StampOf(chosen);
   if (IsRtfExtension(filter.extension) && !EndsWithRtf(chosen.native())) {
     const QString text =
         tr("Warning: If you change the extension from .RTF, the saved file will lose any special "
@@ -247,9 +262,8 @@ SaveOutcome frmText::mnuSaveFileAs_Click() {
     const ui::Message question{services::FileText(chosen.native(), text), ui::Buttons::kYesNo, ui::Icon::kQuestion};
     if (services_.dialogs().ShowMessage(this, question) != ui::Answer::kYes) return SaveOutcome::kCancelled;
   }
-  SetCaption(chosen.native());
-  // Whether to replace this file has been asked by the dialog.
-  origin_.stamp = files::StampOf(chosen);
+  TakeName(chosen);
+  origin_.stamp = agreed;
   const SaveOutcome outcome = mnuSaveFile_Click();
   ui::LetPendingEventsRun();
   return outcome;

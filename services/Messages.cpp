@@ -2,14 +2,16 @@
 
 #include "ui/PathText.h"
 
+#include <QCoreApplication>
+
 namespace services {
 
 QString FileText(std::string_view path, const QString& text) {
-  return QStringLiteral("File: ") + ui::DisplayText(path) + QStringLiteral("\r\n") + text;
+  return QCoreApplication::translate("Messages", "File: ") + ui::DisplayText(path) + QStringLiteral("\r\n") + text;
 }
 
 QString ErrorText(std::string_view subject, const files::Error& error) {
-  return QStringLiteral("Error: ") + ui::DisplayText(subject) + QStringLiteral("\r\n") +
+  return QCoreApplication::translate("Messages", "Error: ") + ui::DisplayText(subject) + QStringLiteral("\r\n") +
          QString::fromStdString(error.text);
 }
 

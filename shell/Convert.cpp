@@ -80,6 +80,7 @@ class Conversion {
     if (!bytes.value().empty()) {
       read = text::rtf::Read(bytes.value(), text::Content().store());
       if (!read.isRtf) return Line(in_, "is not rich text, although its name says so");
+      if (read.limited) return Line(in_, "holds more than this program reads");
     }
     return Save([&](const files::ByteSink& sink) { return WriteRich(read, to, sink); });
   }
@@ -87,7 +88,7 @@ class Conversion {
   bool WriteRich(const text::rtf::ReadResult& read, Format to, const files::ByteSink& sink) const {
     switch (to) {
       case Format::kText:
-        return text::WritePlainText(read.content, {}, sink);
+        return text::WritePlainText(read.content, {}, sink, {.softBreaksAsLineEnds = true});
       case Format::kRtf:
         return text::rtf::Write(read.content, read.properties, sink);
       case Format::kHtml:

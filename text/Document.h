@@ -121,4 +121,16 @@ class Document {
   std::deque<Change> log_;  // the last changes; log_.back() led to revision_
 };
 
+// What is edited while it lives is one step, also when an exception ends it.
+class EditGroup {
+ public:
+  explicit EditGroup(Document& document) : document_(document) { document_.BeginGroup(); }
+  ~EditGroup() { document_.EndGroup(); }
+  EditGroup(const EditGroup&) = delete;
+  EditGroup& operator=(const EditGroup&) = delete;
+
+ private:
+  Document& document_;
+};
+
 }  // namespace text

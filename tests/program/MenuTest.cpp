@@ -3,6 +3,8 @@
 #include "ui/desktop/Clipboard.h"
 
 #include <QAction>
+#include <QClipboard>
+#include <QGuiApplication>
 #include <QMenu>
 #include <QMenuBar>
 
@@ -130,7 +132,7 @@ TEST_F(MenuTest, OpenDocumentsAreListedInSlotOrder) {
 
 TEST_F(MenuTest, ThePasteFormsAreEnabledByWhatTheClipboardHolds) {
   New();
-  ui::SetClipboardText("text");
+  QGuiApplication::clipboard()->setText(QStringLiteral("text"));
   program().menus().Fill();
   EXPECT_TRUE(Action("mnuPasteAsText").isEnabled());
   EXPECT_FALSE(Action("mnuPasteAsRTF").isEnabled());

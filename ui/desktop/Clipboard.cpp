@@ -3,6 +3,9 @@
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QMimeData>
+#include <QStringDecoder>
+
+#include <memory>
 
 namespace ui {
 namespace {
@@ -35,8 +38,17 @@ QByteArray ClipboardRtf() {
   return {};
 }
 
-void SetClipboardText(const QString& text) {
-  QGuiApplication::clipboard()->setText(text);
+void SetClipboardPath(std::string_view path) {
+  const QByteArray bytes(path.data(), static_cast<qsizetype>(path.size()));
+  QStringDecoder decoder(QStringDecoder::Utf8);
+  const QString text = decoder(bytes);
+  auto data = std::make_unique<QMimeData>();
+  if (decoder.hasError()) {
+    data->setData(QStringLiteral("text/plain"), bytes);
+  } else {
+    data->setText(text);
+  }
+  QGuiApplication::clipboard()->setMimeData(data.release());
 }
 
 }  // namespace ui

@@ -2,6 +2,7 @@
 
 #include <QEventLoop>
 #include <QGuiApplication>
+#include <QLabel>
 #include <QProgressDialog>
 #include <QTimer>
 
@@ -51,7 +52,10 @@ void ShowUntilEnded(QWidget* owner, const QString& text, int64_t total, WorkPort
   progress.setMinimumDuration(0);
   progress.setAutoClose(false);
   progress.setAutoReset(false);
-  progress.setLabelText(QString(text).replace(QLatin1String("\r\n"), QLatin1String("\n")));
+  auto* const label = new QLabel(QString(text).replace(QLatin1String("\r\n"), QLatin1String("\n")));
+  label->setTextFormat(Qt::PlainText);  // names may look like markup
+  label->setWordWrap(true);
+  progress.setLabel(label);
   progress.setRange(0, total > 0 ? kSteps : 0);
   QObject::connect(&progress, &QProgressDialog::canceled, &loop, [&] {
     port.Cancel();
