@@ -1,4 +1,5 @@
-// Edit sequences from bytes: after each edit the tree's invariants hold; at the end everything is undone.
+// Edit sequences from bytes: after each edit the tree's invariants hold and its text is that of the same edit on a
+// string; at the end everything is undone.
 #include "text/Document.h"
 #include "text/TextStore.h"
 
@@ -30,8 +31,17 @@ class Input {
   size_t size_;
 };
 
-void Step(Document& document, Input& input) {
+// The same replacement in plain bytes: the text without its tree.
+void ReplaceIn(std::string& model, const Content& content, Range range, std::string_view bytes) {
+  const auto [begin, end] = content.Whole(range);
+  const auto from = static_cast<size_t>(content.SumsBefore(begin).bytes.value());
+  const auto to = static_cast<size_t>(content.SumsBefore(end).bytes.value());
+  model.replace(from, to - from, bytes);
+}
+
+void Step(Document& document, std::string& model, Input& input) {
   const uint8_t what = input.Byte();
+  const auto text = [&] { return document.content().ByteString(document.content().all()); };
   Range range{input.Position(document.content()), Units(0)};
   range.end = std::min(document.content().size(), range.begin + Units(what >> 4));
   switch (what & 7) {
@@ -50,18 +60,25 @@ void Step(Document& document, Input& input) {
     case 2: {
       const Content copy = document.content().Slice(range);
       const Units at = input.Position(document.content());
+      ReplaceIn(model, document.content(), {at, at}, copy.ByteString(copy.all()));
       document.Replace({at, at}, copy, EditKind::kCommand, {});
       break;
     }
     case 3:
       document.Undo();
+      model = text();
       break;
     case 4:
       document.Redo();
+      model = text();
       break;
-    default:
-      document.Replace(range, input.Bytes(input.Byte() % 64), CharFormatId::kDefault, EditKind::kTyping, {});
+    default: {
+      const std::string_view bytes = input.Bytes(input.Byte() % 64);
+      ReplaceIn(model, document.content(), range, bytes);
+      document.Replace(range, bytes, CharFormatId::kDefault, EditKind::kTyping, {});
+    }
   }
+  if (model != text()) std::abort();
 }
 
 void RequireSurfaceRoundTrip(const Content& content, Units position) {
@@ -74,11 +91,11 @@ void RequireSurfaceRoundTrip(const Content& content, Units position) {
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   Input input(data, size);
   Document document;
+  std::string model;
   while (!input.empty()) {
-    Step(document, input);
+    Step(document, model, input);
     const Content& content = document.content();
     content.CheckInvariants();
-    if (Utf16OfBytes(content.ByteString(content.all())).empty() != (content.size() == Units(0))) std::abort();
     RequireSurfaceRoundTrip(content, input.Position(content));
   }
   while (document.Undo()) document.content().CheckInvariants();

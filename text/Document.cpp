@@ -144,6 +144,7 @@ void Document::Record(Content content, Change change, EditKind kind, Selection b
     groupOpen_ = groupDepth_ > 0;
   }
   sealed_ = false;
+  if (content.size() == Units(0) && content_.size() > Units(0)) emptyCharFormat_ = content_.CharFormatAt(Units(0));
   content_ = std::move(content);
   Log(change);
 }
@@ -173,8 +174,8 @@ void Document::SetSaved() {
 }
 
 void Document::Log(const Change& change) {
+  log_.push_back(change);  // first: it may throw
   ++revision_;
-  log_.push_back(change);
   if (log_.size() > kLoggedChanges) log_.pop_front();
 }
 

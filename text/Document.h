@@ -70,12 +70,13 @@ class Document {
   void Commit(Content content, Change change, EditKind kind, Selection before);
   // Formats applied while loading or showing: no step, no change of the changed state.
   void SetEmptyFormat(CharFormatId chars, ParaFormatId paragraph);  // only while the content is empty
+  // The last one set, or that of the text that an edit removed to the last character.
   CharFormatId emptyCharFormat() const { return emptyCharFormat_; }
 
   // --- History
   bool canUndo() const { return current_ > 0; }
   bool canRedo() const { return current_ + 1 < steps_.size(); }
-  // Returns the selection to show, or nothing when there is no step. O(1) but for freeing what nobody holds any more.
+  // Returns the selection to show, or nothing when there is no step. O(changes in the step).
   std::optional<Selection> Undo();
   std::optional<Selection> Redo();
   // The next edit starts a step of its own (a caret move, a save, a focus change).

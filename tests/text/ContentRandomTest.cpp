@@ -8,6 +8,7 @@ namespace {
 
 class RandomEdits : public ::testing::TestWithParam<unsigned> {
  protected:
+  // Text and formats, character by character.
   void ExpectEqual() {
     const Content& content = document.content();
     ASSERT_NO_THROW(content.CheckInvariants());
@@ -15,6 +16,13 @@ class RandomEdits : public ::testing::TestWithParam<unsigned> {
     ASSERT_EQ(content.Utf16(content.all()), model.Units(false));
     ASSERT_EQ(content.size().value(), model.size());
     ASSERT_EQ(content.lastParaFormat(), model.last);
+    std::vector<Atom> atoms;
+    content.ForEachPiece(content.all(), [&](const PieceView& piece) {
+      for (Atom& atom : NaiveText::Parse(std::string(piece.bytes), piece.charFormat, piece.paraFormat))
+        atoms.push_back(std::move(atom));
+      return true;
+    });
+    ASSERT_TRUE(atoms == model.atoms) << "formats differ";
   }
   void ExpectEqualAt(int64_t position);
   void ExpectEqualRange(int64_t begin, int64_t end);
@@ -145,48 +153,67 @@ void RandomEdits::Step() {
   }
 }
 
+// Every step is sealed, so each that changed something is one state to come back to, also within the run.
 TEST_P(RandomEdits, EqualTheNaiveModel) {
   std::vector<NaiveText> states{model};
+  size_t at = 0;
+  const auto swap = [&](bool redo) {
+    ASSERT_EQ(document.canUndo(), at > 0);
+    ASSERT_EQ(document.canRedo(), at + 1 < states.size());
+    if (redo ? document.Redo() : document.Undo()) redo ? ++at : --at;
+    model = states[at];
+    ExpectEqual();
+  };
   for (int step = 0; step < 150; ++step) {
     SCOPED_TRACE(::testing::Message() << "seed " << GetParam() << " step " << step);
-    const bool atEnd = document.canRedo();
-    Step();
-    ASSERT_FALSE(HasFatalFailure());
-    ASSERT_FALSE(document.canRedo() && !atEnd);
-    ExpectEqual();
-    ASSERT_FALSE(HasFatalFailure());
-    for (int i = 0; i < 4; ++i) {
-      const auto a = static_cast<int64_t>(random() % static_cast<uint64_t>(model.size() + 1));
-      ExpectEqualAt(a);
-      ASSERT_FALSE(HasFatalFailure());
-      const int64_t begin = model.UnitsBefore(model.IndexOf(a, Bias::kLeft));
-      const int64_t end = model.UnitsBefore(model.IndexOf(std::min<int64_t>(model.size(), a + 20), Bias::kRight));
-      ExpectEqualRange(begin, end);
-      ASSERT_FALSE(HasFatalFailure());
+    if (const unsigned way = random() % 10; way < 2) {
+      ASSERT_NO_FATAL_FAILURE(swap(way == 1));
+      continue;
     }
+    const Revision before = document.revision();
+    ASSERT_NO_FATAL_FAILURE(Step());
     document.SealStep();
-    if (model.Bytes() != states.back().Bytes() || model.atoms != states.back().atoms ||
-        model.last != states.back().last)
+    if (document.revision() != before) {
+      states.resize(++at);
       states.push_back(model);
-  }
-  // Steps that changed nothing may or may not be undoable: every state must come back in order.
-  const NaiveText final = model;
-  size_t at = states.size() - 1;
-  while (document.canUndo()) {
-    document.Undo();
-    ASSERT_NO_THROW(document.content().CheckInvariants());
-    const std::string bytes = document.content().ByteString(document.content().all());
-    if (bytes != states[at].Bytes()) {
-      ASSERT_GT(at, 0u);
-      --at;
     }
-    while (bytes != states[at].Bytes() && at > 0) --at;
-    ASSERT_EQ(bytes, states[at].Bytes()) << "seed " << GetParam();
+    ASSERT_NO_FATAL_FAILURE(ExpectEqual());
+    for (int i = 0; i < 4; ++i) {
+      const auto place = static_cast<int64_t>(random() % static_cast<uint64_t>(model.size() + 1));
+      ASSERT_NO_FATAL_FAILURE(ExpectEqualAt(place));
+      const int64_t begin = model.UnitsBefore(model.IndexOf(place, Bias::kLeft));
+      const int64_t end = model.UnitsBefore(model.IndexOf(std::min<int64_t>(model.size(), place + 20), Bias::kRight));
+      ASSERT_NO_FATAL_FAILURE(ExpectEqualRange(begin, end));
+    }
   }
+  while (at > 0) ASSERT_NO_FATAL_FAILURE(swap(false));
   EXPECT_EQ(document.content().size(), Units(0));
   EXPECT_FALSE(document.changed());
-  while (document.canRedo()) document.Redo();
-  model = final;
+  while (at + 1 < states.size()) ASSERT_NO_FATAL_FAILURE(swap(true));
+}
+
+// Steps that merge as they like: each undo leads to a state that was there, later ones to earlier ones.
+TEST_P(RandomEdits, ComeBackToEarlierStatesWhenStepsMerge) {
+  std::vector<NaiveText> states{model};
+  for (int step = 0; step < 60; ++step) {
+    SCOPED_TRACE(::testing::Message() << "seed " << GetParam() << " step " << step);
+    ASSERT_NO_FATAL_FAILURE(Step());
+    ASSERT_NO_FATAL_FAILURE(ExpectEqual());
+    states.push_back(model);
+  }
+  for (size_t at = states.size() - 1; document.canUndo();) {
+    const std::string bytes = [&] {
+      document.Undo();
+      return document.content().ByteString(document.content().all());
+    }();
+    while (at > 0 && states[at].Bytes() != bytes) --at;
+    model = states[at];
+    ASSERT_EQ(model.Bytes(), bytes) << "seed " << GetParam();
+    ASSERT_NO_THROW(document.content().CheckInvariants());
+  }
+  EXPECT_EQ(document.content().size(), Units(0));
+  while (document.Redo()) continue;
+  model = states.back();
   ExpectEqual();
 }
 
