@@ -9,6 +9,7 @@ namespace {
 
 constexpr uint16_t kBodyHalfPoints = 24;
 constexpr size_t kPortion = 1 << 16;
+constexpr std::string_view kLineEnd = "<br>";
 
 void AppendUtf8(std::string& out, char32_t c) {
   if (c < 0x80) {
@@ -79,14 +80,20 @@ std::string CssColor(Color color) {
   return text.data();
 }
 
-// A name as a CSS string inside a double-quoted attribute.
+// A name as a CSS string that stands in an attribute and, where text is raw, in a style element.
 std::string CssFamily(std::string_view name) {
+  constexpr std::string_view kDigits = "0123456789abcdef";
+  const std::u16string units = Utf16OfBytes(name);
   std::string quoted = "'";
-  for (const char c : name) {
-    if (c == '\'' || c == '\\') quoted += '\\';
-    if (c != '\n' && c != '\r') quoted += c;
+  for (size_t i = 0; i < units.size();) {
+    const char32_t c = NextCodePoint(units, i);
+    if (c == '\'' || c == '"' || c == '\\' || c == '<' || c == '>' || c == '&') {
+      quoted += {'\\', kDigits[c >> 4], kDigits[c & 15], ' '};
+    } else {
+      AppendEscaped(quoted, c);
+    }
   }
-  return Escaped(quoted + "'");
+  return quoted + "'";
 }
 
 std::string StyleAttribute(const std::string& style) {
@@ -129,7 +136,7 @@ class Writer {
       return ok_;
     });
     // What follows the last break is a paragraph only if there is something, or nothing else.
-    if (!runs_.empty() || content_.size() == Units(0)) EndParagraph(content_.lastParaFormat());
+    if (!runs_.empty() || pageBreak_ || content_.size() == Units(0)) EndParagraph(content_.lastParaFormat());
     SetInList(false);
     out_ += "</body>\n</html>\n";
     Flush();
@@ -141,9 +148,7 @@ class Writer {
     out_ += "<!DOCTYPE html>\n<html>\n<head>\n<meta charset=\"utf-8\">\n<title>";
     out_ += Escaped(options_.title);
     out_ += "</title>\n<style>\nbody { font-size: 12pt";
-    // In a style element text is raw: a name that would need escaping there is left to the runs.
-    if (!options_.defaultFont.empty() && options_.defaultFont.find_first_of("<>&'\\\n\r") == std::string::npos)
-      out_ += "; font-family: '" + options_.defaultFont + "'";
+    if (!options_.defaultFont.empty()) out_ += "; font-family: " + CssFamily(options_.defaultFont);
     out_ += " }\np, ul { margin: 0; white-space: pre-wrap }\n</style>\n</head>\n<body>\n";
   }
 
@@ -155,8 +160,13 @@ class Writer {
       if (c == '\n') {
         EndRun(run, piece.charFormat);
         EndParagraph(piece.paraFormat);
+        ++paragraph_;
       } else if (c == '\f') {
+        EndRun(run, piece.charFormat);
+        if (!runs_.empty() || pageBreak_) EndParagraph(content_.ParaFormatOf(Breaks(paragraph_)));
         pageBreak_ = true;
+      } else if (c == 0x2028 || c == 0x2029) {
+        run += kLineEnd;
       } else {
         AppendEscaped(run, c);
       }
@@ -173,6 +183,7 @@ class Writer {
       runs_ += tags.open + run + tags.close;
       open_ = tags;
     }
+    lineEmpty_ = run.ends_with(kLineEnd);
     run.clear();
   }
 
@@ -201,11 +212,14 @@ class Writer {
     const char* name = format.bullet ? "li" : "p";
     out_ += '<' + std::string(name) + (format.rightToLeft ? " dir=\"rtl\"" : "") +
             StyleAttribute(ParagraphStyle(format, pageBreak_)) + '>';
-    out_ += runs_.empty() ? "<br>" : runs_;
+    out_ += runs_;
+    // The last line break of an element shows nothing unless something follows.
+    if (lineEmpty_) out_ += kLineEnd;
     out_ += "</" + std::string(name) + ">\n";
     runs_.clear();
     open_ = {};
     pageBreak_ = false;
+    lineEmpty_ = true;
     if (out_.size() >= kPortion) Flush();
   }
 
@@ -224,9 +238,12 @@ class Writer {
   const Options& options_;
   const ByteSink& sink_;
   std::string out_;
-  std::string runs_;  // the paragraph so far
-  Tags open_;         // of its last run
-  bool pageBreak_ = false, inList_ = false, ok_ = true;
+  int64_t paragraph_ = 0;   // breaks so far
+  std::string runs_;        // the paragraph so far
+  Tags open_;               // of its last run
+  bool lineEmpty_ = true;   // nothing stands in its last line
+  bool pageBreak_ = false;  // comes before it
+  bool inList_ = false, ok_ = true;
 };
 
 }  // namespace
