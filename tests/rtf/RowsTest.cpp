@@ -124,6 +124,15 @@ TEST(RtfWriter, StopsWhenTheSinkRefuses) {
   }
 }
 
+TEST(RtfWriter, GathersNoMoreAfterARefusal) {
+  ContentBuilder builder(NewStore());
+  builder.Append(std::string(16 << 20, 'x'));
+  const Content content = builder.Finish();
+  largestNew = 0;
+  EXPECT_FALSE(Write(content, {}, [](std::string_view) { return false; }));
+  EXPECT_LE(largestNew, size_t{512} << 10);
+}
+
 TEST(RtfWriter, SendsInModeratePieces) {
   ContentBuilder builder(NewStore());
   builder.Append(std::string(1 << 20, 'x'));

@@ -4,6 +4,7 @@
 #include "text/TextStore.h"
 #include "text/rtf/Rtf.h"
 
+#include <atomic>
 #include <memory>
 #include <string>
 
@@ -30,5 +31,8 @@ std::string Describe(const Content& content);
 std::string PlainLines(const Content& content);
 std::string Written(const ReadResult& result);
 std::string Written(const Content& content, const DocumentProperties& properties = {});
+
+// The most bytes that any new has asked for at once; a test sets it back to 0.
+extern std::atomic<size_t> largestNew;
 
 }  // namespace text::rtf

@@ -93,7 +93,7 @@ void RtfReader::OpenDestination(Op op) {
 }
 
 void RtfReader::Enter(Mode mode, Opened opened) {
-  state().mode = mode;
+  SetMode(mode);
   state().opened = opened;
   if (mode == Mode::kColors) tables_.colors.clear(), color_ = Color{};
   if (opened == Opened::kList) list_ = ListEntry{}, listId_.reset();
@@ -126,7 +126,7 @@ void RtfReader::KeepGroup() {
 // {\upr{old}{\*\ud{new}}}: the text of the second is that of the place where \upr stands.
 void RtfReader::OpenUnicodeAlternative() {
   if (stack_.size() < 3 || stack_[stack_.size() - 2].opened != Opened::kAlternative) return;
-  state().mode = stack_[stack_.size() - 3].mode;
+  SetMode(stack_[stack_.size() - 3].mode);
 }
 
 void RtfReader::OpenField() {
@@ -155,6 +155,7 @@ void RtfReader::CloseField() {
     state().chars.font = formats_.Intern(Font{symbol.font, 2, 0});
     state().charIdGood = false;
   }
+  if (symbol.character == '\r' || symbol.character == '\n') return Paragraph();
   Character(symbol.character);
 }
 

@@ -29,8 +29,6 @@ class RtfOutput {
 
   // Bytes of text so far; breaks do not count.
   int64_t count() const { return count_; }
-  // True when the last thing was the end of a paragraph.
-  bool atBreak() const { return held_; }
   // With `keepBreak` a break at the end stays and an empty last paragraph of that format follows; without, the break's
   // own format becomes the last paragraph's.
   Content Finish(bool keepBreak, ParaFormatId lastParagraph);

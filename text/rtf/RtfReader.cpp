@@ -48,7 +48,10 @@ ReadResult RtfReader::Run(bool fragment, const Progress& progress) {
 
 void RtfReader::Handle(const Token& token) {
   const bool first = firstWord_;
-  if (starred_ && token.kind != TokenKind::kWord && tooDeep_ == 0) state().mode = Mode::kMuted;
+  if (starred_ && token.kind != TokenKind::kWord && tooDeep_ == 0) {
+    if (token.kind != TokenKind::kClose) ReportLostText();
+    SetMode(Mode::kMuted);
+  }
   if (token.kind != TokenKind::kText && token.kind != TokenKind::kBytes && token.kind != TokenKind::kHex) FlushBytes();
   switch (token.kind) {
     case TokenKind::kText:
@@ -73,7 +76,7 @@ void RtfReader::Handle(const Token& token) {
       break;
     case TokenKind::kSymbol:
       if (token.text == "*" && skipUnits_ == 0) {
-        if (!first) return tokenizer_.SkipGroup();
+        if (!first) return SkipRest();
         starred_ = true;
         return;
       }
@@ -89,6 +92,24 @@ void RtfReader::Report(Dropped what) {
   if (what == Dropped::kNothing || reported_[static_cast<size_t>(what)]) return;
   reported_[static_cast<size_t>(what)] = true;
   result_.dropped.emplace_back(DroppedName(what));
+}
+
+// What stands behind a \* without a word may be text.
+void RtfReader::ReportLostText() {
+  if (state().mode == Mode::kBody) Report(Dropped::kUnknown);
+}
+
+// Behind a \* that is not the first thing in its group.
+void RtfReader::SkipRest() {
+  const size_t begin = tokenizer_.position();
+  tokenizer_.SkipGroup();
+  if (tokenizer_.position() > begin) ReportLostText();
+}
+
+// Half a surrogate belongs to what was read before.
+void RtfReader::SetMode(Mode mode) {
+  if (mode != state().mode) FlushSurrogate();
+  state().mode = mode;
 }
 
 void RtfReader::OpenGroup() {
@@ -112,6 +133,7 @@ void RtfReader::CloseGroup() {
     return;
   }
   FlushBytes();
+  if (stack_.size() > 1 && stack_[stack_.size() - 2].mode != state().mode) FlushSurrogate();
   if (tailDepth_ == stack_.size()) RememberTail();
   switch (state().opened) {
     case Opened::kFonts:
@@ -265,6 +287,7 @@ void RtfReader::FlushSurrogate() {
 }
 
 void RtfReader::Emit(std::string_view utf8) {
+  if (!utf8.empty()) FlushSurrogate();
   switch (state().mode) {
     case Mode::kBody:
       return EmitBody(utf8);
@@ -286,7 +309,7 @@ void RtfReader::Emit(std::string_view utf8) {
 
 void RtfReader::EmitBody(std::string_view utf8) {
   if (utf8.empty()) return;
-  if (highSurrogate_ != 0) FlushSurrogate();
+  FlushSurrogate();
   output_.Text(utf8, CurrentChars());
   tailDepth_ = stack_.size();
   sawText_ = true;

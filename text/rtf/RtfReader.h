@@ -26,6 +26,9 @@ class RtfReader {
 
   // --- RtfReader.cpp: groups and text
   void Handle(const Token& token);
+  void ReportLostText();
+  void SkipRest();
+  void SetMode(Mode mode);
   void OpenGroup();
   void CloseGroup();
   void Word(const Token& token);

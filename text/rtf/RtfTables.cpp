@@ -39,6 +39,7 @@ void RtfReader::FontText(std::string_view text) {
 }
 
 void RtfReader::FinishFont() {
+  FlushSurrogate();
   FontEntry entry = std::move(font_);
   font_ = FontEntry{};
   const std::optional<int32_t> number = std::exchange(fontNumber_, std::nullopt);

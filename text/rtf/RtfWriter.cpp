@@ -193,6 +193,7 @@ void RtfWriter::Paragraph(ParaFormatId format, bool close, std::optional<CharFor
   anyParagraph_ = true;
   currentParagraph_ = format;
   for (const Stretch& stretch : paragraph_) {
+    if (refused_) break;
     Chars(stretch.format);
     Text(stretch.bytes);
   }

@@ -17,7 +17,7 @@ bool WouldJoinWord(char c) {
 }  // namespace
 
 void RtfWriter::Text(std::string_view bytes) {
-  while (!bytes.empty()) {
+  while (!bytes.empty() && !refused_) {
     size_t plain = 0;
     while (plain < bytes.size() && IsPlain(bytes[plain])) ++plain;
     if (plain > 0) {
