@@ -34,7 +34,7 @@ ctest --test-dir "$root/build/$preset" --parallel "$(nproc)" --output-on-failure
 if ((status == 0)); then
   sed -n '/% tests passed/,$p' "$log"
 else
-  grep -vE '^ +Start +[0-9]+: |^ *[0-9]+/[0-9]+ Test +#[0-9]+: .* +Passed ' "$log" || true
+  grep -vE '^ +Start +[0-9]+: |^ *[0-9]+/[0-9]+ Test +#[0-9]+: .* +Passed ' "$log" | sed -E 's/ ?\.{4,}/ ... /' || true
   echo "test: the whole report is build/$preset/ctest.log" >&2
 fi
 exit "$status"
