@@ -141,6 +141,8 @@ class ContentBuilder {
   // Copies the bytes into the store. They may break anywhere, even inside a character or a CR LF.
   void Append(std::string_view bytes, CharFormatId charFormat = CharFormatId::kDefault,
               ParaFormatId paraFormat = ParaFormatId::kDefault);
+  // Stray bytes on both sides of this place stay characters of their own. Costs a piece.
+  void Separate();
   // Shares the pieces of another content of the same store (short ones are copied together).
   void Append(const Content& content, Range range);
   // Shares bytes that are committed in a block of this store: [begin, end), whole characters, one block.

@@ -101,12 +101,16 @@ void ContentBuilder::Append(std::string_view bytes, CharFormatId charFormat, Par
   }
 }
 
+void ContentBuilder::Separate() {
+  impl_->FlushRun(true);
+}
+
 void ContentBuilder::Append(const Content& content, Range range) {
   assert(content.store_ == impl_->store);
   content.ForEachPiece(range, [&](const PieceView& piece) {
     if (piece.bytes.size() < kCopyBelow) {
       // Stray bytes of two pieces stay two characters.
-      if (IsContinuation(piece.bytes.front())) impl_->FlushRun(true);
+      if (IsContinuation(piece.bytes.front())) Separate();
       Append(piece.bytes, piece.charFormat, piece.paraFormat);
     } else {
       AppendCommitted(piece.bytes.data(), piece.bytes.data() + piece.bytes.size(), piece.charFormat, piece.paraFormat);

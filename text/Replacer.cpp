@@ -119,7 +119,7 @@ void Replacer::Put(std::string_view bytes, CharFormatId charFormat, ParaFormatId
   // Stray bytes that become neighbours stay characters of their own.
   const bool apart = IsContinuation(bytes.front());
   if (charFormat != charFormat_ || paraFormat != paraFormat_ || apart || pending_.size() >= kPending) Flush();
-  if (apart) builder_.AppendCommitted(nullptr, nullptr);
+  if (apart) builder_.Separate();
   charFormat_ = charFormat;
   paraFormat_ = paraFormat;
   pending_.append(bytes);

@@ -51,6 +51,19 @@ TEST(Clipboard, CarriesStrayBytesAndFormatsToAnotherDocument) {
   EXPECT_EQ(formats[formats[to.document.content().CharFormatAt(text::Units(1))].font].name, "DejaVu Serif");
 }
 
+// Two bytes that came one after the other are two characters, here and there.
+TEST(Clipboard, KeepsStrayBytesApart) {
+  Editor from("|");
+  for (const char* byte : {"\xC3", "\xA9"}) ASSERT_TRUE(from.controller.Replace(from.controller.range(), byte));
+  ASSERT_EQ(from.document.content().size(), text::Units(2));
+  from.Press("Ctrl+A Ctrl+C");
+  Editor to("<|>");
+  to.controller.Insert(*from.host.data[QClipboard::Clipboard], false);
+  EXPECT_EQ(to.document.content().size(), text::Units(4));
+  EXPECT_EQ(to.Shown(), "<\xC3\xA9|>");
+  to.document.content().CheckInvariants();
+}
+
 struct PasteCase {
   const char* name;
   const char* rtf;  // null: not offered

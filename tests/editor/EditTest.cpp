@@ -152,6 +152,44 @@ TEST(Protection, RefusesWhatTouchesIt) {
   }
 }
 
+// Whatever part of a paragraph is selected: with protected text in it, it keeps its format.
+TEST(Protection, KeepsTheFormatOfItsParagraphs) {
+  const std::pair<const char*, bool> cases[] = {
+      {"|abc\ndef\nghi", true},   {"abc\n|def\nghi", false}, {"abc\nd|ef\nghi", false}, {"abc\nde|f\nghi", false},
+      {"abc\ndef|\nghi", false},  {"abc\ndef\n|ghi", true},  {"ab[c\n|def\nghi", true}, {"ab[c\nd|ef\nghi", false},
+      {"abc\nde[f\nghi|", false}, {"[abc\ndef\nghi|", false}};
+  for (const auto& [marked, allowed] : cases) {
+    Editor editor(marked);
+    const text::Selection selection = editor.controller.selection();
+    editor.controller.MapParagraphs([](text::ParaFormat format) { return WithBullet(format, 360); });
+    editor.controller.Select({text::Units(4), text::Units(6)});  // "de"
+    text::CharFormatPatch protect;
+    protect.setFlags = text::kProtected;
+    ASSERT_TRUE(editor.controller.PatchChars(protect));
+    editor.controller.Select(selection);
+    const text::Content before = editor.document.content();
+    text::ParaFormatPatch toRight;
+    toRight.alignment = text::Alignment::kRight;
+    EXPECT_EQ(editor.controller.PatchParagraphs(toRight), allowed) << marked;
+    const auto indented = [](text::ParaFormat format) { return format.leftIndent += 100, format; };
+    EXPECT_EQ(editor.controller.MapParagraphs(indented), allowed) << marked;
+    EXPECT_EQ(editor.document.content().SameAs(before), !allowed) << marked;
+  }
+}
+
+TEST(Protection, KeepsTheBulletFromBackspace) {
+  Editor editor("abc\n|def");
+  editor.controller.MapParagraphs([](text::ParaFormat format) { return WithBullet(format, 360); });
+  editor.controller.Select({text::Units(5), text::Units(6)});
+  text::CharFormatPatch protect;
+  protect.setFlags = text::kProtected;
+  ASSERT_TRUE(editor.controller.PatchChars(protect));
+  editor.controller.Select({text::Units(4), text::Units(4)});
+  EXPECT_EQ(editor.Press("Backspace").Shown(), "abc\n|def");
+  EXPECT_EQ(editor.host.refusals, 1);
+  EXPECT_EQ(editor.controller.ParagraphState().bullet, true);
+}
+
 TEST(Protection, TakesNoFormatButItself) {
   Editor editor("[abc|");
   text::CharFormatPatch protect, bold, release;
@@ -196,6 +234,30 @@ TEST(NewText, AtAParagraphsStartLooksLikeWhatFollows) {
   bold.setFlags = text::kBold;
   editor.controller.PatchChars(bold);
   EXPECT_EQ(editor.Press("Home 'x'").Flagged(text::kBold), "xb,");
+}
+
+// The whole text, or all of a paragraph, is bold and goes away.
+TEST(NewText, LooksLikeTheTextThatWasDeleted) {
+  const KeyCase cases[] = {
+      {"[abc|", "Delete 'x'", "x,"},
+      {"[abc|", "Backspace Left Right 'x'", "x,"},
+      {"[abc|", "Ctrl+X 'x'", "x,"},
+      {"a[bc|", "Ctrl+A Delete 'x'", ""},
+      {"[a|", "Right Backspace 'x'", "x,"},
+      {"[abc|", "Delete Ctrl+Z Ctrl+Y 'x'", "x,"},
+      {"1\n[abc|\n2", "Delete 'x'", "x,"},
+      {"1\n[abc|", "Ctrl+X 'x'", "x,"},
+      {"1\n[a|\n2", "Left Delete 'x'", "x,"},
+      {"1\n[a|\n2", "Right Ctrl+Backspace 'x'", "x,"},
+      {"1\n[abc|\n2", "Delete Left Right 'x'", ""},
+  };
+  for (const auto& c : cases) {
+    Editor editor(c.before);
+    text::CharFormatPatch bold;
+    bold.setFlags = text::kBold;
+    editor.controller.PatchChars(bold);
+    EXPECT_EQ(editor.Press(c.keys).Flagged(text::kBold), c.after) << c.before << " " << c.keys;
+  }
 }
 
 TEST(NewText, AFormatWithoutSelectionIsRememberedUntilTheCaretMoves) {

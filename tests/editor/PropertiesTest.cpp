@@ -348,5 +348,24 @@ TEST(Loading, BytesComeBackAsTheyWere) {
   EXPECT_EQ(box.Text(), all);
 }
 
+// Neither the default format's size nor that of rich text goes away with the text.
+TEST(Formats, StayWhenTheWholeTextIsDeleted) {
+  RichTextBox plain, rich;
+  plain.SetDefaultFormat("DejaVu Sans", 20);
+  Load(plain, "abc");
+  rich.LoadRtf(text::rtf::Read("{\\rtf1{\\fonttbl{\\f0 Courier;}}\\f0\\fs40 rich}", rich.document().content().store()));
+  for (RichTextBox* box : {&plain, &rich}) {
+    const auto font = box->SelFontName();
+    box->SelectAll();
+    box->DeleteSelection();
+    EXPECT_EQ(box->SelFontSize(), 20);
+    EXPECT_EQ(box->SelFontName(), font);
+    box->SetSelText("x");
+    box->SelectAll();
+    EXPECT_EQ(box->SelFontSize(), 20);
+    EXPECT_EQ(box->SelFontName(), font);
+  }
+}
+
 }  // namespace
 }  // namespace ui::test

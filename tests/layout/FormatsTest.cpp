@@ -215,6 +215,22 @@ TEST(Offset, RaisedTextMakesTheLineHigherAndMovesTheCaret) {
   }
 }
 
+// Each line takes the raised text of its own runs, where a block has many of both.
+TEST(Offset, RaisesOnlyItsLine) {
+  Document document = MakeDocument(Repeated("ab cd\u2028", 30));
+  CharFormatPatch bold, raised;
+  bold.setFlags = kBold;
+  raised.offset = 300;
+  for (int line = 0; line < 30; ++line) document.PatchChars({Units(6 * line), Units(6 * line + 2)}, bold, {});
+  document.PatchChars({Units(6 * 17 + 3), Units(6 * 17 + 4)}, raised, {});
+  TestView view(document, 300, 3000);
+  const auto bottom = [&](int line) { return view.CaretRect({Units(6 * line)}).bottom(); };
+  for (int line = 1; line < 30; ++line) {
+    const double step = bottom(line) - bottom(line - 1), plain = bottom(1) - bottom(0);
+    EXPECT_NEAR(step, line == 17 ? plain + 20 : plain, 2) << line;
+  }
+}
+
 TEST(Sizes, TheLargestTextOfALineSetsItsHeight) {
   Document document = MakeDocument("small BIG small\nnext");
   TestView view(document);

@@ -80,6 +80,25 @@ TEST(Paint, SelectedTextTakesTheHighlightedColourWhateverItsFormat) {
 }
 
 // A part selected looks as it does when everything is, pixel for pixel away from its edges.
+TEST(Paint, BackgroundsStandBehindTheirOwnText) {
+  Document document = MakeDocument("ab cd\u2028ab cd\u2028ab cd\u2028ab cd");
+  CharFormatPatch patch;
+  for (const uint32_t rgb : {0x0000F1u, 0x00F200u, 0xF30000u}) {
+    patch.background = Color{rgb};
+    const int line = rgb == 0x0000F1u ? 0 : rgb == 0x00F200u ? 1 : 3;
+    document.PatchChars({Units(6 * line + 1), Units(6 * line + 4)}, patch, {});
+  }
+  TestView view(document);
+  const QImage image = PaintToImage(view, Options());
+  const QColor colours[] = {QColor(0xF1, 0, 0), QColor(0, 0xF2, 0), QColor(), QColor(0, 0, 0xF3)};
+  for (int line = 0; line < 4; ++line) {
+    const QRect row = view.CaretRect({Units(6 * line)}).toAlignedRect().adjusted(-2, 2, 200, -2);
+    for (int other : {0, 1, 3}) {
+      EXPECT_EQ(CountOf(image, colours[other], row) > 40, other == line) << line << " " << other;
+    }
+  }
+}
+
 TEST(Paint, APartlySelectedLineShowsTheSameGlyphs) {
   const Document document = MakeDocument("some words in a row");
   TestView view(document);

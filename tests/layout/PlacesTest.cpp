@@ -2,6 +2,8 @@
 #include "LayoutTesting.h"
 #include "text/Movement.h"
 
+#include <algorithm>
+
 namespace text::layout {
 namespace {
 
@@ -46,26 +48,43 @@ TEST_P(Places, LinesFollowEachOtherWithoutAGap) {
     const bool wraps = view.LineAt({line.end, Bias::kRight}).begin == line.end && !line.empty();
     next = wraps ? line.end : line.end + Units(1);
     place = {next};
-    EXPECT_GT(view.TopOf(next), view.TopOf(line.begin) - 1);
+    EXPECT_GT(view.TopOf(next), view.TopOf(line.begin));
   }
   FAIL() << "the lines do not end";
+}
+
+// From a place to the side until it goes no further; every position on the way.
+std::vector<int64_t> WalkVisually(ViewLayout& view, CaretPlace place, bool right, size_t limit) {
+  std::vector<int64_t> visited{place.position.value()};
+  while (visited.size() <= limit) {
+    place = view.MoveVisually(place, right);
+    if (place.position.value() == visited.back()) break;
+    visited.push_back(place.position.value());
+  }
+  return visited;
 }
 
 TEST_P(Places, EveryPlaceIsReachedVisuallyFromOneEndToTheOther) {
   const Document document = MakeDocument(GetParam().text);
   TestView view(document, GetParam().width, 3000);
-  const bool rightToLeft = view.IsRightToLeft(Breaks(0));
-  CaretPlace place{Units(0)};
-  const int64_t limit = 2 * document.content().size().value() + 10;
-  int64_t steps = 0;
-  for (CaretPlace next = place; steps < limit; ++steps, place = next) {
-    next = view.MoveVisually(place, !rightToLeft);
-    if (next.position == place.position) break;
-  }
-  if (!GetParam().mixed) {
-    EXPECT_EQ(place.position, document.content().size());
-  }
-  EXPECT_LT(steps, limit) << "went round in a circle";
+  const Content& content = document.content();
+  std::vector<int64_t> places{0};
+  for (Units at; at < content.size(); places.push_back(at.value())) at = NextGrapheme(content, at);
+  const bool forward = !view.IsRightToLeft(Breaks(0));
+  std::vector<int64_t> there = WalkVisually(view, {Units(0)}, forward, places.size());
+  EXPECT_EQ(there.front(), places.front());
+  EXPECT_EQ(there.back(), places.back());
+  std::vector<int64_t> back = WalkVisually(view, {Units(there.back())}, !forward, places.size());
+  std::reverse(back.begin(), back.end());
+  EXPECT_EQ(back, there);
+  if (GetParam().mixed) std::sort(there.begin(), there.end());
+  // In a line that runs to the left Qt passes over the place before the blank that the line wraps behind.
+  std::erase_if(places, [&](int64_t at) {
+    const bool passed = std::find(there.begin(), there.end(), at) == there.end();
+    const Range next{Units(at), std::min(Units(at + 1), content.size())};
+    return !forward && passed && content.ByteString(next) == " " && view.LineAt({next.end}).begin == next.end;
+  });
+  EXPECT_EQ(there, places);
 }
 
 TEST_P(Places, LinesDownAndUpAgainKeepTheColumn) {

@@ -75,7 +75,8 @@ void BlockPainter::Paint(const PlacedBlock& placed) {
 
 void BlockPainter::PaintBackgrounds(const LayoutBlock& block, size_t line, QPointF origin) {
   const auto& runs = block.text().runs;
-  for (size_t i = 0; i < runs.size(); ++i) {
+  const BlockLine& geometry = block.lines()[line];
+  for (size_t i = block.RunBehind(geometry.begin); i < runs.size() && runs[i].begin < geometry.end; ++i) {
     const Color color = block.LookOfRun(i).source.background;
     if (color.isAuto()) continue;
     std::vector<QRectF> rects;
@@ -125,9 +126,8 @@ void BlockPainter::PaintText(const LayoutBlock& block, size_t line, const Select
 void BlockPainter::PaintGlyphs(const LayoutBlock& block, size_t line, int from, int to, QPointF linePosition) {
   const QTextLine qt = block.qtLine(line);
   const auto& runs = block.text().runs;
-  for (size_t i = 0; i < runs.size(); ++i) {
+  for (size_t i = block.RunBehind(from); i < runs.size() && runs[i].begin < to; ++i) {
     const int begin = std::max(from, runs[i].begin), end = std::min(to, runs[i].end);
-    if (begin >= end) continue;
     if (end - begin == 1 && Contains(block.text().objects, begin)) continue;
     const FormatLook& look = block.LookOfRun(i);
     const QPointF position = linePosition - QPointF(0, look.raise);

@@ -60,6 +60,7 @@ QTextCharFormat ObjectFormat(const FormatLook& look, QChar standIn) {
 LayoutBlock::LayoutBlock(BlockText text, const BlockStyle& style) : text_(std::move(text)), width_(style.width) {
   looks_.reserve(text_.runs.size());
   for (const BlockRun& run : text_.runs) looks_.push_back(&style.fonts->Of(*style.formats, run.format));
+  raises_ = std::any_of(looks_.begin(), looks_.end(), [](const FormatLook* look) { return look->raise != 0; });
   endLook_ = text_.runs.empty() ? &style.fonts->Of(*style.formats, text_.endFormat) : looks_.back();
   SetUpLayout(style);
   PlaceLines(style);
@@ -150,9 +151,9 @@ void LayoutBlock::SetTabs(const BlockStyle& style, double lead) {
 void LayoutBlock::MeasureLine(const QTextLine& line, double zoom, BlockLine* measured, double* ascent,
                               double* descent) const {
   double up = line.ascent(), down = line.descent(), leading = std::max(0.0, line.leading());
-  for (size_t i = 0; i < looks_.size(); ++i) {
-    if (looks_[i]->raise == 0 || text_.runs[i].end <= measured->begin || text_.runs[i].begin >= measured->next)
-      continue;
+  const size_t first = raises_ ? RunBehind(measured->begin) : looks_.size();
+  for (size_t i = first; i < looks_.size() && text_.runs[i].begin < measured->next; ++i) {
+    if (looks_[i]->raise == 0) continue;
     up = std::max(up, looks_[i]->ascent + looks_[i]->raise);
     down = std::max(down, looks_[i]->descent - looks_[i]->raise);
   }
@@ -209,10 +210,15 @@ void LayoutBlock::PlaceBullet(double zoom) {
   bulletRect_ = QRectF(text_.rightToLeft ? width_ - lead - width : lead, line.top, width, line.height);
 }
 
-const FormatLook& LayoutBlock::LookAt(int shown) const {
+size_t LayoutBlock::RunBehind(int shown) const {
   const auto run = std::upper_bound(text_.runs.begin(), text_.runs.end(), shown,
                                     [](int offset, const BlockRun& r) { return offset < r.end; });
-  return run == text_.runs.end() ? *endLook_ : *looks_[static_cast<size_t>(run - text_.runs.begin())];
+  return static_cast<size_t>(run - text_.runs.begin());
+}
+
+const FormatLook& LayoutBlock::LookAt(int shown) const {
+  const size_t run = RunBehind(shown);
+  return run == looks_.size() ? *endLook_ : *looks_[run];
 }
 
 int LayoutBlock::FromShown(int shown) const {

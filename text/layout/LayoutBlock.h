@@ -52,6 +52,8 @@ class LayoutBlock {
   QTextLine qtLine(size_t line) const { return layout_.lineAt(static_cast<int>(line)); }
   // The look of the character at a shown offset, or at the end of the text of the last one.
   const FormatLook& LookAt(int shown) const;
+  // The first run that reaches beyond a shown offset, or how many runs there are.
+  size_t RunBehind(int shown) const;
   // The part of the run's look that this block needs; one for each run of text().
   const FormatLook& LookOfRun(size_t run) const { return *looks_[run]; }
 
@@ -100,6 +102,7 @@ class LayoutBlock {
   BlockText text_;
   std::vector<const FormatLook*> looks_;
   const FormatLook* endLook_ = nullptr;
+  bool raises_ = false;  // some look does
   QTextLayout layout_;
   QTextOption option_;
   std::vector<BlockLine> lines_;

@@ -135,7 +135,9 @@ void EditorAccessible::removeSelection(int index) {
 }
 
 void EditorAccessible::setSelection(int index, int start, int end) {
-  if (index == 0) box().impl_->controller.Select({UnitsOf(start), UnitsOf(end)});
+  box().impl_->Guard([&] {
+    if (index == 0) box().impl_->controller.Select({UnitsOf(start), UnitsOf(end)});
+  });
 }
 
 int EditorAccessible::cursorPosition() const {
@@ -143,14 +145,16 @@ int EditorAccessible::cursorPosition() const {
 }
 
 void EditorAccessible::setCursorPosition(int position) {
-  const Units place = UnitsOf(position);
-  box().impl_->controller.Select({place, place});
+  box().impl_->Guard([&] {
+    const Units place = UnitsOf(position);
+    box().impl_->controller.Select({place, place});
+  });
 }
 
 // --- Text
 
 QString EditorAccessible::text(int start, int end) const {
-  return TextOf(content(), RangeOf(start, end));
+  return box().impl_->Guard([&]() -> QString { return TextOf(content(), RangeOf(start, end)); });
 }
 int EditorAccessible::characterCount() const {
   return OffsetOf(content().size());
@@ -185,70 +189,86 @@ QString EditorAccessible::Give(Range range, int* start, int* end) const {
 }
 
 QString EditorAccessible::textAtOffset(int offset, QAccessible::TextBoundaryType boundary, int* start, int* end) const {
-  return Give(RangeAround(UnitsOf(offset), boundary), start, end);
+  *start = *end = 0;
+  return box().impl_->Guard([&]() -> QString { return Give(RangeAround(UnitsOf(offset), boundary), start, end); });
 }
 
 QString EditorAccessible::textBeforeOffset(int offset, QAccessible::TextBoundaryType boundary, int* start,
                                            int* end) const {
-  const Units begin = RangeAround(UnitsOf(offset), boundary).begin;
-  if (begin == Units(0)) return Give({begin, begin}, start, end);
-  Range before = RangeAround(text::PreviousGrapheme(content(), begin), boundary);
-  return Give({before.begin, std::min(before.end, begin)}, start, end);
+  *start = *end = 0;
+  return box().impl_->Guard([&]() -> QString {
+    const Units begin = RangeAround(UnitsOf(offset), boundary).begin;
+    if (begin == Units(0)) return Give({begin, begin}, start, end);
+    Range before = RangeAround(text::PreviousGrapheme(content(), begin), boundary);
+    return Give({before.begin, std::min(before.end, begin)}, start, end);
+  });
 }
 
 QString EditorAccessible::textAfterOffset(int offset, QAccessible::TextBoundaryType boundary, int* start,
                                           int* end) const {
-  const Units after = RangeAround(UnitsOf(offset), boundary).end;
-  if (after == content().size()) return Give({after, after}, start, end);
-  return Give(RangeAround(after, boundary), start, end);
+  *start = *end = 0;
+  return box().impl_->Guard([&]() -> QString {
+    const Units after = RangeAround(UnitsOf(offset), boundary).end;
+    if (after == content().size()) return Give({after, after}, start, end);
+    return Give(RangeAround(after, boundary), start, end);
+  });
 }
 
 // --- Places
 
 QRect EditorAccessible::characterRect(int offset) const {
-  auto& layout = box().impl_->layout;
-  const Units at = UnitsOf(offset);
-  const auto rects = layout.RangeRects({at, text::NextGrapheme(content(), at)});
-  const QRectF rect = rects.empty() ? layout.CaretRect({at}) : rects.front();
-  return rect.toAlignedRect().translated(box().viewport()->mapToGlobal(QPoint(0, 0)));
+  return box().impl_->Guard([&]() -> QRect {
+    auto& layout = box().impl_->layout;
+    const Units at = UnitsOf(offset);
+    const auto rects = layout.RangeRects({at, text::NextGrapheme(content(), at)});
+    const QRectF rect = rects.empty() ? layout.CaretRect({at}) : rects.front();
+    return rect.toAlignedRect().translated(box().viewport()->mapToGlobal(QPoint(0, 0)));
+  });
 }
 
 int EditorAccessible::offsetAtPoint(const QPoint& point) const {
-  const QPoint local = box().viewport()->mapFromGlobal(point);
-  return OffsetOf(box().impl_->layout.HitTest(local).position);
+  return box().impl_->Guard([&]() -> int {
+    const QPoint local = box().viewport()->mapFromGlobal(point);
+    return OffsetOf(box().impl_->layout.HitTest(local).position);
+  });
 }
 
 void EditorAccessible::scrollToSubstring(int start, int end) {
-  auto& layout = box().impl_->layout;
-  layout.EnsureVisible({UnitsOf(end)});
-  layout.EnsureVisible({UnitsOf(start)});
-  box().impl_->ViewChanged();
+  box().impl_->Guard([&] {
+    auto& layout = box().impl_->layout;
+    layout.EnsureVisible({UnitsOf(end)});
+    layout.EnsureVisible({UnitsOf(start)});
+    box().impl_->ViewChanged();
+  });
 }
 
 // In the words of the IAccessible2 text attributes.
 QString EditorAccessible::attributes(int offset, int* start, int* end) const {
-  const Units at = UnitsOf(offset);
-  *start = *end = OffsetOf(at);
-  if (at == content().size()) return {};
-  const text::Breaks paragraph = content().ParagraphAt(at);
-  const text::CharFormatId id = content().CharFormatAt(at);
-  Units runEnd = at;
-  content().ForEachPiece({at, content().ParagraphEnd(paragraph) + Units(1)}, [&](const text::PieceView& piece) {
-    if (piece.charFormat == id) runEnd += piece.sums.units;
-    return piece.charFormat == id;
+  *start = *end = 0;
+  return box().impl_->Guard([&]() -> QString {
+    const Units at = UnitsOf(offset);
+    *start = *end = OffsetOf(at);
+    if (at == content().size()) return {};
+    const text::Breaks paragraph = content().ParagraphAt(at);
+    const text::CharFormatId id = content().CharFormatAt(at);
+    Units runEnd = at;
+    content().ForEachPiece({at, content().ParagraphEnd(paragraph) + Units(1)}, [&](const text::PieceView& piece) {
+      if (piece.charFormat == id) runEnd += piece.sums.units;
+      return piece.charFormat == id;
+    });
+    *end = OffsetOf(runEnd);
+    const text::CharFormat& format = content().formats()[id];
+    const std::string& name = content().formats()[format.font].name;
+    QString result = QStringLiteral("font-size:%1pt;").arg(format.halfPoints / 2.0);
+    result += QStringLiteral("font-family:\"%1\";")
+                  .arg(name.empty() ? box().impl_->defaultFont.family() : QString::fromStdString(name));
+    if (format.flags & text::kBold) result += QStringLiteral("font-weight:bold;");
+    if (format.flags & text::kItalic) result += QStringLiteral("font-style:italic;");
+    if (format.flags & text::kUnderline)
+      result += QStringLiteral("text-underline-style:solid;text-underline-type:single;");
+    if (format.flags & text::kStrikeThru) result += QStringLiteral("text-line-through-type:single;");
+    return result;
   });
-  *end = OffsetOf(runEnd);
-  const text::CharFormat& format = content().formats()[id];
-  const std::string& name = content().formats()[format.font].name;
-  QString result = QStringLiteral("font-size:%1pt;").arg(format.halfPoints / 2.0);
-  result += QStringLiteral("font-family:\"%1\";")
-                .arg(name.empty() ? box().impl_->defaultFont.family() : QString::fromStdString(name));
-  if (format.flags & text::kBold) result += QStringLiteral("font-weight:bold;");
-  if (format.flags & text::kItalic) result += QStringLiteral("font-style:italic;");
-  if (format.flags & text::kUnderline)
-    result += QStringLiteral("text-underline-style:solid;text-underline-type:single;");
-  if (format.flags & text::kStrikeThru) result += QStringLiteral("text-line-through-type:single;");
-  return result;
 }
 
 // --- Editing
@@ -261,12 +281,14 @@ void EditorAccessible::insertText(int offset, const QString& text) {
 }
 
 void EditorAccessible::replaceText(int start, int end, const QString& text) {
-  if (box().readOnly()) return;
-  const std::u16string_view units(reinterpret_cast<const char16_t*>(text.utf16()), static_cast<size_t>(text.size()));
-  auto& document = box().document();
-  document.SealStep();
-  box().impl_->controller.Replace(RangeOf(start, end), text::BytesOfUtf16(units, document.properties().lineEnd));
-  document.SealStep();
+  box().impl_->Guard([&] {
+    if (box().readOnly()) return;
+    const std::u16string_view units(reinterpret_cast<const char16_t*>(text.utf16()), static_cast<size_t>(text.size()));
+    auto& document = box().document();
+    document.SealStep();
+    box().impl_->controller.Replace(RangeOf(start, end), text::BytesOfUtf16(units, document.properties().lineEnd));
+    document.SealStep();
+  });
 }
 
 }  // namespace ui

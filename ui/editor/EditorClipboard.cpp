@@ -1,6 +1,9 @@
 #include "ui/editor/EditorClipboard.h"
 
 #include "ui/editor/EditorController.h"
+#include "ui/editor/Guarded.h"
+
+#include <QDebug>
 
 #include <map>
 
@@ -96,6 +99,8 @@ Content Rebuilt(const Content& source, Range range, const text::Document& target
   source.ForEachPiece(range, [&](const PieceView& piece) {
     const auto bytes =
         piece.sums.breaks > text::Breaks(0) ? WithLineEnds(piece.bytes, lineEnd) : std::string(piece.bytes);
+    // Stray bytes of two pieces stay two characters.
+    if ((static_cast<unsigned char>(bytes.front()) & 0xC0) == 0x80) builder.Separate();
     builder.Append(bytes, sameStore ? piece.charFormat : mapped(piece.charFormat),
                    sameStore ? piece.paraFormat : mapped(piece.paraFormat));
     return true;
@@ -133,9 +138,13 @@ bool EditorMimeData::hasFormat(const QString& mimeType) const {
 }
 
 QVariant EditorMimeData::retrieveData(const QString& mimeType, QMetaType type) const {
-  if (mimeType == kPlainType) return PlainTextForOthers(content_, range_);
-  if (IsRtfType(mimeType)) return QByteArray::fromStdString(WriteFragment(content_, range_, properties_));
-  return QMimeData::retrieveData(mimeType, type);
+  const auto convert = [&]() -> QVariant {
+    if (mimeType == kPlainType) return PlainTextForOthers(content_, range_);
+    if (IsRtfType(mimeType)) return QByteArray::fromStdString(WriteFragment(content_, range_, properties_));
+    return QMimeData::retrieveData(mimeType, type);
+  };
+  // Another program asks, perhaps long after the copying: it gets nothing.
+  return Guarded(convert, [](const QString& reason) { qWarning() << "The copied text cannot be given:" << reason; });
 }
 
 // --- Taken from others

@@ -90,7 +90,8 @@ class EditorController {
   QVariant QueryInputMethod(Qt::InputMethodQuery query) const;
   bool composing() const { return composing_; }
 
-  // --- Formats. Protected text takes no format but protection itself.
+  // --- Formats. Protected text takes no format but protection itself, and a paragraph
+  // with protected text takes none.
   text::CharSummary CharState() const;  // of the selection, or of the text typed next
   text::ParaSummary ParagraphState() const;
   text::CharFormat InsertFormat() const;
@@ -137,6 +138,7 @@ class EditorController {
   text::Range OvertypeRange(const QString& text) const;
   void DropComposition();
   void KeepFormatForNextText();
+  bool EmptiesParagraph(text::Range erased) const;
   bool LeaveList();
   bool BackspaceRemovesBullet();
 
@@ -156,6 +158,7 @@ class EditorController {
 
   // EditorFormats.cpp
   text::Range ParagraphsOfSelection() const;
+  bool MayFormatParagraphs() const;
 
   // EditorInputMethod.cpp
   void Commit(const QInputMethodEvent& event);
@@ -183,7 +186,8 @@ class EditorController {
 class EditorController::Operation {
  public:
   explicit Operation(EditorController& controller) : controller_(controller) {
-    if (controller_.depth_++ == 0) controller_.MapThroughForeignEdits();
+    if (controller_.depth_ == 0) controller_.MapThroughForeignEdits();  // first: it may throw
+    ++controller_.depth_;
   }
   // After an exception nothing is told now; the next operation tells it along.
   ~Operation() noexcept(false) {

@@ -139,7 +139,14 @@ void EditorController::Erase(bool forward, bool word) {
   if (!forward && range().empty() && BackspaceRemovesBullet()) return;
   if (erased.empty() || !UserMayChange(erased)) return;
   if (kind == EditKind::kCommand) document_.SealStep();
+  if (EmptiesParagraph(erased)) KeepFormatForNextText();
   Replace(erased, {}, kind);
+}
+
+bool EditorController::EmptiesParagraph(Range erased) const {
+  const Content& content = document_.content();
+  return content.ParagraphStart(content.ParagraphAt(erased.begin)) == erased.begin &&
+         content.ParagraphEnd(content.ParagraphAt(erased.end)) == erased.end;
 }
 
 bool EditorController::BackspaceRemovesBullet() {
@@ -147,8 +154,8 @@ bool EditorController::BackspaceRemovesBullet() {
   const text::Breaks paragraph = content.ParagraphAt(selection_.caret);
   if (selection_.caret != content.ParagraphStart(paragraph)) return false;
   if (!document_.formats()[content.ParaFormatOf(paragraph)].bullet) return false;
-  if (readOnly_) return host_.Refused(), true;
-  return MapParagraphs([](text::ParaFormat format) { return WithoutBullet(format); });
+  if (readOnly_ || !MapParagraphs([](text::ParaFormat format) { return WithoutBullet(format); })) host_.Refused();
+  return true;
 }
 
 }  // namespace ui

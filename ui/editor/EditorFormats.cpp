@@ -44,6 +44,14 @@ Range EditorController::ParagraphsOfSelection() const {
   return paragraphs;
 }
 
+bool EditorController::MayFormatParagraphs() const {
+  const Content& content = document_.content();
+  const Range touched = ParagraphsOfSelection();
+  const Units begin = content.ParagraphStart(content.ParagraphAt(touched.begin));
+  const Units end = content.ParagraphEnd(content.ParagraphAt(touched.end));
+  return (content.Summarize({begin, std::min(end + Units(1), content.size())}).someSet & text::kProtected) == 0;
+}
+
 text::ParaSummary EditorController::ParagraphState() const {
   return document_.content().SummarizeParagraphs(ParagraphsOfSelection());
 }
@@ -66,7 +74,7 @@ bool EditorController::PatchChars(const text::CharFormatPatch& patch) {
 }
 
 bool EditorController::PatchParagraphs(const text::ParaFormatPatch& patch) {
-  if (!MayChange(range())) return false;
+  if (!MayFormatParagraphs()) return false;
   const Operation operation(*this);
   document_.SealStep();
   document_.PatchParagraphs(ParagraphsOfSelection(), patch, selection_);
@@ -76,7 +84,7 @@ bool EditorController::PatchParagraphs(const text::ParaFormatPatch& patch) {
 }
 
 bool EditorController::MapParagraphs(const std::function<text::ParaFormat(text::ParaFormat)>& map) {
-  if (!MayChange(range())) return false;
+  if (!MayFormatParagraphs()) return false;
   const Operation operation(*this);
   const Range paragraphs = ParagraphsOfSelection();
   const Content& content = document_.content();

@@ -10,6 +10,7 @@
 #include <QFontMetricsF>
 #include <QInputMethod>
 #include <QPointer>
+#include <QScopedValueRollback>
 #include <QScrollBar>
 #include <QStyleHints>
 
@@ -47,7 +48,7 @@ RichTextBox::RichTextBox(QWidget* parent) : QAbstractScrollArea(parent), impl_(s
   impl_->layout.SetDefaultFont(impl_->defaultFont);
   impl_->layout.SetViewport(viewport()->size());
   connect(verticalScrollBar(), &QScrollBar::actionTriggered, this,
-          [this](int action) { impl_->ScrollBarAction(action); });
+          [this](int action) { impl_->Guard([&] { impl_->ScrollBarAction(action); }); });
   impl_->UpdateScrollBar();
 }
 
@@ -332,13 +333,12 @@ double RichTextBox::Impl::LineHeight() const {
 }
 
 void RichTextBox::Impl::UpdateScrollBar() {
-  const bool outer = std::exchange(syncingScrollBar, true);
+  const QScopedValueRollback<bool> syncing(syncingScrollBar, true);
   QScrollBar* bar = box.verticalScrollBar();
   bar->setPageStep(layout.scrollPage());
   bar->setSingleStep(std::max(1, static_cast<int>(LineHeight())));
   bar->setRange(0, layout.scrollMaximum());
   bar->setValue(layout.scrollValue());
-  syncingScrollBar = outer;
 }
 
 // Steps are counted in pixels: in a huge text one unit of the bar is many of them.
@@ -368,10 +368,12 @@ void RichTextBox::Impl::ScrollBarAction(int action) {
 
 void RichTextBox::scrollContentsBy(int, int) {
   if (impl_->syncingScrollBar) return;
-  if (verticalScrollBar()->value() != impl_->layout.scrollValue()) {
-    impl_->layout.SetScrollValue(verticalScrollBar()->value());
-  }
-  viewport()->update();
+  impl_->Guard([&] {
+    if (verticalScrollBar()->value() != impl_->layout.scrollValue()) {
+      impl_->layout.SetScrollValue(verticalScrollBar()->value());
+    }
+    viewport()->update();
+  });
 }
 
 void RichTextBox::Impl::RestartBlinking() {

@@ -8,7 +8,6 @@
 #include <QPainter>
 
 #include <algorithm>
-#include <exception>
 
 namespace ui {
 
@@ -34,21 +33,15 @@ QPalette ReadableOn(QPalette palette, const QColor& background) {
 
 // No exception may cross Qt's event loop. Edits are values: after a failed one the text is what it was.
 bool RichTextBox::viewportEvent(QEvent* event) {
-  try {
-    return DispatchViewportEvent(*event);
-  } catch (const std::exception& failure) {
-    Q_EMIT EditFailed(QString::fromUtf8(failure.what()));
-    return true;
-  }
+  bool handled = true;
+  impl_->Guard([&] { handled = DispatchViewportEvent(*event); });
+  return handled;
 }
 
 bool RichTextBox::event(QEvent* event) {
-  try {
-    return DispatchEvent(*event);
-  } catch (const std::exception& failure) {
-    Q_EMIT EditFailed(QString::fromUtf8(failure.what()));
-    return true;
-  }
+  bool handled = true;
+  impl_->Guard([&] { handled = DispatchEvent(*event); });
+  return handled;
 }
 
 bool RichTextBox::DispatchViewportEvent(QEvent& event) {

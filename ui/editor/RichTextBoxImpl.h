@@ -3,6 +3,7 @@
 
 #include "ui/editor/EditorController.h"
 #include "ui/editor/EditorMouse.h"
+#include "ui/editor/Guarded.h"
 #include "ui/editor/RichTextBox.h"
 
 #include <QBasicTimer>
@@ -25,6 +26,12 @@ struct RichTextBox::Impl : EditorHost {
   const QMimeData* ClipboardData(QClipboard::Mode mode) override;
   void SetClipboardData(QClipboard::Mode mode, std::unique_ptr<QMimeData> data) override;
   bool HasPrimarySelection() override;
+
+  // For whatever Qt calls; a failure is told by EditFailed.
+  template <typename Call>
+  auto Guard(Call&& call) {
+    return Guarded(call, [this](const QString& reason) { Q_EMIT box.EditFailed(reason); });
+  }
 
   void UpdateScrollBar();
   void ScrollBarAction(int action);
