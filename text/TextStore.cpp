@@ -1,6 +1,8 @@
 #include "text/TextStore.h"
 
 #include <algorithm>
+#include <array>
+#include <bit>
 #include <cassert>
 #include <cstring>
 #include <new>
@@ -52,27 +54,85 @@ int64_t SumOfBytes(__m128i v) {
   return _mm_cvtsi128_si64(sums) + _mm_cvtsi128_si64(_mm_srli_si128(sums, 8));
 }
 
-// Counts sixteen bytes at a time while they are ASCII. At most 255 steps, so that byte counters cannot overflow.
-const char* ScanAscii(const char* p, const char* stop, ScanCounts& counts) {
+// A mask of the first `count` bytes, count <= 16.
+__m128i FirstBytes(unsigned count) {
+  alignas(16) static constexpr auto kBytes = [] {
+    std::array<unsigned char, 32> bytes{};
+    for (int i = 0; i < 16; ++i) bytes[static_cast<size_t>(i)] = 0xFF;
+    return bytes;
+  }();
+  return _mm_loadu_si128(reinterpret_cast<const __m128i*>(kBytes.data() + 16 - count));
+}
+
+// What sixteen bytes are that begin at a character's border: how many of them are whole characters of one, two or three
+// bytes that need no closer look, and which are their leads and continuations.
+struct WideGroup {
+  unsigned length;
+  __m128i continuations;
+  __m128i leads;
+};
+
+WideGroup LookAt(__m128i v, unsigned wide) {
+  const auto below = [v](int byte) { return _mm_cmplt_epi8(v, _mm_set1_epi8(static_cast<char>(byte))); };
+  const auto above = [v](int byte) { return _mm_cmpgt_epi8(v, _mm_set1_epi8(static_cast<char>(byte))); };
+  const __m128i continuations = below(0xC0);  // as signed bytes; ASCII is above them all
+  const __m128i leads2 = _mm_and_si128(above(0xC1), below(0xE0));
+  const __m128i special = _mm_cmpeq_epi8(v, _mm_set1_epi8(static_cast<char>(0xED)));
+  const __m128i leads3 = _mm_andnot_si128(special, _mm_and_si128(above(0xE0), below(0xF0)));
+  const auto tails = static_cast<unsigned>(_mm_movemask_epi8(continuations));
+  const auto two = static_cast<unsigned>(_mm_movemask_epi8(leads2));
+  const auto three = static_cast<unsigned>(_mm_movemask_epi8(leads3));
+  const unsigned expected = (two | three) << 1 | three << 2;
+  const unsigned odd = ((tails ^ expected) & 0xFFFF) | (wide & ~(tails | two | three));
+  unsigned length = odd ? static_cast<unsigned>(std::countr_zero(odd)) : 16;
+  // Not into a character that goes on behind it.
+  if (length > 0 && ((two | three) >> (length - 1) & 1)) {
+    length -= 1;
+  } else if (length > 1 && (three >> (length - 2) & 1)) {
+    length -= 2;
+  }
+  return {length, continuations, _mm_or_si128(leads2, leads3)};
+}
+
+// Counts sixteen bytes at a time, and one by one the characters that are not common, up to sixteen bytes before `stop`.
+// At most 255 steps, so that byte counters cannot overflow.
+const char* ScanWide(const char* p, const char* stop, const char* end, ScanCounts& counts) {
   const __m128i cr = _mm_set1_epi8('\r');
   const __m128i lf = _mm_set1_epi8('\n');
-  __m128i crs = _mm_setzero_si128(), lfs = crs, pairs = crs;
-  const char* const begin = p;
-  const char* const limit = std::min(stop - 15, p + 255 * 16);
-  for (; p < limit; p += 16) {
+  __m128i crs = _mm_setzero_si128(), lfs = crs, pairs = crs, tails = crs, leads = crs;
+  int64_t bytes = 0;
+  const char* const limit = stop - 15;
+  for (int step = 0; step < 255 && p < limit; ++step) {
     const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
-    if (_mm_movemask_epi8(v)) break;
     const __m128i before = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p - 1));
-    const __m128i isLf = _mm_cmpeq_epi8(v, lf);
-    crs = _mm_sub_epi8(crs, _mm_cmpeq_epi8(v, cr));
+    __m128i isCr = _mm_cmpeq_epi8(v, cr);
+    __m128i isLf = _mm_cmpeq_epi8(v, lf);
+    unsigned length = 16;
+    if (const auto wide = static_cast<unsigned>(_mm_movemask_epi8(v))) {
+      const WideGroup group = LookAt(v, wide);
+      length = group.length;
+      if (length == 0) {
+        p += CountCharacter(p, end, counts);
+        continue;
+      }
+      const __m128i mask = FirstBytes(length);
+      isCr = _mm_and_si128(isCr, mask);
+      isLf = _mm_and_si128(isLf, mask);
+      tails = _mm_sub_epi8(tails, _mm_and_si128(group.continuations, mask));
+      leads = _mm_sub_epi8(leads, _mm_and_si128(group.leads, mask));
+    }
+    crs = _mm_sub_epi8(crs, isCr);
     lfs = _mm_sub_epi8(lfs, isLf);
     pairs = _mm_sub_epi8(pairs, _mm_and_si128(isLf, _mm_cmpeq_epi8(before, cr)));
+    p += length;
+    bytes += length;
   }
   const int64_t crCount = SumOfBytes(crs), pairCount = SumOfBytes(pairs);
   counts.crs += crCount;
   counts.crLfs += pairCount;
   counts.breaks += crCount + SumOfBytes(lfs) - pairCount;
-  counts.units += (p - begin) - pairCount;
+  counts.units += bytes - pairCount - SumOfBytes(tails);
+  counts.multibyte += SumOfBytes(leads);
   return p;
 }
 #endif
@@ -82,9 +142,7 @@ const char* Scan(const char* p, const char* stop, const char* end, ScanCounts& c
   while (p < stop) {
 #ifdef QUILLMARK_SIMD_SCAN
     if (stop - p >= 16) {
-      p = ScanAscii(p, stop, counts);
-      // The sixteen bytes that stopped it hold something else than ASCII.
-      for (const char* group = std::min(p + 16, stop); p < group;) p += CountCharacter(p, end, counts);
+      p = ScanWide(p, stop, end, counts);
       continue;
     }
 #endif

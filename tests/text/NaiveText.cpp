@@ -112,4 +112,19 @@ std::string RandomBytes(std::mt19937& random, int characters) {
   return bytes;
 }
 
+std::string RandomForeignBytes(std::mt19937& random, int characters) {
+  static const std::array<std::string, 10> kCharacters = {
+      "\xD0\xBF",     "\xC2\x80",         "\xDF\xBF", "\xE4\xBD\xA0", "\xE0\xA0\x80", "\xED\x9F\xBF",
+      "\xEF\xBF\xBF", "\xF0\x9F\x98\x80", " ",        "\r\n"};
+  static const std::array<std::string, 6> kOdd = {"\xC1\x80", "\xE0\x80\x80", "\xED\xA0\x80",
+                                                  "\xE4\xBD", "\x80",         "\xF5"};
+  std::string bytes;
+  for (int i = 0; i < characters; ++i) {
+    const std::string& repeated = kCharacters[random() % kCharacters.size()];
+    for (size_t times = 1 + random() % 20; times > 0; --times, ++i) bytes += repeated;
+    if (random() % 4 == 0) bytes += kOdd[random() % kOdd.size()];
+  }
+  return bytes;
+}
+
 }  // namespace text::test

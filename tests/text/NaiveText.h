@@ -38,5 +38,7 @@ class NaiveText {
 
 // Text with every kind of character the engine treats specially.
 std::string RandomBytes(std::mt19937& random, int characters);
+// Long stretches of characters of several bytes, now and then something that looks like one and is none.
+std::string RandomForeignBytes(std::mt19937& random, int characters);
 
 }  // namespace text::test
