@@ -55,7 +55,13 @@ void DocumentTable::Release(int slot) {
   DocInfo_[slot].Free = true;
   DocInfo_[slot].Changed = false;
   // Its own code may still be running, below nested event loops too.
-  if (frmText* window = Documents_[slot].release()) ui::AfterCommand(window, [window] { window->deleteLater(); });
+  if (!Documents_[slot]) return;
+  QObject* const window = Documents_[slot].get();
+  released_.push_back(std::move(Documents_[slot]));
+  ui::AfterCommand(window, [this] {
+    for (std::unique_ptr<frmText>& gone : released_) gone.release()->deleteLater();
+    released_.clear();
+  });
 }
 
 frmText& DocumentTable::MakeWindow(std::string caption) {

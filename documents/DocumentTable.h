@@ -53,6 +53,7 @@ class DocumentTable {
 
   services::Services& services_;
   std::vector<std::unique_ptr<frmText>> Documents_;
+  std::vector<std::unique_ptr<frmText>> released_;  // unloaded by the running command
   std::vector<DocRecord> DocInfo_;
 };
 
