@@ -3,11 +3,10 @@
 #include "text/Memory.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
-#include <condition_variable>
 #include <cstring>
-#include <deque>
-#include <mutex>
+#include <functional>
 #include <new>
 #include <sys/stat.h>
 #include <system_error>
@@ -17,189 +16,190 @@
 namespace text {
 namespace {
 
-// From this size on physical memory is taken in pages of 2 MB.
+// From this size on physical memory is taken in pages of 2 MB, and several threads read.
 constexpr int64_t kWorthHugePages = int64_t{8} << 20;
-constexpr size_t kReadAtOnce = size_t{1} << 20;
+constexpr unsigned kMaxThreads = 4;
 constexpr int64_t kProgressEvery = int64_t{16} << 20;
+// Bytes of the source to a block; in front of them there is room for the unfinished tail of what is before.
+constexpr size_t kMaxTail = 3;
+constexpr size_t kPortion = Block::kCapacity - kMaxTail;
 
-// Commits what has been read into blocks and makes pieces of it.
-class Scanner {
+// Copies bytes from a place of the source. Less than asked for means the end; negative is -errno.
+using Source = std::function<ssize_t(char* to, size_t count, int64_t from)>;
+
+// Threads that fill, count and commit the portions of a source in any order. Each finds its own borders: what is before
+// a portion leaves at most three unfinished bytes to it, and those are read again.
+class PortionReader {
  public:
-  explicit Scanner(std::shared_ptr<TextStore> store) : builder_(std::move(store)) {}
+  PortionReader(TextStore& store, const Source& source, int64_t size)
+      : store_(store), source_(source), size_(size), portions_(static_cast<size_t>((size + kStep - 1) / kStep)) {}
 
-  // data() .. data() + filled has been read. `final`: nothing that is read later can change its last character.
-  void Take(Block& block, size_t filled, bool final) {
-    const char* const begin = block.data() + block.used();
-    size_t ready = filled - block.used();
-    if (!final) ready -= UnfinishedTail({begin, ready});
-    if (ready == 0) return;
-    counts_ += block.Commit(ready);
-    size_t mark = 0;
-    if (done_ == 0 && std::string_view(begin, ready).starts_with("\xEF\xBB\xBF")) {
-      mark = 3;
-      utf8Mark_ = true;
-    }
-    done_ += static_cast<int64_t>(ready);
-    builder_.AppendCommitted(begin + mark, begin + ready);
-  }
-  int64_t done() const { return done_; }
-  RawText Finish() { return {builder_.Finish(), counts_, utf8Mark_, 0}; }
+  RawText Run(const Progress& progress, const std::shared_ptr<TextStore>& store);
 
  private:
-  ContentBuilder builder_;
-  ScanCounts counts_;
-  bool utf8Mark_ = false;
-  int64_t done_ = 0;
+  static constexpr int64_t kStep = kPortion;
+
+  struct Portion {
+    const char* begin = nullptr;
+    size_t length = 0;
+    bool whole = false;  // the source had all of it
+    ScanCounts counts;
+  };
+
+  void Work(const Progress& progress) noexcept;
+  int Read(size_t index);
+  void Stop(int error) {
+    int none = 0;
+    error_.compare_exchange_strong(none, error);
+  }
+
+  TextStore& store_;
+  const Source& source_;
+  const int64_t size_;
+  std::vector<Portion> portions_;
+  std::atomic<size_t> next_ = 0;
+  std::atomic<int64_t> done_ = 0;  // bytes
+  std::atomic<int> error_ = 0;     // ends all threads
 };
 
-struct Portion {
-  Block* block;
-  size_t filled;
-  bool full;  // the block gets nothing more
-};
+int PortionReader::Read(size_t index) {
+  const int64_t from = static_cast<int64_t>(index) * kStep;
+  Block* const block = store_.Lease(Block::kCapacity, size_ >= kWorthHugePages);
+  char before[kMaxTail];
+  const size_t looked = static_cast<size_t>(std::min<int64_t>(from, kMaxTail));
+  const ssize_t got = source_(before, looked, from - static_cast<int64_t>(looked));
+  if (got < 0) return static_cast<int>(-got);
+  const size_t carried = UnfinishedTail({before, static_cast<size_t>(got)});
+  std::memcpy(block->data(), before + static_cast<size_t>(got) - carried, carried);
 
-// The full block's unfinished last character goes to the beginning of the next one. Returns its length.
-size_t CarryTail(const Block& full, Block& next) {
-  const size_t tail = UnfinishedTail({full.data(), Block::kCapacity});
-  std::memcpy(next.data(), full.data() + Block::kCapacity - tail, tail);
-  return tail;
+  const size_t wanted = static_cast<size_t>(std::min<int64_t>(kStep, size_ - from));
+  const ssize_t count = source_(block->data() + carried, wanted, from);
+  if (count < 0) return static_cast<int>(-count);
+  Portion& portion = portions_[index];
+  portion.whole = static_cast<size_t>(got) == looked && static_cast<size_t>(count) == wanted;
+  size_t ready = carried + static_cast<size_t>(count);
+  if (portion.whole && index + 1 < portions_.size()) ready -= UnfinishedTail({block->data(), ready});
+  portion.begin = block->data();
+  portion.length = ready;
+  portion.counts = block->Commit(ready);
+  store_.Return(block);
+  done_ += count;
+  return 0;
 }
 
-// A thread that fills blocks from a descriptor.
-class ReadAhead {
- public:
-  ReadAhead(int descriptor, TextStore& store) : descriptor_(descriptor), store_(store) {
-    struct stat status;
-    if (fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode)) expected_ = status.st_size;
-    thread_ = std::thread([this] { Run(); });
+void PortionReader::Work(const Progress& progress) noexcept {
+  try {
+    int64_t reported = 0;
+    while (error_ == 0) {
+      const size_t index = next_++;
+      if (index >= portions_.size()) return;
+      if (const int error = Read(index)) Stop(error);
+      const int64_t done = done_;
+      if (!progress || done - reported < kProgressEvery) continue;
+      reported = done;
+      if (!progress(done)) Stop(ECANCELED);
+    }
+  } catch (const std::bad_alloc&) {
+    Stop(ENOMEM);
   }
-  ~ReadAhead() {
-    cancelled_ = true;
-    thread_.join();
-  }
+}
 
-  // The next portion, or one without a block at the end.
-  Portion Next() {
-    std::unique_lock lock(mutex_);
-    wake_.wait(lock, [this] { return !portions_.empty(); });
-    const Portion portion = portions_.front();
-    portions_.pop_front();
-    return portion;
-  }
-  int error() const { return error_; }  // after the end
-
- private:
-  void Run() noexcept {
+RawText PortionReader::Run(const Progress& progress, const std::shared_ptr<TextStore>& store) {
+  {
+    std::vector<std::jthread> threads;
+    const size_t useful = std::min<size_t>(portions_.size(), size_ < kWorthHugePages ? 1 : kMaxThreads);
+    const size_t count = std::min<size_t>(useful, std::max(1u, std::thread::hardware_concurrency()));
     try {
-      error_ = ReadAll();
-    } catch (const std::bad_alloc&) {
-      error_ = ENOMEM;
+      while (threads.size() + 1 < count) threads.emplace_back([this] { Work({}); });
+    } catch (const std::system_error&) {
+      // With fewer threads it takes longer.
     }
-    Publish({nullptr, 0, true});
+    Work(progress);
   }
-  int ReadAll();
-  void Publish(Portion portion) {
-    std::lock_guard lock(mutex_);
-    portions_.push_back(portion);
-    wake_.notify_one();
+  RawText raw;
+  raw.error = error_;
+  if (raw.error) return raw;
+  ContentBuilder builder(store);
+  for (const Portion& portion : portions_) {
+    const char* begin = portion.begin;
+    const char* const end = begin + portion.length;
+    if (&portion == &portions_.front() && std::string_view(begin, portion.length).starts_with("\xEF\xBB\xBF")) {
+      raw.utf8Mark = true;
+      begin += 3;
+    }
+    raw.counts += portion.counts;
+    builder.AppendCommitted(begin, end);
+    if (!portion.whole) break;  // the file has become shorter meanwhile
   }
+  raw.content = builder.Finish();
+  return raw;
+}
 
-  const int descriptor_;
-  TextStore& store_;
-  int64_t expected_ = 0;  // a hint only
-  std::thread thread_;
-  std::atomic<bool> cancelled_ = false;
-  int error_ = 0;
-  std::mutex mutex_;  // guards the portions
-  std::condition_variable wake_;
-  std::deque<Portion> portions_;
-};
+RawText ReadFrom(const Source& source, int64_t size, const Progress& progress) {
+  RawText failed;
+  failed.error = ENOMEM;
+  if (size > FreeMemory()) return failed;
+  try {
+    const auto store = std::make_shared<TextStore>();
+    return PortionReader(*store, source, size).Run(progress, store);
+  } catch (const std::bad_alloc&) {
+    return failed;
+  }
+}
 
-int ReadAhead::ReadAll() {
-  const int64_t limit = FreeMemory();
-  if (expected_ > limit) return ENOMEM;
-  const auto lease = [&](int64_t total) {
-    return store_.Lease(Block::kCapacity, std::max(total, expected_) >= kWorthHugePages);
-  };
-  Block* block = lease(0);
-  size_t filled = 0, published = 0;
-  for (int64_t total = 0; !cancelled_;) {
-    const ssize_t count = read(descriptor_, block->data() + filled, std::min(kReadAtOnce, Block::kCapacity - filled));
+ssize_t ReadFully(int descriptor, char* to, size_t count, int64_t from) {
+  size_t done = 0;
+  while (done < count) {
+    const ssize_t now = pread(descriptor, to + done, count - done, from + static_cast<int64_t>(done));
+    if (now < 0 && errno == EINTR) continue;
+    if (now < 0) return -errno;
+    if (now == 0) break;
+    done += static_cast<size_t>(now);
+  }
+  return static_cast<ssize_t>(done);
+}
+
+// For what does not tell its size beforehand. Returns an error number.
+int ReadToEnd(int descriptor, std::string& bytes) {
+  const int64_t limit = FreeMemory() / 2;
+  char buffer[65536];
+  for (;;) {
+    const ssize_t count = read(descriptor, buffer, sizeof buffer);
     if (count < 0 && errno == EINTR) continue;
-    if (count <= 0) {
-      const int error = count < 0 ? errno : 0;
-      Publish({block, filled, true});
-      return error;
-    }
-    filled += static_cast<size_t>(count);
-    total += count;
-    if (total > limit) return ENOMEM;
-    if (filled == Block::kCapacity) {
-      Block* const next = lease(total);
-      const size_t tail = CarryTail(*block, *next);
-      Publish({block, filled - tail, true});
-      block = next;
-      filled = tail;
-      published = 0;
-    } else if (filled - published >= kReadAtOnce) {
-      Publish({block, filled, false});
-      published = filled;
-    }
+    if (count < 0) return errno;
+    if (count == 0) return 0;
+    if (static_cast<int64_t>(bytes.size()) + count > limit) return ENOMEM;
+    bytes.append(buffer, static_cast<size_t>(count));
   }
-  return ECANCELED;
 }
 
 }  // namespace
 
 RawText ReadBlocks(int descriptor, const Progress& progress) {
-  const auto store = std::make_shared<TextStore>();
-  RawText failed;
-  try {
-    Scanner scanner(store);
-    ReadAhead reader(descriptor, *store);
-    int64_t reported = 0;
-    for (Portion portion = reader.Next(); portion.block; portion = reader.Next()) {
-      scanner.Take(*portion.block, portion.filled, portion.full);
-      if (portion.full) store->Return(portion.block);
-      if (!progress || scanner.done() - reported < kProgressEvery) continue;
-      reported = scanner.done();
-      if (!progress(reported)) {
-        failed.error = ECANCELED;
-        return failed;
-      }
-    }
-    if (reader.error() == 0) return scanner.Finish();
-    failed.error = reader.error();
-  } catch (const std::bad_alloc&) {
-    failed.error = ENOMEM;
-  } catch (const std::system_error& noThread) {
-    failed.error = noThread.code().value();
+  struct stat status;
+  const int64_t start = lseek(descriptor, 0, SEEK_CUR);
+  if (start >= 0 && fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) && status.st_size > start) {
+    const Source file = [=](char* to, size_t count, int64_t from) {
+      return ReadFully(descriptor, to, count, start + from);
+    };
+    return ReadFrom(file, status.st_size - start, progress);
   }
-  return failed;
+  std::string bytes;
+  if (const int error = ReadToEnd(descriptor, bytes)) {
+    RawText failed;
+    failed.error = error;
+    return failed;
+  }
+  return ReadBlocks(bytes);
 }
 
 RawText ReadBlocks(std::string_view bytes) {
-  const auto store = std::make_shared<TextStore>();
-  Scanner scanner(store);
-  const bool big = static_cast<int64_t>(bytes.size()) >= kWorthHugePages;
-  Block* block = store->Lease(Block::kCapacity, big);
-  for (size_t filled = 0;;) {
-    const size_t count = std::min(bytes.size(), Block::kCapacity - filled);
-    std::memcpy(block->data() + filled, bytes.data(), count);
-    bytes.remove_prefix(count);
-    filled += count;
-    if (bytes.empty()) {
-      scanner.Take(*block, filled, true);
-      store->Return(block);
-      return scanner.Finish();
-    }
-    Block* const next = store->Lease(Block::kCapacity, big);
-    const size_t tail = CarryTail(*block, *next);
-    scanner.Take(*block, filled - tail, true);
-    store->Return(block);
-    block = next;
-    filled = tail;
-  }
+  const Source memory = [bytes](char* to, size_t count, int64_t from) {
+    const std::string_view part = bytes.substr(static_cast<size_t>(from), count);
+    std::memcpy(to, part.data(), part.size());
+    return static_cast<ssize_t>(part.size());
+  };
+  return ReadFrom(memory, static_cast<int64_t>(bytes.size()), {});
 }
 
 }  // namespace text

@@ -1,4 +1,5 @@
-// Reads bytes straight into blocks of a store, without a copy, and makes content of them. Internal to text/.
+// Reads bytes straight into blocks of a store, without a copy, on several threads, and makes content of them. A regular
+// file is read at the size it has at the beginning. Internal to text/.
 #pragma once
 
 #include "text/PlainText.h"
