@@ -58,8 +58,14 @@ void ContentBuilder::Impl::FlushRun(bool final) {
   const size_t tail = final ? 0 : UnfinishedTail(bytes);
   const char* const begin = bytes.data();
   if (pending > tail) {
-    block->Commit(pending - tail);
-    AddPieces(begin, begin + (pending - tail), charFormat, paraFormat);
+    const size_t count = pending - tail;
+    const ScanCounts counts = block->Commit(count);
+    if (count <= TreeConfig::kMaxPieceBytes) {
+      const Sums sums{Bytes(static_cast<int64_t>(count)), Units(counts.units), Breaks(counts.breaks)};
+      tree.Add(MakePiece(begin, sums, charFormat, paraFormat));
+    } else {
+      AddPieces(begin, begin + count, charFormat, paraFormat);
+    }
   }
   pending = tail;
   if (tail == 0) return;

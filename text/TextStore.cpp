@@ -135,6 +135,26 @@ const char* ScanWide(const char* p, const char* stop, const char* end, ScanCount
   counts.multibyte += SumOfBytes(leads);
   return p;
 }
+
+// Counts the ASCII characters of [p, stop), fewer than sixteen; false when there are others. What lies up to sixteen
+// bytes before p must be readable, which the head of every block sees to.
+bool ScanShort(const char* p, const char* stop, ScanCounts& counts) {
+  const auto count = static_cast<unsigned>(stop - p);
+  const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(stop - 16));
+  const __m128i before = _mm_loadu_si128(reinterpret_cast<const __m128i*>(stop - 17));
+  const unsigned mask = 0xFFFFu << (16 - count) & 0xFFFFu;
+  if (static_cast<unsigned>(_mm_movemask_epi8(v)) & mask) return false;
+  const auto equal = [](__m128i a, char c) {
+    return static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(a, _mm_set1_epi8(c))));
+  };
+  const unsigned crs = equal(v, '\r') & mask, lfs = equal(v, '\n') & mask;
+  const int pairs = std::popcount(lfs & equal(before, '\r'));
+  counts.crs += std::popcount(crs);
+  counts.crLfs += pairs;
+  counts.breaks += std::popcount(crs | lfs) - pairs;
+  counts.units += static_cast<int64_t>(count) - pairs;
+  return true;
+}
 #endif
 
 // Counts the characters that begin in [p, stop); returns the first border at or behind stop. p[-1] must be readable.
@@ -144,6 +164,10 @@ const char* Scan(const char* p, const char* stop, const char* end, ScanCounts& c
     if (stop - p >= 16) {
       p = ScanWide(p, stop, end, counts);
       continue;
+    }
+    if (ScanShort(p, stop, counts)) {
+      p = stop;
+      break;
     }
 #endif
     p += CountCharacter(p, end, counts);

@@ -62,8 +62,11 @@ NodeRef::~NodeRef() {
 }
 
 Piece MakePiece(const char* begin, const char* end, CharFormatId charFormat, ParaFormatId paraFormat) {
-  assert(begin < end && static_cast<size_t>(end - begin) <= TreeConfig::kMaxPieceBytes);
-  const Sums sums = Block::Of(begin)->SumsOf(begin, end);
+  return MakePiece(begin, Block::Of(begin)->SumsOf(begin, end), charFormat, paraFormat);
+}
+
+Piece MakePiece(const char* begin, Sums sums, CharFormatId charFormat, ParaFormatId paraFormat) {
+  assert(sums.bytes.value() > 0 && static_cast<size_t>(sums.bytes.value()) <= TreeConfig::kMaxPieceBytes);
   Piece piece;
   piece.data = begin;
   piece.charFormat = charFormat;

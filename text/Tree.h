@@ -27,7 +27,9 @@ struct Piece {
   Sums sums() const { return {Bytes(bytes), Units(units), Breaks(breaks)}; }
 };
 
-// The bytes [begin, end) of one block, at most kMaxPieceBytes of them.
+// `sums.bytes` bytes of one block, at most kMaxPieceBytes.
+Piece MakePiece(const char* begin, Sums sums, CharFormatId charFormat, ParaFormatId paraFormat);
+// The bytes [begin, end) of one block, counted here.
 Piece MakePiece(const char* begin, const char* end, CharFormatId charFormat, ParaFormatId paraFormat);
 
 inline Sums operator+(const Sums& a, const Sums& b) {

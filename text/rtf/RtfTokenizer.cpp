@@ -2,7 +2,11 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <limits>
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
 
 namespace text::rtf {
 
@@ -35,6 +39,24 @@ int HexValue(char c) {
   return -1;
 }
 
+// The length of the plain text that begins at p.
+size_t PlainLength(const char* const begin, const char* const end) {
+  const char* p = begin;
+#ifdef __SSE2__
+  for (; end - p >= 16; p += 16) {
+    const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+    const auto is = [v](char c) { return _mm_cmpeq_epi8(v, _mm_set1_epi8(c)); };
+    const __m128i special = _mm_or_si128(is('\\'), _mm_or_si128(is('{'), is('}')));
+    const __m128i ignored = _mm_or_si128(is('\0'), _mm_or_si128(is('\r'), is('\n')));
+    const __m128i stop = _mm_or_si128(v, _mm_or_si128(special, ignored));  // the top bit says what is not ASCII
+    if (const auto mask = static_cast<unsigned>(_mm_movemask_epi8(stop)))
+      return static_cast<size_t>(p - begin) + static_cast<size_t>(std::countr_zero(mask));
+  }
+#endif
+  while (p < end && ClassOf(*p) == kPlain) ++p;
+  return static_cast<size_t>(p - begin);
+}
+
 }  // namespace
 
 Token RtfTokenizer::Next() {
@@ -48,7 +70,11 @@ Token RtfTokenizer::Next() {
     if (first == '}') return {TokenKind::kClose, false, 0, {}};
     return Backslash();
   }
-  while (position_ < bytes_.size() && ClassOf(bytes_[position_]) == kind) ++position_;
+  if (kind == kPlain) {
+    position_ += PlainLength(bytes_.data() + position_, bytes_.data() + bytes_.size());
+  } else {
+    while (position_ < bytes_.size() && ClassOf(bytes_[position_]) == kind) ++position_;
+  }
   return {kind == kHigh ? TokenKind::kBytes : TokenKind::kText, false, 0, bytes_.substr(begin, position_ - begin)};
 }
 
