@@ -8,6 +8,7 @@
 #include <QPoint>
 #include <QString>
 
+#include <optional>
 #include <string>
 
 namespace ui {
@@ -47,6 +48,12 @@ struct FileDialog {
   files::Path initialFile = {};
 };
 
+// What the selection is like; a property without a single value is empty.
+struct SelectionState {
+  std::optional<bool> bold, italic, underline, strikeThru, bullet, protectedText;
+  std::optional<int> alignment;  // 0 left, 1 right, 2 centre
+};
+
 class Services {
  public:
   virtual ~Services() = default;
@@ -67,6 +74,7 @@ class Services {
   virtual void InitDocProperties(int slot) = 0;
   // Document commands can be used from now on, or no longer.
   virtual void ToolbarToggle(bool enabled) = 0;
+  virtual void ShowSelectionState(const SelectionState& state) = 0;  // the toolbar's buttons
   virtual void ShowSelectionFont(const QString& text) = 0;  // the panel stsFont
   virtual void ShowOvertype(bool overtype) = 0;             // the panel stsInsert
   virtual void ShowDocumentMenu(int slot, const QPoint& globalPosition) = 0;

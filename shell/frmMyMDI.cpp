@@ -43,6 +43,8 @@ void frmMyMDI::ToolbarToggle(bool) {
   menus_.FollowActiveDocument();
 }
 
+void frmMyMDI::ShowSelectionState(const services::SelectionState&) {}
+
 void frmMyMDI::ShowSelectionFont(const QString& text) {
   frame_.statusBar().SetText(ui::Panel::stsFont, text);
 }

@@ -50,6 +50,7 @@ class frmMyMDI final : public services::Services {
   }
   void InitDocProperties(int slot) override;
   void ToolbarToggle(bool enabled) override;
+  void ShowSelectionState(const services::SelectionState& state) override;
   void ShowSelectionFont(const QString& text) override;
   void ShowOvertype(bool overtype) override;
   void ShowDocumentMenu(int slot, const QPoint& globalPosition) override;
