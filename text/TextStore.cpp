@@ -142,16 +142,16 @@ bool ScanShort(const char* p, const char* stop, ScanCounts& counts) {
   const auto count = static_cast<unsigned>(stop - p);
   const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(stop - 16));
   const __m128i before = _mm_loadu_si128(reinterpret_cast<const __m128i*>(stop - 17));
-  const unsigned mask = 0xFFFFu << (16 - count) & 0xFFFFu;
-  if (static_cast<unsigned>(_mm_movemask_epi8(v)) & mask) return false;
-  const auto equal = [](__m128i a, char c) {
-    return static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(a, _mm_set1_epi8(c))));
-  };
-  const unsigned crs = equal(v, '\r') & mask, lfs = equal(v, '\n') & mask;
-  const int pairs = std::popcount(lfs & equal(before, '\r'));
-  counts.crs += std::popcount(crs);
+  if (static_cast<unsigned>(_mm_movemask_epi8(v)) >> (16 - count)) return false;
+  const __m128i one = _mm_andnot_si128(FirstBytes(16 - count), _mm_set1_epi8(1));
+  const __m128i cr = _mm_set1_epi8('\r');
+  const __m128i isCr = _mm_and_si128(one, _mm_cmpeq_epi8(v, cr));
+  const __m128i isLf = _mm_and_si128(one, _mm_cmpeq_epi8(v, _mm_set1_epi8('\n')));
+  const int64_t pairs = SumOfBytes(_mm_and_si128(isLf, _mm_cmpeq_epi8(before, cr)));
+  const int64_t crs = SumOfBytes(isCr);
+  counts.crs += crs;
   counts.crLfs += pairs;
-  counts.breaks += std::popcount(crs | lfs) - pairs;
+  counts.breaks += crs + SumOfBytes(isLf) - pairs;
   counts.units += static_cast<int64_t>(count) - pairs;
   return true;
 }
@@ -368,16 +368,11 @@ const char* Block::FindBreak(const char* begin, int64_t breaks) const {
 }
 
 const char* Block::CharacterStart(const char* begin, const char* p) const {
-  Place place = Checkpointed(static_cast<size_t>(p - data()) / TreeConfig::kCheckpointBytes);
-  if (place.p > p) place = Checkpointed(static_cast<size_t>(p - data()) / TreeConfig::kCheckpointBytes - 1);
-  const char* const end = data() + used();
-  const char* start = std::max(begin, place.p);
-  for (;;) {
-    int length = std::max(1, Utf8Length(start, end));
-    if (*start == '\r' && start + 1 < end && start[1] == '\n') length = 2;
-    if (start + length > p) return start;
-    start += length;
-  }
+  if (*p == '\n') return p > begin && p[-1] == '\r' ? p - 1 : p;
+  if (!IsContinuation(*p)) return p;
+  const char* lead = p;
+  while (lead > begin && p - lead < 3 && IsContinuation(*lead)) --lead;
+  return Utf8Length(lead, data() + used()) > p - lead ? lead : p;
 }
 
 // --- TextStore
