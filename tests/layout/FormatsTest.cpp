@@ -167,6 +167,35 @@ TEST(Tabs, StopsCountFromTheParagraphsEdge) {
   EXPECT_NEAR(indented.Left(4), 200, 0.5);
 }
 
+TEST(Tabs, DefaultStopsComeBehindTheParagraphsOwn) {
+  struct Case {
+    std::vector<int> defaults;
+    Tabs own;
+    std::vector<double> stops;  // pixels
+  };
+  const Case cases[] = {
+      {{}, {}, {48, 96, 144}},                      // the regular distance, 720 twips
+      {{1500, 3000}, {}, {100, 200, 240}},          // behind the last one the regular distance goes on
+      {{3000, 1500, 1500, -5, 0}, {}, {100, 200}},  // in any order, nonsense left out
+      {{1500, 3000}, {2250}, {150, 200, 240}},      // what lies before a stop of the paragraph does not count
+      {{1500}, {2250}, {150, 192}},
+  };
+  for (const Case& c : cases) {
+    Formatted f("\ta\tb\tc", {}, {});
+    ParaFormatPatch patch;
+    patch.tabs = f.document.formats().Intern(Tabs(c.own));
+    f.document.PatchParagraphs({Units(0), Units(1)}, patch, {});
+    const Revision revision = f.document.revision();
+    f.view.SetDefaultTabStops(c.defaults);
+    for (size_t i = 0; i < c.stops.size(); ++i) {
+      EXPECT_NEAR(f.Left(static_cast<int>(2 * i + 1)), c.stops[i], 0.5) << &c - cases << " " << i;
+    }
+    EXPECT_EQ(f.document.revision(), revision);
+    f.view.SetDefaultTabStops({});
+    EXPECT_NEAR(f.Left(1), c.own.empty() ? 48 : c.own[0] / 15.0, 0.5);
+  }
+}
+
 TEST(Tabs, AHangingFirstLineStopsAtTheIndent) {
   ParaFormat format;
   format.leftIndent = 600;

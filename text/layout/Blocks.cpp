@@ -52,6 +52,12 @@ void Blocks::SetDefaultTab(int twips) {
   Drop();
 }
 
+void Blocks::SetDefaultStops(std::vector<int> twips) {
+  if (twips == defaultStops_) return;
+  defaultStops_ = std::move(twips);
+  Drop();
+}
+
 void Blocks::SetPreedit(std::optional<Preedit> preedit) {
   if (preedit_) cache_.DropAt(preedit_->position);
   preedit_ = std::move(preedit);
@@ -72,7 +78,8 @@ std::shared_ptr<const LayoutBlock> Blocks::Get(const BlockSpan& span) {
       preedit_ && preedit_->position >= span.range.begin &&
       (preedit_->position < span.range.end || (preedit_->position == span.range.end && span.endsParagraph()));
   BlockText text = ReadBlockText(document_, span, holdsPreedit ? &*preedit_ : nullptr);
-  auto block = std::make_shared<const LayoutBlock>(std::move(text), BlockStyle{width_, defaultTab_, &formats, &fonts_});
+  const BlockStyle style{width_, defaultTab_, &defaultStops_, &formats, &fonts_};
+  auto block = std::make_shared<const LayoutBlock>(std::move(text), style);
   cache_.Put(key, block);
   return block;
 }

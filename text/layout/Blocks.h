@@ -24,6 +24,7 @@ class Blocks {
   void SetWidth(double width);
   void SetFont(const QFont& font, double zoom);
   void SetDefaultTab(int twips);
+  void SetDefaultStops(std::vector<int> twips);
   void SetPreedit(std::optional<Preedit> preedit);
   void SetCapacity(size_t blocks) { cache_.SetCapacity(blocks); }
 
@@ -46,6 +47,7 @@ class Blocks {
   BlockCache cache_;
   double width_ = 0;
   int defaultTab_ = 720;
+  std::vector<int> defaultStops_;
   std::optional<Preedit> preedit_;
 };
 

@@ -1,8 +1,6 @@
 #include "text/layout/LayoutBlock.h"
 
 #include <QFontMetricsF>
-#include <QGlyphRun>
-#include <QRawFont>
 
 #include <algorithm>
 #include <cmath>
@@ -12,10 +10,7 @@ namespace {
 
 // Text is never squeezed into less than this, whatever the indents say.
 constexpr double kMinTextPixels = 24;
-constexpr double kBreakWidth = 0.35;  // of the line's height
 constexpr double kBulletGap = 6;
-// A line of more characters than that is made of such without width; there is nothing to see in their order.
-constexpr int kMaxMixedUnits = 2000;
 
 double Pixels(int32_t twips, double zoom) {
   return std::clamp(twips / kTwipsPerPixel * zoom, -1e6, 1e6);
@@ -64,6 +59,7 @@ LayoutBlock::LayoutBlock(BlockText text, const BlockStyle& style) : text_(std::m
   endLook_ = text_.runs.empty() ? &style.fonts->Of(*style.formats, text_.endFormat) : looks_.back();
   SetUpLayout(style);
   PlaceLines(style);
+  if (text_.mixed) FindLevels();
   PlaceBullet(style.fonts->zoom());
 }
 
@@ -133,8 +129,12 @@ void LayoutBlock::SetTabs(const BlockStyle& style, double lead) {
   std::vector<double> stops;
   for (const int32_t stop : (*style.formats)[text_.paragraph.tabs]) stops.push_back(Pixels(stop, zoom));
   if (text_.paragraph.firstIndent < 0) stops.push_back(Pixels(text_.paragraph.leftIndent, zoom));
+  double last = stops.empty() ? 0 : *std::max_element(stops.begin(), stops.end());
+  for (const int twips : *style.defaultStops) {
+    const double stop = Pixels(twips, zoom);
+    if (stop > last) stops.push_back(last = stop);
+  }
   if (stops.empty() && lead == 0) return;
-  const double last = stops.empty() ? 0 : *std::max_element(stops.begin(), stops.end());
   for (double stop = (std::floor(last / distance) + 1) * distance; stop < width_ && stops.size() < 1000;
        stop += distance) {
     stops.push_back(stop);
@@ -240,108 +240,15 @@ size_t LayoutBlock::LineAtY(double y) const {
   return line == lines_.end() ? lines_.size() - 1 : static_cast<size_t>(line - lines_.begin());
 }
 
-double LayoutBlock::XAt(size_t line, int shown) const {
-  return std::clamp(qtLine(line).cursorToX(shown), 0.0, width_);
-}
-
 CaretShape LayoutBlock::CaretAt(int shown, Bias bias) const {
   const size_t index = LineOf(shown, bias);
   const BlockLine& line = lines_[index];
   // As high as the text before it, which is what typing continues; at a line's begin as the text behind it.
   const FormatLook& look = LookAt(shown > line.begin ? shown - 1 : shown);
   const double baseline = line.baseline - look.raise;
-  const QRectF rect(XAt(index, shown), baseline - std::ceil(look.ascent), 1,
+  const QRectF rect(XAt(index, shown, bias), baseline - std::ceil(look.ascent), 1,
                     std::ceil(look.ascent) + std::ceil(look.descent));
   return {rect, baseline};
-}
-
-// Qt gives places that its caret does not come to, where directions meet and beside trailing blanks.
-int LayoutBlock::NearestCaret(size_t index, double x) const {
-  const BlockLine& line = lines_[index];
-  int best = line.begin;
-  double nearest = 1e9;
-  for (int shown = line.begin; shown <= line.end;
-       shown = shown < line.end ? layout_.nextCursorPosition(shown) : shown + 1) {
-    const double distance = std::abs(XAt(index, shown) - x);
-    if (distance >= nearest) continue;
-    nearest = distance;
-    best = shown;
-  }
-  return best;
-}
-
-LayoutBlock::Hit LayoutBlock::HitLine(size_t index, double x) const {
-  const BlockLine& line = lines_[index];
-  const bool careful = text_.mixed && line.end - line.begin <= kMaxMixedUnits;
-  int shown = careful ? NearestCaret(index, x) : std::clamp(qtLine(index).xToCursor(x), line.begin, line.end);
-  if (!line.wraps() || index + 1 == lines_.size() || line.begin == line.end) return {shown, Bias::kRight};
-  const QChar last = text_.text[line.end - 1];
-  if (last.isSpace()) return {std::min(shown, line.end - 1), Bias::kRight};
-  if (std::abs(XAt(index, line.end) - x) < std::abs(XAt(index, shown) - x)) shown = line.end;
-  return {shown, shown == line.end ? Bias::kLeft : Bias::kRight};
-}
-
-QRectF LayoutBlock::LineTextRect(size_t index) const {
-  const QRectF natural = qtLine(index).naturalTextRect();
-  const double left = std::clamp(natural.left(), 0.0, width_), right = std::clamp(natural.right(), 0.0, width_);
-  return {left, lines_[index].top, right - left, lines_[index].height};
-}
-
-void LayoutBlock::AddRects(size_t index, int from, int to, std::vector<QRectF>* rects) const {
-  const BlockLine& line = lines_[index];
-  from = std::max(from, line.begin);
-  to = std::min(to, line.end);
-  if (from >= to) return;
-  const QTextLine qt = qtLine(index);
-  if (text_.mixed && from == line.begin && to == line.end) return rects->push_back(LineTextRect(index));
-  if (!text_.mixed || to - from > kMaxMixedUnits) return AddRect(line, qt.cursorToX(from), qt.cursorToX(to), rects);
-  for (int i = from; i < to; ++i) {
-    const auto [a, b] = EdgesOfChar(qt, i);
-    AddRect(line, a, b, rects);
-  }
-}
-
-void LayoutBlock::AddRect(const BlockLine& line, double a, double b, std::vector<QRectF>* rects) const {
-  const auto [left, right] = std::minmax(std::clamp(a, 0.0, width_), std::clamp(b, 0.0, width_));
-  if (!rects->empty() && rects->back().top() == line.top) {
-    QRectF& last = rects->back();
-    if (std::abs(last.right() - left) < 0.1) return last.setRight(right);
-    if (std::abs(last.left() - right) < 0.1) return last.setLeft(left);
-  }
-  if (right > left) rects->emplace_back(left, line.top, right - left, line.height);
-}
-
-// Where the direction turns, the leading edge that Qt gives is the caret's, beside the character before; the glyphs
-// tell where the character itself stands.
-std::pair<double, double> LayoutBlock::EdgesOfChar(const QTextLine& line, int shown) const {
-  const double leading = line.cursorToX(shown, QTextLine::Leading),
-               trailing = line.cursorToX(shown, QTextLine::Trailing);
-  double left = 1e9, right = -1e9;
-  for (const QGlyphRun& glyphs : line.glyphRuns(shown, 1)) {
-    const QList<QPointF> positions = glyphs.positions();
-    const QList<QPointF> advances = glyphs.rawFont().advancesForGlyphIndexes(glyphs.glyphIndexes());
-    for (qsizetype i = 0; i < std::min(positions.size(), advances.size()); ++i) {
-      left = std::min(left, positions[i].x());
-      right = std::max(right, positions[i].x() + advances[i].x());
-    }
-  }
-  const bool beside = left <= right && (leading < left - 1 || leading > right + 1);
-  return beside ? std::pair(left, right) : std::pair(leading, trailing);
-}
-
-QRectF LayoutBlock::BreakRect(size_t index) const {
-  const BlockLine& line = lines_[index];
-  const double width = std::round(line.height * kBreakWidth);
-  const double x = XAt(index, line.end);
-  return {text_.rightToLeft ? x - width : x, line.top, width, line.height};
-}
-
-std::optional<int> LayoutBlock::MoveVisually(int offset, bool right) const {
-  const int shown = ToShown(offset);
-  const int moved = right ? layout_.rightCursorPosition(shown) : layout_.leftCursorPosition(shown);
-  const int result = FromShown(moved);
-  if (moved == shown || result == offset) return std::nullopt;
-  return result;
 }
 
 }  // namespace text::layout

@@ -6,18 +6,22 @@
 
 #include "text/layout/BlockText.h"
 #include "text/layout/FormatFonts.h"
+#include "text/layout/LineOrder.h"
 
 #include <QPointF>
 #include <QRectF>
 #include <QTextLayout>
 
+#include <optional>
+#include <utility>
 #include <vector>
 
 namespace text::layout {
 
 struct BlockStyle {
   double width = 0;
-  int defaultTab = 720;  // twips
+  int defaultTab = 720;                            // twips
+  const std::vector<int>* defaultStops = nullptr;  // twips, ascending
   const FormatTable* formats = nullptr;
   FormatFonts* fonts = nullptr;
 };
@@ -64,7 +68,8 @@ class LayoutBlock {
   size_t LineOf(int shown, Bias bias) const;
   // The line at a height, the nearest one outside the block.
   size_t LineAtY(double y) const;
-  double XAt(size_t line, int shown) const;
+  // The caret's x; where directions meet the bias decides as in LineOrder.
+  double XAt(size_t line, int shown, Bias bias = Bias::kRight) const;
   CaretShape CaretAt(int shown, Bias bias) const;
   // The place nearest to x in a line: a shown offset and the side of a wrap.
   struct Hit {
@@ -77,8 +82,9 @@ class LayoutBlock {
   void AddRects(size_t line, int from, int to, std::vector<QRectF>* rects) const;
   // Behind the line's last character: what shows that its break is selected.
   QRectF BreakRect(size_t line) const;
-  // The offset one character to the left or right as it is seen, or nothing at the block's edge.
-  std::optional<int> MoveVisually(int offset, bool right) const;
+  // One character to the left or right as it is seen, or nothing at the block's edge. The place of a wrap is passed
+  // once, as the following line's begin.
+  std::optional<Hit> MoveVisually(Hit from, bool right) const;
   // Behind the character at a shown offset.
   int NextShown(int shown) const { return layout_.nextCursorPosition(shown); }
   // Where a paragraph's bullet stands, an empty rectangle without one.
@@ -95,8 +101,16 @@ class LayoutBlock {
   void SetTabs(const BlockStyle& style, double lead);
   void MeasureLine(const QTextLine& line, double zoom, BlockLine* measured, double* ascent, double* descent) const;
   void PlaceBullet(double zoom);
+  void FindLevels();
+  bool IsMixed(const BlockLine& line) const;
+  LineOrder OrderOf(const BlockLine& line) const;
+  bool WrapsOn(size_t line) const;
+  std::optional<Hit> NextStop(size_t line, int gap, bool right) const;
+  std::optional<Hit> LeaveLine(size_t line, int shown, bool right) const;
+  std::optional<Hit> MoveLogically(int shown, bool forward) const;
   int NearestCaret(size_t line, double x) const;
   void AddRect(const BlockLine& line, double a, double b, std::vector<QRectF>* rects) const;
+  std::optional<std::pair<double, double>> GlyphsOfChar(const QTextLine& line, int shown) const;
   std::pair<double, double> EdgesOfChar(const QTextLine& line, int shown) const;
 
   BlockText text_;
@@ -106,6 +120,7 @@ class LayoutBlock {
   QTextLayout layout_;
   QTextOption option_;
   std::vector<BlockLine> lines_;
+  std::vector<uint8_t> levels_;  // of each shown unit, if some may run to the left
   QRectF bulletRect_;
   double width_ = 0;
   double height_ = 0;

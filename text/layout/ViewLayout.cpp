@@ -120,6 +120,18 @@ void ViewLayout::SetDefaultTab(int twips) {
   impl_->view.Invalidate();
 }
 
+void ViewLayout::SetDefaultTabStops(std::vector<int> twips) {
+  constexpr int kMostTwips = 31680;
+  constexpr size_t kMostStops = 1000;
+  Update();
+  std::erase_if(twips, [](int stop) { return stop <= 0 || stop > kMostTwips; });
+  std::sort(twips.begin(), twips.end());
+  twips.erase(std::unique(twips.begin(), twips.end()), twips.end());
+  twips.resize(std::min(twips.size(), kMostStops));
+  impl_->blocks.SetDefaultStops(std::move(twips));
+  impl_->view.Invalidate();
+}
+
 QSizeF ViewLayout::viewport() const {
   return {impl_->view.width(), impl_->view.height()};
 }
@@ -254,19 +266,22 @@ CaretPlace ViewLayout::MoveVisually(CaretPlace place, bool right) {
   Update();
   place = impl_->Valid(place);
   const PlacedBlock block = impl_->BlockOf(place);
-  const int offset = static_cast<int>((place.position - block.span.range.begin).value());
+  const auto placeOf = [&](const PlacedBlock& in, LayoutBlock::Hit hit) {
+    const Units position = in.PositionOf(hit.shown);
+    return CaretPlace{impl_->content().Snap(position, position > place.position ? Bias::kRight : Bias::kLeft),
+                      hit.bias};
+  };
   const bool forward = right != block.block->rightToLeft();
-  if (const auto moved = block.block->MoveVisually(offset, right)) {
-    const Units position = block.span.range.begin + Units(*moved);
-    return {impl_->content().Snap(position, position > place.position ? Bias::kRight : Bias::kLeft), Bias::kRight};
-  }
+  const LayoutBlock::Hit from{block.ShownOffset(place.position), place.affinity};
+  if (const auto moved = block.block->MoveVisually(from, right)) return placeOf(block, *moved);
   const auto next = impl_->Neighbour(block, forward);
   if (!next) return place;
   const Units edge = forward ? next->span.range.begin : next->span.range.end;
   if (edge != place.position) return {edge, Bias::kRight};
   // On the border of two segments the same position is the edge of both.
-  const auto moved = next->block->MoveVisually(forward ? 0 : next->block->units(), right);
-  return {moved ? next->span.range.begin + Units(*moved) : edge, Bias::kRight};
+  const LayoutBlock::Hit border{next->ShownOffset(edge), forward ? Bias::kRight : Bias::kLeft};
+  const auto moved = next->block->MoveVisually(border, right);
+  return moved ? placeOf(*next, *moved) : CaretPlace{edge};
 }
 
 bool ViewLayout::IsRightToLeft(Breaks paragraph) {

@@ -59,6 +59,8 @@ class ViewLayout {
   void SetDefaultFont(const QFont& font);  // for formats with the default font
   void SetMargins(double margin);          // around the text, pixels
   void SetDefaultTab(int twips);           // between tab stops that no format sets; 720 at first
+  // Stops behind a paragraph's own; behind the last of them the regular distance goes on. Any order; at most 1000.
+  void SetDefaultTabStops(std::vector<int> twips);
   QSizeF viewport() const;
   double zoom() const;
 

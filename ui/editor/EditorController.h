@@ -136,6 +136,7 @@ class EditorController {
   bool UserMayChange(text::Range range);
   text::CharFormat FormatFor(text::Range range) const;
   text::Range OvertypeRange(const QString& text) const;
+  void StayBesideWhatIsBefore();
   void DropComposition();
   void KeepFormatForNextText();
   bool EmptiesParagraph(text::Range erased) const;

@@ -79,6 +79,13 @@ void EditorController::DropComposition() {
 
 // --- Typing
 
+// Where directions meet the caret shows where typing goes on; at a wrap it stays on the lower line.
+void EditorController::StayBesideWhatIsBefore() {
+  const Units caret = selection_.caret;
+  const bool beginsLine = layout_.LineAt({caret, Bias::kRight}).begin == caret;
+  affinity_ = beginsLine ? Bias::kRight : Bias::kLeft;
+}
+
 // As many characters as are typed, but never the paragraph's end.
 Range EditorController::OvertypeRange(const QString& text) const {
   const Content& content = document_.content();
@@ -99,6 +106,7 @@ void EditorController::Type(const QString& text) {
   // Typing over is a chain of replacements; as composing they are one step too.
   const EditKind kind = overtype_ ? EditKind::kComposing : EditKind::kTyping;
   Replace(target, text::BytesOfUtf16(ViewOf(text), document_.properties().lineEnd), kind);
+  StayBesideWhatIsBefore();
 }
 
 // A step of its own, so undo goes back line by line.
@@ -141,6 +149,7 @@ void EditorController::Erase(bool forward, bool word) {
   if (kind == EditKind::kCommand) document_.SealStep();
   if (EmptiesParagraph(erased)) KeepFormatForNextText();
   Replace(erased, {}, kind);
+  StayBesideWhatIsBefore();
 }
 
 bool EditorController::EmptiesParagraph(Range erased) const {

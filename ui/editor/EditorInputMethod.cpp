@@ -74,6 +74,7 @@ void EditorController::Compose(const QInputMethodEvent& event) {
   }
   composing_ = !preedit.text.isEmpty();
   if (composing_) layout_.SetPreedit(std::move(preedit));
+  if (composing_) affinity_ = Bias::kLeft;
   reveal_ = reveal_ || composing_;
 }
 

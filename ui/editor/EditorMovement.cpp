@@ -12,6 +12,7 @@ using text::layout::CaretPlace;
 
 void EditorController::Move(EditorMove move, bool extend) {
   const Operation operation(*this);
+  DropComposition();
   const bool vertical = move == EditorMove::kLineUp || move == EditorMove::kLineDown || move == EditorMove::kPageUp ||
                         move == EditorMove::kPageDown;
   if (vertical) GoalX();
@@ -63,6 +64,12 @@ bool EditorController::CaretParagraphIsRightToLeft() const {
 
 // The end of the selection that is seen on that side.
 CaretPlace EditorController::CollapseTarget(bool right) {
+  const text::Range line = layout_.LineAt({range().begin});
+  if (range().end <= line.end) {
+    const CaretPlace begin{range().begin}, end{range().end, range().end == line.end ? Bias::kLeft : Bias::kRight};
+    const bool beginIsLeft = layout_.CaretRect(begin).x() <= layout_.CaretRect(end).x();
+    return right == beginIsLeft ? end : begin;
+  }
   return {right != CaretParagraphIsRightToLeft() ? range().end : range().begin};
 }
 

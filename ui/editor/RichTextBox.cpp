@@ -241,11 +241,20 @@ void RichTextBox::SetDefaultFormat(const QString& fontName, double points) {
   impl_->ViewChanged();
 }
 
+void RichTextBox::SetDefaultTabStops(std::vector<int> twips) {
+  impl_->layout.SetDefaultTabStops(std::move(twips));
+  impl_->ViewChanged();
+}
+
 // --- Appearance
 
 void RichTextBox::SetBackgroundColor(const QColor& color) {
   impl_->background = color;
   viewport()->update();
+}
+void RichTextBox::SetBackgroundColor(int64_t color) {
+  const int bgr = static_cast<int>(color);
+  SetBackgroundColor(color < 0 ? QColor() : QColor(bgr & 0xFF, bgr >> 8 & 0xFF, bgr >> 16 & 0xFF));
 }
 
 double RichTextBox::Zoom() const {

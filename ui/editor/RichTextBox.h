@@ -12,6 +12,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 class QMimeData;
 
@@ -106,9 +107,12 @@ class RichTextBox : public QAbstractScrollArea {
   const text::rtf::DocumentProperties& rtfProperties() const;
   // The font of an empty control and of plain text loaded into it afterwards: no undo step, no change.
   void SetDefaultFormat(const QString& fontName, double points);
+  // Tab stops of the view for paragraphs without (enough) stops of their own, in twips: neither edit nor undo step.
+  void SetDefaultTabStops(std::vector<int> twips);
 
   // --- Appearance
   void SetBackgroundColor(const QColor& color);  // invalid = the palette's
+  void SetBackgroundColor(int64_t color);        // -1 = the palette's
   double Zoom() const;
   void SetZoom(double factor);
   bool overtype() const;
