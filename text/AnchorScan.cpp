@@ -9,8 +9,8 @@
 
 namespace text {
 
-AnchorScan::AnchorScan(Test first, Test second) : first_(first), second_(second) {
-  reach_ = std::max(first.offset, second.offset);
+AnchorScan::AnchorScan(Test first, Test second)
+    : first_(first), second_(second), reach_(std::max(first.offset, second.offset)) {
   // One, two or four values, the last one repeated.
   const int count = std::max(first.count, second.count);
   for (Test* test : {&first_, &second_}) {

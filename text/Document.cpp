@@ -154,7 +154,7 @@ std::optional<Selection> Document::Undo() {
   const Step& step = steps_[current_--];
   content_ = steps_[current_].content;
   sealed_ = true;
-  for (auto change = step.changes.rbegin(); change != step.changes.rend(); ++change) Log(Inverse(*change));
+  std::for_each(step.changes.rbegin(), step.changes.rend(), [this](const Change& change) { Log(Inverse(change)); });
   return step.before;
 }
 
