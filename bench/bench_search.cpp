@@ -80,7 +80,7 @@ void Replacing(const char* name, const text::Content& content, const std::u16str
               Median(undo));
 }
 
-// Scattered by a thousand edits, then searched again.
+// Scattered by a hundred thousand edits, then searched again.
 text::Content Edited(const text::Content& content) {
   text::Document document(content);
   std::mt19937_64 random(2);

@@ -1,6 +1,7 @@
 #include "documents/DocumentTable.h"
 
 #include "documents/DocumentReader.h"
+#include "documents/RecoveryKind.h"
 #include "documents/frmText.h"
 #include "services/Messages.h"
 #include "ui/PathText.h"
@@ -125,14 +126,16 @@ void DocumentTable::TakeRead(ui::FormId form, ReadDocument read) {
 
 bool DocumentTable::OpenRecovered(const files::RecoveryEntry& entry) {
   const ui::CommandScope scope;
-  const bool rich = entry.kind.empty() ? IsRichName(entry.originalPath.native()) : entry.kind == kRecoveryKindRtf;
+  const bool rich = entry.kind.empty() ? IsRichName(entry.originalPath.native()) : RecoveryKindOf(entry.kind).rich;
   ReadDocument read = Read(entry.text, rich);
   if (read.cancelled) return false;
   if (read.error) {
     services::ShowError(services_.dialogs(), nullptr, services::ErrorText(entry.text.native(), *read.error));
     return false;
   }
-  frmText& window = MakeWindow(entry.originalPath.native());
+  // Its old number may be another document's by now.
+  const std::string& name = entry.originalPath.native();
+  frmText& window = MakeWindow(name.starts_with("Untitled:") ? std::string() : name);
   const ui::FormId form = window.id();
   if (!rich) window.SetDefaultFormat();
   services_.InitDocProperties(window.slot());

@@ -40,7 +40,8 @@ class DocumentTable {
 
   frmText* NewDocument();
   void LoadIntoWindow(const std::string& path);
-  // A text of the recovery folder, under the name it had, as a changed document. False when it could not be read.
+  // A text of the recovery folder, under the name it had, as a changed document, which keeps the entry's claim. False
+  // when it could not be read.
   bool OpenRecovered(const files::RecoveryEntry& entry);
 
   // By the window itself, while it unloads.

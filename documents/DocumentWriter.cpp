@@ -51,15 +51,13 @@ files::Result<files::FileStamp> SaveDocument(const files::Path& path, const file
   }
 }
 
-std::optional<files::Error> RescueDocument(const files::Path& recoveryFolder, const files::Path& path,
-                                           std::string_view kind, const DocumentBytes& document) noexcept {
+files::Result<files::RecoveryEntry> RescueDocument(const files::Path& recoveryFolder,
+                                                   const RescuedText& text) noexcept {
   try {
-    const auto written = files::WriteRecovery(
-        recoveryFolder, path, kind, [&](const files::ByteSink& sink) { return WriteDocument(document, {}, sink); });
-    if (written) return std::nullopt;
-    return written.error();
+    return files::WriteRecovery(recoveryFolder, text.path, text.kind,
+                                [&](const files::ByteSink& sink) { return WriteDocument(text.bytes, {}, sink); });
   } catch (const std::exception&) {
-    return files::SystemError(ENOMEM, path);
+    return files::SystemError(ENOMEM, text.path);
   }
 }
 

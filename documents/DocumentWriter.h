@@ -6,7 +6,6 @@
 #include "text/rtf/Rtf.h"
 
 #include <memory>
-#include <optional>
 #include <string>
 
 namespace documents {
@@ -29,8 +28,14 @@ bool WriteDocument(const DocumentBytes& document, const text::Progress& progress
 files::Result<files::FileStamp> SaveDocument(const files::Path& path, const files::Path& recoveryFolder,
                                              const DocumentBytes& document, const text::Progress& progress) noexcept;
 
-// Writes the text to the recovery folder. Never throws; nothing = success.
-std::optional<files::Error> RescueDocument(const files::Path& recoveryFolder, const files::Path& path,
-                                           std::string_view kind, const DocumentBytes& document) noexcept;
+// A text for the recovery folder.
+struct RescuedText {
+  files::Path path;  // or a caption that never was one
+  std::string kind;  // ToLine(RecoveryKind)
+  DocumentBytes bytes;
+};
+
+// Never throws.
+files::Result<files::RecoveryEntry> RescueDocument(const files::Path& recoveryFolder, const RescuedText& text) noexcept;
 
 }  // namespace documents

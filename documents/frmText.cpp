@@ -1,5 +1,6 @@
 #include "documents/frmText.h"
 
+#include "documents/RecoveryKind.h"
 #include "files/Attributes.h"
 #include "services/Messages.h"
 #include "ui/PathText.h"
@@ -8,6 +9,14 @@
 #include <QEvent>
 
 namespace documents {
+namespace {
+
+// What is left of a save that was cut short may be all that is whole of its file.
+bool IsCutShort(const files::RecoveryEntry& entry) {
+  return entry.kind.empty() || !entry.complete;
+}
+
+}  // namespace
 
 frmText::frmText(services::Services& services, DocumentTable& table, int slot)
     : ChildForm(services.forms(), "frmText", services.documentArea(), new ui::RichTextBox),
@@ -75,10 +84,17 @@ void frmText::TakeIn(ReadDocument read) {
 }
 
 void frmText::MarkRecovered(const files::RecoveryEntry& entry) {
-  // The file itself was never read: one that is there now is not replaced unasked.
+  // The file was not read now: it is replaced unasked only when it still is what this text was made from.
+  const RecoveryKind kind = RecoveryKindOf(entry.kind);
   origin_ = {};
-  origin_.recovered = entry;
-  origin_.notRtf = IsRichName(caption()) && entry.kind == kRecoveryKindText;
+  origin_.stamp = kind.original;
+  // Some volumes have another device number after each start of the system.
+  auto now = files::StampOf(path());
+  if (now && kind.original) now->device = kind.original->device;
+  if (now == kind.original) origin_.stamp = files::StampOf(path());
+  origin_.recovered = {entry};
+  if (!IsCutShort(entry)) origin_.kept = RichTextBox1_->document().content();
+  origin_.notRtf = IsRichName(caption()) && !entry.kind.empty() && !kind.rich;
   ForceChanged();
 }
 
@@ -137,32 +153,49 @@ bool frmText::Unload() {
   return true;
 }
 
-// Saved, written anew to the recovery folder, or given up by the user: the old copy has done its work. But what is left
-// of a save that was cut short may be all that is whole of its file: only that file's being saved makes it useless.
+// Saved, written anew to the recovery folder, or given up by the user: the old copy has done its work. But what was cut
+// short becomes useless only when that very file has been saved.
 void frmText::ForgetRecovered(bool saved) {
-  if (!origin_.recovered) return;
-  const files::RecoveryEntry& entry = *origin_.recovered;
-  const bool cutShort = entry.kind.empty() || !entry.complete;
-  if (cutShort && !(saved && files::SamePath(entry.originalPath, path()))) return;
-  // When it cannot be removed it is offered once more, which loses nothing.
-  static_cast<void>(files::RemoveRecovery(entry));
-  origin_.recovered.reset();
+  std::erase_if(origin_.recovered, [&](const files::RecoveryEntry& entry) {
+    if (IsCutShort(entry) && !(saved && files::SamePath(entry.originalPath, path()))) return false;
+    // When it cannot be removed it is offered once more, which loses nothing.
+    static_cast<void>(files::RemoveRecovery(entry));
+    return true;
+  });
+  origin_.kept.reset();
 }
 
-bool frmText::WriteRecovery() {
+RescuedText frmText::TextToRescue() const {
   const bool rich = !SavesAsPlain();
   text::TextProperties properties = RichTextBox1_->document().properties();
   const text::Content content = RichTextBox1_->document().content();
   if (!rich && text::FirstUnencodable(content, properties.encoding)) properties = {};
-  const DocumentBytes bytes = BytesToSave(properties);
-  const files::Path named = path();
-  const char* const kind = rich ? kRecoveryKindRtf : kRecoveryKindText;
+  return {path(), ToLine({rich, origin_.stamp}), BytesToSave(properties)};
+}
+
+bool frmText::WriteRecovery() {
+  const RescuedText rescued = TextToRescue();
   std::optional<files::Error> error;
-  services_.dialogs().RunWork(
-      this, tr("Saving %1").arg(ui::DisplayText(caption())), bytes.content.sums().bytes.value(),
-      [&](ui::WorkPort&) { error = RescueDocument(services_.recoveryFolder(), named, kind, bytes); });
+  services_.dialogs().RunWork(this, tr("Saving %1").arg(ui::DisplayText(caption())),
+                              rescued.bytes.content.sums().bytes.value(), [&](ui::WorkPort&) {
+                                const auto written = RescueDocument(services_.recoveryFolder(), rescued);
+                                if (!written) error = written.error();
+                              });
   if (error) services::ShowError(services_.dialogs(), this, services::ErrorText(caption(), *error));
   return !error;
+}
+
+std::optional<files::Error> frmText::KeepText() {
+  const text::Content content = RichTextBox1_->document().content();
+  const bool nothingTyped = content.size() == text::Units(0) && caption().starts_with("Untitled");
+  if (unloaded_ || !table_.DocInfo(slot_).Changed || nothingTyped) return std::nullopt;
+  if (origin_.kept && content.SameAs(*origin_.kept)) return std::nullopt;
+  const auto written = RescueDocument(services_.recoveryFolder(), TextToRescue());
+  if (!written) return written.error();
+  ForgetRecovered(false);
+  origin_.recovered.push_back(written.value());
+  origin_.kept = content;
+  return std::nullopt;
 }
 
 }  // namespace documents

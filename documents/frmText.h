@@ -9,10 +9,6 @@
 
 namespace documents {
 
-// Kinds of texts in the recovery folder.
-constexpr const char* kRecoveryKindRtf = "rtf";
-constexpr const char* kRecoveryKindText = "text";
-
 enum class SaveOutcome { kSaved, kFailed, kCancelled };
 
 // The check marks of the Format menu, as of the selection's last single values.
@@ -46,6 +42,9 @@ class frmText : public ui::ChildForm {
   bool Close() override;
   bool QueryUnload();  // asks about changed text; false = the window stays
   bool Unload();       // false when a text that could not be saved could not be rescued either
+  // Writes a changed text to the recovery folder, without a question or a message, at any moment; for an end that
+  // nobody can be asked about. The text counts as kept until it is saved or given up.
+  std::optional<files::Error> KeepText();
 
   // --- File
   SaveOutcome mnuSaveFile_Click();
@@ -91,7 +90,8 @@ class frmText : public ui::ChildForm {
     bool loseElsewhere = false;     // the user agreed for a file of another name
     bool notRtf = false;            // an .rtf name, but the bytes were none, and nobody said what to write
     bool plainByChoice = false;     // the user said: the text it is
-    std::optional<files::RecoveryEntry> recovered;
+    std::vector<files::RecoveryEntry> recovered;  // entries that hold this text, claimed
+    std::optional<text::Content> kept;            // what the last of them holds
   };
 
   void ConnectEditor();
@@ -111,6 +111,7 @@ class frmText : public ui::ChildForm {
   Go AskEncoding(text::TextProperties& properties);
   Go Ask(const QString& text, ui::Buttons buttons, ui::Icon icon);
   bool WriteRecovery();
+  RescuedText TextToRescue() const;
   void TakeName(const files::Path& chosen);
   bool SavesAsPlain() const;
   void ForgetRecovered(bool saved);

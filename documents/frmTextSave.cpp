@@ -237,6 +237,7 @@ void frmText::TakeName(const files::Path& chosen) {
   if (!files::SamePath(chosen, path())) {
     if (origin_.loseElsewhere) origin_.lost.clear();
     origin_.notRtf = origin_.plainByChoice = false;
+    origin_.kept.reset();
   }
   origin_.loseElsewhere = false;
   SetCaption(chosen.native());

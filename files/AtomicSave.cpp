@@ -1,5 +1,6 @@
 #include "files/AtomicSave.h"
 
+#include "files/Leftovers.h"
 #include "files/OverwriteFile.h"
 #include "files/RecoveryWriter.h"
 #include "files/SaveTarget.h"
@@ -12,9 +13,6 @@
 namespace files {
 
 namespace {
-
-// Short, so that it fits beside any name, and hidden.
-constexpr char kTemporaryPrefix[] = ".quillmark-";
 
 // That this file cannot be replaced by renaming, as against that saving it fails.
 bool RenamingIsRefused(int error) {
@@ -160,6 +158,7 @@ Status AtomicSave::Impl::CommitByRenaming() {
   struct stat now;
   if (fstat(temporary.get(), &now) != 0) return Fail(errno);
   stamp = StampOf(now);
+  ClearLeftovers(target.folder.get());
   return {};
 }
 

@@ -136,10 +136,10 @@ Status RecoveryWriter::AddPrevious(int file, int64_t size) {
   return {};
 }
 
-void RecoveryWriter::Keep() {
+Descriptor RecoveryWriter::Keep() {
   text_.Close();
-  folder_.Close();
   parent_.Close();
+  return std::move(folder_);
 }
 
 void RecoveryWriter::Discard() {
@@ -159,12 +159,16 @@ Result<RecoveryEntry> WriteRecovery(const Path& folder, const Path& originalPath
   if (out.error()) return SystemError(out.error(), entry.path());
   if (!produced) return SystemError(ECANCELED, originalPath);
   if (auto status = entry.Finish(); !status) return status.error();
-  RecoveryEntry result{
-      entry.path(), originalPath, std::string(kind.substr(0, kind.find('\n'))), entry.path() / kText, true, {}, {}};
   struct stat status;
   if (fstat(entry.text(), &status) != 0) return SystemError(errno, entry.path());
+  RecoveryEntry result;
+  result.folder = entry.path();
+  result.originalPath = originalPath;
+  result.kind = kind.substr(0, kind.find('\n'));
+  result.text = entry.path() / kText;
+  result.complete = true;
   result.stamp = StampOf(status);
-  entry.Keep();
+  result.claim = std::make_shared<const Descriptor>(entry.Keep());
   return result;
 }
 
@@ -196,6 +200,16 @@ Result<std::vector<RecoveryEntry>> ListRecovery(const Path& folder) {
            std::tie(b.stamp.modifiedSeconds, b.stamp.modifiedNanoseconds, b.folder.native());
   });
   return entries;
+}
+
+bool ClaimRecovery(RecoveryEntry& entry) {
+  if (entry.claim) return true;
+  Descriptor folder = OpenFolder(entry.folder);
+  if (!folder || (flock(folder.get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK)) return false;
+  // Removed by its last owner between our opening and locking it.
+  if (faccessat(folder.get(), entry.text.filename().c_str(), F_OK, 0) != 0) return false;
+  entry.claim = std::make_shared<const Descriptor>(std::move(folder));
+  return true;
 }
 
 Status RemoveRecovery(const RecoveryEntry& entry) {

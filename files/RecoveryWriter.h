@@ -22,7 +22,8 @@ class RecoveryWriter {
   Status Finish();
   // Copies `size` bytes of an open file, and makes them durable.
   Status AddPrevious(int file, int64_t size);
-  void Keep();
+  // Leaves the entry for good; the lock lasts as long as what is given back.
+  Descriptor Keep();
   void Discard();
 
  private:

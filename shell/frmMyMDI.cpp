@@ -77,16 +77,36 @@ bool frmMyMDI::Close() {
   return true;
 }
 
+std::optional<files::Error> frmMyMDI::KeepTexts() {
+  std::optional<files::Error> first;
+  for (const ui::FormId id : forms_.InLoadOrder()) {
+    documents::frmText* document = table_.Find(id);
+    const std::optional<files::Error> error = document ? document->KeepText() : std::nullopt;
+    if (error && !first) first = error;
+  }
+  return first;
+}
+
+void frmMyMDI::EndSession() {
+  if (const auto error = KeepTexts()) {
+    services::ShowError(dialogs_, &frame_, services::ErrorText(recoveryFolder_.native(), *error));
+    return;
+  }
+  QCoreApplication::exit(0);
+}
+
 void frmMyMDI::OfferRecovered() {
-  const auto entries = files::ListRecovery(recoveryFolder_);
+  auto entries = files::ListRecovery(recoveryFolder_);
   if (!entries) {
     services::ShowError(dialogs_, &frame_, services::ErrorText(recoveryFolder_.native(), entries.error()));
     return;
   }
-  for (const files::RecoveryEntry& entry : entries.value()) OfferRecovered(entry);
+  for (files::RecoveryEntry& entry : entries.value()) OfferRecovered(entry);
 }
 
-void frmMyMDI::OfferRecovered(const files::RecoveryEntry& entry) {
+void frmMyMDI::OfferRecovered(files::RecoveryEntry& entry) {
+  // Another copy of the program may have taken it while the one before was being asked about.
+  if (!files::ClaimRecovery(entry)) return;
   const bool cutShort = entry.kind.empty() || !entry.complete;
   const QString text =
       cutShort
@@ -94,7 +114,7 @@ void frmMyMDI::OfferRecovered(const files::RecoveryEntry& entry) {
                                         "Saving [%1] was cut short.\r\nDo you want to open the text that was to be "
                                         "saved?  No leaves it for the next start, in the folder\r\n%2")
           : QCoreApplication::translate("Recovery",
-                                        "The text of [%1] could not be saved when its window was closed.\r\nDo you "
+                                        "The text of [%1] was not saved when its window was closed.\r\nDo you "
                                         "want to open it now?  No deletes it, Cancel leaves it for the next start.");
   const ui::Buttons buttons = cutShort ? ui::Buttons::kYesNo : ui::Buttons::kYesNoCancel;
   QString shown = text.arg(ui::DisplayText(entry.originalPath.native()));

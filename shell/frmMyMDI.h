@@ -21,6 +21,11 @@ class frmMyMDI final : public services::Services {
   void Show(std::function<void()> then);
   // Asks what to do with the texts of the recovery folder.
   void OfferRecovered();
+  // Every changed text into the recovery folder, asking nothing; at any moment. The first error, if any.
+  std::optional<files::Error> KeepTexts();
+  // The end that somebody outside asked for: texts are kept instead of asked about. If one cannot be kept the program
+  // says so and stays.
+  void EndSession();
   void OpenDocument(std::string path) { opening_.OpenDocument(path); }
   // The whole window as a PNG file.
   files::Status SavePicture(const files::Path& path);
@@ -58,7 +63,7 @@ class frmMyMDI final : public services::Services {
  private:
   bool Close();
   bool QueryUnload();
-  void OfferRecovered(const files::RecoveryEntry& entry);
+  void OfferRecovered(files::RecoveryEntry& entry);
 
   ui::Dialogs& dialogs_;
   const files::Path recoveryFolder_;

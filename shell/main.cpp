@@ -2,6 +2,7 @@
 #include "shell/CommandLine.h"
 #include "shell/Convert.h"
 #include "shell/frmMyMDI.h"
+#include "ui/desktop/EndRequests.h"
 #include "ui/desktop/Program.h"
 #include "ui/dialogs/QtDialogs.h"
 
@@ -21,6 +22,8 @@ int RunWindow(const CommandLine& line, const files::CurrentDirectory& directory,
   ui::Program program("Quillmark", QUILLMARK_VERSION);
   ui::QtDialogs dialogs;
   shell::frmMyMDI mainWindow(dialogs, recovery, directory);
+  const ui::EndRequests endRequests([&] { static_cast<void>(mainWindow.KeepTexts()); },
+                                    [&] { mainWindow.EndSession(); });
   int status = 0;
   mainWindow.Show([&] {
     const bool picture = line.action == CommandLine::Action::kScreenshot;

@@ -33,6 +33,43 @@ class AtomicSaveTest : public testing::Test {
   void TearDown() override { EXPECT_EQ(Names(), NamesIn(state)); }
 };
 
+TEST_F(AtomicSaveTest, ClearsAwayWhatKilledSavesLeft) {
+  const struct {
+    const char* name;
+    int hours;
+    uid_t owner;
+    bool stays;
+  } kRows[] = {
+      {".quillmark-0123456789abcdef", 25, geteuid(), false},
+      {".quillmark-fedcba9876543210", 25, geteuid(), false},
+      {".quillmark-0000000000000001", 23, geteuid(), true},
+      {".quillmark-0000000000000002", 25, 65533, true},
+      {".quillmark-0000000000000002x", 25, geteuid(), true},
+      {".quillmark-000000000000000X", 25, geteuid(), true},
+      {".quillmark-notes", 25, geteuid(), true},
+      {"quillmark-0123456789abcdef", 25, geteuid(), true},
+  };
+  Names expected = {"file.txt", ".quillmark-0000000000000003", ".quillmark-0000000000000004"};
+  for (const auto& row : kRows) {
+    const Path path = folder / row.name;
+    Put(path, "text");
+    const timespec then = {time(nullptr) - row.hours * 3600, 0};
+    const timespec times[] = {then, then};
+    ASSERT_EQ(0, utimensat(AT_FDCWD, path.c_str(), times, 0));
+    const bool mayNot = row.owner != geteuid() && chown(path.c_str(), row.owner, row.owner) != 0;
+    if (row.stays && !mayNot) expected.push_back(row.name);
+  }
+  std::filesystem::create_directory(folder / ".quillmark-0000000000000003");
+  std::filesystem::create_symlink(scratch.path(), folder / ".quillmark-0000000000000004");
+  for (const char* name : {".quillmark-0000000000000003", ".quillmark-0000000000000004"}) {
+    const timespec times[] = {{0, 0}, {0, 0}};
+    ASSERT_EQ(0, utimensat(AT_FDCWD, (folder / name).c_str(), times, AT_SYMLINK_NOFOLLOW));
+  }
+  EXPECT_EQ("", Outcome(Save(file, state, "new")));
+  std::sort(expected.begin(), expected.end());
+  EXPECT_EQ(expected, NamesIn(folder));
+}
+
 TEST_F(AtomicSaveTest, WritesAllSizesInAllPieces) {
   constexpr size_t kMega = 1 << 20;
   for (const size_t size : {size_t{0}, size_t{1}, kMega - 1, kMega, kMega + 1, 17 * kMega + 3}) {

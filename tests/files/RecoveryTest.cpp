@@ -125,6 +125,25 @@ TEST(RecoveryTest, EntriesOfRunningAndOfKilledPrograms) {
   EXPECT_EQ("", Outcome(RemoveRecovery(entry)));
 }
 
+TEST(RecoveryTest, AnEntryBelongsToOneAtATime) {
+  const ScratchFolder scratch;
+  const auto listed = [&] { return ListRecovery(scratch.path()).value(); };
+  auto written = WriteRecovery(scratch.path(), "/a", "text", Producing("text"));
+  ASSERT_TRUE(written);
+  EXPECT_EQ(0u, listed().size()) << "who wrote it has it";
+  written.value().claim.reset();
+  auto first = listed(), second = listed();
+  ASSERT_EQ(1u, first.size());
+  EXPECT_TRUE(ClaimRecovery(first[0]));
+  EXPECT_TRUE(ClaimRecovery(first[0])) << "twice is once";
+  EXPECT_EQ("", InChild([&] { return ClaimRecovery(second[0]) ? "claimed by two" : ""; }));
+  EXPECT_EQ(0u, listed().size());
+  first[0].claim.reset();
+  EXPECT_EQ(1u, listed().size());
+  EXPECT_EQ("", Outcome(RemoveRecovery(first[0])));
+  EXPECT_FALSE(ClaimRecovery(second[0])) << "it has gone";
+}
+
 TEST(RecoveryTest, DamagedEntries) {
   const ScratchFolder scratch;
   const struct {

@@ -33,6 +33,7 @@ const Row kCharacters[] = {
     {" a\\\r\nb\\\nc", "a\nb\nc"},
     {" \\'0da\\'0ab", "\na\nb"},
     {" a\\'00b\\'09c", "ab\tc"},
+    {" a\\u0?b\\u0 ?c", "abc"},
     {" a\\sect b", "a\nb"},
     {" \\lquote\\rdblquote\\emdash\\bullet\\zwj", "‘”—•\u200D"},
     {" a\\unknown\\unknown5 b\\unknown c",

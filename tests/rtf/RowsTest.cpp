@@ -65,7 +65,6 @@ const Row kRows[] = {
     {"Ωﬀ", kPard + "\\u937?\\u-1280?\\par\r\n"},
     {"a😀1", kPard + " a\\u-10179?\\u-8704?1\\par\r\n"},
     {"\x01\x7F", kPard + "\\'01\\u127?\\par\r\n"},
-    {std::string("a\0b", 3), kPard + " a\\u0?b\\par\r\n"},
     {"<Symbol/2/0>\uF0B7a", kPard + "\\'b7a\\par\r\n", "{\\f0\\fnil\\fcharset2 Symbol;}"},
     {"<Times CE/238/1>č", kPard + "\\u269?\\par\r\n", "{\\f0\\froman\\fcharset238 Times CE;}"},
     // Paragraph formats
@@ -92,6 +91,14 @@ TEST(RtfWriter, EveryBreakSpellingIsAParagraph) {
   ContentBuilder builder(NewStore());
   builder.Append("a\nb\rc\r\n\rd");
   EXPECT_EQ(TextOf(ReadNew(Written(builder.Finish())).content), "a\r\nb\r\nc\r\n\r\nd");
+}
+
+TEST(RtfWriter, NulIsLeftOut) {
+  ContentBuilder builder(NewStore());
+  builder.Append(std::string_view("a\0b\0", 4));
+  const std::string written = Written(builder.Finish());
+  EXPECT_EQ(written.find("\\u0"), std::string::npos) << written;
+  EXPECT_EQ(TextOf(ReadNew(written).content), "ab");
 }
 
 TEST(RtfWriter, FormatsThatAreWrittenAlikeAreOne) {

@@ -92,7 +92,7 @@ void RtfReader::Unicode(int32_t number) {
     highSurrogate_ = unit;
   } else if (unit == '\r' || unit == '\n') {
     Paragraph();
-  } else {
+  } else if (unit != 0) {  // a NUL is dropped in every spelling
     Character(unit);
   }
 }

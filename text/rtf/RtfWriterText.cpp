@@ -33,6 +33,8 @@ void RtfWriter::Text(std::string_view bytes) {
 
 void RtfWriter::Special(char32_t c) {
   switch (c) {
+    case 0:  // no reader of rich text keeps it
+      return;
     case '\\':
       return Raw("\\\\");
     case '{':
@@ -54,7 +56,7 @@ void RtfWriter::Special(char32_t c) {
     default:
       break;
   }
-  if (c > 0 && c < 0x20) return Hex(static_cast<uint8_t>(c));
+  if (c < 0x20) return Hex(static_cast<uint8_t>(c));
   if (charset_ == 2 && c >= 0xF020 && c <= 0xF0FF) return Hex(static_cast<uint8_t>(c & 0xFF));
   const bool western = charset_ == 0 || (charset_ == 1 && properties_.codePage == 1252);
   if (const uint8_t byte = western && c >= 0x80 ? Windows1252Byte(c) : 0) return Hex(byte);
