@@ -49,7 +49,8 @@ void Document::Reset(Content content, TextProperties properties) {
   content_ = std::move(content);
   properties_ = properties;
   emptyCharFormat_ = CharFormatId::kDefault;
-  steps_.assign(1, Step{nextId_++, content_, {}, {}, {}, EditKind::kCommand});
+  typingFormat_.reset();
+  steps_.assign(1, Step{nextId_++, content_, {}, {}, {}, EditKind::kCommand, emptyCharFormat_, {}});
   current_ = 0;
   savedId_ = steps_[0].id;
   forcedChanged_ = false;
@@ -110,7 +111,7 @@ void Document::Commit(Content content, Change change, EditKind kind, Selection b
 
 void Document::SetEmptyFormat(CharFormatId chars, ParaFormatId paragraph) {
   assert(content_.size() == Units(0));
-  emptyCharFormat_ = chars;
+  emptyCharFormat_ = steps_[current_].emptyCharFormat = chars;
   content_ = content_.WithLastParaFormat(paragraph);
   steps_[current_].content = content_;
   Log({Units(0), Units(0), Units(0), true});
@@ -139,12 +140,14 @@ void Document::Record(Content content, Change change, EditKind kind, Selection b
     if (!Extend(step.changes.back(), change)) step.changes.push_back(change);
   } else {
     steps_.resize(current_ + 1);
-    steps_.push_back({nextId_++, content, before, after, {change}, kind});
+    steps_.push_back({nextId_++, content, before, after, {change}, kind, emptyCharFormat_, typingFormat_});
     ++current_;
     groupOpen_ = groupDepth_ > 0;
   }
   sealed_ = false;
   if (content.size() == Units(0) && content_.size() > Units(0)) emptyCharFormat_ = content_.CharFormatAt(Units(0));
+  steps_[current_].emptyCharFormat = emptyCharFormat_;
+  typingFormat_.reset();
   content_ = std::move(content);
   Log(change);
 }
@@ -153,6 +156,8 @@ std::optional<Selection> Document::Undo() {
   if (!canUndo()) return std::nullopt;
   const Step& step = steps_[current_--];
   content_ = steps_[current_].content;
+  emptyCharFormat_ = steps_[current_].emptyCharFormat;
+  typingFormat_ = step.typingFormat;
   sealed_ = true;
   std::for_each(step.changes.rbegin(), step.changes.rend(), [this](const Change& change) { Log(Inverse(change)); });
   return step.before;
@@ -162,6 +167,8 @@ std::optional<Selection> Document::Redo() {
   if (!canRedo()) return std::nullopt;
   const Step& step = steps_[++current_];
   content_ = step.content;
+  emptyCharFormat_ = step.emptyCharFormat;
+  typingFormat_.reset();
   sealed_ = true;
   for (const Change& change : step.changes) Log(change);
   return step.after;

@@ -70,8 +70,11 @@ class Document {
   void Commit(Content content, Change change, EditKind kind, Selection before);
   // Formats applied while loading or showing: no step, no change of the changed state.
   void SetEmptyFormat(CharFormatId chars, ParaFormatId paragraph);  // only while the content is empty
-  // The last one set, or that of the text that an edit removed to the last character.
+  // The last one set, or that of the text that an edit removed to the last character. Undo and redo bring it back.
   CharFormatId emptyCharFormat() const { return emptyCharFormat_; }
+  // A format chosen for the text typed next. The next edit's step takes it along and undoing that step gives it back.
+  void SetTypingFormat(std::optional<CharFormatId> format) { typingFormat_ = format; }
+  std::optional<CharFormatId> typingFormat() const { return typingFormat_; }
 
   // --- History
   bool canUndo() const { return current_ > 0; }
@@ -102,6 +105,8 @@ class Document {
     Selection before, after;
     std::vector<Change> changes;  // how it was reached from the step before
     EditKind kind = EditKind::kCommand;
+    CharFormatId emptyCharFormat = CharFormatId::kDefault;  // after it
+    std::optional<CharFormatId> typingFormat;               // before it
   };
   void Record(Content content, Change change, EditKind kind, Selection before);
   bool Merges(const Change& change, EditKind kind) const;
@@ -110,6 +115,7 @@ class Document {
   Content content_;
   TextProperties properties_;
   CharFormatId emptyCharFormat_ = CharFormatId::kDefault;
+  std::optional<CharFormatId> typingFormat_;
   std::vector<Step> steps_;  // steps_[0] is the loaded state
   size_t current_ = 0;
   uint64_t nextId_ = 1;

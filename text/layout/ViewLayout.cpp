@@ -300,6 +300,10 @@ void ViewLayout::SetPreedit(std::optional<Preedit> preedit) {
   impl_->view.Invalidate();
 }
 
+const std::optional<Preedit>& ViewLayout::preedit() const {
+  return impl_->blocks.preedit();
+}
+
 void ViewLayout::Paint(QPainter& painter, const QRectF& clip, const PaintOptions& options) {
   Update();
   const QColor base = options.background.isValid() ? options.background : options.palette.color(QPalette::Base);

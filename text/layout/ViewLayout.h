@@ -99,6 +99,7 @@ class ViewLayout {
 
   // --- Painting
   void SetPreedit(std::optional<Preedit> preedit);
+  const std::optional<Preedit>& preedit() const;
   void Paint(QPainter& painter, const QRectF& clip, const PaintOptions& options);
 
   // How many layout blocks are held; for tests of the bound.

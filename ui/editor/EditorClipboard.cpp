@@ -1,6 +1,7 @@
 #include "ui/editor/EditorClipboard.h"
 
 #include "ui/editor/EditorController.h"
+#include "ui/editor/EditorOperation.h"
 #include "ui/editor/Guarded.h"
 
 #include <QDebug>

@@ -1,5 +1,7 @@
 #include "ui/editor/EditorController.h"
 
+#include "ui/editor/EditorOperation.h"
+
 #include <algorithm>
 
 namespace ui {
@@ -85,6 +87,7 @@ bool EditorController::Replace(Range range, std::string_view bytes, text::EditKi
   const Operation operation(*this);
   DropComposition();
   const text::CharFormatId format = document_.formats().Intern(FormatFor(range));
+  document_.SetTypingFormat(remembered_ ? std::optional(document_.formats().Intern(*remembered_)) : std::nullopt);
   const Range inserted = document_.Replace(range, bytes, format, kind, selection_);
   PlaceCaret({inserted.end, inserted.end}, Bias::kRight);
   return true;
@@ -107,6 +110,7 @@ void EditorController::Swap(bool redo) {
   const auto shown = redo ? document_.Redo() : document_.Undo();
   if (!shown) return;
   remembered_.reset();
+  if (const auto typing = document_.typingFormat()) remembered_ = document_.formats()[*typing];
   PlaceCaret(*shown, Bias::kRight);
 }
 

@@ -8,11 +8,11 @@
 #include "text/layout/ViewLayout.h"
 #include "text/rtf/Rtf.h"
 #include "ui/editor/EditorHost.h"
+#include "ui/editor/EditorMove.h"
 
 #include <QString>
 #include <QVariant>
 
-#include <exception>
 #include <functional>
 #include <optional>
 #include <string_view>
@@ -21,23 +21,6 @@ class QInputMethodEvent;
 class QKeyEvent;
 
 namespace ui {
-
-enum class EditorMove : uint8_t {
-  kLeft,  // by grapheme, as it is seen
-  kRight,
-  kWordLeft,  // by word; left is towards the end in a right-to-left paragraph
-  kWordRight,
-  kLineUp,  // visual lines, keeping x
-  kLineDown,
-  kPageUp,
-  kPageDown,
-  kLineStart,  // of the visual line
-  kLineEnd,
-  kParagraphUp,    // to the paragraph's start, from there to the previous one's
-  kParagraphDown,  // to the next paragraph's start
-  kDocumentStart,
-  kDocumentEnd,
-};
 
 // Pixels around the text; so much also stays free around the caret, so that the ends of the text come into view whole.
 constexpr double kTextMargin = 4;
@@ -89,6 +72,8 @@ class EditorController {
   // All but the rectangles and the font. Surrounding text is at most some hundred units of the caret's paragraph.
   QVariant QueryInputMethod(Qt::InputMethodQuery query) const;
   bool composing() const { return composing_; }
+  // The text composed so far goes in as it is; the input method is told to forget it.
+  void FinishComposition();
 
   // --- Formats. Protected text takes no format but protection itself, and a paragraph
   // with protected text takes none.
@@ -164,6 +149,7 @@ class EditorController {
   // EditorInputMethod.cpp
   void Commit(const QInputMethodEvent& event);
   void Compose(const QInputMethodEvent& event);
+  void SelectSurrounding(int start, int length);
 
   text::Document& document_;
   text::layout::ViewLayout& layout_;
@@ -181,25 +167,6 @@ class EditorController {
   bool readOnly_ = false;
   bool composing_ = false;
   unsigned long long lastKeyTime_ = 0;
-};
-
-// Everything between construction and destruction is told to the host once, at the end of the outermost one.
-class EditorController::Operation {
- public:
-  explicit Operation(EditorController& controller) : controller_(controller) {
-    if (controller_.depth_ == 0) controller_.MapThroughForeignEdits();  // first: it may throw
-    ++controller_.depth_;
-  }
-  // After an exception nothing is told now; the next operation tells it along.
-  ~Operation() noexcept(false) {
-    if (--controller_.depth_ == 0 && std::uncaught_exceptions() == exceptions_) controller_.Settle();
-  }
-  Operation(const Operation&) = delete;
-  Operation& operator=(const Operation&) = delete;
-
- private:
-  EditorController& controller_;
-  int exceptions_ = std::uncaught_exceptions();
 };
 
 }  // namespace ui

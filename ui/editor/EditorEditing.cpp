@@ -1,6 +1,7 @@
 // The user's edits: typing, paragraph breaks, deleting.
 #include "text/Movement.h"
 #include "ui/editor/EditorController.h"
+#include "ui/editor/EditorOperation.h"
 
 #include <algorithm>
 
@@ -86,12 +87,13 @@ void EditorController::StayBesideWhatIsBefore() {
   affinity_ = beginsLine ? Bias::kRight : Bias::kLeft;
 }
 
-// As many characters as are typed, but never the paragraph's end.
+// As many characters as are typed, but never the paragraph's end; a mark joins the character before and replaces none.
 Range EditorController::OvertypeRange(const QString& text) const {
   const Content& content = document_.content();
   const Units paragraphEnd = content.ParagraphEnd(content.ParagraphAt(selection_.caret));
   Range over{selection_.caret, selection_.caret};
-  for (int64_t left = GraphemesIn(ViewOf(text)); left > 0 && over.end < paragraphEnd; --left) {
+  const bool joins = !text.isEmpty() && text.at(0).isMark();
+  for (int64_t left = GraphemesIn(ViewOf(text)) - (joins ? 1 : 0); left > 0 && over.end < paragraphEnd; --left) {
     over.end = text::NextGrapheme(content, over.end);
   }
   return over;

@@ -9,6 +9,8 @@ class QMimeData;
 
 namespace ui {
 
+constexpr double kZoomStep = 1.1;  // of a key or a notch of the wheel
+
 class EditorHost {
  public:
   virtual ~EditorHost() = default;

@@ -1,5 +1,6 @@
 // Text composed by an input method: shown at the caret, in the document only when committed.
 #include "ui/editor/EditorController.h"
+#include "ui/editor/EditorOperation.h"
 
 #include <QInputMethodEvent>
 #include <QTextFormat>
@@ -47,6 +48,15 @@ void EditorController::HandleInputMethod(const QInputMethodEvent& event) {
   Compose(event);
 }
 
+// What was composed so far stays as text: who clicks elsewhere or leaves the window has not taken it back.
+void EditorController::FinishComposition() {
+  if (!composing_) return;
+  const Operation operation(*this);
+  const QString composed = layout_.preedit() ? layout_.preedit()->text : QString();
+  DropComposition();
+  if (!composed.isEmpty()) Type(composed);
+}
+
 void EditorController::Commit(const QInputMethodEvent& event) {
   if (event.replacementLength() > 0) {
     const Content& content = document_.content();
@@ -61,6 +71,17 @@ void EditorController::Commit(const QInputMethodEvent& event) {
   if (!event.commitString().isEmpty()) Type(event.commitString());
 }
 
+// Offsets as in ImSurroundingText; the caret goes to the end, which may lie before the start.
+void EditorController::SelectSurrounding(int start, int length) {
+  const Content& content = document_.content();
+  const Range known = Surroundings(content, selection_.caret);
+  const auto within = [&](int64_t offset) {
+    return content.Snap(std::clamp(known.begin + Units(offset), known.begin, known.end), Bias::kLeft);
+  };
+  document_.SealStep();
+  PlaceCaret({within(start), within(int64_t{start} + length)}, Bias::kRight);
+}
+
 void EditorController::Compose(const QInputMethodEvent& event) {
   text::layout::Preedit preedit{selection_.caret, event.preeditString(), -1, {}};
   preedit.cursor = static_cast<int>(preedit.text.size());
@@ -70,7 +91,15 @@ void EditorController::Compose(const QInputMethodEvent& event) {
     } else if (attribute.type == QInputMethodEvent::TextFormat) {
       const auto format = qvariant_cast<QTextFormat>(attribute.value).toCharFormat();
       if (format.isValid()) preedit.formats.append({attribute.start, attribute.length, format});
+    } else if (attribute.type == QInputMethodEvent::Selection) {
+      SelectSurrounding(attribute.start, attribute.length);
+      preedit.position = selection_.caret;
     }
+  }
+  if (preedit.formats.isEmpty()) {
+    QTextCharFormat underlined;
+    underlined.setFontUnderline(true);
+    preedit.formats.append({0, static_cast<int>(preedit.text.size()), underlined});
   }
   composing_ = !preedit.text.isEmpty();
   if (composing_) layout_.SetPreedit(std::move(preedit));

@@ -1,5 +1,6 @@
 // The keyboard: one table of keys, and text.
 #include "ui/editor/EditorController.h"
+#include "ui/editor/EditorOperation.h"
 
 #include <QChar>
 #include <QKeyEvent>
@@ -22,6 +23,9 @@ enum class EditorController::KeyCommand : uint8_t {
   kDeleteWord,
   kBreakParagraph,
   kOvertype,
+  kZoomIn,
+  kZoomOut,
+  kZoomReset,
 };
 
 struct EditorController::KeyBinding {
@@ -59,6 +63,9 @@ const EditorController::KeyBinding* EditorController::FindBinding(const QKeyEven
       {kNo,    Qt::Key_Delete,    C::kDelete},     {kCtrl,          Qt::Key_Delete,    C::kDeleteWord},
       {kNo,    Qt::Key_Return, C::kBreakParagraph}, {kShift,        Qt::Key_Return,    C::kBreakParagraph},
       {kNo,    Qt::Key_Enter,  C::kBreakParagraph}, {kShift,        Qt::Key_Enter,     C::kBreakParagraph},
+      {kCtrl,          Qt::Key_Plus,  C::kZoomIn},  {kCtrl | kShift, Qt::Key_Plus,       C::kZoomIn},
+      {kCtrl,          Qt::Key_Equal, C::kZoomIn},  {kCtrl,          Qt::Key_Minus,      C::kZoomOut},
+      {kCtrl,          Qt::Key_0,     C::kZoomReset},
       {kNo,    Qt::Key_Undo, C::kUndo}, {kNo, Qt::Key_Redo, C::kRedo},   {kNo, Qt::Key_Cut, C::kCut},
       {kNo,    Qt::Key_Copy, C::kCopy}, {kNo, Qt::Key_Paste, C::kPaste},
   };
@@ -125,7 +132,8 @@ void EditorController::Run(KeyCommand command) {
     case KeyCommand::kPastePlain:
       return Paste(true);
     case KeyCommand::kSelectAll:
-      return SelectAll();
+      SelectAll();
+      return PublishPrimarySelection();
     case KeyCommand::kBackspace:
       return Erase(false, false);
     case KeyCommand::kBackspaceWord:
@@ -138,6 +146,12 @@ void EditorController::Run(KeyCommand command) {
       return BreakParagraph();
     case KeyCommand::kOvertype:
       return SetOvertype(!overtype_);
+    case KeyCommand::kZoomIn:
+      return host_.ZoomBy(kZoomStep);
+    case KeyCommand::kZoomOut:
+      return host_.ZoomBy(1 / kZoomStep);
+    case KeyCommand::kZoomReset:
+      return host_.ZoomBy(1 / layout_.zoom());
   }
 }
 

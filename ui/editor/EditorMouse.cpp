@@ -186,8 +186,7 @@ void EditorMouse::Wheel(const QWheelEvent& event, double lineHeight) {
   constexpr double kNotch = 120;
   const double notches = event.angleDelta().y() / kNotch;
   if (event.modifiers().testFlag(Qt::ControlModifier)) {
-    constexpr double kZoomOfNotch = 1.1;
-    if (notches != 0) controller_.host().ZoomBy(std::pow(kZoomOfNotch, notches));
+    if (notches != 0) controller_.host().ZoomBy(std::pow(kZoomStep, notches));
     return;
   }
   // Pixels that come without phases are a guess of some X drivers.

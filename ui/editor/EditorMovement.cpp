@@ -1,5 +1,6 @@
 #include "text/Movement.h"
 #include "ui/editor/EditorController.h"
+#include "ui/editor/EditorOperation.h"
 
 #include <algorithm>
 

@@ -49,6 +49,8 @@ RichTextBox::RichTextBox(QWidget* parent) : QAbstractScrollArea(parent), impl_(s
   impl_->layout.SetViewport(viewport()->size());
   connect(verticalScrollBar(), &QScrollBar::actionTriggered, this,
           [this](int action) { impl_->Guard([&] { impl_->ScrollBarAction(action); }); });
+  connect(QGuiApplication::styleHints(), &QStyleHints::cursorFlashTimeChanged, this,
+          [this] { impl_->RestartBlinking(); });
   impl_->UpdateScrollBar();
 }
 
@@ -151,6 +153,7 @@ void RichTextBox::DeleteSelection() {
 }
 void RichTextBox::SelectAll() {
   impl_->controller.SelectAll();
+  impl_->controller.PublishPrimarySelection();
 }
 void RichTextBox::ScrollToCaret() {
   impl_->controller.RevealCaret();
@@ -224,9 +227,6 @@ void RichTextBox::LoadRtf(text::rtf::ReadResult read) {
 bool RichTextBox::isRichText() const {
   return impl_->rich;
 }
-void RichTextBox::SetRichText(bool rich) {
-  impl_->rich = rich;
-}
 const text::rtf::DocumentProperties& RichTextBox::rtfProperties() const {
   return impl_->controller.rtfProperties();
 }
@@ -262,7 +262,9 @@ double RichTextBox::Zoom() const {
 }
 
 void RichTextBox::SetZoom(double factor) {
-  impl_->layout.SetZoom(std::clamp(factor, 0.1, 10.0));
+  // Steps back and forth lead to the same factor.
+  constexpr double kFinest = 1e6;
+  impl_->layout.SetZoom(std::round(std::clamp(factor, 0.1, 10.0) * kFinest) / kFinest);
   impl_->ViewChanged();
 }
 

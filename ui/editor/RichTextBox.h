@@ -102,8 +102,7 @@ class RichTextBox : public QAbstractScrollArea {
   // --- Content. A load replaces the text, clears undo and the changed state and puts the caret at the start.
   void LoadPlain(text::LoadedText loaded);
   void LoadRtf(text::rtf::ReadResult read);
-  bool isRichText() const;  // the content came from RTF or was declared rich
-  void SetRichText(bool rich);
+  bool isRichText() const;  // the content came from RTF
   const text::rtf::DocumentProperties& rtfProperties() const;
   // The font of an empty control and of plain text loaded into it afterwards: no undo step, no change.
   void SetDefaultFormat(const QString& fontName, double points);

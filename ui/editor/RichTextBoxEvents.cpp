@@ -167,6 +167,7 @@ void RichTextBox::focusInEvent(QFocusEvent* event) {
 
 void RichTextBox::focusOutEvent(QFocusEvent* event) {
   QAbstractScrollArea::focusOutEvent(event);
+  impl_->controller.FinishComposition();
   impl_->document.SealStep();
   impl_->RestartBlinking();
   update();
@@ -176,7 +177,9 @@ void RichTextBox::focusOutEvent(QFocusEvent* event) {
 // --- Mouse
 
 void RichTextBox::mousePressEvent(QMouseEvent* event) {
+  // The input method commits it, or else we do.
   if (impl_->controller.composing()) QGuiApplication::inputMethod()->commit();
+  impl_->controller.FinishComposition();
   impl_->mouse.Press(*event);
 }
 
