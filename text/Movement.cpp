@@ -91,8 +91,9 @@ struct Segment {
 };
 
 Kind KindOf(const Window& window, int32_t index, int32_t status) {
-  UChar32 c;
-  U16_GET(window.text.data(), 0, index, window.size(), c);
+  UChar32 c = 0;
+  const char16_t* const units = window.text.data();
+  U16_GET(units, 0, index, window.size(), c);
   if (u_isUWhiteSpace(c)) return Kind::kSpace;
   return status >= UBRK_WORD_NONE_LIMIT ? Kind::kWord : Kind::kPunctuation;
 }
@@ -123,9 +124,10 @@ size_t SegmentAt(const std::vector<Segment>& segments, int32_t index) {
 
 bool IsEmojiSequence(const std::u16string& grapheme) {
   const auto length = static_cast<int32_t>(grapheme.size());
+  const char16_t* const units = grapheme.data();
   for (int32_t i = 0; i < length;) {
-    UChar32 c;
-    U16_NEXT(grapheme.data(), i, length, c);
+    UChar32 c = 0;
+    U16_NEXT(units, i, length, c);
     constexpr UChar32 kKeycap = 0x20E3;
     if (c == kKeycap || u_hasBinaryProperty(c, UCHAR_REGIONAL_INDICATOR)) return true;
     // ASCII digits and "#" are emoji characters by property only.

@@ -56,8 +56,9 @@ NodeRef::NodeRef(const NodeRef& other) : node_(other.node_) {
   if (node_) node_->references.fetch_add(1, std::memory_order_relaxed);
 }
 
-// The tree's height bounds the recursion through ~Inner.
+// The tree's height bounds the recursion through ~Inner. The analyzer does not follow atomic counts.
 NodeRef::~NodeRef() {
+  // NOLINTNEXTLINE(clang-analyzer-core.uninitialized.Branch, clang-analyzer-cplusplus.NewDelete)
   if (node_ && node_->references.fetch_sub(1, std::memory_order_acq_rel) == 1) Free(node_);
 }
 
@@ -270,7 +271,11 @@ Tree::Pair Tree::ReplacedInLeaf(const NodeRef& node, bool root, int64_t begin, i
     for (int k = i + 1; k < inner->count; ++k) children[count++] = inner->child[k];
     return Distribute(children, count);
   }
-  const auto pieces = node->pieces();
+  return ReplacedPieces(node->pieces(), root, begin, end, with);
+}
+
+Tree::Pair Tree::ReplacedPieces(std::span<const Piece> pieces, bool root, int64_t begin, int64_t end,
+                                std::span<const Piece> with) const {
   size_t first = 0;
   for (; first < pieces.size() && begin >= pieces[first].units; ++first)
     begin -= pieces[first].units, end -= pieces[first].units;

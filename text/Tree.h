@@ -101,6 +101,8 @@ class Tree {
     NodeRef first, second;  // second may be null
   };
   Pair ReplacedInLeaf(const NodeRef& node, bool root, int64_t begin, int64_t end, std::span<const Piece> with) const;
+  Pair ReplacedPieces(std::span<const Piece> pieces, bool root, int64_t begin, int64_t end,
+                      std::span<const Piece> with) const;
   NodeRef Root(Pair pair) const;
   NodeRef Concat(NodeRef a, NodeRef b) const;
   Pair ConcatNodes(const NodeRef& a, const NodeRef& b) const;
