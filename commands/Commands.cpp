@@ -3,6 +3,7 @@
 #include "documents/frmText.h"
 #include "ui/PendingEvents.h"
 #include "ui/frame/ChildArea.h"
+#include "ui/frame/ToolBar.h"
 
 namespace commands {
 
@@ -23,6 +24,28 @@ void Commands::mnuSaveAll_Click() {
 
 void Commands::mnuExit_Click() {
   services_.forms().at(0)->RequestClose();
+}
+
+void Commands::mnuToolbarButtonRaised_Click() {
+  SetToolbarStyle(0);
+}
+void Commands::mnuToolbarButtonFlat_Click() {
+  SetToolbarStyle(1);
+}
+
+void Commands::SetToolbarStyle(int style) {
+  const ui::CommandScope scope;
+  toolbarStyle_ = style;
+  Toolbar1_.SetStyle(style);
+  RefreshAllDocuments();
+}
+
+void Commands::RefreshAllDocuments() {
+  for (int slot = 1; slot <= table_.UpperBound(); ++slot) {
+    if (table_.DocInfo(slot).Free) continue;
+    services_.InitDocProperties(slot);
+    ui::LetPendingEventsRun();
+  }
 }
 
 void Commands::mnuNextPane_Click() {

@@ -5,18 +5,31 @@
 #include "documents/Opening.h"
 #include "services/Services.h"
 
+namespace ui {
+class ToolBar;
+}
+
 namespace commands {
 
 class Commands {
  public:
-  Commands(services::Services& services, documents::DocumentTable& table, documents::Opening& opening)
-      : services_(services), table_(table), opening_(opening) {}
+  Commands(services::Services& services, documents::DocumentTable& table, documents::Opening& opening,
+           ui::ToolBar& toolbar)
+      : services_(services), table_(table), opening_(opening), Toolbar1_(toolbar) {}
 
   // --- File
   void mnuNew_Click();
   void mnuOpenFile_Click();
   void mnuSaveAll_Click();
   void mnuExit_Click();
+
+  // --- Options
+  void mnuToolbarButtonRaised_Click();
+  void mnuToolbarButtonFlat_Click();
+  // 1 = flat buttons, 0 = raised ones.
+  int toolbarStyle() const { return toolbarStyle_; }
+  bool ToolbarIsFlat() const { return toolbarStyle_ == 1; }
+  bool ToolbarIsRaised() const { return toolbarStyle_ != 1; }
 
   // --- Window
   void mnuNextPane_Click();
@@ -32,10 +45,15 @@ class Commands {
   int arrangement() const { return arrangement_; }
 
  private:
+  void SetToolbarStyle(int style);
+  void RefreshAllDocuments();
+
   services::Services& services_;
   documents::DocumentTable& table_;
   documents::Opening& opening_;
   int arrangement_ = -1;
+  ui::ToolBar& Toolbar1_;
+  int toolbarStyle_ = 1;
   ui::WindowState minRest_ = ui::WindowState::kNormal;
 };
 

@@ -51,6 +51,21 @@ constexpr Row Check(const char* name, const char* caption, const char* key, void
   return row;
 }
 
+// With the picture of the toolbar's button.
+constexpr Row With(const char* icon, Row row) {
+  row.menu.icon = icon;
+  return row;
+}
+
+// Checked while the main window says so.
+constexpr Row Choice(const char* name, const char* caption, void (Commands::*command)(),
+                     bool (Commands::*chosen)() const) {
+  Row row = Main(name, caption, "", "", "", command);
+  row.menu.checkable = true;
+  row.chosen = chosen;
+  return row;
+}
+
 // A document's handler as a row holds it; what saving gives back concerns only closing.
 template <auto Handler>
 void On(frmText& document) {
@@ -73,9 +88,9 @@ bool ClipboardHasRtf(frmText&) {
 // clang-format off
 constexpr Row kMenus[] = {
   Menu("mnuFile", QT_TRANSLATE_NOOP("Menu", "&File")),
-    Main("mnuNew", QT_TRANSLATE_NOOP("Menu", "&New document"), "", "Ctrl+N", "Ctrl+N", &Commands::mnuNew_Click),
-    Main("mnuOpenFile", QT_TRANSLATE_NOOP("Menu", "Open a &document..."), "", "", "", &Commands::mnuOpenFile_Click),
-    Doc("mnuSaveFile", QT_TRANSLATE_NOOP("Menu", "&Save document"), "", "Ctrl+S", On<&frmText::mnuSaveFile_Click>),
+    With("new", Main("mnuNew", QT_TRANSLATE_NOOP("Menu", "&New document"), "", "Ctrl+N", "Ctrl+N", &Commands::mnuNew_Click)),
+    With("open", Main("mnuOpenFile", QT_TRANSLATE_NOOP("Menu", "Open a &document..."), "", "", "", &Commands::mnuOpenFile_Click)),
+    With("save", Doc("mnuSaveFile", QT_TRANSLATE_NOOP("Menu", "&Save document"), "", "Ctrl+S", On<&frmText::mnuSaveFile_Click>)),
     Doc("mnuSaveFileAs", QT_TRANSLATE_NOOP("Menu", "Save document &as..."), "", "", On<&frmText::mnuSaveFileAs_Click>),
     Main("mnuSaveAll", QT_TRANSLATE_NOOP("Menu", "Save a&ll"), "", "", "", &Commands::mnuSaveAll_Click),
     Doc("mnuClose", QT_TRANSLATE_NOOP("Menu", "&Close document"), "", "", On<&frmText::mnuClose_Click>),
@@ -89,36 +104,44 @@ constexpr Row kMenus[] = {
     Doc("mnuUndoItem", QT_TRANSLATE_NOOP("Menu", "&Undo"), "Ctrl+Z", "", On<&frmText::mnuUndoItem_Click>, CanUndo),
     Doc("mnuRedoItem", QT_TRANSLATE_NOOP("Menu", "&Redo"), "Ctrl+Y", "", On<&frmText::mnuRedoItem_Click>, CanRedo),
     Separator(),
-    Doc("mnuCut", QT_TRANSLATE_NOOP("Menu", "Cu&t"), "Ctrl+X", "", On<&frmText::mnuCut_Click>),
-    Doc("mnuCopy", QT_TRANSLATE_NOOP("Menu", "&Copy to clipboard"), "Ctrl+C", "", On<&frmText::mnuCopy_Click>),
-    Doc("mnuPaste", QT_TRANSLATE_NOOP("Menu", "&Paste from clipboard"), "Ctrl+V", "", On<&frmText::mnuPaste_Click>),
+    With("cut", Doc("mnuCut", QT_TRANSLATE_NOOP("Menu", "Cu&t"), "Ctrl+X", "", On<&frmText::mnuCut_Click>)),
+    With("copy", Doc("mnuCopy", QT_TRANSLATE_NOOP("Menu", "&Copy to clipboard"), "Ctrl+C", "", On<&frmText::mnuCopy_Click>)),
+    With("paste", Doc("mnuPaste", QT_TRANSLATE_NOOP("Menu", "&Paste from clipboard"), "Ctrl+V", "", On<&frmText::mnuPaste_Click>)),
     Menu("mnuPasteAs", QT_TRANSLATE_NOOP("Menu", "Paste a&s"), true),
       Doc("mnuPasteAsText", QT_TRANSLATE_NOOP("Menu", "Plain &text"), "", "", On<&frmText::mnuPasteAsText_Click>, ClipboardHasText),
       Doc("mnuPasteAsRTF", QT_TRANSLATE_NOOP("Menu", "&Rich text format"), "", "", On<&frmText::mnuPasteAsRTF_Click>, ClipboardHasRtf),
       Doc("mnuPasteAsLink", QT_TRANSLATE_NOOP("Menu", "&HTML link"), "", "", On<&frmText::mnuPasteAsLink_Click>, ClipboardHasText),
     End(),
-    Doc("mnuDelete", QT_TRANSLATE_NOOP("Menu", "&Delete"), "Del", "", On<&frmText::mnuDelete_Click>),
+    With("clear", Doc("mnuDelete", QT_TRANSLATE_NOOP("Menu", "&Delete"), "Del", "", On<&frmText::mnuDelete_Click>)),
     Doc("mnuSelAll", QT_TRANSLATE_NOOP("Menu", "Select &All"), "Ctrl+A", "", On<&frmText::mnuSelAll_Click>),
   End(),
   Menu("mnuFormat", QT_TRANSLATE_NOOP("Menu", "For&mat"), true),
     Menu("mnuEmphasis", QT_TRANSLATE_NOOP("Menu", "&Emphasis"), true),
-      Check("mnuBold", QT_TRANSLATE_NOOP("Menu", "&Bold"), "Ctrl+B", On<&frmText::mnuBold_Click>, &FormatChecks::Bold),
-      Check("mnuItalic", QT_TRANSLATE_NOOP("Menu", "&Italic"), "Ctrl+I", On<&frmText::mnuItalic_Click>, &FormatChecks::Italic),
-      Check("mnuUnderline", QT_TRANSLATE_NOOP("Menu", "&Underlined"), "Ctrl+U", On<&frmText::mnuUnderline_Click>, &FormatChecks::Underline),
-      Check("mnuStrikeThru", QT_TRANSLATE_NOOP("Menu", "&Strikethru"), "", On<&frmText::mnuStrikeThru_Click>, &FormatChecks::StrikeThru),
+      With("bold", Check("mnuBold", QT_TRANSLATE_NOOP("Menu", "&Bold"), "Ctrl+B", On<&frmText::mnuBold_Click>, &FormatChecks::Bold)),
+      With("italic", Check("mnuItalic", QT_TRANSLATE_NOOP("Menu", "&Italic"), "Ctrl+I", On<&frmText::mnuItalic_Click>, &FormatChecks::Italic)),
+      With("underline", Check("mnuUnderline", QT_TRANSLATE_NOOP("Menu", "&Underlined"), "Ctrl+U", On<&frmText::mnuUnderline_Click>, &FormatChecks::Underline)),
+      With("strikethru", Check("mnuStrikeThru", QT_TRANSLATE_NOOP("Menu", "&Strikethru"), "", On<&frmText::mnuStrikeThru_Click>, &FormatChecks::StrikeThru)),
       Separator(),
       Doc("mnuEmphasisRemove", QT_TRANSLATE_NOOP("Menu", "&Remove emphasis"), "", "Ctrl+R", On<&frmText::mnuEmphasisRemove_Click>),
     End(),
     Menu("mnuAlign", QT_TRANSLATE_NOOP("Menu", "&Align"), true),
-      Check("mnuAlignLeft", QT_TRANSLATE_NOOP("Menu", "&left"), "", On<&frmText::mnuAlignLeft_Click>, &FormatChecks::AlignLeft),
-      Check("mnuAlignCenter", QT_TRANSLATE_NOOP("Menu", "&center"), "", On<&frmText::mnuAlignCenter_Click>, &FormatChecks::AlignCenter),
-      Check("mnuAlignRight", QT_TRANSLATE_NOOP("Menu", "&right"), "", On<&frmText::mnuAlignRight_Click>, &FormatChecks::AlignRight),
+      With("align-left", Check("mnuAlignLeft", QT_TRANSLATE_NOOP("Menu", "&left"), "", On<&frmText::mnuAlignLeft_Click>, &FormatChecks::AlignLeft)),
+      With("align-center", Check("mnuAlignCenter", QT_TRANSLATE_NOOP("Menu", "&center"), "", On<&frmText::mnuAlignCenter_Click>, &FormatChecks::AlignCenter)),
+      With("align-right", Check("mnuAlignRight", QT_TRANSLATE_NOOP("Menu", "&right"), "", On<&frmText::mnuAlignRight_Click>, &FormatChecks::AlignRight)),
     End(),
     Separator(),
-    Doc("mnuFont", QT_TRANSLATE_NOOP("Menu", "&Font..."), "", "", On<&frmText::mnuFont_Click>),
+    With("font", Doc("mnuFont", QT_TRANSLATE_NOOP("Menu", "&Font..."), "", "", On<&frmText::mnuFont_Click>)),
+  End(),
+  Menu("mnuOptions", QT_TRANSLATE_NOOP("Menu", "&Options")),
+    Menu("mnuToolBar", QT_TRANSLATE_NOOP("Menu", "Tool&bar")),
+      Menu("mnuToolbarButtonStyle", QT_TRANSLATE_NOOP("Menu", "&Button style")),
+        Choice("mnuToolbarButtonRaised", QT_TRANSLATE_NOOP("Menu", "&raised"), &Commands::mnuToolbarButtonRaised_Click, &Commands::ToolbarIsRaised),
+        Choice("mnuToolbarButtonFlat", QT_TRANSLATE_NOOP("Menu", "&flat"), &Commands::mnuToolbarButtonFlat_Click, &Commands::ToolbarIsFlat),
+      End(),
+    End(),
   End(),
   Menu("mnuWindow", QT_TRANSLATE_NOOP("Menu", "&Window")),
-    Main("mnuNextPane", QT_TRANSLATE_NOOP("Menu", "&Next window"), "", "Ctrl+F6", "", &Commands::mnuNextPane_Click),
+    Main("mnuNextPane", QT_TRANSLATE_NOOP("Menu", "&Next window"), "Ctrl+F6", "Ctrl+F6", "", &Commands::mnuNextPane_Click),
     Main("mnuMinRest", QT_TRANSLATE_NOOP("Menu", "&Minimize/restore all"), "", "F12", "F12", &Commands::mnuMinRest_Click),
     Separator(),
     Main("mnuWindowCascade", QT_TRANSLATE_NOOP("Menu", "&Cascade"), "", "", "", &Commands::mnuWindowCascade_Click),
@@ -136,10 +159,10 @@ constexpr Row kMenus[] = {
 constexpr Row kDocumentPopup[] = {
   Doc("mnuRCUndo", QT_TRANSLATE_NOOP("Menu", "&Undo"), "", "", On<&frmText::mnuUndoItem_Click>, CanUndo),
   Separator(),
-  Doc("mnuRCCut", QT_TRANSLATE_NOOP("Menu", "Cu&t"), "", "", On<&frmText::mnuCut_Click>),
-  Doc("mnuRCCopy", QT_TRANSLATE_NOOP("Menu", "&Copy"), "", "", On<&frmText::mnuCopy_Click>),
-  Doc("mnuRCPaste", QT_TRANSLATE_NOOP("Menu", "&Paste"), "", "", On<&frmText::mnuPaste_Click>),
-  Doc("mnuRCDelete", QT_TRANSLATE_NOOP("Menu", "&Delete"), "", "", On<&frmText::mnuDelete_Click>),
+  With("cut", Doc("mnuRCCut", QT_TRANSLATE_NOOP("Menu", "Cu&t"), "", "", On<&frmText::mnuCut_Click>)),
+  With("copy", Doc("mnuRCCopy", QT_TRANSLATE_NOOP("Menu", "&Copy"), "", "", On<&frmText::mnuCopy_Click>)),
+  With("paste", Doc("mnuRCPaste", QT_TRANSLATE_NOOP("Menu", "&Paste"), "", "", On<&frmText::mnuPaste_Click>)),
+  With("clear", Doc("mnuRCDelete", QT_TRANSLATE_NOOP("Menu", "&Delete"), "", "", On<&frmText::mnuDelete_Click>)),
   Separator(),
   Doc("mnuRCSelAll", QT_TRANSLATE_NOOP("Menu", "Select &All"), "", "", On<&frmText::mnuSelAll_Click>),
 };

@@ -13,7 +13,8 @@ struct Row {
   ui::MenuRow menu;
   void (Commands::*command)() = nullptr;            // runs in the main window,
   void (*document)(documents::frmText&) = nullptr;  // or in the active document
-  bool documents::FormatChecks::*check = nullptr;   // its check mark
+  bool documents::FormatChecks::*check = nullptr;   // its check mark: the document's,
+  bool (Commands::*chosen)() const = nullptr;       // or the main window's
   bool (*enabled)(documents::frmText&) = nullptr;   // nothing = always
 };
 

@@ -1,14 +1,9 @@
 #include "commands/Menus.h"
 
-#include "services/Messages.h"
 #include "ui/PathText.h"
 #include "ui/PendingEvents.h"
 #include "ui/frame/ChildArea.h"
 #include "ui/frame/PopupMenu.h"
-
-#include <QCoreApplication>
-
-#include <exception>
 
 namespace commands {
 namespace {
@@ -37,7 +32,9 @@ void Menus::FollowActiveDocument() {
 void Menus::Fill() {
   documents::frmText* document = table_.Active();
   const std::span<const Row> rows = MenuTable();
-  for (size_t i = 0; document && i < rows.size(); ++i) {
+  for (size_t i = 0; i < rows.size(); ++i) {
+    if (rows[i].chosen) bar_.SetChecked(i, (commands_.*rows[i].chosen)());
+    if (!document) continue;
     if (rows[i].check) bar_.SetChecked(i, document->checks().*rows[i].check);
     if (rows[i].enabled) bar_.SetEnabled(i, rows[i].enabled(*document));
   }
@@ -62,11 +59,13 @@ void Menus::FillWindowList() {
 }
 
 void Menus::ActivateListed(size_t index) {
-  if (documents::frmText* document = table_.Find(listed_[index])) {
-    if (document->windowState() == ui::WindowState::kMinimized) document->SetWindowState(ui::WindowState::kNormal);
-    document->Activate();
-  }
-  Fill();
+  services_.forms().Guarded([this, index] {
+    if (documents::frmText* document = table_.Find(listed_[index])) {
+      if (document->windowState() == ui::WindowState::kMinimized) document->SetWindowState(ui::WindowState::kNormal);
+      document->Activate();
+    }
+    Fill();
+  });
 }
 
 void Menus::Run(size_t row) {
@@ -77,14 +76,10 @@ void Menus::Run(size_t row) {
 
 void Menus::RunRow(const Row& row) {
   const ui::CommandScope scope;
-  try {
+  services_.forms().Guarded([&] {
     if (row.command) (commands_.*row.command)();
     if (documents::frmText* document = row.document ? table_.Active() : nullptr) row.document(*document);
-  } catch (const std::exception& failure) {
-    // Out of memory, most likely: the event loop must not see it, and the document is as it was.
-    services::ShowError(services_.dialogs(), nullptr,
-                        QCoreApplication::translate("Messages", "Error: ") + QString::fromUtf8(failure.what()));
-  }
+  });
 }
 
 void Menus::ShowDocumentPopup(documents::frmText& document, const QPoint& globalPosition) {

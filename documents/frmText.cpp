@@ -45,10 +45,7 @@ void frmText::ConnectEditor() {
 bool frmText::eventFilter(QObject* watched, QEvent* event) {
   if (watched == RichTextBox1_ && event->type() == QEvent::FocusIn) {
     Activate();
-    services_.ShowOvertype(RichTextBox1_->overtype());
-    LastFontName_.clear();
-    LastFontSize_ = 0;
-    UpdateSelectionState();
+    ShowState();
   }
   return ChildForm::eventFilter(watched, event);
 }

@@ -30,6 +30,8 @@ class frmText : public ui::ChildForm {
   const FormatChecks& checks() const { return checks_; }
 
   void MyShow();
+  // Toolbar, check marks and status bar as of this document's selection.
+  void ShowState();
 
   // --- For the load step
   void SetDefaultFormat();  // only while the window is empty
@@ -117,7 +119,7 @@ class frmText : public ui::ChildForm {
   void ForgetRecovered(bool saved);
   void Toggle(std::optional<bool> (ui::RichTextBox::*get)() const, void (ui::RichTextBox::*set)(bool));
   void UpdateSelectionState();
-  void UpdateAlignment();
+  void UpdateAlignment(std::optional<int> alignment);
   void UpdateFontPanel();
   files::Path path() const { return files::Path(caption()); }
 

@@ -103,18 +103,34 @@ void frmText::mnuFont_Click() {
   if (chosen->color != before.color) RichTextBox1_->SetSelColor(chosen->color);
 }
 
+void frmText::ShowState() {
+  services_.ShowOvertype(RichTextBox1_->overtype());
+  LastFontName_.clear();
+  LastFontSize_ = 0;
+  UpdateSelectionState();
+}
+
 void frmText::UpdateSelectionState() {
+  const services::SelectionState state{.bold = RichTextBox1_->SelBold(),
+                                       .italic = RichTextBox1_->SelItalic(),
+                                       .underline = RichTextBox1_->SelUnderline(),
+                                       .strikeThru = RichTextBox1_->SelStrikeThru(),
+                                       .bullet = RichTextBox1_->SelBullet(),
+                                       .protectedText = RichTextBox1_->SelProtected(),
+                                       .alignment = RichTextBox1_->SelAlignment()};
   // A mixed state leaves its check mark as it was.
-  checks_.Bold = RichTextBox1_->SelBold().value_or(checks_.Bold);
-  checks_.Italic = RichTextBox1_->SelItalic().value_or(checks_.Italic);
-  checks_.Underline = RichTextBox1_->SelUnderline().value_or(checks_.Underline);
-  checks_.StrikeThru = RichTextBox1_->SelStrikeThru().value_or(checks_.StrikeThru);
-  UpdateAlignment();
+  checks_.Bold = state.bold.value_or(checks_.Bold);
+  checks_.Italic = state.italic.value_or(checks_.Italic);
+  checks_.Underline = state.underline.value_or(checks_.Underline);
+  checks_.StrikeThru = state.strikeThru.value_or(checks_.StrikeThru);
+  UpdateAlignment(state.alignment);
+  // The main window shows the document in front; this one may be another that a command works on.
+  if (table_.Active() != this) return;
+  services_.ShowSelectionState(state);
   UpdateFontPanel();
 }
 
-void frmText::UpdateAlignment() {
-  const auto alignment = RichTextBox1_->SelAlignment();
+void frmText::UpdateAlignment(std::optional<int> alignment) {
   if (!alignment || *alignment < 0 || *alignment > 2) return;
   checks_.AlignLeft = *alignment == 0;
   checks_.AlignRight = *alignment == 1;

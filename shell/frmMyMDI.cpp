@@ -20,11 +20,16 @@ frmMyMDI::frmMyMDI(ui::Dialogs& dialogs, files::Path recoveryFolder, files::Curr
       commonDialogs_(dialogs, std::move(directory)),
       table_(*this),
       opening_(*this, table_),
-      commands_(*this, table_, opening_),
+      commands_(*this, table_, opening_, frame_.toolbar()),
+      toolbar_(frame_, commands_, *this, table_),
       menus_(frame_, commands_, *this, table_) {
   frame_.SetCaption("Quillmark");
+  forms_.SetFailureReport([this](const QString& reason) {
+    services::ShowError(dialogs_, nullptr, QCoreApplication::translate("Messages", "Error: ") + reason);
+  });
   QObject::connect(&frame_.area(), &ui::ChildArea::CurrentChanged, &menus_.bar(), [this] {
     menus_.FollowActiveDocument();
+    toolbar_.FollowActiveDocument();
     if (!table_.Active()) ShowOvertype(true);
   });
 }
@@ -39,11 +44,14 @@ void frmMyMDI::InitDocProperties(int) {
   menus_.FollowActiveDocument();
 }
 
-void frmMyMDI::ToolbarToggle(bool) {
+void frmMyMDI::ToolbarToggle(bool enabled) {
   menus_.FollowActiveDocument();
+  toolbar_.ToolbarToggle(enabled);
 }
 
-void frmMyMDI::ShowSelectionState(const services::SelectionState&) {}
+void frmMyMDI::ShowSelectionState(const services::SelectionState& state) {
+  toolbar_.ShowSelectionState(state);
+}
 
 void frmMyMDI::ShowSelectionFont(const QString& text) {
   frame_.statusBar().SetText(ui::Panel::stsFont, text);

@@ -3,6 +3,7 @@
 
 #include "commands/Commands.h"
 #include "commands/Menus.h"
+#include "commands/Toolbar.h"
 #include "documents/DocumentTable.h"
 #include "documents/Opening.h"
 #include "shell/CommonDialogAPI.h"
@@ -74,6 +75,7 @@ class frmMyMDI final : public services::Services {
   documents::DocumentTable table_;
   documents::Opening opening_;
   commands::Commands commands_;
+  commands::Toolbar toolbar_;
   commands::Menus menus_;
 };
 

@@ -81,9 +81,4 @@ class Dialogs {
   virtual void RunWork(Form* owner, const QString& text, int64_t total, const std::function<void(WorkPort&)>& work) = 0;
 };
 
-// The one way to run a modal form.
-inline bool ShowModal(Dialogs& dialogs, ModalForm& form) {
-  return dialogs.ShowModal(form);
-}
-
 }  // namespace ui

@@ -4,6 +4,7 @@
 #include "ui/PendingEvents.h"
 
 #include <algorithm>
+#include <exception>
 #include <utility>
 
 namespace ui {
@@ -28,7 +29,9 @@ void Form::SetCaption(std::string caption) {
 bool Form::RequestClose() {
   if (!InsideCommand()) {
     const CommandScope scope;
-    return Close();
+    bool closed = false;
+    forms_.Guarded([&] { closed = Close(); });
+    return closed;
   }
   if (!closeRequested_) {
     closeRequested_ = true;
@@ -57,6 +60,21 @@ std::vector<FormId> Forms::Backwards() const {
   std::vector<FormId> ids = InLoadOrder();
   std::ranges::reverse(ids);
   return ids;
+}
+
+bool Forms::Guarded(const std::function<void()>& call) const {
+  try {
+    call();
+    return true;
+  } catch (const std::exception& failure) {
+    const QString reason = QString::fromUtf8(failure.what());
+    if (report_) {
+      report_(reason);
+    } else {
+      qCritical("%s", failure.what());
+    }
+  }
+  return false;
 }
 
 QString TitleOf(std::string_view caption) {

@@ -5,6 +5,7 @@
 #include <QString>
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -67,9 +68,15 @@ class Forms : public QObject {
   std::vector<FormId> InLoadOrder() const;
   std::vector<FormId> Backwards() const;  // most recently loaded first
 
+  // For what the event loop calls: an exception (out of memory, most likely) goes to the report and no further. False
+  // after one.
+  bool Guarded(const std::function<void()>& call) const;
+  void SetFailureReport(std::function<void(const QString& reason)> report) { report_ = std::move(report); }
+
  private:
   friend class Form;
   std::vector<Form*> forms_;
+  std::function<void(const QString&)> report_;
   int64_t lastId_ = 0;
 };
 

@@ -52,37 +52,50 @@ class MenuTest : public ProgramTest {
   }
   void ExpectRules() {
     std::map<QKeySequence, std::string> keys;
-    std::map<const QMenu*, std::map<QChar, QString>> mnemonics;
+    // The letters of each open menu, the bar's first.
+    std::vector<std::map<QChar, QString>> mnemonics(1);
     for (size_t i = 0; i < Bar().rowCount(); ++i) {
+      if (Bar().row(i).kind == ui::MenuRowKind::kEnd) mnemonics.pop_back();
       const QAction* action = Bar().action(i);
       if (!action || action->isSeparator()) continue;
       if (Bar().row(i).kind == ui::MenuRowKind::kMenu && action->isVisible()) ExpectTidy(Bar().row(i).name);
-      if (!action->isVisible()) continue;
+      const bool menu = Bar().row(i).kind == ui::MenuRowKind::kMenu;
+      if (!action->isVisible()) {
+        if (menu) mnemonics.emplace_back();
+        continue;
+      }
       if (!action->shortcut().isEmpty()) {
         EXPECT_TRUE(keys.emplace(action->shortcut(), Bar().row(i).name).second)
             << action->shortcut().toString().toStdString() << " twice: " << Bar().row(i).name;
       }
-      const auto* menu = qobject_cast<QMenu*>(action->parent());
       const qsizetype at = action->text().indexOf('&');
       ASSERT_GE(at, 0) << Bar().row(i).name << " has no mnemonic";
       const QChar letter = action->text()[at + 1].toLower();
-      const auto [other, unique] = mnemonics[menu].emplace(letter, Bar().row(i).name);
+      const auto [other, unique] = mnemonics.back().emplace(letter, Bar().row(i).name);
       EXPECT_TRUE(unique) << Bar().row(i).name << " and " << other->second.toStdString();
+      if (menu) mnemonics.emplace_back();
     }
   }
 };
 
 TEST_F(MenuTest, WithoutADocument) {
-  EXPECT_EQ(TopLevel(), (QStringList{"&File", "&Window"}));
+  EXPECT_EQ(TopLevel(), (QStringList{"&File", "&Options", "&Window"}));
   EXPECT_EQ(Shown("mnuFile"), (QStringList{"&New document", "Open a &document...", "Save a&ll", "-", "E&xit"}));
   EXPECT_TRUE(Action("mnuSaveFile").shortcut().isEmpty());
   EXPECT_EQ(Action("mnuNew").shortcut(), QKeySequence("Ctrl+N"));
   ExpectRules();
 }
 
+TEST_F(MenuTest, TheKeyOfTheNextWindowIsAlwaysShown) {
+  EXPECT_EQ(Action("mnuNextPane").text(), "&Next window\tCtrl+F6");
+  New();
+  EXPECT_EQ(Action("mnuNextPane").text(), "&Next window\tCtrl+F6");
+  EXPECT_EQ(Action("mnuNextPane").shortcut(), QKeySequence("Ctrl+F6"));
+}
+
 TEST_F(MenuTest, WithADocument) {
   New();
-  EXPECT_EQ(TopLevel(), (QStringList{"&File", "&Edit", "For&mat", "&Window"}));
+  EXPECT_EQ(TopLevel(), (QStringList{"&File", "&Edit", "For&mat", "&Options", "&Window"}));
   EXPECT_EQ(Shown("mnuFile"),
             (QStringList{"&New document", "Open a &document...", "&Save document", "Save document &as...", "Save a&ll",
                          "&Close document", "-", "Copy document &pathname to clipboard", "&Refresh", "-", "E&xit"}));
@@ -100,7 +113,7 @@ TEST_F(MenuTest, TheDocumentRowsGoWithTheLastDocument) {
   document->Close();
   Settle();
   EXPECT_FALSE(Action("mnuEdit").isVisible());
-  EXPECT_EQ(TopLevel(), (QStringList{"&File", "&Window"}));
+  EXPECT_EQ(TopLevel(), (QStringList{"&File", "&Options", "&Window"}));
 }
 
 TEST_F(MenuTest, ChecksFollowTheSelection) {

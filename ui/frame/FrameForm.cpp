@@ -1,12 +1,18 @@
 #include "ui/frame/FrameForm.h"
 
+#include "ui/controls/Icons.h"
+#include "ui/frame/LeftPane.h"
 #include "ui/frame/StatusBar.h"
+#include "ui/frame/ToolBar.h"
 
 #include <QBuffer>
 #include <QCloseEvent>
 #include <QGuiApplication>
+#include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QMenuBar>
 #include <QScreen>
+#include <QShortcut>
 #include <QStatusBar>
 #include <QTimer>
 
@@ -14,11 +20,27 @@ namespace ui {
 
 class FrameForm::Window : public QMainWindow {
  public:
-  explicit Window(FrameForm& owner) : owner_(owner), area_(new ChildArea(this)) {
-    setCentralWidget(area_);
+  explicit Window(FrameForm& owner)
+      : owner_(owner), Toolbar1_(new ToolBar(this)), pane_(new LeftPane), area_(new ChildArea) {
+    setWindowIcon(ApplicationIcon());
+    Toolbar1_->setObjectName(QStringLiteral("Toolbar1"));
+    Toolbar1_->setAccessibleName(tr("Toolbar"));
+    addToolBar(Toolbar1_);
+    auto* inside = new QWidget;
+    auto* row = new QHBoxLayout(inside);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->setSpacing(0);
+    row->addWidget(pane_);
+    row->addWidget(area_, 1);
+    setCentralWidget(inside);
+    connect(new QShortcut(QKeySequence(Qt::Key_F6), this), &QShortcut::activated, this, [this] { MoveFocus(1); });
+    connect(new QShortcut(QKeySequence(Qt::SHIFT | Qt::Key_F6), this), &QShortcut::activated, this,
+            [this] { MoveFocus(-1); });
     const QSize screen = QGuiApplication::primaryScreen()->availableSize();
     resize(QSize(1000, 700).boundedTo(screen * 9 / 10));
   }
+  ToolBar& toolbar() { return *Toolbar1_; }
+  LeftPane& leftPane() { return *pane_; }
   ChildArea& area() { return *area_; }
   void OnFirstPaint(std::function<void()> painted) { painted_ = std::move(painted); }
 
@@ -26,15 +48,52 @@ class FrameForm::Window : public QMainWindow {
   void paintEvent(QPaintEvent* event) override {
     QMainWindow::paintEvent(event);
     // The children are painted and shown right behind this; what is queued comes after them.
-    if (painted_) QTimer::singleShot(0, this, std::exchange(painted_, {}));
+    if (!painted_) return;
+    QTimer::singleShot(0, this, [this, then = std::exchange(painted_, {})] { owner_.forms().Guarded(then); });
+  }
+  // The bars are hidden by nobody.
+  QMenu* createPopupMenu() override { return nullptr; }
+  void keyPressEvent(QKeyEvent* event) override {
+    if (event->key() == Qt::Key_Escape) return ActivateDocument();
+    QMainWindow::keyPressEvent(event);
   }
   void closeEvent(QCloseEvent* event) override { event->setAccepted(owner_.RequestClose()); }
 
  private:
+  void MoveFocus(int step);
+  void ActivateDocument() {
+    if (Form* document = owner_.forms().Find(area_->current())) document->Activate();
+  }
+
   FrameForm& owner_;
+  ToolBar* Toolbar1_;
+  LeftPane* pane_;
   ChildArea* area_;
   std::function<void()> painted_;
 };
+
+// From the document to the panes and the toolbar, and round again.
+void FrameForm::Window::MoveFocus(int step) {
+  std::vector<QWidget*> stops = {area_, &pane_->List1(), &pane_->TreeView1()};
+  for (ToolButton* button : Toolbar1_->findChildren<ToolButton*>()) {
+    if (!button->isVisible() || !button->isEnabled()) continue;
+    stops.push_back(button);
+    break;
+  }
+  const QWidget* focus = focusWidget();
+  int now = 0;
+  for (int i = 0; i < static_cast<int>(stops.size()); ++i)
+    if (focus && (stops[i] == focus || stops[i]->isAncestorOf(focus))) now = i;
+  if (focus && Toolbar1_->isAncestorOf(focus)) now = static_cast<int>(stops.size()) - 1;
+  const int count = static_cast<int>(stops.size());
+  now = (now + step + count) % count;
+  if (stops[now] == area_ && area_->current() == FormId::kNone) now = (now + step + count) % count;
+  if (stops[now] == area_) {
+    ActivateDocument();
+  } else {
+    stops[now]->setFocus(Qt::TabFocusReason);
+  }
+}
 
 FrameForm::FrameForm(Forms& forms, std::string_view name, std::function<bool()> close)
     : Form(forms, name),
@@ -54,6 +113,11 @@ WindowState FrameForm::windowState() const {
 }
 
 void FrameForm::SetWindowState(WindowState state) {
+  if (!window_->isVisible()) {
+    // As it will be shown.
+    window_->setWindowState(state == WindowState::kMaximized ? Qt::WindowMaximized : Qt::WindowNoState);
+    return;
+  }
   switch (state) {
     case WindowState::kNormal:
       window_->showNormal();
@@ -85,6 +149,12 @@ void FrameForm::Hide() {
 }
 QMenuBar& FrameForm::menuBar() {
   return *window_->menuBar();
+}
+ToolBar& FrameForm::toolbar() {
+  return window_->toolbar();
+}
+LeftPane& FrameForm::leftPane() {
+  return window_->leftPane();
 }
 ChildArea& FrameForm::area() {
   return window_->area();

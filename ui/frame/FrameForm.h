@@ -1,4 +1,4 @@
-// The main window: menu bar, document area and status bar in a frame.
+// The main window: menu bar, toolbar, panes, document area and status bar in a frame.
 #pragma once
 
 #include "ui/Forms.h"
@@ -11,7 +11,9 @@
 
 namespace ui {
 
+class LeftPane;
 class StatusBar;
+class ToolBar;
 
 class FrameForm : public Form {
  public:
@@ -29,6 +31,8 @@ class FrameForm : public Form {
   void Show(std::function<void()> painted = {});
   void Hide();
   QMenuBar& menuBar();
+  ToolBar& toolbar();  // Toolbar1
+  LeftPane& leftPane();
   ChildArea& area();
   StatusBar& statusBar();
   QByteArray PicturePng();  // what the window shows; empty when there is no memory for it

@@ -1,5 +1,6 @@
 #include "ui/frame/MenuBar.h"
 
+#include "ui/controls/Icons.h"
 #include "ui/frame/FrameForm.h"
 
 #include <QCoreApplication>
@@ -55,6 +56,7 @@ QAction* MenuBar::BuildItem(size_t i, QMenu& menu) {
   if (row.kind == MenuRowKind::kSeparator) return menu.addSeparator();
   QAction* action = menu.addAction(CaptionOf(row));
   action->setCheckable(row.checkable);
+  if (*row.icon) action->setIcon(ThemedIcon(row.icon));
   action->setMenuRole(QAction::NoRole);
   connect(action, &QAction::triggered, this, [this, i] { Q_EMIT Triggered(i); });
   return action;

@@ -29,6 +29,7 @@ struct MenuRow {
   const char* keyWithoutDocument = "";
   bool documentOnly = false;  // shown only while a document window is active
   bool checkable = false;
+  const char* icon = "";  // a picture of data/icons/
 };
 
 // One line of a kList row.

@@ -1,5 +1,7 @@
 #include "ui/frame/PopupMenu.h"
 
+#include "ui/controls/Icons.h"
+
 #include <QCoreApplication>
 #include <QMenu>
 
@@ -15,6 +17,7 @@ std::optional<size_t> PickFromPopup(const QPoint& globalPosition, const std::vec
     }
     QAction* action = menu.addAction(QCoreApplication::translate("Menu", rows[i].caption));
     action->setEnabled(enabled[i]);
+    if (*rows[i].icon) action->setIcon(ThemedIcon(rows[i].icon));
     action->setData(static_cast<int>(i));
   }
   const QAction* chosen = menu.exec(globalPosition);

@@ -10,9 +10,12 @@
 #include <QStatusBar>
 #include <QTimer>
 
+#include <utility>
+
 namespace ui {
 namespace {
 
+constexpr int kFirstPanelInLetters = 15;
 constexpr int kBetweenKeyLooks = 1000;  // another program may have pressed a lock key; milliseconds
 
 struct PanelStyle {
@@ -44,6 +47,9 @@ StatusBar::StatusBar(QStatusBar& bar) : QObject(&bar), clock_(new QTimer(this)),
     bar.addWidget(label, style.stretch);
     labels_[static_cast<size_t>(style.panel)] = label;
   }
+  // Wide enough for a button's description, so that the panels behind it stay where they are.
+  QLabel& date = label(Panel::stsDate);
+  date.setMinimumWidth(date.fontMetrics().averageCharWidth() * kFirstPanelInLetters);
   for (const Panel panel : {Panel::stsCaps, Panel::stsNum, Panel::stsInsert, Panel::stsScroll}) SetOn(panel, false);
   clock_->setSingleShot(true);
   connect(clock_, &QTimer::timeout, this, &StatusBar::Refresh);
@@ -70,10 +76,19 @@ bool StatusBar::isOn(Panel panel) const {
   return label(panel).isEnabled();
 }
 
+void StatusBar::ShowDescription(const QString& description) {
+  showsDate_ = false;
+  SetText(Panel::stsDate, description);
+}
+
+void StatusBar::ShowDate() {
+  if (std::exchange(showsDate_, true)) return;
+  Refresh();
+}
+
 void StatusBar::Refresh() {
   const QDateTime now = QDateTime::currentDateTime();
-  const QLocale locale;
-  SetText(Panel::stsDate, locale.toString(now.date(), QLocale::ShortFormat));
+  if (showsDate_) SetText(Panel::stsDate, QLocale().toString(now.date(), QLocale::ShortFormat));
   SetText(Panel::stsTime, now.toString(QStringLiteral("HH:mm")));
   const LockKeys keys = CurrentLockKeys();
   SetOn(Panel::stsCaps, keys.caps);

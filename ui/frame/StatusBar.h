@@ -24,6 +24,10 @@ class StatusBar : public QObject {
 
   void SetText(Panel panel, const QString& text);
   QString text(Panel panel) const;
+  // The first panel in text style, until ShowDate() brings it back to date style.
+  void ShowDescription(const QString& description);
+  void ShowDate();
+  bool showsDate() const { return showsDate_; }
   // A key's panel shows its name clearly when on and faintly when off.
   void SetOn(Panel panel, bool on);
   bool isOn(Panel panel) const;
@@ -40,6 +44,7 @@ class StatusBar : public QObject {
   std::array<QLabel*, kPanelCount> labels_{};
   QTimer* clock_;
   QTimer* keys_;
+  bool showsDate_ = true;
 };
 
 }  // namespace ui

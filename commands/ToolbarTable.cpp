@@ -1,0 +1,84 @@
+#include "commands/ToolbarTable.h"
+
+#include <QtGlobal>
+
+namespace commands {
+namespace {
+
+using documents::frmText;
+using services::SelectionState;
+using ui::FaceClick;
+
+template <auto Handler>
+void On(frmText& document) {
+  static_cast<void>((document.*Handler)());
+}
+
+constexpr ui::ToolBarMenuRow kNewMenu[] = {{QT_TRANSLATE_NOOP("Toolbar", "&Document"), "Document"}};
+constexpr ui::ToolBarMenuRow kOpenMenu[] = {{QT_TRANSLATE_NOOP("Toolbar", "&Document..."), "Document"}};
+constexpr ui::ToolBarMenuRow kSaveMenu[] = {{QT_TRANSLATE_NOOP("Toolbar", "&Document"), "Document"}};
+
+constexpr ToolbarCommand kNewCommands[] = {{.command = &Commands::mnuNew_Click}};
+constexpr ToolbarCommand kOpenCommands[] = {{.command = &Commands::mnuOpenFile_Click}};
+constexpr ToolbarCommand kSaveCommands[] = {{.document = On<&frmText::mnuSaveFile_Click>}};
+
+// A button that only opens menus.
+constexpr ToolbarRow Drop(const char* key, const char* longText, const char* shortText, const char* icon,
+                          FaceClick face, std::span<const ui::ToolBarMenuRow> menu,
+                          std::span<const ToolbarCommand> commands) {
+  return {.button = {key, longText, shortText, icon, face, false, false, menu}, .menu = commands};
+}
+
+constexpr ToolbarRow Doc(const char* key, const char* longText, const char* shortText, const char* icon,
+                         void (*handler)(frmText&)) {
+  return {.button = {key, longText, shortText, icon}, .face = {.document = handler}, .needsDocument = true};
+}
+
+constexpr ToolbarRow Flag(const char* key, const char* longText, const char* shortText, const char* icon,
+                          void (*handler)(frmText&), std::optional<bool> SelectionState::*state) {
+  ToolbarRow row = Doc(key, longText, shortText, icon, handler);
+  row.button.toggles = true;
+  row.state = state;
+  return row;
+}
+
+constexpr ToolbarRow Align(const char* key, const char* longText, const char* shortText, const char* icon,
+                           void (*handler)(frmText&), int alignment) {
+  ToolbarRow row = Doc(key, longText, shortText, icon, handler);
+  row.button.toggles = true;
+  row.alignment = alignment;
+  return row;
+}
+
+constexpr ToolbarRow Group(ToolbarRow row) {
+  row.button.newGroup = true;
+  return row;
+}
+
+// clang-format off
+constexpr ToolbarRow kButtons[] = {
+  Drop("New", QT_TRANSLATE_NOOP("Toolbar", "Create a new project or document"), QT_TRANSLATE_NOOP("Toolbar", "New"), "new", FaceClick::kOpensMenu, kNewMenu, kNewCommands),
+  Drop("Open", QT_TRANSLATE_NOOP("Toolbar", "Open a project or document..."), QT_TRANSLATE_NOOP("Toolbar", "Open"), "open", FaceClick::kNothing, kOpenMenu, kOpenCommands),
+  Drop("Save", QT_TRANSLATE_NOOP("Toolbar", "Save project or document..."), QT_TRANSLATE_NOOP("Toolbar", "Save"), "save", FaceClick::kNothing, kSaveMenu, kSaveCommands),
+  Group(Doc("Cut", QT_TRANSLATE_NOOP("Toolbar", "Cut selected text"), QT_TRANSLATE_NOOP("Toolbar", "Cut"), "cut", On<&frmText::mnuCut_Click>)),
+  Doc("Copy", QT_TRANSLATE_NOOP("Toolbar", "Copy to clipboard"), QT_TRANSLATE_NOOP("Toolbar", "Copy"), "copy", On<&frmText::mnuCopy_Click>),
+  Doc("Paste", QT_TRANSLATE_NOOP("Toolbar", "Paste from clipboard"), QT_TRANSLATE_NOOP("Toolbar", "Paste"), "paste", On<&frmText::mnuPaste_Click>),
+  Doc("Clear", QT_TRANSLATE_NOOP("Toolbar", "Clear selected text"), QT_TRANSLATE_NOOP("Toolbar", "Clear"), "clear", On<&frmText::mnuDelete_Click>),
+  Group(Flag("Bold", QT_TRANSLATE_NOOP("Toolbar", "Bold"), QT_TRANSLATE_NOOP("Toolbar", "Bold"), "bold", On<&frmText::mnuBold_Click>, &SelectionState::bold)),
+  Flag("Italics", QT_TRANSLATE_NOOP("Toolbar", "Italics"), QT_TRANSLATE_NOOP("Toolbar", "Italics"), "italic", On<&frmText::mnuItalic_Click>, &SelectionState::italic),
+  Flag("Underline", QT_TRANSLATE_NOOP("Toolbar", "Underline"), QT_TRANSLATE_NOOP("Toolbar", "Underline"), "underline", On<&frmText::mnuUnderline_Click>, &SelectionState::underline),
+  Flag("Strikethru", QT_TRANSLATE_NOOP("Toolbar", "Strikethru"), QT_TRANSLATE_NOOP("Toolbar", "Strikethru"), "strikethru", On<&frmText::mnuStrikeThru_Click>, &SelectionState::strikeThru),
+  Doc("Font", QT_TRANSLATE_NOOP("Toolbar", "Change font..."), QT_TRANSLATE_NOOP("Toolbar", "Font"), "font", On<&frmText::mnuFont_Click>),
+  Group(Align("Align left", QT_TRANSLATE_NOOP("Toolbar", "Align left"), QT_TRANSLATE_NOOP("Toolbar", "Left"), "align-left", On<&frmText::mnuAlignLeft_Click>, 0)),
+  Align("Align center", QT_TRANSLATE_NOOP("Toolbar", "Align center"), QT_TRANSLATE_NOOP("Toolbar", "Center"), "align-center", On<&frmText::mnuAlignCenter_Click>, 2),
+  Align("Align right", QT_TRANSLATE_NOOP("Toolbar", "Align right"), QT_TRANSLATE_NOOP("Toolbar", "Right"), "align-right", On<&frmText::mnuAlignRight_Click>, 1),
+};
+// clang-format on
+
+}  // namespace
+
+std::span<const ToolbarRow> ToolbarTable() {
+  return kButtons;
+}
+
+}  // namespace commands

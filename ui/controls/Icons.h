@@ -1,0 +1,16 @@
+// The program's own pictures: strokes in the palette's colour, drawn at the size and resolution asked for.
+#pragma once
+
+#include <QIcon>
+
+#include <string_view>
+
+namespace ui {
+
+// The picture of data/icons/ with that name, or an empty icon. It follows the palette by itself; a disabled one is
+// faint, an active one has the colour of highlighted text.
+QIcon ThemedIcon(std::string_view name);
+
+QIcon ApplicationIcon();
+
+}  // namespace ui

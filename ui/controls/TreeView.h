@@ -1,0 +1,18 @@
+// A tree of lines.
+#pragma once
+
+#include <QTreeView>
+
+namespace ui {
+
+class TreeView : public QTreeView {
+  Q_OBJECT
+
+ public:
+  explicit TreeView(QWidget* parent = nullptr);
+
+  double fontSize() const { return font().pointSizeF(); }
+  void SetFontSize(double points);
+};
+
+}  // namespace ui
