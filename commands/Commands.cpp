@@ -64,19 +64,22 @@ void Commands::mnuMinRest_Click() {
   }
 }
 
+void Commands::Arrange(int code) {
+  ui::ChildArea& area = services_.documentArea();
+  if (code == 0) area.Cascade();
+  if (code == 1) area.TileInRows();
+  if (code == 2) area.TileInColumns();
+  services_.settings().SaveArrange = code;
+}
+
 void Commands::mnuWindowCascade_Click() {
-  services_.documentArea().Cascade();
-  arrangement_ = 0;
+  Arrange(0);
 }
-
 void Commands::mnuWindowTileHoriz_Click() {
-  services_.documentArea().TileInRows();
-  arrangement_ = 1;
+  Arrange(1);
 }
-
 void Commands::mnuWindowTileVertical_Click() {
-  services_.documentArea().TileInColumns();
-  arrangement_ = 2;
+  Arrange(2);
 }
 
 void Commands::mnuWindowArrange_Click() {

@@ -41,8 +41,8 @@ class Commands {
   void mnuWindowSendBack_Click();
   void mnuCloseAll_Click();
 
-  // The last arrangement: 0 cascade, 1 rows, 2 columns; -1 none yet.
-  int arrangement() const { return arrangement_; }
+  // By a code of the setting SaveArrange: 0 cascade, 1 rows, 2 columns.
+  void Arrange(int code);
 
  private:
   void SetToolbarStyle(int style);
@@ -51,7 +51,6 @@ class Commands {
   services::Services& services_;
   documents::DocumentTable& table_;
   documents::Opening& opening_;
-  int arrangement_ = -1;
   ui::ToolBar& Toolbar1_;
   int toolbarStyle_ = 1;
   ui::WindowState minRest_ = ui::WindowState::kNormal;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "files/Result.h"
+#include "services/Settings.h"
 #include "ui/Dialogs.h"
 #include "ui/Forms.h"
 
@@ -16,11 +17,6 @@ class ChildArea;
 }
 
 namespace services {
-
-struct DefaultFont {
-  QString name = QStringLiteral("Courier New");
-  double size = 10;
-};
 
 // What the file dialogs begin with for a path.
 struct PathFilter {
@@ -61,6 +57,8 @@ class Services {
   virtual ui::Dialogs& dialogs() = 0;
   virtual ui::Forms& forms() = 0;
   virtual ui::ChildArea& documentArea() = 0;
+  virtual Settings& settings() = 0;
+  virtual SettingsStore& settingsStore() = 0;
   virtual const DefaultFont& defaultFont() const = 0;
   virtual const files::Path& recoveryFolder() const = 0;
 
@@ -75,8 +73,8 @@ class Services {
   // Document commands can be used from now on, or no longer.
   virtual void ToolbarToggle(bool enabled) = 0;
   virtual void ShowSelectionState(const SelectionState& state) = 0;  // the toolbar's buttons
-  virtual void ShowSelectionFont(const QString& text) = 0;  // the panel stsFont
-  virtual void ShowOvertype(bool overtype) = 0;             // the panel stsInsert
+  virtual void ShowSelectionFont(const QString& text) = 0;           // the panel stsFont
+  virtual void ShowOvertype(bool overtype) = 0;                      // the panel stsInsert
   virtual void ShowDocumentMenu(int slot, const QPoint& globalPosition) = 0;
 };
 

@@ -25,7 +25,7 @@ class CommonDialogAPI {
   int ExtraFilterCount() const { return static_cast<int>(fileExtensions_.size()); }
   services::PathFilter GetFilterForPath(const std::string& path) const;
 
-  const files::CurrentDirectory& currentDirectory() const { return directory_; }
+  files::CurrentDirectory& currentDirectory() { return directory_; }
 
  private:
   files::Path Show(const services::FileDialog& dialog, bool save);

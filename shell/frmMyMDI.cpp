@@ -13,11 +13,13 @@
 
 namespace shell {
 
-frmMyMDI::frmMyMDI(ui::Dialogs& dialogs, files::Path recoveryFolder, files::CurrentDirectory directory)
+frmMyMDI::frmMyMDI(ui::Dialogs& dialogs, Place place)
     : dialogs_(dialogs),
-      recoveryFolder_(std::move(recoveryFolder)),
+      place_(std::move(place)),
+      settingsFile_(place_.application.settings, place_.recovery,
+                    place_.onlyLooking ? SettingsFile::Access::kReadOnly : SettingsFile::Access::kReadWrite),
       frame_(forms_, "frmMyMDI", [this] { return Close(); }),
-      commonDialogs_(dialogs, std::move(directory)),
+      commonDialogs_(dialogs, place_.directory),
       table_(*this),
       opening_(*this, table_),
       commands_(*this, table_, opening_, frame_.toolbar()),
@@ -36,11 +38,11 @@ frmMyMDI::frmMyMDI(ui::Dialogs& dialogs, files::Path recoveryFolder, files::Curr
 
 frmMyMDI::~frmMyMDI() = default;
 
-void frmMyMDI::Show(std::function<void()> then) {
-  frame_.Show(std::move(then));
-}
-
-void frmMyMDI::InitDocProperties(int) {
+void frmMyMDI::InitDocProperties(int slot) {
+  if (documents::frmText* document = table_.Document(slot)) {
+    document->RichTextBox1().SetBackgroundColor(int64_t{std::max(settings_.DocBackColor, -1)});
+    document->RichTextBox1().SetDefaultTabStops(tabStops_);
+  }
   menus_.FollowActiveDocument();
 }
 
@@ -65,26 +67,6 @@ void frmMyMDI::ShowDocumentMenu(int slot, const QPoint& globalPosition) {
   if (documents::frmText* document = table_.Document(slot)) menus_.ShowDocumentPopup(*document, globalPosition);
 }
 
-// Every document is asked before the first one goes: after a Cancel all of them are still there.
-bool frmMyMDI::QueryUnload() {
-  for (const ui::FormId id : forms_.Backwards()) {
-    documents::frmText* document = table_.Find(id);
-    if (document && !document->QueryUnload()) return false;
-  }
-  return true;
-}
-
-bool frmMyMDI::Close() {
-  const ui::CommandScope scope;
-  if (!QueryUnload()) return false;
-  for (const ui::FormId id : forms_.Backwards())
-    if (documents::frmText* document = table_.Find(id)) document->Unload();
-  if (table_.AnyDocumentOpen()) return false;
-  frame_.Hide();
-  QCoreApplication::exit(0);
-  return true;
-}
-
 std::optional<files::Error> frmMyMDI::KeepTexts() {
   std::optional<files::Error> first;
   for (const ui::FormId id : forms_.InLoadOrder()) {
@@ -97,16 +79,17 @@ std::optional<files::Error> frmMyMDI::KeepTexts() {
 
 void frmMyMDI::EndSession() {
   if (const auto error = KeepTexts()) {
-    services::ShowError(dialogs_, &frame_, services::ErrorText(recoveryFolder_.native(), *error));
+    services::ShowError(dialogs_, &frame_, services::ErrorText(place_.recovery.native(), *error));
     return;
   }
+  SaveSettings();
   QCoreApplication::exit(0);
 }
 
 void frmMyMDI::OfferRecovered() {
-  auto entries = files::ListRecovery(recoveryFolder_);
+  auto entries = files::ListRecovery(place_.recovery);
   if (!entries) {
-    services::ShowError(dialogs_, &frame_, services::ErrorText(recoveryFolder_.native(), entries.error()));
+    services::ShowError(dialogs_, &frame_, services::ErrorText(place_.recovery.native(), entries.error()));
     return;
   }
   for (files::RecoveryEntry& entry : entries.value()) OfferRecovered(entry);
@@ -137,7 +120,7 @@ void frmMyMDI::OfferRecovered(files::RecoveryEntry& entry) {
 files::Status frmMyMDI::SavePicture(const files::Path& path) {
   const QByteArray png = frame_.PicturePng();
   if (png.isEmpty()) return files::SystemError(ENOMEM, path);
-  const auto saved = files::SaveAtomically(path, recoveryFolder_, [&png](const files::ByteSink& sink) {
+  const auto saved = files::SaveAtomically(path, place_.recovery, [&png](const files::ByteSink& sink) {
     return sink(std::string_view(png.constData(), static_cast<size_t>(png.size())));
   });
   return saved ? files::Status() : files::Status(saved.error());

@@ -6,20 +6,39 @@
 #include "commands/Toolbar.h"
 #include "documents/DocumentTable.h"
 #include "documents/Opening.h"
+#include "files/LockFile.h"
+#include "shell/ApplicationFolder.h"
 #include "shell/CommonDialogAPI.h"
+#include "shell/SettingsFile.h"
 #include "ui/frame/FrameForm.h"
+
+#include <QTimer>
 
 #include <functional>
 
 namespace shell {
 
+// What the program finds where it is started.
+struct Place {
+  ApplicationFolder application;
+  files::Path recovery;  // the folder of texts that were not saved
+  files::Path lock;      // held while a copy of the program has a window
+  files::CurrentDirectory directory;
+  bool onlyLooking = false;     // for a picture: nothing is written
+  bool offersRecovered = true;  // at the start, before anything is opened
+};
+
+// One line for each place of these folders.
+Place FindPlace(const files::UserFolders& folders, files::CurrentDirectory directory);
+
 class frmMyMDI final : public services::Services {
  public:
-  frmMyMDI(ui::Dialogs& dialogs, files::Path recoveryFolder, files::CurrentDirectory directory);
+  frmMyMDI(ui::Dialogs& dialogs, Place place);
   ~frmMyMDI() override;
 
-  // Shows the window; `then` runs once, from the event loop, after it has been painted for the first time.
-  void Show(std::function<void()> then);
+  // Loads what shapes the window and shows it. The rest is done from the event loop once it has been painted: data are
+  // loaded, `paths` opened in their order, and then `then` runs.
+  void Start(std::vector<files::Path> paths, std::function<void()> then = {});
   // Asks what to do with the texts of the recovery folder.
   void OfferRecovered();
   // Every changed text into the recovery folder, asking nothing; at any moment. The first error, if any.
@@ -37,13 +56,17 @@ class frmMyMDI final : public services::Services {
   commands::Commands& commands() { return commands_; }
   commands::Menus& menus() { return menus_; }
   CommonDialogAPI& commonDialogs() { return commonDialogs_; }
+  // Another copy was there first: it has the panes and their files.
+  bool otherInstanceRuns() const { return otherInstanceRuns_; }
 
   // --- Services
   ui::Dialogs& dialogs() override { return dialogs_; }
   ui::Forms& forms() override { return forms_; }
   ui::ChildArea& documentArea() override { return frame_.area(); }
-  const services::DefaultFont& defaultFont() const override { return defaultFont_; }
-  const files::Path& recoveryFolder() const override { return recoveryFolder_; }
+  services::Settings& settings() override { return settings_; }
+  SettingsFile& settingsStore() override { return settingsFile_; }
+  const services::DefaultFont& defaultFont() const override { return settings_.Font; }
+  const files::Path& recoveryFolder() const override { return place_.recovery; }
   files::Path ShowOpenDialog(const services::FileDialog& dialog) override {
     return commonDialogs_.ShowOpenDialog(dialog);
   }
@@ -62,13 +85,31 @@ class frmMyMDI final : public services::Services {
   void ShowDocumentMenu(int slot, const QPoint& globalPosition) override;
 
  private:
+  // --- The start, in two stages
+  void MDIForm_Load();
+  void MDIForm_Activate(const std::vector<files::Path>& paths);
+  void OpenFirst(const std::vector<files::Path>& paths);
+  void CreateTabStops();
+  void Timer3_Tick();
+  void ReportSettingsProblem();
+
+  // --- The end
   bool Close();
-  bool QueryUnload();
+  bool MDIForm_QueryUnload();
+  void MDIForm_Unload();
+  void SaveSettings();
   void OfferRecovered(files::RecoveryEntry& entry);
 
   ui::Dialogs& dialogs_;
-  const files::Path recoveryFolder_;
-  services::DefaultFont defaultFont_;
+  const Place place_;
+  SettingsFile settingsFile_;
+  services::Settings settings_;
+  std::vector<int> tabStops_;  // twips
+  files::LockFile lock_;
+  bool otherInstanceRuns_ = false;
+  bool FirstRun_ = false;
+  bool FirstActivation_ = false;
+  QTimer Timer3_;
   ui::Forms forms_;
   ui::FrameForm frame_;
   CommonDialogAPI commonDialogs_;

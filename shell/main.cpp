@@ -18,17 +18,17 @@ int Fail(const std::string& text) {
   return 1;
 }
 
-int RunWindow(const CommandLine& line, const files::CurrentDirectory& directory, const files::Path& recovery) {
+int RunWindow(const CommandLine& line, shell::Place place) {
   ui::Program program("Quillmark", QUILLMARK_VERSION);
   ui::QtDialogs dialogs;
-  shell::frmMyMDI mainWindow(dialogs, recovery, directory);
+  const bool picture = line.action == CommandLine::Action::kScreenshot;
+  place.onlyLooking = picture;
+  place.offersRecovered = !picture;
+  shell::frmMyMDI mainWindow(dialogs, std::move(place));
   const ui::EndRequests endRequests([&] { static_cast<void>(mainWindow.KeepTexts()); },
                                     [&] { mainWindow.EndSession(); });
   int status = 0;
-  mainWindow.Show([&] {
-    const bool picture = line.action == CommandLine::Action::kScreenshot;
-    if (!picture) mainWindow.OfferRecovered();
-    for (const files::Path& path : line.paths) mainWindow.OpenDocument(path.native());
+  mainWindow.Start(line.paths, [&] {
     if (!picture) return;
     program.AfterPainting([&] {
       const auto saved = mainWindow.SavePicture(line.picture);
@@ -47,9 +47,8 @@ int Run(const CommandLine& line, const files::CurrentDirectory& directory) {
   if (line.action == Action::kWrong) return Fail(line.error);
   const auto folders = files::FindUserFolders();
   if (!folders) return Fail(folders.error().text);
-  const files::Path recovery = folders.value().recovery();
-  if (line.action != Action::kConvert) return RunWindow(line, directory, recovery);
-  const std::string error = shell::Convert(line.paths[0], line.paths[1], recovery);
+  if (line.action != Action::kConvert) return RunWindow(line, shell::FindPlace(folders.value(), directory));
+  const std::string error = shell::Convert(line.paths[0], line.paths[1], folders.value().recovery());
   return error.empty() ? 0 : Fail(error);
 }
 

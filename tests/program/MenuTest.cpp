@@ -216,7 +216,7 @@ TEST_F(MenuTest, TilesFillTheAreaWithoutGapsOrOverlaps) {
   documents[2]->SetWindowState(ui::WindowState::kMaximized);
   for (const TileCase& tile : {TileCase{"mnuWindowTileHoriz", true, 1}, TileCase{"mnuWindowTileVertical", false, 2}}) {
     Choose(tile.command);
-    EXPECT_EQ(program().commands().arrangement(), tile.mode);
+    EXPECT_EQ(program().settings().SaveArrange, tile.mode);
     const QSize area = program().frame().area().viewport()->size();
     int next = 0;
     for (frmText* document : documents) {
@@ -228,7 +228,7 @@ TEST_F(MenuTest, TilesFillTheAreaWithoutGapsOrOverlaps) {
     EXPECT_EQ(next, tile.rows ? area.height() : area.width());
   }
   Choose("mnuWindowCascade");
-  EXPECT_EQ(program().commands().arrangement(), 0);
+  EXPECT_EQ(program().settings().SaveArrange, 0);
   EXPECT_LT(documents[0]->widget()->y(), documents[1]->widget()->y());
   EXPECT_LT(documents[1]->widget()->x(), documents[2]->widget()->x());
 }

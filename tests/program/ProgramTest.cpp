@@ -14,6 +14,11 @@ using documents::frmText;
 ProgramTest::ProgramTest() {
   std::string pattern = (std::filesystem::temp_directory_path() / "quillmark-program-XXXXXX").native();
   folder_ = mkdtemp(pattern.data());
+  place.application = {folder_ / "application", {}, folder_ / "config" / "settings.json"};
+  place.recovery = folder_ / "state";
+  place.lock = folder_ / "runtime" / "lock";
+  place.directory = files::CurrentDirectory(folder_);
+  place.offersRecovered = false;
   Restart();
 }
 
@@ -25,8 +30,8 @@ ProgramTest::~ProgramTest() {
 
 void ProgramTest::Restart() {
   program_.reset();
-  program_ = std::make_unique<shell::frmMyMDI>(dialogs, folder_ / "state", files::CurrentDirectory(folder_));
-  program_->Show({});
+  program_ = std::make_unique<shell::frmMyMDI>(dialogs, place);
+  program_->Start(paths);
   Settle();
 }
 

@@ -40,6 +40,8 @@ class ProgramTest : public ::testing::Test {
   void ExpectClosePrompt(const std::string& caption, ui::Answer answer, std::function<void()> meanwhile = {});
 
   support::ScriptedDialogs dialogs;
+  shell::Place place;              // of the next start; everything lies in the test's folder
+  std::vector<files::Path> paths;  // of its command line
 
  private:
   files::Path folder_;

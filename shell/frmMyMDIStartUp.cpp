@@ -1,0 +1,152 @@
+// How the main window starts and ends.
+#include "documents/frmText.h"
+#include "services/Messages.h"
+#include "shell/FirstRun.h"
+#include "shell/frmMyMDI.h"
+#include "ui/PathText.h"
+#include "ui/PendingEvents.h"
+#include "ui/frame/LeftPane.h"
+
+#include <QCoreApplication>
+
+namespace shell {
+namespace {
+
+using services::SettingsBatch;
+using ui::WindowState;
+
+constexpr std::string_view kToolbarLayoutValue = "Quillmark Toolbar1";
+constexpr std::string_view kSavedAtTheEnd[] = {"SaveArrange",     "QuotesState", "TextState",
+                                               "TextBlocksState", "MyPadState",  "ToolBarStyle",
+                                               "ListFontSize",    "PlusImage",   "MyPadSize"};
+
+}  // namespace
+
+Place FindPlace(const files::UserFolders& folders, files::CurrentDirectory directory) {
+  return {.application = FindApplicationFolder(folders, ProgramPath()),
+          .recovery = folders.recovery(),
+          .lock = folders.runtime / "lock",
+          .directory = std::move(directory)};
+}
+
+void frmMyMDI::Start(std::vector<files::Path> paths, std::function<void()> then) {
+  MDIForm_Load();
+  frame_.Show([this, paths = std::move(paths), then = std::move(then)] {
+    MDIForm_Activate(paths);
+    if (then) then();
+  });
+}
+
+void frmMyMDI::MDIForm_Load() {
+  const ui::CommandScope scope;
+  if (!place_.onlyLooking) {
+    FirstRun_ = FirstRunSetup(place_.application, place_.recovery, commonDialogs_.currentDirectory(), settingsFile_);
+    // Without a lock file there is no telling, and the pane files are better opened than never seen.
+    const auto first = lock_.Acquire(place_.lock);
+    otherInstanceRuns_ = first && !first.value();
+  }
+  services::ReadSettings(settingsFile_, SettingsBatch::kFormLoad, settings_);
+  commonDialogs_.BuildDocumentFilter(QString::fromStdString(settings_.Extensions));
+  CreateTabStops();
+  if (settings_.WindowSize == static_cast<int>(WindowState::kMaximized)) frame_.SetWindowState(WindowState::kMaximized);
+  table_.LastDocWindowState = settings_.TextState;
+  frame_.leftPane().SetListFontSize(settings_.ListFontSize);
+  ui::LetPendingEventsRun();
+  QObject::connect(&Timer3_, &QTimer::timeout, &Timer3_, [this] { forms_.Guarded([this] { Timer3_Tick(); }); });
+  Timer3_.start(1);
+}
+
+void frmMyMDI::CreateTabStops() {
+  tabStops_ = services::CreateTabStops(settings_.Tabs);
+}
+
+void frmMyMDI::Timer3_Tick() {
+  Timer3_.stop();
+  if (const auto layout = settingsFile_.FindRootValue(kToolbarLayoutValue)) frame_.toolbar().Restore(*layout);
+  QObject::connect(&frame_.toolbar(), &ui::ToolBar::LayoutChanged, &Timer3_, [this] {
+    forms_.Guarded([this] { settingsFile_.SaveRootValue(kToolbarLayoutValue, frame_.toolbar().Layout()); });
+  });
+}
+
+void frmMyMDI::MDIForm_Activate(const std::vector<files::Path>& paths) {
+  if (std::exchange(FirstActivation_, true)) return;
+  const ui::CommandScope scope;
+  if (settings_.ToolBarStyle != 0) {
+    commands_.mnuToolbarButtonFlat_Click();
+  } else {
+    commands_.mnuToolbarButtonRaised_Click();
+  }
+  services::ReadSettings(settingsFile_, SettingsBatch::kFirstActivation, settings_);
+  ui::LetPendingEventsRun();
+  if (settings_.SaveWindowState && settings_.SaveArrange >= 0) commands_.Arrange(settings_.SaveArrange);
+  OpenFirst(paths);
+  ui::LetPendingEventsRun();
+  ReportSettingsProblem();
+}
+
+void frmMyMDI::OpenFirst(const std::vector<files::Path>& paths) {
+  if (place_.offersRecovered) OfferRecovered();
+  std::vector<files::Path> first = paths;
+  if (first.empty() && FirstRun_) first = WelcomeDocuments(place_.application);
+  for (const files::Path& path : first) {
+    OpenDocument(path.native());
+    ui::LetPendingEventsRun();
+  }
+}
+
+void frmMyMDI::ReportSettingsProblem() {
+  const auto problem = settingsFile_.TakeProblem();
+  if (!problem) return;
+  QString text = QCoreApplication::translate("Settings", "The settings could not be read and are the usual ones now.") +
+                 QStringLiteral("\r\n") + QString::fromStdString(problem->reason);
+  if (!problem->keptAs.empty()) {
+    text += QStringLiteral("\r\n") + QCoreApplication::translate("Settings", "The file is kept as") +
+            QStringLiteral("\r\n") + ui::DisplayText(problem->keptAs.native());
+  }
+  services::ShowError(dialogs_, &frame_, services::FileText(problem->path.native(), text));
+}
+
+// Every document is asked before the first one goes: after a Cancel all of them are still there.
+bool frmMyMDI::MDIForm_QueryUnload() {
+  for (const ui::FormId id : forms_.Backwards()) {
+    documents::frmText* document = table_.Find(id);
+    if (document && !document->QueryUnload()) return false;
+  }
+  return true;
+}
+
+bool frmMyMDI::Close() {
+  const ui::CommandScope scope;
+  if (!MDIForm_QueryUnload()) return false;
+  for (const ui::FormId id : forms_.Backwards())
+    if (documents::frmText* document = table_.Find(id)) document->Unload();
+  if (table_.AnyDocumentOpen()) return false;
+  MDIForm_Unload();
+  return true;
+}
+
+void frmMyMDI::MDIForm_Unload() {
+  SaveSettings();
+  ReportSettingsProblem();
+  for (const ui::FormId id : forms_.Backwards()) {
+    ui::Form* form = forms_.Find(id);
+    if (form && form != &frame_) form->Close();
+  }
+  frame_.Hide();
+  QCoreApplication::exit(0);
+}
+
+void frmMyMDI::SaveSettings() {
+  settings_.TextState = table_.LastDocWindowState;
+  settings_.ToolBarStyle = commands_.toolbarStyle();
+  settings_.ListFontSize = frame_.leftPane().List1().fontSize();
+  std::vector<std::string_view> keys;
+  if (const WindowState state = frame_.windowState(); state != WindowState::kMinimized) {
+    settings_.WindowSize = static_cast<int>(state);
+    keys.push_back("WindowSize");
+  }
+  keys.insert(keys.end(), std::begin(kSavedAtTheEnd), std::end(kSavedAtTheEnd));
+  services::SaveFromMemory(settingsFile_, settings_, keys);
+}
+
+}  // namespace shell
