@@ -10,10 +10,6 @@ namespace {
 // Shared runs shorter than this are copied together: fewer pieces make every later search and edit faster.
 constexpr size_t kCopyBelow = std::min<size_t>(512, TreeConfig::kMaxPieceBytes / 2);
 
-constexpr bool IsContinuation(char c) {
-  return (static_cast<unsigned char>(c) & 0xC0) == 0x80;
-}
-
 }  // namespace
 
 // A run is a stretch of bytes with one pair of formats that lies, not committed yet, behind the block's used part.

@@ -61,10 +61,6 @@ class FormatTable {
   const ParaFormat& operator[](ParaFormatId id) const { return paras_[static_cast<size_t>(id)]; }
   const Tabs& operator[](TabsId id) const { return tabs_[static_cast<size_t>(id)]; }
 
-  size_t fontCount() const { return fonts_.size(); }
-  size_t charFormatCount() const { return chars_.size(); }
-  size_t paraFormatCount() const { return paras_.size(); }
-
  private:
   std::mutex mutex_;  // guards the appending and the maps
   StableVector<Font> fonts_;

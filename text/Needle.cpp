@@ -11,8 +11,15 @@ namespace {
 
 // Only the rarest two bytes among so many are looked for.
 constexpr size_t kConsidered = 64;
-// Comparing in vain: bytes after which the caller gets a chance to cancel.
-constexpr int64_t kPatience = int64_t{1} << 20;
+// What may be compared in vain before a slower way is taken that looks at each character but once or twice: so many,
+// and so many for each byte passed.
+#ifdef QUILLMARK_TINY_TREE
+constexpr int64_t kFree = 4;
+constexpr int64_t kFreePerByte = 1;
+#else
+constexpr int64_t kFree = 65536;
+constexpr int64_t kFreePerByte = 16;
+#endif
 
 // Roughly how often a byte occurs in text; all together about kAllFrequencies.
 constexpr int kAllFrequencies = 12000;
@@ -50,6 +57,7 @@ Needle::Needle(std::u16string_view units, bool matchCase) {
   possible_ = possible_ && !elements_.empty();
   if (!possible_) return;
   ChooseAnchor();
+  FindFallbacks();
   bool literal = true;
   for (size_t i = 0; i < elements_.size(); ++i) {
     (i < anchor_ ? before_ : behind_) += elements_[i].longest();
@@ -152,22 +160,27 @@ void Needle::ChooseAnchor() {
 
 // --- Comparing
 
-std::optional<ByteMatch> Needle::Next(const Window& window, const char*& p) const {
+std::optional<ByteMatch> Needle::Next(const Window& window, const char*& p, int64_t* compared) const {
   const bool literal = !literal_.empty() && window.barriers->empty();
-  int64_t inVain = 0;
+  const char* const start = p;
+  int64_t work = 0;
+  std::optional<ByteMatch> match;
   for (; (p = scan_.Next(p, window.until, window.end)) < window.until; ++p) {
     if (literal) {
-      if (window.end - p >= static_cast<ptrdiff_t>(literal_.size()) && IsLiteral(p))
-        return ByteMatch{p, p + literal_.size()};
-    } else if (const auto match = Compare(window, p)) {
-      return match;
+      const bool found = window.end - p >= static_cast<ptrdiff_t>(literal_.size()) && IsLiteral(p);
+      if (found) match = ByteMatch{p, p + literal_.size()};
+      work += static_cast<int64_t>(elements_.size());
+    } else {
+      match = Compare(window, p, &work);
     }
-    inVain += static_cast<int64_t>(elements_.size());
-    if (inVain < kPatience) continue;
-    ++p;
-    return literal ? NextByLibrary(window, p) : std::nullopt;
+    if (match || work > kFree + kFreePerByte * (p - start)) break;
   }
-  return std::nullopt;
+  if (!match && p < window.until) {
+    ++p;
+    match = literal ? NextByLibrary(window, p) : NextByFallbacks(window, p, &work);
+  }
+  if (compared) *compared += work;
+  return match;
 }
 
 // p is followed by as many bytes as the needle has. Short needles are not worth a call.
@@ -194,13 +207,15 @@ std::optional<ByteMatch> Needle::NextByLibrary(const Window& window, const char*
   return ByteMatch{p, p + literal_.size()};
 }
 
-std::optional<ByteMatch> Needle::Compare(const Window& window, const char* place) const {
+std::optional<ByteMatch> Needle::Compare(const Window& window, const char* place, int64_t* compared) const {
   ByteMatch match{place, place};
   for (size_t i = anchor_; i < elements_.size(); ++i) {
+    ++*compared;
     match.end = MatchBehind(elements_[i], window, match.end);
     if (!match.end) return std::nullopt;
   }
   for (size_t i = anchor_; i-- > 0;) {
+    ++*compared;
     match.begin = MatchBefore(elements_[i], window, match.begin);
     if (!match.begin) return std::nullopt;
   }

@@ -29,8 +29,9 @@ class Needle {
   size_t behind() const { return behind_; }
 
   // The first match whose place (the first byte of the anchor) is in [p, window.until), and that place in `p`; when
-  // nothing is returned `p` is where to go on: window.until, or less when much has been compared in vain.
-  std::optional<ByteMatch> Next(const Window& window, const char*& p) const;
+  // nothing is returned `p` is where to go on: window.until, or less when much has been compared in vain. Linear: adds
+  // to `compared`, if given, how many characters were compared.
+  std::optional<ByteMatch> Next(const Window& window, const char*& p, int64_t* compared = nullptr) const;
 
  private:
   struct Spelling {
@@ -46,6 +47,7 @@ class Needle {
     // The length that all spellings have, or 0.
     size_t fixedLength() const;
     size_t longest() const;
+    bool Equals(const Element& other) const;  // in any order of the spellings
   };
 
   void Compile(std::u16string_view units, bool matchCase);
@@ -56,7 +58,10 @@ class Needle {
 
   bool IsLiteral(const char* p) const;
   std::optional<ByteMatch> NextByLibrary(const Window& window, const char*& p) const;
-  std::optional<ByteMatch> Compare(const Window& window, const char* place) const;
+  std::optional<ByteMatch> Compare(const Window& window, const char* place, int64_t* compared) const;
+  // NeedleLinear.cpp
+  void FindFallbacks();
+  std::optional<ByteMatch> NextByFallbacks(const Window& window, const char*& p, int64_t* compared) const;
   static const char* MatchBehind(const Element& element, const Window& window, const char* p);
   static const char* MatchBefore(const Element& element, const Window& window, const char* p);
 
@@ -65,6 +70,7 @@ class Needle {
   std::string literal_;  // when every element has one spelling and none is a stray byte
   size_t anchor_ = 0;    // the element at the place that the scan finds
   AnchorScan scan_;
+  std::vector<uint32_t> fallback_;  // of k matched elements: the longest end of them that begins the needle
   size_t before_ = 0;
   size_t behind_ = 0;
 };

@@ -15,10 +15,6 @@ constexpr size_t kPending = 65536;
 // Matches are collected in such numbers, so that the text is still in the cache when it is copied.
 constexpr size_t kBatch = 4096;
 
-constexpr bool IsContinuation(char c) {
-  return (static_cast<unsigned char>(c) & 0xC0) == 0x80;
-}
-
 }  // namespace
 
 Replacer::Replacer(const Content& content, std::string_view replacement)

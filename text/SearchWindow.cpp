@@ -6,14 +6,6 @@
 #include <algorithm>
 
 namespace text {
-namespace {
-
-constexpr bool IsContinuation(char c) {
-  return (static_cast<unsigned char>(c) & 0xC0) == 0x80;
-}
-
-}  // namespace
-
 const std::vector<int64_t> WindowFeed::kNoBarriers;
 
 void WindowFeed::NoteBarrier(std::string_view span) {

@@ -15,9 +15,6 @@
 namespace text {
 namespace {
 
-constexpr bool IsContinuation(char c) {
-  return (static_cast<unsigned char>(c) & 0xC0) == 0x80;
-}
 constexpr bool IsAscii(char c) {
   return static_cast<signed char>(c) >= 0;
 }

@@ -37,6 +37,9 @@ struct ScanCounts {
   ScanCounts& operator+=(const ScanCounts& other);
 };
 
+constexpr bool IsContinuation(char c) {
+  return (static_cast<unsigned char>(c) & 0xC0) == 0x80;
+}
 // The length of the UTF-8 character at p (1 .. 4), or 0 for a stray byte. p < end. Unicode 15, table 3-7.
 int Utf8Length(const char* p, const char* end);
 // How many bytes at the end of the text are an unfinished character or a CR that a following byte may complete: 0 .. 3.

@@ -42,6 +42,7 @@ void AppendUtf16(std::u16string& units, std::string_view bytes, BreakAs breakAs)
 }
 
 void AppendUtf8(std::string& bytes, char32_t scalar) {
+  if (scalar > 0x10FFFF || (scalar >= 0xD800 && scalar < 0xE000)) scalar = 0xFFFD;
   const auto put = [&bytes](char32_t byte) { bytes += static_cast<char>(byte); };
   if (scalar < 0x80) {
     put(scalar);
@@ -76,7 +77,7 @@ std::string BytesOfUtf16(std::u16string_view units, std::optional<LineEnd> lineE
     } else if (unit >= 0xDC80 && unit <= 0xDCFF) {
       bytes += static_cast<char>(unit - 0xDC00);
     } else {
-      AppendUtf8(bytes, unit >= 0xD800 && unit <= 0xDFFF ? 0xFFFD : unit);
+      AppendUtf8(bytes, unit);
     }
   }
   return bytes;

@@ -1,4 +1,5 @@
-// Conversions between the engine's bytes and UTF-16. Internal to text/; the public ones are in Content.h.
+// Conversions between the engine's bytes and UTF-16. Internal to text/ and its folders; the public ones are in
+// Content.h.
 #pragma once
 
 #include "text/Content.h"
@@ -7,7 +8,7 @@ namespace text {
 
 // Appends whole characters; a stray byte b becomes 0xDC00 + b.
 void AppendUtf16(std::u16string& units, std::string_view bytes, BreakAs breakAs);
-// Appends the UTF-8 of a scalar value.
+// Appends the UTF-8 of a character; what is no scalar value becomes U+FFFD.
 void AppendUtf8(std::string& bytes, char32_t scalar);
 // The code point at p and its length in bytes; a stray byte gives 0xDC00 + byte. p < end.
 struct Decoded {

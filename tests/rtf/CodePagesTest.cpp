@@ -1,3 +1,4 @@
+#include "text/Utf16.h"
 #include "text/rtf/RtfCharacters.h"
 #include "text/rtf/RtfCodePages.h"
 
@@ -82,7 +83,7 @@ TEST(RtfCodePages, CharsetsMeanPages) {
 
 TEST(RtfCodePages, AppendsScalarsOnly) {
   std::string utf8;
-  for (char32_t c : {0x41, 0xE4, 0x20AC, 0x1F600, 0xD800, 0x110000}) AppendUtf8(c, utf8);
+  for (char32_t c : {0x41, 0xE4, 0x20AC, 0x1F600, 0xD800, 0x110000}) AppendUtf8(utf8, c);
   EXPECT_EQ(utf8, "Aä€😀\uFFFD\uFFFD");
 }
 

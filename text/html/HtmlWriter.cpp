@@ -1,6 +1,7 @@
 #include "text/html/HtmlWriter.h"
 
-#include <array>
+#include "text/Utf16.h"
+
 #include <cstdio>
 #include <vector>
 
@@ -10,17 +11,6 @@ namespace {
 constexpr uint16_t kBodyHalfPoints = 24;
 constexpr size_t kPortion = 1 << 16;
 constexpr std::string_view kLineEnd = "<br>";
-
-void AppendUtf8(std::string& out, char32_t c) {
-  if (c < 0x80) {
-    out += static_cast<char>(c);
-    return;
-  }
-  const int extra = c < 0x800 ? 1 : c < 0x10000 ? 2 : 3;
-  constexpr std::array<int, 4> kLead = {0, 0xC0, 0xE0, 0xF0};
-  out += static_cast<char>(kLead[extra] | static_cast<int>(c >> (6 * extra)));
-  for (int shift = 6 * (extra - 1); shift >= 0; shift -= 6) out += static_cast<char>(0x80 | ((c >> shift) & 0x3F));
-}
 
 void AppendEscaped(std::string& out, char32_t c) {
   switch (c) {

@@ -1,4 +1,4 @@
-// Single characters: UTF-8, Windows-1252, and what a font's name may hold.
+// Single characters of a text with stray bytes, and what a font's name may hold.
 #pragma once
 
 #include <cstdint>
@@ -6,9 +6,6 @@
 #include <string_view>
 
 namespace text::rtf {
-
-// Appends one character; what is no Unicode scalar becomes U+FFFD.
-void AppendUtf8(char32_t character, std::string& out);
 
 // Takes the first character off the text, which is not empty. A stray byte gives the Windows-1252 character that it
 // most likely was meant to be.

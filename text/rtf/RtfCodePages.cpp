@@ -1,5 +1,6 @@
 #include "text/rtf/RtfCodePages.h"
 
+#include "text/Utf16.h"
 #include "text/rtf/RtfCharacters.h"
 
 #include <unicode/ucnv.h>
@@ -146,7 +147,7 @@ CodePage::CodePage(int number) {
   if (number == kSymbolCodePage) {
     for (int i = 0x20; i < 0x100; ++i) {
       std::string utf8;
-      AppendUtf8(0xF000 + static_cast<char32_t>(i), utf8);
+      AppendUtf8(utf8, 0xF000 + static_cast<char32_t>(i));
       single_[i].size = static_cast<uint8_t>(utf8.copy(single_[i].bytes, 3));
     }
     return;
@@ -178,7 +179,7 @@ void CodePage::FillSingle() {
     if (i >= 0x80) count = converter_ ? ucnv_toUChars(converter_, units, 4, &byte, 1, &error) : 1;
     const char32_t character = U_SUCCESS(error) && count == 1 ? units[0] : 0xFFFD;
     std::string utf8;
-    AppendUtf8(character, utf8);
+    AppendUtf8(utf8, character);
     single_[i].size = static_cast<uint8_t>(utf8.copy(single_[i].bytes, 3));
   }
 }
@@ -200,16 +201,16 @@ void CodePage::Decode(std::string_view bytes, std::string& out) const {
   UErrorCode error = U_ZERO_ERROR;
   const int32_t count = ucnv_toUChars(converter_, units.data(), static_cast<int32_t>(units.size()), bytes.data(),
                                       static_cast<int32_t>(bytes.size()), &error);
-  if (U_FAILURE(error)) return AppendUtf8(0xFFFD, out);
+  if (U_FAILURE(error)) return AppendUtf8(out, 0xFFFD);
   for (int32_t i = 0; i < count;) {
     UChar32 character;
     U16_NEXT(units.data(), i, count, character);
-    AppendUtf8(static_cast<char32_t>(character), out);
+    AppendUtf8(out, static_cast<char32_t>(character));
   }
 }
 
 void CodePage::DecodeJohab(std::string_view bytes, std::string& out) const {
-  if (johab_ == kNoIconv) return AppendUtf8(0xFFFD, out);
+  if (johab_ == kNoIconv) return AppendUtf8(out, 0xFFFD);
   char* in = const_cast<char*>(bytes.data());
   size_t left = bytes.size();
   while (left > 0) {
@@ -219,7 +220,7 @@ void CodePage::DecodeJohab(std::string_view bytes, std::string& out) const {
     const size_t result = iconv(johab_, &in, &left, &to, &room);
     out.append(buffer, to);
     if (result != static_cast<size_t>(-1) || to != buffer) continue;
-    AppendUtf8(0xFFFD, out);  // a malformed or cut character
+    AppendUtf8(out, 0xFFFD);  // a malformed or cut character
     ++in, --left;
   }
 }

@@ -1,4 +1,5 @@
 // Control symbols, words that stand for a character or an end, and \u.
+#include "text/Utf16.h"
 #include "text/rtf/RtfCharacters.h"
 #include "text/rtf/RtfReader.h"
 
@@ -51,7 +52,7 @@ void RtfReader::Character(char32_t character) {
   char small = static_cast<char>(character);
   if (character < 0x80) return Emit({&small, 1});
   std::string utf8;
-  AppendUtf8(character, utf8);
+  AppendUtf8(utf8, character);
   Emit(utf8);
 }
 
