@@ -2,12 +2,15 @@
 
 #include "ui/frame/ChildWindow.h"
 
+#include <QEvent>
 #include <QStyle>
 
 #include <algorithm>
 
 namespace ui {
 namespace {
+
+constexpr int kGroundDarker = 125;  // per cent
 
 // How far each cascaded window stands from the one before.
 int CascadeStep(const QMdiSubWindow& window) {
@@ -20,11 +23,22 @@ int CascadeStep(const QMdiSubWindow& window) {
 ChildArea::ChildArea(QWidget* parent) : QMdiArea(parent) {
   setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
   setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+  FollowPalette();
   setActivationOrder(QMdiArea::ActivationHistoryOrder);
   // The toolkit says "none" whenever another window of the program is active; the context stays the document.
   connect(this, &QMdiArea::subWindowActivated, this, [this](QMdiSubWindow* window) {
     if (window) SetCurrent(qobject_cast<ChildWindow*>(window));
   });
+}
+
+// The toolkit's own ground, the palette's Dark, is lighter than the windows of many dark desktops.
+void ChildArea::FollowPalette() {
+  setBackground(palette().color(QPalette::Active, QPalette::Window).darker(kGroundDarker));
+}
+
+void ChildArea::changeEvent(QEvent* event) {
+  QMdiArea::changeEvent(event);
+  if (event->type() == QEvent::PaletteChange) FollowPalette();
 }
 
 FormId ChildArea::current() const {

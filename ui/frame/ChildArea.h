@@ -35,10 +35,14 @@ class ChildArea : public QMdiArea {
  Q_SIGNALS:
   void CurrentChanged();
 
+ protected:
+  void changeEvent(QEvent* event) override;
+
  private:
   friend class ChildWindow;
   void Add(ChildWindow* window);
   void Remove(ChildWindow* window);
+  void FollowPalette();
   void SetCurrent(ChildWindow* window);
   QRect PlaceForNew();
   std::vector<QMdiSubWindow*> Arrangeable();
