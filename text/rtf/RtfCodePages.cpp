@@ -90,7 +90,7 @@ constexpr CharsetPage kCharsets[] = {
     {186, 1257}, {204, 1251},          {222, 874},  {238, 1250}, {254, 437},  {255, 850},
 };
 
-const iconv_t kNoIconv = reinterpret_cast<iconv_t>(-1);
+void* const kNoIconv = reinterpret_cast<void*>(-1);
 
 // The converter's own substitute is U+001A for some pages.
 void Substitute(const void*, UConverterToUnicodeArgs* arguments, const char*, int32_t, UConverterCallbackReason reason,
@@ -203,8 +203,9 @@ void CodePage::Decode(std::string_view bytes, std::string& out) const {
                                       static_cast<int32_t>(bytes.size()), &error);
   if (U_FAILURE(error)) return AppendUtf8(out, 0xFFFD);
   for (int32_t i = 0; i < count;) {
-    UChar32 character;
-    U16_NEXT(units.data(), i, count, character);
+    UChar32 character = 0;
+    const UChar* const begin = units.data();
+    U16_NEXT(begin, i, count, character);
     AppendUtf8(out, static_cast<char32_t>(character));
   }
 }

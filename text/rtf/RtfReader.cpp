@@ -14,7 +14,7 @@ constexpr char kLowestTrail = 0x30;  // of a second byte, in any double-byte cod
 
 }  // namespace
 
-RtfReader::RtfReader(std::string_view bytes, std::shared_ptr<TextStore> store)
+RtfReader::RtfReader(std::string_view bytes, const std::shared_ptr<TextStore>& store)
     : bytes_(bytes), tokenizer_(bytes), output_(store), formats_(store->formats()) {
   result_.isRtf = true;
 }
@@ -335,7 +335,7 @@ ReadResult ReadAny(std::string_view bytes, std::shared_ptr<TextStore> store, boo
     return result;
   }
   bytes.remove_prefix(bytes.find('{'));
-  return RtfReader(bytes, std::move(store)).Run(fragment, progress);
+  return RtfReader(bytes, store).Run(fragment, progress);
 }
 
 }  // namespace

@@ -15,7 +15,7 @@ namespace text::rtf {
 class RtfReader {
  public:
   // The bytes begin at the first brace.
-  RtfReader(std::string_view bytes, std::shared_ptr<TextStore> store);
+  RtfReader(std::string_view bytes, const std::shared_ptr<TextStore>& store);
   ReadResult Run(bool fragment, const Progress& progress);
 
  private:
