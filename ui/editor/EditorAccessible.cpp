@@ -113,6 +113,15 @@ QAccessible::State EditorAccessible::state() const {
   return state;
 }
 
+QString EditorAccessible::text(QAccessible::Text kind) const {
+  QString given = QAccessibleWidget::text(kind);
+  if (kind != QAccessible::Name || !given.isEmpty()) return given;
+  for (const QWidget* around = box().parentWidget(); around; around = around->parentWidget()) {
+    if (!around->windowTitle().isEmpty()) return around->windowTitle();
+  }
+  return given;
+}
+
 // --- Selection and caret
 
 void EditorAccessible::selection(int index, int* start, int* end) const {
@@ -154,7 +163,11 @@ void EditorAccessible::setCursorPosition(int position) {
 // --- Text
 
 QString EditorAccessible::text(int start, int end) const {
-  return box().impl_->Guard([&]() -> QString { return TextOf(content(), RangeOf(start, end)); });
+  return box().impl_->Guard([&]() -> QString {
+    const Range range = RangeOf(start, end);
+    return TextOf(content(),
+                  {range.begin, content().Snap(std::min(range.end, range.begin + Units(kMostGiven)), Bias::kLeft)});
+  });
 }
 int EditorAccessible::characterCount() const {
   return OffsetOf(content().size());
@@ -242,6 +255,19 @@ void EditorAccessible::scrollToSubstring(int start, int end) {
   });
 }
 
+// Where the format of the character at a position begins, within its paragraph and the text that is told at once.
+Units EditorAccessible::RunBegin(Units at) const {
+  const text::CharFormatId id = content().CharFormatAt(at);
+  const Units paragraph = content().ParagraphStart(content().ParagraphAt(at));
+  Units begin = std::max(paragraph, content().Snap(at - kMostTold, Bias::kRight)), next = begin;
+  content().ForEachPiece({begin, at}, [&](const text::PieceView& piece) {
+    next += piece.sums.units;
+    if (piece.charFormat != id) begin = next;
+    return true;
+  });
+  return begin;
+}
+
 // In the words of the IAccessible2 text attributes.
 QString EditorAccessible::attributes(int offset, int* start, int* end) const {
   *start = *end = 0;
@@ -249,6 +275,7 @@ QString EditorAccessible::attributes(int offset, int* start, int* end) const {
     const Units at = UnitsOf(offset);
     *start = *end = OffsetOf(at);
     if (at == content().size()) return {};
+    *start = OffsetOf(RunBegin(at));
     const text::Breaks paragraph = content().ParagraphAt(at);
     const text::CharFormatId id = content().CharFormatAt(at);
     Units runEnd = at;

@@ -28,6 +28,7 @@ class EditorAccessible : public QAccessibleWidget,
 
   void* interface_cast(QAccessible::InterfaceType type) override;
   QAccessible::State state() const override;
+  QString text(QAccessible::Text kind) const override;  // its name is the caption of the window it stands in
 
   // QAccessibleTextInterface
   void selection(int index, int* start, int* end) const override;
@@ -37,7 +38,7 @@ class EditorAccessible : public QAccessibleWidget,
   void setSelection(int index, int start, int end) override;
   int cursorPosition() const override;
   void setCursorPosition(int position) override;
-  QString text(int start, int end) const override;
+  QString text(int start, int end) const override;  // at most kMostGiven units
   QString textBeforeOffset(int offset, QAccessible::TextBoundaryType boundary, int* start, int* end) const override;
   QString textAfterOffset(int offset, QAccessible::TextBoundaryType boundary, int* start, int* end) const override;
   QString textAtOffset(int offset, QAccessible::TextBoundaryType boundary, int* start, int* end) const override;
@@ -46,7 +47,6 @@ class EditorAccessible : public QAccessibleWidget,
   int offsetAtPoint(const QPoint& point) const override;
   void scrollToSubstring(int start, int end) override;
   QString attributes(int offset, int* start, int* end) const override;
-  using QAccessibleWidget::text;
 
   // QAccessibleEditableTextInterface
   void deleteText(int start, int end) override;
@@ -54,9 +54,13 @@ class EditorAccessible : public QAccessibleWidget,
   void replaceText(int start, int end, const QString& text) override;
 
  private:
+  // More does not fit a message of the bus, and nobody reads it at once.
+  static constexpr int64_t kMostGiven = int64_t{1} << 22;
+
   RichTextBox& box() const;
   const text::Content& content() const;
   text::Units UnitsOf(int offset) const;
+  text::Units RunBegin(text::Units at) const;
   text::Range RangeOf(int start, int end) const;
   text::Range RangeAround(text::Units position, QAccessible::TextBoundaryType boundary) const;
   QString Give(text::Range range, int* start, int* end) const;
