@@ -67,7 +67,7 @@ ApplicationFolder FindApplicationFolder(const files::UserFolders& folders, const
   const files::Path beside = program.parent_path() / "application";
   const files::Path installed = (program.parent_path() / QUILLMARK_DATA_FROM_PROGRAM).lexically_normal();
   for (const files::Path& folder : {beside, installed}) {
-    if (!HasPortable(folder) && (folder == beside || !IsFolder(folder))) continue;
+    if (!IsFolder(folder)) continue;
     application.installedData = folder;
     if (!HasPortable(folder) || access(folder.c_str(), W_OK | X_OK) != 0) break;
     application.path = folder;

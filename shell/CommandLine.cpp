@@ -86,10 +86,14 @@ const char* HelpText() {
          "when it is saved. file: URLs are understood.\n"
          "\n"
          "  --convert IN OUT      convert between .txt, .html and .rtf without a window\n"
-         "  --screenshot OUT.png  open as usual, save a picture of the window and end\n"
+         "  --screenshot OUT.png  open as usual, save a picture of the window and end; changes no setting\n"
          "  --help, -h            this text\n"
          "  --version, -v         the version\n"
-         "  --                    everything behind it is a file\n";
+         "  --                    everything behind it is a file\n"
+         "\n"
+         "Settings are in ~/.config/quillmark/settings.json, the files made for you in ~/.local/share/quillmark. "
+         "With a file\n"
+         "called \"portable\" in the folder \"application\" beside the program, all of it is kept in that folder.\n";
 }
 
 }  // namespace shell

@@ -138,7 +138,12 @@ void frmMyMDI::MDIForm_Unload() {
 
 void frmMyMDI::SaveSettings() {
   settings_.TextState = table_.LastDocWindowState;
-  settings_.ToolBarStyle = commands_.toolbarStyle();
+  if (FirstActivation_) {
+    settings_.ToolBarStyle = commands_.toolbarStyle();
+  } else {
+    // Closed before it was ever painted.
+    services::ReadSettings(settingsFile_, SettingsBatch::kFirstActivation, settings_);
+  }
   settings_.ListFontSize = frame_.leftPane().List1().fontSize();
   std::vector<std::string_view> keys;
   if (const WindowState state = frame_.windowState(); state != WindowState::kMinimized) {

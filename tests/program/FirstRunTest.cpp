@@ -51,13 +51,12 @@ TEST_F(FirstRunTest, TheApplicationFolder) {
   const files::Path userSettings = At("home/config/settings.json");
   expect(user, data, userSettings);
   fs::create_directories(beside);
-  expect(user, data, userSettings);  // a folder that only happens to have that name
-  Put("share/quillmark/portable", "");
-  expect(data, data, data / "settings.json");
+  expect(user, beside, userSettings);
   Put("bin/application/portable", "");
   expect(beside, beside, beside / "settings.json");
-  fs::remove(data / "portable");
   fs::remove_all(beside);
+  Put("share/quillmark/portable", "");
+  expect(data, data, data / "settings.json");
   fs::remove_all(data);
   expect(user, {}, userSettings);
   EXPECT_EQ(shell::FindApplicationFolder(folders_, {}).path, user);

@@ -1,7 +1,8 @@
 // The settings on the disk: what becomes of them when the file, the disk or another copy of the program is in the way.
 #include "shell/SettingsEscape.h"
 #include "shell/SettingsFile.h"
-#include "tests/program/ProgramTest.h"
+
+#include <gtest/gtest.h>
 
 #include <csignal>
 #include <fstream>
@@ -309,7 +310,7 @@ TEST_F(SettingsFileTest, AFullDisk) {
 }
 
 TEST_F(SettingsFileTest, TwoCopiesDoNotLoseEachOthersKeys) {
-  constexpr int kWrites = 300;
+  constexpr int kWrites = 150;  // of two kinds
   const auto write = [&](const std::string& who) {
     SettingsFile file = Open();
     for (int i = 0; i < kWrites; ++i) {

@@ -95,6 +95,17 @@ TEST_F(StartUpTest, ValuesOfOtherFeaturesComeBackUnchanged) {
   for (const auto& [key, value] : pairs) EXPECT_EQ(Stored(key), value) << key;
 }
 
+TEST_F(StartUpTest, ClosedBeforeItWasPaintedItChangesNoValue) {
+  const Pairs pairs = {{"ToolBarStyle", "0"}, {"PlusImage", "12"}, {"ListFontSize", "14"}};
+  Store(pairs);
+  shell::frmMyMDI hasty(dialogs, place);
+  hasty.Start({At("never opened.txt")});
+  EXPECT_TRUE(hasty.frame().RequestClose());
+  for (const auto& [key, value] : pairs) EXPECT_EQ(Stored(key), value) << key;
+  Settle();
+  EXPECT_FALSE(hasty.documents().AnyDocumentOpen());
+}
+
 TEST_F(StartUpTest, StatesAreWrittenThoughTheyAreNotRead) {
   Store({{"SaveWindowState", "False"},
          {"WindowSize", "2"},
