@@ -76,7 +76,7 @@ TEST_F(KeepTest, WhatIsKeptAndWhatNot) {
   EXPECT_EQ(kept[1], std::pair(At("b.txt").native(), std::string())) << "emptied on purpose";
   EXPECT_EQ(kept[2].first, At("c.rtf").native());
   EXPECT_TRUE(kept[2].second.starts_with("{\\rtf1"));
-  EXPECT_EQ(kept[3], std::pair(std::string("Untitled:6"), std::string("new")));
+  EXPECT_EQ(kept[3], std::pair(std::string("Untitled:5"), std::string("new")));
   EXPECT_EQ(Bytes(At("a.txt")), "text") << "the file is left alone";
 }
 
