@@ -51,7 +51,11 @@ INSTANTIATE_TEST_SUITE_P(
     Overtype, EditTest,
     testing::Values(KeyCase{"a|bcd", "Insert 'xy'", "axy|d"}, KeyCase{"ab|\ncd", "Insert 'xy'", "abxy|\ncd"},
                     KeyCase{"|e\u0301x", "Insert 'a'", "a|x"}, KeyCase{"a[bc|d", "Insert 'x'", "ax|d"},
-                    KeyCase{"a|bcd", "Insert 'x' Insert 'y'", "axy|cd"}, KeyCase{"a|b", "Insert Return", "a\n|b"}));
+                    KeyCase{"a|bcd", "Insert 'x' Insert 'y'", "axy|cd"}, KeyCase{"a|b", "Insert Return", "a\n|b"},
+                    KeyCase{"ab|\r\ncd", "Insert 'xy'", "abxy|\r\ncd"}, KeyCase{"a|\U0001F600b", "Insert 'x'", "ax|b"},
+                    KeyCase{"|\U0001F468\u200D\U0001F469x", "Insert '\U0001F600'", "\U0001F600|x"},
+                    // A mark joins what is before it and replaces nothing.
+                    KeyCase{"e|x", "Insert '\u0301'", "e\u0301|x"}, KeyCase{"|", "Insert 'ab'", "ab|"}));
 
 INSTANTIATE_TEST_SUITE_P(Clipboard, EditTest,
                          testing::Values(KeyCase{"a[bc|d", "Ctrl+X", "a|d"}, KeyCase{"a[bc|d", "Shift+Delete", "a|d"},
@@ -132,7 +136,7 @@ TEST(Protection, RefusesWhatTouchesIt) {
       {"a|bcdef", "Delete", ""},      {"[abcdef|", "Delete", ""},     {"ab|cdef", "Return", ""},
       {"[abcdef|", "Ctrl+X", ""},     {"abc|def", "Ctrl+V", ""},      {"|abcdef", "Ctrl+Delete", ""},
       {"a|bcdef", "'x'", "ax|bcdef"}, {"abcd|ef", "'x'", "abcdx|ef"}, {"abcde|f", "Backspace", "abcd|f"},
-      {"abcd[ef|", "'x'", "abcdx|"},
+      {"abcd[ef|", "'x'", "abcdx|"},  {"a|bcdef", "Insert 'x'", ""},
   };
   for (const auto& c : cases) {
     const std::string bytes = ParseMarked(c.before).bytes;
@@ -312,6 +316,56 @@ TEST(Bullets, KeepTheFirstLinesPlaceAndComeOff) {
   EXPECT_FALSE(without.bullet);
   EXPECT_EQ(without.firstIndent, 0);
   EXPECT_EQ(without.leftIndent, 800);
+}
+
+// A format chosen for the next text comes back when that text is undone.
+TEST(TypingFormat, ComesBackWithUndo) {
+  text::CharFormatPatch bold;
+  bold.setFlags = text::kBold;
+  Editor editor("|");
+  editor.controller.PatchChars(bold);
+  EXPECT_EQ(editor.Press("'ab' Ctrl+Z").Shown(), "|");
+  EXPECT_TRUE(editor.controller.InsertFormat().flags & text::kBold);
+  EXPECT_EQ(editor.Press("'cd'").Flagged(text::kBold), "cd,");
+  editor.Press("Ctrl+Z Left 'e'");
+  EXPECT_EQ(editor.Flagged(text::kBold), "") << "a caret move gives it up";
+}
+
+// Undone to an empty text, the empty text has the format it had then.
+TEST(TypingFormat, OfTheEmptyTextBelongsToTheStep) {
+  Editor editor("|");
+  const auto isBold = [&] {
+    return (editor.document.formats()[editor.document.emptyCharFormat()].flags & text::kBold) != 0;
+  };
+  text::CharFormatPatch bold;
+  bold.setFlags = text::kBold;
+  editor.Press("'ab' Ctrl+A");
+  editor.controller.PatchChars(bold);
+  editor.Press("Delete");
+  EXPECT_TRUE(isBold());
+  editor.Press("Ctrl+Z Ctrl+Z Ctrl+Z");
+  ASSERT_EQ(editor.Shown(), "|");
+  EXPECT_FALSE(isBold());
+  editor.Press("Ctrl+Y Ctrl+Y Ctrl+Y");
+  ASSERT_EQ(editor.Shown(), "|");
+  EXPECT_TRUE(isBold());
+}
+
+TEST(Zoom, ByKeys) {
+  Editor editor("a|b");
+  for (const char* key : {"Ctrl++", "Ctrl+=", "Ctrl+Shift++"}) {
+    editor.host.zoom = 1;
+    editor.Press(key);
+    EXPECT_NEAR(editor.host.zoom, 1.1, 1e-9) << key;
+  }
+  editor.host.zoom = 1;
+  editor.Press("Ctrl+-");
+  EXPECT_NEAR(editor.host.zoom, 1 / 1.1, 1e-9);
+  editor.layout.SetZoom(2.5);
+  editor.host.zoom = 2.5;
+  editor.Press("Ctrl+0");
+  EXPECT_NEAR(editor.host.zoom, 1, 1e-9);
+  EXPECT_EQ(editor.Shown(), "a|b");
 }
 
 // --- What the host is told

@@ -61,6 +61,48 @@ TEST(InputMethod, AnythingElseEndsTheComposition) {
   }
 }
 
+// Who clicks elsewhere or leaves the window has not taken back what was composed.
+TEST(InputMethod, WhatWasComposedStaysWhenItIsFinished) {
+  Editor editor("a[bc|d");
+  Compose(editor, QStringLiteral("xy"));
+  editor.controller.FinishComposition();
+  EXPECT_EQ(editor.Shown(), "axy|d");
+  EXPECT_EQ(editor.host.resets, 1);
+  editor.controller.FinishComposition();
+  EXPECT_EQ(editor.Shown(), "axy|d") << "only once";
+  EXPECT_EQ(editor.Press("Ctrl+Z Ctrl+Z").Shown(), "a[bc|d");
+}
+
+TEST(InputMethod, AttributesPlaceCaretSelectionAndLooks) {
+  using Attribute = QInputMethodEvent::Attribute;
+  Editor editor("ab|cd");
+  const double plain = editor.layout.CaretRect(editor.controller.caret()).x();
+  editor.controller.HandleInputMethod(
+      QInputMethodEvent(QStringLiteral("mmm"), {{QInputMethodEvent::Cursor, 0, 1, {}}}));
+  EXPECT_EQ(editor.layout.CaretRect(editor.controller.caret()).x(), plain) << "in front of the composed text";
+  editor.controller.HandleInputMethod(
+      QInputMethodEvent(QStringLiteral("mmm"), {{QInputMethodEvent::Cursor, 3, 1, {}}}));
+  EXPECT_GT(editor.layout.CaretRect(editor.controller.caret()).x(), plain + 20);
+  ASSERT_TRUE(editor.layout.preedit());
+  ASSERT_EQ(editor.layout.preedit()->formats.size(), 1) << "underlined when the input method says nothing";
+  EXPECT_TRUE(editor.layout.preedit()->formats[0].format.fontUnderline());
+  editor.controller.HandleInputMethod(QInputMethodEvent({}, {Attribute(QInputMethodEvent::Selection, 1, 2, {})}));
+  EXPECT_EQ(editor.Shown(), "a[bc|d");
+  editor.controller.HandleInputMethod(QInputMethodEvent({}, {Attribute(QInputMethodEvent::Selection, 99, -97, {})}));
+  EXPECT_EQ(editor.Shown(), "ab|cd[") << "clamped to the paragraph";
+}
+
+// Composed Hebrew grows to the left, the caret in front of it, in the midst of a Latin line too.
+TEST(InputMethod, ComposesRightToLeft) {
+  Editor editor("ab |cd");
+  const double before = editor.layout.CaretRect(editor.controller.caret()).x();
+  Compose(editor, QStringLiteral("\u05D0\u05D1"));
+  EXPECT_NEAR(editor.layout.CaretRect(editor.controller.caret()).x(), before, 2);
+  Compose(editor, {}, QStringLiteral("\u05D0\u05D1"));
+  EXPECT_EQ(editor.Shown(), "ab \u05D0\u05D1|cd");
+  EXPECT_NEAR(editor.layout.CaretRect(editor.controller.caret()).x(), before, 2);
+}
+
 TEST(InputMethod, IsRefusedWhereNothingMayBeTyped) {
   Editor editor("a|b");
   editor.controller.SetReadOnly(true);

@@ -105,6 +105,38 @@ TEST(Mouse, TripleClickSelectsTheParagraph) {
   EXPECT_EQ(editor.Shown(), "one two\nt|hree\nfour") << "a fourth click is a first one";
 }
 
+TEST(Mouse, TripleClickGoesOnByParagraphs) {
+  Editor editor("|one\ntwo\nthree\nfour");
+  Mouse mouse(editor);
+  const QPointF point = mouse.Over(5);
+  mouse.DoubleClick(point).Release(point).Press(point).Move(mouse.Over(9));
+  EXPECT_EQ(editor.Shown(), "one\n[two\nthree\n|four");
+  mouse.Move(mouse.Over(1)).Release(mouse.Over(1));
+  EXPECT_EQ(editor.Shown(), "|one\ntwo\n[three\nfour");
+}
+
+// Only the user's selecting sets it: by the mouse, by keys, by Ctrl+A; losing the selection does not clear it.
+TEST(Primary, IsWhatTheUserSelectedLast) {
+  Editor editor("|one two");
+  Mouse mouse(editor);
+  const auto primary = [&] {
+    const auto& data = editor.host.data[QClipboard::Selection];
+    return data ? data->text().toStdString() : "-";
+  };
+  editor.controller.Select({text::Units(0), text::Units(3)});
+  editor.controller.SelectAll();
+  EXPECT_EQ(primary(), "-") << "the program's selections";
+  mouse.DoubleClick(mouse.Over(5)).Release(mouse.Over(5));
+  EXPECT_EQ(primary(), "two");
+  editor.Press("Home Shift+Right");
+  EXPECT_EQ(primary(), "o");
+  editor.Press("Ctrl+A");
+  EXPECT_EQ(primary(), "one two");
+  editor.Press("Left 'x'");
+  editor.controller.Select({text::Units(0), text::Units(1)});
+  EXPECT_EQ(primary(), "one two");
+}
+
 TEST(Mouse, ADragIsArmedByAModifierAndStartsAfterADistance) {
   for (const auto modifier : {Qt::ShiftModifier, Qt::ControlModifier, Qt::AltModifier}) {
     for (const auto button : {kLeft, kMiddle}) {

@@ -1,6 +1,7 @@
 // The widget itself: events as Qt sends them, painting, scroll bars, signals.
 #include "ui/editor/RichTextBox.h"
 
+#include <QAccessible>
 #include <QApplication>
 #include <QContextMenuEvent>
 #include <QDropEvent>
@@ -8,10 +9,12 @@
 #include <QKeyEvent>
 #include <QMimeData>
 #include <QScrollBar>
+#include <QThread>
 #include <QVBoxLayout>
 #include <QWheelEvent>
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <stdexcept>
 
 namespace ui::test {
@@ -149,6 +152,61 @@ TEST(Widget, ZoomIsBounded) {
   EXPECT_EQ(box.Zoom(), 10);
   box.SetZoom(0);
   EXPECT_EQ(box.Zoom(), 0.1);
+}
+
+TEST(Widget, ZoomStepsLeadBackExactlyAndKeepTheTopLine) {
+  RichTextBox box;
+  box.resize(300, 200);
+  box.SetSelText(QString::fromStdString(Lines(500)));
+  box.verticalScrollBar()->setValue(box.verticalScrollBar()->maximum() / 2);
+  const auto top = [&] {
+    return QAccessible::queryAccessibleInterface(&box)->textInterface()->offsetAtPoint(
+        box.viewport()->mapToGlobal(QPoint(2, 6)));
+  };
+  const int before = top();
+  for (int i = 0; i < 5; ++i) SendKey(box, Qt::Key_Plus, Qt::ControlModifier);
+  EXPECT_NEAR(box.Zoom(), std::pow(1.1, 5), 1e-4);
+  EXPECT_NEAR(top(), before, 10);
+  for (int i = 0; i < 5; ++i) SendKey(box, Qt::Key_Minus, Qt::ControlModifier);
+  EXPECT_NEAR(box.Zoom(), 1, 1e-5);
+  SendKey(box, Qt::Key_Plus, Qt::ControlModifier);
+  SendKey(box, Qt::Key_0, Qt::ControlModifier);
+  EXPECT_EQ(box.Zoom(), 1);
+}
+
+// Tab stops of the view are no edit.
+TEST(Widget, DefaultTabStopsAreNeitherEditNorStep) {
+  RichTextBox box;
+  int changes = 0;
+  QObject::connect(&box, &RichTextBox::Change, [&] { ++changes; });
+  box.SetDefaultTabStops({1440, 2880});
+  EXPECT_EQ(changes, 0);
+  EXPECT_FALSE(box.CanUndo());
+  EXPECT_FALSE(box.document().changed());
+}
+
+// A desktop without a blinking caret shows a steady one.
+TEST(Widget, TheCaretBlinksAsTheDesktopSays) {
+  const int flash = QApplication::cursorFlashTime();
+  for (const int time : {0, 40}) {
+    QApplication::setCursorFlashTime(time);
+    RichTextBox box;
+    box.resize(200, 100);
+    box.show();
+    box.activateWindow();
+    box.setFocus();
+    QApplication::processEvents();
+    ASSERT_TRUE(box.hasFocus());
+    const QImage with = box.viewport()->grab().toImage();
+    bool blinked = false;
+    for (int i = 0; i < 100 && !blinked; ++i) {
+      QThread::msleep(2);
+      QApplication::processEvents();
+      blinked = box.viewport()->grab().toImage() != with;
+    }
+    EXPECT_EQ(blinked, time != 0);
+  }
+  QApplication::setCursorFlashTime(flash);
 }
 
 // --- Painting
