@@ -76,6 +76,8 @@ void frmMyMDI::MDIForm_Activate(const std::vector<files::Path>& paths) {
   } else {
     commands_.mnuToolbarButtonRaised_Click();
   }
+  ui::ToolBar& toolbar = frame_.toolbar();
+  if (const auto left = toolbar.Find("Align left")) toolbar.SetState(*left, ui::ButtonState::kPressed);
   services::ReadSettings(settingsFile_, SettingsBatch::kFirstActivation, settings_);
   ui::LetPendingEventsRun();
   if (settings_.SaveWindowState && settings_.SaveArrange >= 0) commands_.Arrange(settings_.SaveArrange);
