@@ -44,6 +44,21 @@ const Content& OneLine() {
   return content;
 }
 
+// Just below the length that is laid out in segments, every word in another format than its neighbours.
+const Content& ManyRuns() {
+  static const Content content = [] {
+    const Content empty;
+    ContentBuilder builder(empty.store());
+    FormatTable& formats = empty.formats();
+    CharFormat bold;
+    bold.flags = kBold;
+    const CharFormatId ids[] = {CharFormatId::kDefault, formats.Intern(bold)};
+    for (int word = 0; word < 1800; ++word) builder.Append("word ", ids[word % 2]);
+    return builder.Finish();
+  }();
+  return content;
+}
+
 QImage& Frame() {
   static QImage image(kViewport.toSize(), QImage::Format_RGB32);
   return image;
@@ -137,6 +152,7 @@ BENCHMARK_CAPTURE(PaintOfAScreen, plain, false)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(PaintOfAScreen, selected, true)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(Key, manyLines, ManyLines)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(Key, oneLine, OneLine)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(Key, manyRuns, ManyRuns)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(ScrollByLines, manyLines, ManyLines)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(ScrollByLines, oneLine, OneLine)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(DragTheBar, manyLines, ManyLines)->Unit(benchmark::kMillisecond);
