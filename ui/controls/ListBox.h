@@ -13,6 +13,11 @@ class ListBox : public QListView {
 
   double fontSize() const { return font().pointSizeF(); }
   void SetFontSize(double points);
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+  void focusInEvent(QFocusEvent* event) override;
+  void focusOutEvent(QFocusEvent* event) override;
 };
 
 }  // namespace ui
