@@ -1,5 +1,6 @@
 #include "ui/PendingEvents.h"
 
+#include <QAbstractEventDispatcher>
 #include <QCoreApplication>
 #include <QEventLoop>
 #include <QPointer>
@@ -40,7 +41,10 @@ CommandScope::CommandScope() {
 }
 
 CommandScope::~CommandScope() {
-  if (--Loop().depth > 0 || Loop().deferred.empty()) return;
+  if (--Loop().depth > 0) return;
+  // What was held back has been read from the display already, so nothing else would wake the event loop for it.
+  if (QAbstractEventDispatcher* dispatcher = QCoreApplication::eventDispatcher()) dispatcher->wakeUp();
+  if (Loop().deferred.empty()) return;
   QMetaObject::invokeMethod(QCoreApplication::instance(), RunDeferred, Qt::QueuedConnection);
 }
 

@@ -1,0 +1,113 @@
+"""What the program says over the accessibility bus."""
+
+import os
+
+import gi
+
+gi.require_version("Atspi", "2.0")
+from gi.repository import Atspi, GLib
+
+
+def connect(environment):
+    """Once, before the first question: the bus is found through the session's."""
+    os.environ.update({key: environment[key] for key in ("DISPLAY", "DBUS_SESSION_BUS_ADDRESS", "XDG_RUNTIME_DIR")})
+    Atspi.init()
+    Atspi.set_timeout(2000, 5000)
+
+
+def application(pid):
+    desktop = Atspi.get_desktop(0)
+    desktop.clear_cache()
+    for i in range(desktop.get_child_count()):
+        try:
+            child = desktop.get_child_at_index(i)
+            if child and child.get_process_id() == pid:
+                return child
+        except Exception:  # one that has just ended
+            continue
+    return None
+
+
+# The toolkit complains about what is asked of its file lists; the others are big, and nobody asks for them here.
+CLOSED = {"table", "tree", "tree table", "list", "menu bar", "tool bar", "status bar"}
+
+
+def _walk(node):
+    yield node
+    if node.get_role_name() in CLOSED:
+        return
+    for i in range(node.get_child_count()):
+        child = node.get_child_at_index(i)
+        if child:
+            yield from _walk(child)
+
+
+def _windows(pid):
+    found = application(pid)
+    if not found:
+        return []
+    found.clear_cache()
+    return [found.get_child_at_index(i) for i in range(found.get_child_count())]
+
+
+def _steady(answer, otherwise):
+    """What is looked at may go meanwhile: that is as if it had not been there."""
+    try:
+        return answer()
+    except GLib.GError:
+        return otherwise
+
+
+def _showing(node):
+    return node.get_state_set().contains(Atspi.StateType.SHOWING)
+
+
+def _texts_of(window):
+    return [(node.get_role_name(), node.get_name()) for node in _walk(window) if node.get_name()]
+
+
+def texts(pid):
+    return _steady(lambda: [text for window in _windows(pid) if window for text in _texts_of(window)], [])
+
+
+def _dialog(pid):
+    for window in reversed(_windows(pid)):
+        if not window or window.get_role_name() != "alert":
+            continue
+        if _showing(window):
+            labels = [text for role, text in _texts_of(window) if role == "label"]
+            return "\n".join(labels) or window.get_name()
+    return None
+
+
+def dialog(pid):
+    """The text of the message box that is open; its lines end in LF."""
+    return _steady(lambda: _dialog(pid), None)
+
+
+def _documents(pid):
+    found = []
+    for window in _windows(pid):
+        for node in _walk(window) if window and window.get_role_name() == "frame" else []:
+            if node is not window and node.get_role_name() in ("frame", "internal frame") and _showing(node):
+                found.append(node.get_name())
+    return found
+
+
+def documents(pid):
+    """The titles of the document windows."""
+    return _steady(lambda: _documents(pid), [])
+
+
+def _editors(pid):
+    found = []
+    for window in _windows(pid):
+        for node in _walk(window) if window else []:
+            if node.get_role_name() in ("text", "document text") and node.get_editable_text_iface():
+                found.append(node.get_text_iface().get_text(0, -1))
+    return found
+
+
+def editors(pid):
+    """The texts of all documents."""
+    return _steady(lambda: _editors(pid), [])
