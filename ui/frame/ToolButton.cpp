@@ -85,6 +85,15 @@ void ToolButton::PaintState(QPainter& painter, const QRect& face) const {
   painter.strokePath(whole, pen);
 }
 
+// A flat button shows nothing of the focus by itself.
+void ToolButton::PaintFocus(QPainter& painter, const QRect& face) const {
+  if (!hasFocus()) return;
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.setBrush(Qt::NoBrush);
+  painter.setPen(QPen(palette().color(QPalette::Active, QPalette::Highlight), 2));
+  painter.drawRoundedRect(QRectF(face).adjusted(2, 2, -2, -2), 3, 3);
+}
+
 void ToolButton::paintEvent(QPaintEvent*) {
   QStylePainter painter(this);
   QStyleOptionToolButton option;
@@ -96,6 +105,7 @@ void ToolButton::paintEvent(QPaintEvent*) {
   painter.drawComplexControl(QStyle::CC_ToolButton, bare);
   const QRect face = style()->subControlRect(QStyle::CC_ToolButton, &option, QStyle::SC_ToolButton, this);
   PaintState(painter, face);
+  PaintFocus(painter, face);
   painter.setRenderHint(QPainter::Antialiasing, false);
   const QRect place = QStyle::alignedRect(layoutDirection(), Qt::AlignCenter, iconSize(), face);
   icon().paint(&painter, place, Qt::AlignCenter, isEnabled() ? QIcon::Normal : QIcon::Disabled);

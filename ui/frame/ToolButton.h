@@ -23,6 +23,7 @@ class ToolButton : public QToolButton {
 
  private:
   void PaintState(QPainter& painter, const QRect& face) const;
+  void PaintFocus(QPainter& painter, const QRect& face) const;
 
   const bool toggles_;
   ButtonState state_ = ButtonState::kReleased;
