@@ -64,8 +64,7 @@ bool MoveWithoutReplacing(const files::Path& from, const files::Path& to) {
 files::Path SetAside(const files::Path& path) {
   for (int i = 1; i <= kMostKeptAside; ++i) {
     const std::string number = i == 1 ? std::string() : "-" + std::to_string(i);
-    const files::Path name =
-        path.parent_path() / (path.stem().native() + ".damaged" + number + path.extension().native());
+    files::Path name = path.parent_path() / (path.stem().native() + ".damaged" + number + path.extension().native());
     if (MoveWithoutReplacing(path, name)) return name;
     if (errno != EEXIST) break;
   }
@@ -106,9 +105,8 @@ struct SettingsFile::Impl {
 
   void Start() {
     Contents contents = ReadContents(path);
-    if (contents.found == Found::kSettings) Take(std::move(contents));
-    if (contents.found == Found::kNothing || contents.found == Found::kSettings) return;
-    if (access == Access::kReadOnly) return;
+    if (contents.found == Found::kSettings) return Take(std::move(contents));
+    if (contents.found == Found::kNothing || access == Access::kReadOnly) return;
     files::LockFile lock;
     files::Path keptAs;
     if (contents.found == Found::kDamaged && WaitFor(lock, lockPath(), kPatience)) {

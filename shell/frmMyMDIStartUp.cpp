@@ -150,7 +150,7 @@ void frmMyMDI::SaveSettings() {
   std::vector<std::string_view> keys;
   if (const WindowState state = frame_.windowState(); state != WindowState::kMinimized) {
     settings_.WindowSize = static_cast<int>(state);
-    keys.push_back("WindowSize");
+    keys.emplace_back("WindowSize");
   }
   keys.insert(keys.end(), std::begin(kSavedAtTheEnd), std::end(kSavedAtTheEnd));
   services::SaveFromMemory(settingsFile_, settings_, keys);
