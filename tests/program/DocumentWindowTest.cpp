@@ -1,6 +1,12 @@
 // A document window from its making to its end.
+#include "files/Attributes.h"
 #include "tests/program/ProgramTest.h"
 #include "ui/frame/StatusBar.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QLineEdit>
+#include <QMimeData>
 
 namespace {
 
@@ -239,6 +245,92 @@ TEST_F(DocumentWindowTest, RefreshEndsTheSelection) {
   EXPECT_EQ(document->RichTextBox1().SelLength(), 9);
   document->mnuRefresh_Click();
   EXPECT_EQ(document->RichTextBox1().SelLength(), 0);
+}
+
+// --- Names as they come: in the title, in the prompts, on the clipboard, on the disk
+
+class NamesTest : public ProgramTest, public ::testing::WithParamInterface<std::pair<const char*, const char*>> {};
+
+TEST_P(NamesTest, AreShownPlainlyAndKeptExactly) {
+  const auto [name, shown] = GetParam();
+  const files::Path path = Put(name, "old");
+  frmText* document = Open(path);
+  ASSERT_TRUE(document);
+  const QString shownPath = QString::fromStdString(folder().native()) + "/" + shown;
+  Type(*document, "x");
+  dialogs.Message("The text in [" + shownPath + "] has changed.\r\nDo you want to save the changes?",
+                  ui::Buttons::kYesNoCancel, ui::Icon::kExclamation, Answer::kCancel);
+  EXPECT_FALSE(document->Close());
+  document->mnuCopyPath_Click();
+  EXPECT_EQ(QGuiApplication::clipboard()->mimeData()->data("text/plain").toStdString(), path.native());
+  EXPECT_FALSE(QGuiApplication::clipboard()->mimeData()->hasUrls());
+  const auto readOnly = files::SetReadOnly(path, true);
+  ASSERT_TRUE(readOnly);
+  dialogs.Message(
+      "File: " + shownPath +
+          "\r\nis a Read-only file.  Its Read-only attribute must be removed before it can be replaced.  Do "
+          "you want to remove it?",
+      ui::Buttons::kYesNo, ui::Icon::kInformation, Answer::kYes);
+  EXPECT_EQ(document->mnuSaveFile_Click(), documents::SaveOutcome::kSaved);
+  EXPECT_EQ(Bytes(path), "xold");
+  EXPECT_EQ(document->caption(), path.native());
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Names, NamesTest,
+    ::testing::Values(std::pair("two words.txt", "two words.txt"), std::pair("line\nbreak.txt", "line\uFFFDbreak.txt"),
+                      std::pair("<b>bold<.txt", "<b>bold<.txt"), std::pair("a & b.txt", "a & b.txt"),
+                      std::pair("[*].txt", "[*].txt"), std::pair("%1 %2.txt", "%1 %2.txt"),
+                      std::pair("caf\xE9.txt", "caf\uFFFD.txt"), std::pair("\xD7\xA2\xD7\x91.txt", "\u05E2\u05D1.txt"),
+                      std::pair("tab\tbed", "tab\uFFFDbed"), std::pair("trailing blank ", "trailing blank "),
+                      std::pair("Untitled:7", "Untitled:7")),
+    [](const auto& tested) { return "Row" + std::to_string(tested.index); });
+
+// --- Whose turn it is
+
+TEST_F(DocumentWindowTest, TheFocusComesBackToTheControlThatHadIt) {
+  frmText* a = Open(Put("a.txt", "a"));
+  frmText* b = Open(Put("b.txt", "b"));
+  ASSERT_TRUE(a && b);
+  // A second control in the window, as the find engine's or a tool's would be.
+  auto* other = new QLineEdit(a->widget());
+  other->show();
+  a->Activate();
+  other->setFocus();
+  ASSERT_EQ(QApplication::focusWidget(), other);
+  b->Activate();
+  Settle();
+  EXPECT_EQ(QApplication::focusWidget(), &b->RichTextBox1());
+  a->Activate();
+  Settle();
+  EXPECT_EQ(QApplication::focusWidget(), other);
+  delete other;
+  b->Activate();
+  a->Activate();
+  Settle();
+  EXPECT_EQ(QApplication::focusWidget(), &a->RichTextBox1()) << "what had it has gone";
+}
+
+TEST_F(DocumentWindowTest, ClosingOneGivesTheFocusToTheOneBefore) {
+  frmText* a = Open(Put("a.txt", "a"));
+  Open(Put("b.txt", "b"));
+  frmText* c = Open(Put("c.txt", "c"));
+  a->Activate();
+  c->Activate();
+  EXPECT_TRUE(c->Close());
+  Settle();
+  EXPECT_EQ(table().Active(), a);
+  EXPECT_EQ(QApplication::focusWidget(), &a->RichTextBox1());
+}
+
+TEST_F(DocumentWindowTest, ALoadThatFailsTouchesNoStateOfTheNextWindow) {
+  frmText* document = Open(Put("a.txt", "a"));
+  document->SetWindowState(WindowState::kMaximized);
+  EXPECT_TRUE(document->Close());
+  ExpectError(Error(folder(), "Is a directory"));
+  EXPECT_FALSE(Open(folder()));
+  EXPECT_EQ(table().LastDocWindowState, static_cast<int>(WindowState::kMaximized));
+  EXPECT_EQ(New().windowState(), WindowState::kMaximized);
 }
 
 }  // namespace

@@ -19,6 +19,30 @@ class PendingEventsTest : public ProgramTest {
       AtEveryPoint(call);
     });
   }
+  void CloseRequests() {
+    for (int slot = 1; slot <= table().UpperBound(); ++slot)
+      if (table().Document(slot) && !Changed(*table().Document(slot))) table().Document(slot)->RequestClose();
+  }
+  void CloseOne() {
+    for (int slot = table().UpperBound(); slot >= 1; --slot)
+      if (table().Document(slot) && !Changed(*table().Document(slot))) return void(table().Document(slot)->Close());
+  }
+  // Windows, slots and forms tell the same.
+  void ExpectSound() {
+    size_t windows = 0;
+    for (int slot = 1; slot <= table().UpperBound(); ++slot) {
+      frmText* document = table().Document(slot);
+      EXPECT_EQ(document == nullptr, table().DocInfo(slot).Free) << slot;
+      if (!document) continue;
+      ++windows;
+      EXPECT_EQ(document->slot(), slot);
+      EXPECT_EQ(table().Find(document->id()), document);
+      EXPECT_EQ(document->windowState() == ui::WindowState::kMinimized || document->widget()->isVisible(), true)
+          << slot;
+    }
+    EXPECT_EQ(program().forms().count(), windows + 1);
+    EXPECT_EQ(table().Active() != nullptr, windows > 0);
+  }
   void TearDown() override {
     stop_ = true;
     Settle();
@@ -135,6 +159,47 @@ TEST_F(PendingEventsTest, TheEndOfTheProgramIsRememberedToo) {
   EXPECT_TRUE(table().AnyDocumentOpen());
   Settle();
   EXPECT_FALSE(table().AnyDocumentOpen());
+}
+
+// Whatever closes, opens or is made at any place where events run: the command ends soundly, and no slot is lost.
+TEST_F(PendingEventsTest, AnythingAtAnyPoint) {
+  const std::pair<const char*, std::function<void()>> commands[] = {
+      {"new", [&] { table().NewDocument(); }},
+      {"open", [&] { program().OpenDocument(At("b.txt").native()); }},
+      {"open missing", [&] { program().OpenDocument(At("no such.txt").native()); }},
+      {"save all", [&] { program().commands().mnuSaveAll_Click(); }},
+      {"close all", [&] { program().commands().mnuCloseAll_Click(); }},
+      {"minimise all", [&] { program().commands().mnuMinRest_Click(); }},
+      {"end", [&] { program().frame().RequestClose(); }},
+  };
+  const std::pair<const char*, std::function<void()>> events[] = {
+      {"close request", [&] { CloseRequests(); }},
+      {"close", [&] { CloseOne(); }},
+      {"load", [&] { table().LoadIntoWindow(At("c.txt").native()); }},
+      {"file goes", [&] { std::filesystem::remove(At("b.txt")); }},
+      {"texts are kept", [&] { EXPECT_FALSE(program().KeepTexts()); }},
+  };
+  for (const auto& [command, run] : commands) {
+    for (const auto& [event, happens] : events) {
+      SCOPED_TRACE(std::string(command) + ", " + event);
+      Restart();
+      for (const char* name : {"a.txt", "b.txt", "c.txt"}) Open(Put(name, "text"));
+      int times = 0;
+      stop_ = false;
+      AtEveryPoint([&, &act = happens] {
+        if (times++ < 3) act();
+      });
+      run();
+      stop_ = true;
+      Settle();
+      ExpectSound();
+      for (int slot = 1; slot <= table().UpperBound(); ++slot)
+        if (table().Document(slot)) table().Document(slot)->SetUnchanged();
+      program().commands().mnuCloseAll_Click();
+      Settle();
+      EXPECT_FALSE(table().AnyDocumentOpen());
+    }
+  }
 }
 
 }  // namespace

@@ -281,13 +281,56 @@ TEST_F(SaveTest, WhatTheProgramWouldDropIsNamedFirst) {
   EXPECT_EQ(document.mnuSaveFile_Click(), SaveOutcome::kSaved) << "asked once";
 }
 
-TEST_F(SaveTest, SavingToAFolderSaysWhatItIs) {
-  frmText& document = Edited(At("later.txt"));
-  std::filesystem::create_directory(At("later.txt"));
-  dialogs.Message(File(At("later.txt"), "Is a directory\r\nitem is a directory"), Buttons::kOk, Icon::kExclamation,
-                  Answer::kOk);
-  EXPECT_EQ(document.mnuSaveFile_Click(), SaveOutcome::kFailed);
-  EXPECT_TRUE(Changed(document));
+TEST_F(SaveTest, WhatCannotBeReplacedSaysWhatItIs) {
+  const struct {
+    const char* name;
+    std::function<void(const files::Path&)> make;
+    const char* text;
+  } kRows[] = {
+      {"folder.txt", [](const files::Path& p) { std::filesystem::create_directory(p); },
+       "Is a directory\r\nitem is a directory"},
+      {".folder.txt", [](const files::Path& p) { std::filesystem::create_directory(p); },
+       "Is a directory\r\nitem is a directory"},
+      {"fifo.txt", [](const files::Path& p) { EXPECT_EQ(mkfifo(p.c_str(), 0600), 0); },
+       "Not a regular file\r\nitem is a system file or folder"},
+      {".fifo.txt", [](const files::Path& p) { EXPECT_EQ(mkfifo(p.c_str(), 0400), 0); },
+       "Not a regular file\r\nitem is a system file or folder"},
+      {"link.txt", [](const files::Path& p) { std::filesystem::create_symlink("/dev/null", p); },
+       "Not a regular file\r\nitem is a system file or folder"},
+      {"loop.txt", [](const files::Path& p) { std::filesystem::create_symlink(p, p); },
+       "Too many levels of symbolic links"},
+  };
+  for (const auto& row : kRows) {
+    SCOPED_TRACE(row.name);
+    frmText& document = Edited(At(row.name));
+    row.make(At(row.name));
+    ExpectError(File(At(row.name), row.text));
+    EXPECT_EQ(document.mnuSaveFile_Click(), SaveOutcome::kFailed);
+    EXPECT_TRUE(Changed(document));
+  }
+}
+
+TEST_F(SaveTest, TheWarningGoesByTheOldExtensionAndTheNewEnd) {
+  const struct {
+    const char *from, *to;
+    bool warns, rich;
+  } kRows[] = {
+      {"a.rtf", "b.txt", true, false},     {"a.RTF", "b.rtf", false, true},  {"a.Rtf", "b.rtfx", true, false},
+      {"a.rtf", "b.rtf.bak", true, false}, {"a.txt", "b.rtf", false, true},  {"a.rtf.txt", "b.txt", false, false},
+      {"a.rtf", "b.htm", true, false},     {"a.txt", "b.htm", false, false}, {"a", "b.RTF", false, true},
+  };
+  for (const auto& row : kRows) {
+    SCOPED_TRACE(std::string(row.from) + " to " + row.to);
+    const bool wasRich = documents::IsRichName(row.from);
+    frmText& document = Edited(Put(row.from, wasRich ? "{\\rtf1 text}" : "text"));
+    std::filesystem::remove(At(row.to));
+    dialogs.File(At(row.to));
+    if (row.warns) Question(At(row.to), kLosesFormat, Buttons::kYesNo, Icon::kQuestion, Answer::kYes);
+    EXPECT_EQ(document.mnuSaveFileAs_Click(), SaveOutcome::kSaved);
+    EXPECT_EQ(document.caption(), At(row.to).native());
+    EXPECT_EQ(Bytes(At(row.to)).starts_with("{\\rtf1"), row.rich);
+    EXPECT_TRUE(document.Close());
+  }
 }
 
 TEST_F(SaveTest, AHiddenFileThatCannotBeWrittenSaysSo) {

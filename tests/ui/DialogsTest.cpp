@@ -5,15 +5,19 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QFileDialog>
 #include <QFontDialog>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMessageBox>
 #include <QProgressDialog>
 #include <QPushButton>
+#include <QTemporaryDir>
 #include <QTimer>
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <fstream>
 #include <thread>
 
 namespace {
@@ -63,6 +67,60 @@ TEST(QtDialogs, EscapeIsCancel) {
   ui::QtDialogs dialogs;
   WhenOpen<QMessageBox>([](QMessageBox& box) { box.reject(); });
   EXPECT_EQ(dialogs.ShowMessage(nullptr, {"text", Buttons::kYesNoCancel, Icon::kQuestion}), Answer::kCancel);
+}
+
+struct PickCase {
+  const char* what;
+  bool save;
+  std::string proposed;
+  QString typed;  // nothing: what is proposed
+  bool accept;
+  std::string chosen;  // within the folder; empty: nothing
+};
+
+TEST(QtDialogs, FileDialogs) {
+  QTemporaryDir folder;
+  const files::Path path(folder.path().toStdString());
+  const auto put = [&](const std::string& name) { std::ofstream(path / name) << "text"; };
+  put("there.txt");
+  put("caf\xE9.txt");
+  const std::vector<PickCase> cases = {
+      {"cancel", true, "a.txt", {}, false, ""},
+      {"what is proposed", true, "a.txt", {}, true, "a.txt"},
+      {"another name", true, "a.txt", "b c.txt", true, "b c.txt"},
+      {"no existence is asked for", false, "", "missing.txt", true, "missing.txt"},
+      {"overwriting is asked by others", true, "", "there.txt", true, "there.txt"},
+      {"a proposed name that is no text", true, "caf\xE9.txt", {}, true, "caf\xE9.txt"},
+      {"a file whose name is no text", false, "", "caf\uFFFD.txt", true, "caf\xE9.txt"},
+      {"no extension is added", true, "", "README", true, "README"},
+      {"Hebrew", true, "", "\u05E2\u05D1", true, "\xD7\xA2\xD7\x91"},
+  };
+  ui::QtDialogs dialogs;
+  for (const PickCase& c : cases) {
+    SCOPED_TRACE(c.what);
+    ui::FileRequest request{.save = c.save,
+                            .title = "Title",
+                            .filters = {{".txt", "*.txt"}, {"All Files", "*.*"}},
+                            .filterIndex = 2,
+                            .folder = path,
+                            .name = c.proposed};
+    WhenOpen<QFileDialog>([&](QFileDialog& dialog) {
+      EXPECT_EQ(dialog.windowTitle(), "Title");
+      EXPECT_EQ(dialog.acceptMode(), c.save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
+      EXPECT_EQ(dialog.nameFilters(), QStringList({".txt (*.txt)", "All Files (*)"}));
+      EXPECT_EQ(dialog.selectedNameFilter(), "All Files (*)");
+      EXPECT_EQ(dialog.directory().path(), folder.path());
+      auto* name = dialog.findChild<QLineEdit*>("fileNameEdit");
+      ASSERT_TRUE(name);
+      if (!c.typed.isEmpty()) name->setText(c.typed);
+      auto& answered = static_cast<QDialog&>(dialog);
+      c.accept ? answered.accept() : answered.reject();
+    });
+    const auto chosen = dialogs.PickFile(nullptr, request);
+    EXPECT_EQ(chosen ? chosen->native() : "", c.chosen.empty() ? "" : (path / c.chosen).native());
+  }
+  // The toolkit's own clearing away does not know such names.
+  std::filesystem::remove(path / "caf\xE9.txt");
 }
 
 TEST(Progress, ShortWorkShowsNothing) {

@@ -14,7 +14,9 @@ ChildWindow::ChildWindow(ChildForm& form, ChildArea& area, QWidget* content)
   setWindowIcon(style()->standardIcon(QStyle::SP_FileIcon));
   // Closing is the form's decision; the window is taken out by it.
   setAttribute(Qt::WA_DeleteOnClose, false);
-  connect(this, &QMdiSubWindow::windowStateChanged, this, &ChildWindow::RememberFocus);
+  connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* now) {
+    if (now && now != this && isAncestorOf(now)) rememberedFocus_ = now;
+  });
 }
 
 void ChildWindow::PutIn() {
@@ -28,16 +30,11 @@ void ChildWindow::TakeOut() {
 }
 
 void ChildWindow::ActivateForm() {
+  // First: becoming active gives the focus to the content.
+  QWidget* target = rememberedFocus_ && isAncestorOf(rememberedFocus_) ? rememberedFocus_.data() : widget();
   area_.setActiveSubWindow(this);
   area_.SetCurrent(this);
-  QWidget* target = rememberedFocus_ && isAncestorOf(rememberedFocus_) ? rememberedFocus_.data() : widget();
   if (!isMinimized()) target->setFocus(Qt::OtherFocusReason);
-}
-
-void ChildWindow::RememberFocus(Qt::WindowStates before, Qt::WindowStates after) {
-  const bool wasActive = before & Qt::WindowActive, isActive = after & Qt::WindowActive;
-  QWidget* focus = QApplication::focusWidget();
-  if (wasActive && !isActive && focus && isAncestorOf(focus)) rememberedFocus_ = focus;
 }
 
 void ChildWindow::closeEvent(QCloseEvent* event) {

@@ -26,8 +26,6 @@ class ChildWindow : public QMdiSubWindow {
   void closeEvent(QCloseEvent* event) override;
 
  private:
-  void RememberFocus(Qt::WindowStates before, Qt::WindowStates after);
-
   ChildForm& owner_;
   FormId formId_;
   ChildArea& area_;
