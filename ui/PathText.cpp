@@ -1,5 +1,7 @@
 #include "ui/PathText.h"
 
+#include <QTextDocument>
+
 #include <dirent.h>
 #include <memory>
 #include <optional>
@@ -28,6 +30,11 @@ QString DisplayText(std::string_view bytes) {
   for (QChar& c : text)
     if (c.unicode() < 0x20 || c.unicode() == 0x7F) c = kUnknown;
   return text;
+}
+
+QString PlainToolTip(const QString& text) {
+  if (!Qt::mightBeRichText(text)) return text;
+  return QStringLiteral("<p style='white-space:pre'>%1</p>").arg(text.toHtmlEscaped());
 }
 
 QString DoubleAmpersands(QString text) {

@@ -16,6 +16,9 @@ QString DisplayText(std::string_view bytes);
 // "&" doubled, for menus and buttons.
 QString DoubleAmpersands(QString text);
 
+// As a tooltip that shows just this text: the toolkit takes what looks like markup for markup.
+QString PlainToolTip(const QString& text);
+
 // The path behind the text that a file dialog gave. A text that shows `proposed` means `proposed`; where the text holds
 // U+FFFD the folders are looked through for the one name that shows like this. Otherwise the text's own UTF-8.
 files::Path PathOfChosen(const QString& chosen, const files::Path& proposed = {});

@@ -1,14 +1,121 @@
 #include "ui/controls/ListBox.h"
 
+#include "ui/PathText.h"
 #include "ui/controls/FocusFrame.h"
+#include "ui/desktop/DroppedFiles.h"
+
+#include <QAbstractListModel>
+#include <QApplication>
+#include <QDrag>
+#include <QHelpEvent>
+#include <QMouseEvent>
+#include <QTimer>
+#include <QToolTip>
+
+#include <algorithm>
+#include <utility>
 
 namespace ui {
 
-ListBox::ListBox(QWidget* parent) : QListView(parent) {
+class ListBox::Model : public QAbstractListModel {
+ public:
+  using QAbstractListModel::QAbstractListModel;
+
+  int rowCount(const QModelIndex& parent = {}) const override {
+    return parent.isValid() ? 0 : static_cast<int>(lines.size());
+  }
+  QVariant data(const QModelIndex& index, int role) const override {
+    if (role != Qt::DisplayRole && role != Qt::AccessibleTextRole) return {};
+    return DisplayText(lines[static_cast<size_t>(index.row())].text);
+  }
+  void Replace(std::vector<ListLine> with) {
+    beginResetModel();
+    lines = std::move(with);
+    endResetModel();
+  }
+  void Append(ListLine line) {
+    beginInsertRows({}, rowCount(), rowCount());
+    lines.push_back(std::move(line));
+    endInsertRows();
+  }
+  void SetText(int row, std::string text) {
+    lines[static_cast<size_t>(row)].text = std::move(text);
+    Q_EMIT dataChanged(index(row), index(row));
+  }
+
+  std::vector<ListLine> lines;
+};
+
+ListBox::ListBox(QWidget* parent) : QListView(parent), model_(new Model(this)) {
+  setModel(model_);
   setUniformItemSizes(true);
   setSelectionMode(QAbstractItemView::ExtendedSelection);
   setEditTriggers(QAbstractItemView::NoEditTriggers);
   setTabKeyNavigation(false);
+  setTextElideMode(Qt::ElideMiddle);
+  setAcceptDrops(true);
+  viewport()->setAcceptDrops(true);
+}
+
+ListBox::~ListBox() = default;
+
+int ListBox::count() const {
+  return model_->rowCount();
+}
+const ListLine& ListBox::line(int index) const {
+  return model_->lines[static_cast<size_t>(index)];
+}
+void ListBox::SetLines(std::vector<ListLine> lines) {
+  model_->Replace(std::move(lines));
+  if (count() > 0) SetListIndex(0);
+}
+void ListBox::Append(ListLine line) {
+  model_->Append(std::move(line));
+}
+void ListBox::SetText(int index, std::string text) {
+  model_->SetText(index, std::move(text));
+}
+
+int ListBox::ListIndex() const {
+  return currentIndex().row();
+}
+void ListBox::SetListIndex(int index) {
+  selectionModel()->setCurrentIndex(model_->index(index), QItemSelectionModel::NoUpdate);
+}
+bool ListBox::Selected(int index) const {
+  return selectionModel()->isSelected(model_->index(index));
+}
+void ListBox::Select(int index, bool on) {
+  selectionModel()->select(model_->index(index), on ? QItemSelectionModel::Select : QItemSelectionModel::Deselect);
+}
+int ListBox::SelCount() const {
+  int selected = 0;
+  for (const QItemSelectionRange& range : selectionModel()->selection()) selected += range.height();
+  return selected;
+}
+
+std::vector<int> ListBox::SelectedLines() const {
+  std::vector<int> lines;
+  for (const QItemSelectionRange& range : selectionModel()->selection())
+    for (int i = range.top(); i <= range.bottom(); ++i) lines.push_back(i);
+  std::sort(lines.begin(), lines.end());
+  return lines;
+}
+
+void ListBox::SelectOnly(int index) {
+  selectionModel()->setCurrentIndex(model_->index(index), QItemSelectionModel::ClearAndSelect);
+}
+void ListBox::SelectFrom(int first) {
+  selectionModel()->clearSelection();
+  if (first >= count()) return;
+  selectionModel()->select({model_->index(first), model_->index(count() - 1)}, QItemSelectionModel::Select);
+  if (ListIndex() < first) SetListIndex(count() - 1);
+}
+
+int ListBox::ItemFromPoint(const QPoint& point) const {
+  if (!viewport()->rect().contains(point)) return count();
+  const QModelIndex hit = indexAt(point);
+  return hit.isValid() ? hit.row() : count() - 1;  // below the last line
 }
 
 void ListBox::SetFontSize(double points) {
@@ -17,20 +124,129 @@ void ListBox::SetFontSize(double points) {
   setFont(sized);
 }
 
+// --- Events
+
 void ListBox::paintEvent(QPaintEvent* event) {
   QListView::paintEvent(event);
   PaintFocusFrame(*this);
 }
 
-// The base class repaints the lines, which may be none.
+bool ListBox::viewportEvent(QEvent* event) {
+  if (event->type() == QEvent::ToolTip) return ShowToolTip(*static_cast<QHelpEvent*>(event));
+  return QListView::viewportEvent(event);
+}
+
+bool ListBox::ShowToolTip(const QHelpEvent& event) {
+  const QModelIndex hit = indexAt(event.pos());
+  const QString text = hit.isValid() && toolTip_ ? toolTip_(hit.row()) : QString();
+  QToolTip::showText(event.globalPos(), PlainToolTip(text), viewport(), visualRect(hit));
+  return true;
+}
+
+// A press with a modifier only arms a drag; let go before the pointer has moved it is the ordinary click.
+void ListBox::mousePressEvent(QMouseEvent* event) {
+  dragging_ = false;
+  if (event->button() == Qt::RightButton) return;  // contextMenuEvent does it
+  const bool modified = event->modifiers() & (Qt::ShiftModifier | Qt::ControlModifier | Qt::AltModifier);
+  if (event->button() == Qt::LeftButton && modified && dragFiles_) {
+    armed_.reset(event->clone());
+    return;
+  }
+  QListView::mousePressEvent(event);
+}
+
+void ListBox::mouseMoveEvent(QMouseEvent* event) {
+  if (!armed_) return QListView::mouseMoveEvent(event);
+  if ((event->pos() - armed_->pos()).manhattanLength() >= QApplication::startDragDistance()) StartDrag();
+}
+
+void ListBox::mouseReleaseEvent(QMouseEvent* event) {
+  if (const auto press = std::exchange(armed_, nullptr)) QListView::mousePressEvent(press.get());
+  QListView::mouseReleaseEvent(event);
+}
+
+void ListBox::mouseDoubleClickEvent(QMouseEvent* event) {
+  dragging_ = false;
+  armed_.reset();
+  if (event->button() != Qt::LeftButton || !indexAt(event->pos()).isValid()) return;
+  QTimer::singleShot(0, this, &ListBox::Opened);
+}
+
+void ListBox::contextMenuEvent(QContextMenuEvent* event) {
+  dragging_ = false;
+  QPoint position = event->pos();
+  if (event->reason() == QContextMenuEvent::Mouse) {
+    const int under = ItemFromPoint(position);
+    if (under < 0 || under >= count()) return;
+    Select(under, true);
+    SetListIndex(under);
+  } else {
+    if (ListIndex() < 0) return;
+    Select(ListIndex(), true);
+    position = visualRect(currentIndex()).center();
+  }
+  Q_EMIT MenuRequested(viewport()->mapToGlobal(position));
+}
+
+void ListBox::keyPressEvent(QKeyEvent* event) {
+  if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
+    dragging_ = false;
+    Q_EMIT Opened();
+  } else if (event->key() != Qt::Key_Delete) {
+    QListView::keyPressEvent(event);
+  }
+}
+
+void ListBox::keyReleaseEvent(QKeyEvent* event) {
+  if (event->key() != Qt::Key_Delete) return QListView::keyReleaseEvent(event);
+  if (!event->isAutoRepeat()) Q_EMIT Deleted(event->modifiers() & Qt::ShiftModifier);
+}
+
 void ListBox::focusInEvent(QFocusEvent* event) {
   QListView::focusInEvent(event);
-  viewport()->update();
+  viewport()->update();  // the base class repaints the lines, which may be none
+  Q_EMIT FocusGained();
 }
 
 void ListBox::focusOutEvent(QFocusEvent* event) {
   QListView::focusOutEvent(event);
   viewport()->update();
+  // A menu or another window in front is no other pane.
+  if (event->reason() != Qt::PopupFocusReason && event->reason() != Qt::ActiveWindowFocusReason) Q_EMIT FocusLost();
+}
+
+// --- Drag and drop
+
+void ListBox::StartDrag() {
+  armed_.reset();
+  const std::vector<std::string> files = dragFiles_();
+  if (files.empty()) return;
+  dragging_ = true;
+  auto* drag = new QDrag(this);
+  drag->setMimeData(MimeDataOfFiles(files).release());
+  drag->exec(Qt::CopyAction);
+  dragging_ = false;
+}
+
+bool ListBox::AcceptsDrop(const QDropEvent& event) const {
+  return !dragging_ && event.source() != this && (event.possibleActions() & Qt::CopyAction) &&
+         HoldsFiles(*event.mimeData());
+}
+
+void ListBox::dragEnterEvent(QDragEnterEvent* event) {
+  dragMoveEvent(event);
+}
+
+void ListBox::dragMoveEvent(QDragMoveEvent* event) {
+  event->setDropAction(Qt::CopyAction);
+  event->setAccepted(AcceptsDrop(*event));
+}
+
+void ListBox::dropEvent(QDropEvent* event) {
+  event->setDropAction(Qt::CopyAction);
+  event->setAccepted(AcceptsDrop(*event));
+  if (!event->isAccepted()) return;
+  QTimer::singleShot(0, this, [this, files = FilesOf(*event->mimeData())] { Q_EMIT FilesDropped(files); });
 }
 
 }  // namespace ui

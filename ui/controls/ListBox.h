@@ -1,23 +1,92 @@
-// A list of lines.
+// A list of lines, any number of which may be selected.
 #pragma once
 
 #include <QListView>
 
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
 namespace ui {
 
+struct ListLine {
+  std::string text;  // as bytes; decoded only when drawn
+  int64_t data = 0;  // what the owner knows the line by
+};
+
+// Lines are named by their index from 0. Every operation on one line costs O(1), on all of them O(count).
 class ListBox : public QListView {
   Q_OBJECT
 
  public:
   explicit ListBox(QWidget* parent = nullptr);
+  ~ListBox() override;
+
+  int count() const;
+  const ListLine& line(int index) const;
+  void SetLines(std::vector<ListLine> lines);  // instead of all there are; nothing is selected, the focus on line 0
+  void Append(ListLine line);
+  void SetText(int index, std::string text);
+
+  int ListIndex() const;  // the focus line, -1 = none
+  void SetListIndex(int index);
+  bool Selected(int index) const;
+  void Select(int index, bool on);
+  int SelCount() const;
+  std::vector<int> SelectedLines() const;  // in rising order
+  void SelectOnly(int index);              // and make it the focus line
+  void SelectFrom(int first);              // first .. count() - 1, nothing before; the focus line is one of them
+
+  // The nearest line inside the client area; outside of it a number not below count().
+  int ItemFromPoint(const QPoint& point) const;
 
   double fontSize() const { return font().pointSizeF(); }
   void SetFontSize(double points);
 
+  // What the line's tooltip says, asked when the pointer rests on it; plain text.
+  void SetToolTips(std::function<QString(int index)> toolTip) { toolTip_ = std::move(toolTip); }
+  // The files of a drag that begins now; none = no drag.
+  void SetDragFiles(std::function<std::vector<std::string>()> files) { dragFiles_ = std::move(files); }
+  bool dragging() const { return dragging_; }
+
+ Q_SIGNALS:
+  void Opened();             // double click or Enter
+  void Deleted(bool shift);  // the Delete key was let go
+  void FocusGained();
+  void FocusLost();
+  // A line was pressed with the right button, or the menu key was. The line is selected and has the focus by then.
+  void MenuRequested(const QPoint& globalPosition);
+  void FilesDropped(const std::vector<std::string>& paths);  // from the event loop, after the drop was answered
+
  protected:
+  bool viewportEvent(QEvent* event) override;
   void paintEvent(QPaintEvent* event) override;
+  void mousePressEvent(QMouseEvent* event) override;
+  void mouseMoveEvent(QMouseEvent* event) override;
+  void mouseReleaseEvent(QMouseEvent* event) override;
+  void mouseDoubleClickEvent(QMouseEvent* event) override;
+  void contextMenuEvent(QContextMenuEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+  void keyReleaseEvent(QKeyEvent* event) override;
   void focusInEvent(QFocusEvent* event) override;
   void focusOutEvent(QFocusEvent* event) override;
+  void dragEnterEvent(QDragEnterEvent* event) override;
+  void dragMoveEvent(QDragMoveEvent* event) override;
+  void dropEvent(QDropEvent* event) override;
+
+ private:
+  class Model;
+
+  bool AcceptsDrop(const QDropEvent& event) const;
+  void StartDrag();
+  bool ShowToolTip(const QHelpEvent& event);
+
+  Model* model_;
+  std::function<QString(int)> toolTip_;
+  std::function<std::vector<std::string>()> dragFiles_;
+  std::unique_ptr<QMouseEvent> armed_;  // the press with a modifier that may become a drag
+  bool dragging_ = false;
 };
 
 }  // namespace ui

@@ -1,5 +1,6 @@
 #include "ui/dialogs/ProgressForm.h"
 
+#include "ui/Hourglass.h"
 #include <QEventLoop>
 #include <QGuiApplication>
 #include <QLabel>
@@ -38,11 +39,6 @@ class EndSignal {
   std::mutex mutex_;
   std::condition_variable changed_;
   bool ended_ = false;
-};
-
-struct Hourglass {
-  Hourglass() { QGuiApplication::setOverrideCursor(Qt::WaitCursor); }
-  ~Hourglass() { QGuiApplication::restoreOverrideCursor(); }
 };
 
 void ShowUntilEnded(QWidget* owner, const QString& text, int64_t total, WorkPort& port, EndSignal& end,

@@ -1,12 +1,14 @@
 #include "ui/frame/FrameForm.h"
 
 #include "ui/controls/Icons.h"
+#include "ui/desktop/DroppedFiles.h"
 #include "ui/frame/LeftPane.h"
 #include "ui/frame/StatusBar.h"
 #include "ui/frame/ToolBar.h"
 
 #include <QBuffer>
 #include <QCloseEvent>
+#include <QDropEvent>
 #include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QKeyEvent>
@@ -38,11 +40,13 @@ class FrameForm::Window : public QMainWindow {
             [this] { MoveFocus(-1); });
     const QSize screen = QGuiApplication::primaryScreen()->availableSize();
     resize(QSize(1000, 700).boundedTo(screen * 9 / 10));
+    setAcceptDrops(true);
   }
   ToolBar& toolbar() { return *Toolbar1_; }
   LeftPane& leftPane() { return *pane_; }
   ChildArea& area() { return *area_; }
   void OnFirstPaint(std::function<void()> painted) { painted_ = std::move(painted); }
+  void TakeDrops(std::function<void(const std::vector<std::string>&)> take) { takeDrop_ = std::move(take); }
 
  protected:
   void paintEvent(QPaintEvent* event) override {
@@ -58,8 +62,21 @@ class FrameForm::Window : public QMainWindow {
     QMainWindow::keyPressEvent(event);
   }
   void closeEvent(QCloseEvent* event) override { event->setAccepted(owner_.RequestClose()); }
+  void dragEnterEvent(QDragEnterEvent* event) override { AcceptDrop(*event); }
+  void dragMoveEvent(QDragMoveEvent* event) override { AcceptDrop(*event); }
+  void dropEvent(QDropEvent* event) override {
+    AcceptDrop(*event);
+    if (!event->isAccepted()) return;
+    QTimer::singleShot(0, this, [this, files = FilesOf(*event->mimeData())] {
+      owner_.forms().Guarded([&] { takeDrop_(files); });
+    });
+  }
 
  private:
+  void AcceptDrop(QDropEvent& event) const {
+    event.setDropAction(Qt::CopyAction);
+    event.setAccepted(takeDrop_ && event.possibleActions() & Qt::CopyAction && HoldsFiles(*event.mimeData()));
+  }
   void MoveFocus(int step);
   void ActivateDocument() {
     if (Form* document = owner_.forms().Find(area_->current())) document->Activate();
@@ -70,6 +87,7 @@ class FrameForm::Window : public QMainWindow {
   LeftPane* pane_;
   ChildArea* area_;
   std::function<void()> painted_;
+  std::function<void(const std::vector<std::string>&)> takeDrop_;
 };
 
 // From the document to the panes and the toolbar, and round again.
@@ -161,6 +179,9 @@ ChildArea& FrameForm::area() {
 }
 StatusBar& FrameForm::statusBar() {
   return *statusBar_;
+}
+void FrameForm::TakeDrops(std::function<void(const std::vector<std::string>& paths)> take) {
+  window_->TakeDrops(std::move(take));
 }
 QByteArray FrameForm::PicturePng() {
   QByteArray png;

@@ -35,6 +35,8 @@ class FrameForm : public Form {
   LeftPane& leftPane();
   ChildArea& area();
   StatusBar& statusBar();
+  // What is done with files that are dropped on the window outside of its panes and documents, from the event loop.
+  void TakeDrops(std::function<void(const std::vector<std::string>& paths)> take);
   QByteArray PicturePng();  // what the window shows; empty when there is no memory for it
 
  protected:

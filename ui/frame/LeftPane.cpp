@@ -22,6 +22,7 @@ LeftPane::LeftPane(QWidget* parent)
     : QWidget(parent),
       List1_(new ListBox(this)),
       Toolbar2_(new ToolBar(this)),
+      Picture1_(new PictureBox("font-size", this)),
       Label1_(new QLabel(tr("Fo&lder tree"), this)),
       Drive1_(new DriveBox(this)),
       TreeView1_(new TreeView(this)),
@@ -30,11 +31,14 @@ LeftPane::LeftPane(QWidget* parent)
   for (ToolBar* bar : {Toolbar2_, Toolbar3_}) bar->setIconSize({icon, icon});
   Label1_->setBuddy(TreeView1_);
   const std::pair<QWidget*, const char*> names[] = {{List1_, "List1"},         {Toolbar2_, "Toolbar2"},
+                                                    {Picture1_, "Picture1"},
                                                     {Label1_, "Label1"},       {Drive1_, "Drive1"},
                                                     {TreeView1_, "TreeView1"}, {Toolbar3_, "Toolbar3"}};
   for (const auto& [widget, name] : names) widget->setObjectName(QLatin1String(name));
   List1_->setAccessibleName(tr("Project list"));
   Toolbar2_->setAccessibleName(tr("Project list toolbar"));
+  Picture1_->setAccessibleName(tr("Font size of the lists"));
+  Picture1_->setToolTip(tr("Larger font in the lists"));
   Drive1_->setAccessibleName(tr("Drive"));
   TreeView1_->setAccessibleName(tr("Folder tree"));
   Toolbar3_->setAccessibleName(tr("Folder tree toolbar"));
@@ -75,6 +79,11 @@ void LeftPane::LayOut() {
   };
   put(List1_, metrics.List1Top, places.List1Height);
   put(Toolbar2_, places.Toolbar2Top, metrics.Toolbar2Height);
+  const QSize picture = Picture1_->sizeHint();
+  Toolbar2_->resize(Toolbar2_->width() - picture.width(), Toolbar2_->height());
+  Picture1_->setGeometry(QRect(QPoint(Toolbar2_->geometry().right() + 1,
+                                      Toolbar2_->geometry().center().y() - picture.height() / 2),
+                               picture));
   put(Label1_, places.Label1Top, metrics.Label1Height);
   put(Drive1_, places.Drive1Top, metrics.Drive1Height);
   put(TreeView1_, places.TreeView1Top, places.TreeView1Height);

@@ -3,6 +3,7 @@
 
 #include "ui/controls/DriveBox.h"
 #include "ui/controls/ListBox.h"
+#include "ui/controls/PictureBox.h"
 #include "ui/controls/TreeView.h"
 #include "ui/frame/PaneLayout.h"
 #include "ui/frame/ToolBar.h"
@@ -21,6 +22,7 @@ class LeftPane : public QWidget {
 
   ListBox& List1() { return *List1_; }
   ToolBar& Toolbar2() { return *Toolbar2_; }
+  PictureBox& Picture1() { return *Picture1_; }
   QLabel& Label1() { return *Label1_; }
   DriveBox& Drive1() { return *Drive1_; }
   TreeView& TreeView1() { return *TreeView1_; }
@@ -42,6 +44,7 @@ class LeftPane : public QWidget {
 
   ListBox* List1_;
   ToolBar* Toolbar2_;
+  PictureBox* Picture1_;  // at the right of Toolbar2
   QLabel* Label1_;
   DriveBox* Drive1_;
   TreeView* TreeView1_;

@@ -87,6 +87,10 @@ QString ToolBar::description(size_t row) const {
   return Translated(rows_[row].shortText);
 }
 
+void ToolBar::SetIcon(size_t row, const char* icon) {
+  buttons_[row]->setIcon(ThemedIcon(icon));
+}
+
 void ToolBar::SetMenuEnabled(size_t row, size_t item, bool enabled) {
   buttons_[row]->menu()->actions().at(static_cast<qsizetype>(item))->setEnabled(enabled);
 }

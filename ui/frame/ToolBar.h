@@ -56,6 +56,7 @@ class ToolBar : public QToolBar {
 
   void SetState(size_t row, ButtonState state) { buttons_[row]->SetState(state); }
   ButtonState state(size_t row) const { return buttons_[row]->state(); }
+  void SetIcon(size_t row, const char* icon);
   void SetEnabled(size_t row, bool enabled) { buttons_[row]->setEnabled(enabled); }
   bool isEnabled(size_t row) const { return buttons_[row]->isEnabled(); }
   void SetMenuEnabled(size_t row, size_t item, bool enabled);

@@ -1,0 +1,29 @@
+// The desktop of a test: notes what it was asked to open and run, and gives back what the test says.
+#pragma once
+
+#include "ui/desktop/Shell.h"
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace support {
+
+class ScriptedShell final : public ui::Shell {
+ public:
+  int Open(const std::string& pathOrAddress) override {
+    asked.push_back("open " + pathOrAddress);
+    return opens ? opens(pathOrAddress) : kStarted;
+  }
+  int Run(const std::string& program, const std::vector<std::string>& arguments, const files::Path&) override {
+    std::string call = "run " + program;
+    for (const std::string& argument : arguments) call += " [" + argument + "]";
+    asked.push_back(call);
+    return kStarted;
+  }
+
+  std::vector<std::string> asked;
+  std::function<int(const std::string&)> opens;
+};
+
+}  // namespace support

@@ -1,0 +1,54 @@
+// The controls that small dialogs are made of, with just the operations these use. Every text is plain text.
+#pragma once
+
+#include <QCheckBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+
+#include <functional>
+#include <string_view>
+#include <vector>
+
+namespace ui {
+
+using Control = QWidget;
+
+class Label : public QLabel {
+  Q_OBJECT
+
+ public:
+  Label(const char* name, const QString& text);
+  void SetText(const QString& text);  // CR LF breaks its lines
+};
+
+class Button : public QPushButton {
+  Q_OBJECT
+
+ public:
+  Button(const char* name, const QString& caption, std::function<void()> click);
+};
+
+class CheckBox : public QCheckBox {
+  Q_OBJECT
+
+ public:
+  CheckBox(const char* name, const QString& caption);
+  bool Value() const { return isChecked(); }
+  void SetValue(bool on) { setChecked(on); }
+};
+
+class TextBox : public QLineEdit {
+  Q_OBJECT
+
+ public:
+  explicit TextBox(const char* name);
+  QString Text() const { return text(); }
+  void SetText(const QString& text) { setText(text); }
+};
+
+// Lays out the form in rows from top to bottom; a row's controls stand side by side. Rows of buttons alone stand at the
+// right. The form owns the controls; the tab order is that of the rows.
+void LayOutInRows(Control& form, const std::vector<std::vector<Control*>>& rows);
+
+}  // namespace ui
