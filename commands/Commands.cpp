@@ -1,6 +1,7 @@
 #include "commands/Commands.h"
 
 #include "documents/frmText.h"
+#include "ui/Hourglass.h"
 #include "ui/PendingEvents.h"
 #include "ui/frame/ChildArea.h"
 #include "ui/frame/ToolBar.h"
@@ -20,6 +21,28 @@ void Commands::mnuSaveAll_Click() {
   const ui::CommandScope scope;
   for (const ui::FormId id : services_.forms().Backwards())
     if (documents::frmText* document = table_.Find(id)) document->mnuSaveFile_Click();
+}
+
+void Commands::mnuAddAll_Click() {
+  const ui::CommandScope scope;
+  const ui::Hourglass hourglass;
+  for (int slot = 1; slot <= table_.UpperBound(); ++slot) {
+    documents::frmText* document = table_.Document(slot);
+    if (!document) continue;
+    document->Activate();
+    document->mnuAddFile_Click();
+    ui::LetPendingEventsRun();
+  }
+}
+
+void Commands::mnuRecentFile_Click(size_t index) {
+  const ui::CommandScope scope;
+  if (!services_.fncconfirm("Project")) return;
+  ui::LetPendingEventsRun();
+  if (index >= services_.recentFiles().size()) return;
+  project_.ProjectFile = services_.recentFiles()[index];
+  project_.LoadProject();
+  services_.LoadRecentFiles();
 }
 
 void Commands::mnuExit_Click() {

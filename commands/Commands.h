@@ -3,6 +3,7 @@
 
 #include "documents/DocumentTable.h"
 #include "documents/Opening.h"
+#include "project/ProjectList.h"
 #include "services/Services.h"
 
 namespace ui {
@@ -14,14 +15,30 @@ namespace commands {
 class Commands {
  public:
   Commands(services::Services& services, documents::DocumentTable& table, documents::Opening& opening,
-           ui::ToolBar& toolbar)
-      : services_(services), table_(table), opening_(opening), Toolbar1_(toolbar) {}
+           project::Project& project, project::ProjectList& list, ui::ToolBar& toolbar)
+      : services_(services), table_(table), opening_(opening), project_(project), list_(list), Toolbar1_(toolbar) {}
 
   // --- File
+  void mnuNewProject_Click() { project_.mnuNewProject_Click(); }
+  void mnuOpen_Click() { project_.mnuOpen_Click(); }
+  void mnuSaveProject_Click() { project_.mnuSaveProject_Click(); }
+  void mnuSaveProjectAs_Click() { project_.mnuSaveProjectAs_Click(); }
   void mnuNew_Click();
   void mnuOpenFile_Click();
   void mnuSaveAll_Click();
   void mnuExit_Click();
+  void mnuRecentFile_Click(size_t index);  // from 0
+
+  // --- Project list
+  void mnuOpenFromList_Click() { list_.mnuOpenFromList_Click(); }
+  void mnuCopyListPath_Click() { list_.mnuCopyListPath_Click(); }
+  void mnuAddAll_Click();
+  void mnuLinkAdd_Click() { list_.mnuLinkAdd_Click(); }
+  void mnuRemoveFile_Click() { list_.mnuRemoveFile_Click(); }
+  void mnuSelectAll_Click() { list_.mnuSelectAll_Click(); }
+  void mnuProjListClearSelected_Click() { list_.mnuProjListClearSelected_Click(); }
+  void mnuListSort_Click() { list_.mnuListSort_Click(); }
+  void mnuListEditPrj_Click() { list_.mnuListEditPrj_Click(); }
 
   // --- Options
   void mnuToolbarButtonRaised_Click();
@@ -51,6 +68,8 @@ class Commands {
   services::Services& services_;
   documents::DocumentTable& table_;
   documents::Opening& opening_;
+  project::Project& project_;
+  project::ProjectList& list_;
   ui::ToolBar& Toolbar1_;
   int toolbarStyle_ = 1;
   ui::WindowState minRest_ = ui::WindowState::kNormal;

@@ -88,6 +88,11 @@ bool ClipboardHasRtf(frmText&) {
 // clang-format off
 constexpr Row kMenus[] = {
   Menu("mnuFile", QT_TRANSLATE_NOOP("Menu", "&File")),
+    Main("mnuNewProject", QT_TRANSLATE_NOOP("Menu", "&New project"), "", "", "", &Commands::mnuNewProject_Click),
+    Main("mnuOpen", QT_TRANSLATE_NOOP("Menu", "&Open a project..."), "", "Ctrl+O", "Ctrl+O", &Commands::mnuOpen_Click),
+    Main("mnuSaveProject", QT_TRANSLATE_NOOP("Menu", "Save &project file"), "", "", "", &Commands::mnuSaveProject_Click),
+    Main("mnuSaveProjectAs", QT_TRANSLATE_NOOP("Menu", "Save project file &as..."), "", "", "", &Commands::mnuSaveProjectAs_Click),
+    Separator(),
     With("new", Main("mnuNew", QT_TRANSLATE_NOOP("Menu", "&New document"), "", "Ctrl+N", "Ctrl+N", &Commands::mnuNew_Click)),
     With("open", Main("mnuOpenFile", QT_TRANSLATE_NOOP("Menu", "Open a &document..."), "", "", "", &Commands::mnuOpenFile_Click)),
     With("save", Doc("mnuSaveFile", QT_TRANSLATE_NOOP("Menu", "&Save document"), "", "Ctrl+S", On<&frmText::mnuSaveFile_Click>)),
@@ -99,6 +104,8 @@ constexpr Row kMenus[] = {
     Doc("mnuRefresh", QT_TRANSLATE_NOOP("Menu", "&Refresh"), "", "F5", On<&frmText::mnuRefresh_Click>),
     Separator(),
     Main("mnuExit", QT_TRANSLATE_NOOP("Menu", "E&xit"), "Alt+F4", "", "", &Commands::mnuExit_Click),
+    Separator(),
+    List("mnuRecentFile"),
   End(),
   Menu("mnuEdit", QT_TRANSLATE_NOOP("Menu", "&Edit"), true),
     Doc("mnuUndoItem", QT_TRANSLATE_NOOP("Menu", "&Undo"), "Ctrl+Z", "", On<&frmText::mnuUndoItem_Click>, CanUndo),
@@ -131,6 +138,22 @@ constexpr Row kMenus[] = {
     End(),
     Separator(),
     With("font", Doc("mnuFont", QT_TRANSLATE_NOOP("Menu", "&Font..."), "", "", On<&frmText::mnuFont_Click>)),
+  End(),
+  Menu("mnuProjList", QT_TRANSLATE_NOOP("Menu", "Project &list")),
+    Main("mnuOpenFromList", QT_TRANSLATE_NOOP("Menu", "&Open selected item(s)"), "Enter", "", "", &Commands::mnuOpenFromList_Click),
+    Main("mnuCopyListPath", QT_TRANSLATE_NOOP("Menu", "Copy selected &pathname(s) to clipboard"), "", "", "", &Commands::mnuCopyListPath_Click),
+    Separator(),
+    Doc("mnuAddFile", QT_TRANSLATE_NOOP("Menu", "&Add current document"), "", "", On<&frmText::mnuAddFile_Click>),
+    Main("mnuAddAll", QT_TRANSLATE_NOOP("Menu", "&Add all open documents"), "", "", "", &Commands::mnuAddAll_Click),
+    Main("mnuLinkAdd", QT_TRANSLATE_NOOP("Menu", "Add '&read-only' file shortcut..."), "", "", "", &Commands::mnuLinkAdd_Click),
+    Separator(),
+    Main("mnuRemoveFile", QT_TRANSLATE_NOOP("Menu", "&Remove selected item(s)"), "Del", "", "", &Commands::mnuRemoveFile_Click),
+    Separator(),
+    Main("mnuSelectAll", QT_TRANSLATE_NOOP("Menu", "Select &all"), "", "", "", &Commands::mnuSelectAll_Click),
+    Main("mnuProjListClearSelected", QT_TRANSLATE_NOOP("Menu", "&Clear selections"), "", "", "", &Commands::mnuProjListClearSelected_Click),
+    Separator(),
+    Main("mnuListSort", QT_TRANSLATE_NOOP("Menu", "&Sort"), "", "", "", &Commands::mnuListSort_Click),
+    Main("mnuListEditPrj", QT_TRANSLATE_NOOP("Menu", "&Edit project file as document"), "", "", "", &Commands::mnuListEditPrj_Click),
   End(),
   Menu("mnuOptions", QT_TRANSLATE_NOOP("Menu", "&Options")),
     Menu("mnuToolBar", QT_TRANSLATE_NOOP("Menu", "Tool&bar")),
@@ -166,6 +189,12 @@ constexpr Row kDocumentPopup[] = {
   Separator(),
   Doc("mnuRCSelAll", QT_TRANSLATE_NOOP("Menu", "Select &All"), "", "", On<&frmText::mnuSelAll_Click>),
 };
+constexpr Row kListPopup[] = {
+  Main("mnuRCOpenFromList", QT_TRANSLATE_NOOP("Menu", "&Open selected item(s)"), "", "", "", &Commands::mnuOpenFromList_Click),
+  Main("mnuRCListSort", QT_TRANSLATE_NOOP("Menu", "&Sort list"), "", "", "", &Commands::mnuListSort_Click),
+  Main("mnuRCCopyPath", QT_TRANSLATE_NOOP("Menu", "&Copy selected pathname(s) to clipboard"), "", "", "", &Commands::mnuCopyListPath_Click),
+  Main("mnuRCRemove", QT_TRANSLATE_NOOP("Menu", "&Remove selected items from project"), "", "", "", &Commands::mnuRemoveFile_Click),
+};
 // clang-format on
 
 }  // namespace
@@ -175,6 +204,9 @@ std::span<const Row> MenuTable() {
 }
 std::span<const Row> DocumentPopupTable() {
   return kDocumentPopup;
+}
+std::span<const Row> ListPopupTable() {
+  return kListPopup;
 }
 
 }  // namespace commands

@@ -20,5 +20,6 @@ struct Row {
 
 std::span<const Row> MenuTable();
 std::span<const Row> DocumentPopupTable();
+std::span<const Row> ListPopupTable();  // mnuRCProjList
 
 }  // namespace commands

@@ -17,11 +17,29 @@ std::vector<ui::MenuRow> MenuRows(std::span<const Row> rows) {
 }  // namespace
 
 Menus::Menus(ui::FrameForm& frame, Commands& commands, services::Services& services, documents::DocumentTable& table)
-    : commands_(commands), services_(services), table_(table), bar_(frame, MenuRows(MenuTable())) {
-  while (bar_.row(listRow_).kind != ui::MenuRowKind::kList) ++listRow_;
+    : commands_(commands), services_(services), table_(table), bar_(frame, MenuRows(MenuTable())),
+      windowList_(ListRow("mnuWindowList")),
+      recentFiles_(ListRow("mnuRecentFile")) {
   QObject::connect(&bar_, &ui::MenuBar::Triggered, &bar_, [this](size_t row) { Run(row); });
-  QObject::connect(&bar_, &ui::MenuBar::ListTriggered, &bar_, [this](size_t, size_t index) { ActivateListed(index); });
+  QObject::connect(&bar_, &ui::MenuBar::ListTriggered, &bar_, [this](size_t row, size_t index) {
+    if (row == windowList_) return ActivateListed(index);
+    const ui::CommandScope scope;
+    services_.forms().Guarded([&] { commands_.mnuRecentFile_Click(index); });
+  });
   QObject::connect(&bar_, &ui::MenuBar::AboutToShow, &bar_, [this] { Fill(); });
+}
+
+size_t Menus::ListRow(std::string_view name) const {
+  size_t row = 0;
+  while (bar_.row(row).name != name) ++row;
+  return row;
+}
+
+// Bare paths, without numbers.
+void Menus::ShowRecentFiles(const std::vector<std::string>& paths) {
+  std::vector<ui::MenuListEntry> entries;
+  for (const std::string& path : paths) entries.push_back({ui::DoubleAmpersands(ui::DisplayText(path))});
+  bar_.SetList(recentFiles_, entries);
 }
 
 void Menus::FollowActiveDocument() {
@@ -55,7 +73,7 @@ void Menus::FillWindowList() {
                        document->id() == current});
     listed_.push_back(document->id());
   }
-  bar_.SetList(listRow_, entries);
+  bar_.SetList(windowList_, entries);
 }
 
 void Menus::ActivateListed(size_t index) {
@@ -87,6 +105,13 @@ void Menus::ShowDocumentPopup(documents::frmText& document, const QPoint& global
   const std::span<const Row> rows = DocumentPopupTable();
   std::vector<bool> enabled;
   for (const Row& row : rows) enabled.push_back(!row.enabled || row.enabled(document));
+  if (const auto chosen = ui::PickFromPopup(globalPosition, MenuRows(rows), enabled)) RunRow(rows[*chosen]);
+}
+
+void Menus::ShowListPopup(const QPoint& globalPosition) {
+  const ui::CommandScope scope;
+  const std::span<const Row> rows = ListPopupTable();
+  const std::vector<bool> enabled(rows.size(), true);
   if (const auto chosen = ui::PickFromPopup(globalPosition, MenuRows(rows), enabled)) RunRow(rows[*chosen]);
 }
 

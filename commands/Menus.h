@@ -19,11 +19,14 @@ class Menus {
   // Checks and enabling as of now. The bar does this itself before a menu opens.
   void Fill();
   void ShowDocumentPopup(documents::frmText& document, const QPoint& globalPosition);
+  void ShowListPopup(const QPoint& globalPosition);
+  void ShowRecentFiles(const std::vector<std::string>& paths);
 
   ui::MenuBar& bar() { return bar_; }
   void Run(size_t row);
 
  private:
+  size_t ListRow(std::string_view name) const;
   void FillWindowList();
   void ActivateListed(size_t index);
   void RunRow(const Row& row);
@@ -32,8 +35,8 @@ class Menus {
   services::Services& services_;
   documents::DocumentTable& table_;
   std::vector<ui::FormId> listed_;
-  size_t listRow_ = 0;
   ui::MenuBar bar_;
+  const size_t windowList_, recentFiles_;
 };
 
 }  // namespace commands

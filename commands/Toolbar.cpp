@@ -26,7 +26,8 @@ Toolbar::Toolbar(ui::FrameForm& frame, Commands& commands, services::Services& s
   Toolbar1_.SetStyle(commands_.toolbarStyle());
   for (size_t i = 0; i < buttons.size(); ++i)
     if (ToolbarTable()[i].needsDocument) Toolbar1_.SetEnabled(i, false);
-  Toolbar1_.SetMenuEnabled(*Toolbar1_.Find("Save"), 0, false);
+  const size_t save = *Toolbar1_.Find("Save");
+  Toolbar1_.SetMenuEnabled(save, *Toolbar1_.FindMenu(save, "Document"), false);
   Connect(frame);
   FollowActiveDocument();
 }

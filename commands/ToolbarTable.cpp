@@ -14,13 +14,17 @@ void On(frmText& document) {
   static_cast<void>((document.*Handler)());
 }
 
-constexpr ui::ToolBarMenuRow kNewMenu[] = {{QT_TRANSLATE_NOOP("Toolbar", "&Document"), "Document"}};
-constexpr ui::ToolBarMenuRow kOpenMenu[] = {{QT_TRANSLATE_NOOP("Toolbar", "&Document..."), "Document"}};
-constexpr ui::ToolBarMenuRow kSaveMenu[] = {{QT_TRANSLATE_NOOP("Toolbar", "&Document"), "Document"}};
+constexpr ui::ToolBarMenuRow kProjectOrDocument[] = {{QT_TRANSLATE_NOOP("Toolbar", "&Project"), "Project"},
+                                                     {QT_TRANSLATE_NOOP("Toolbar", "&Document"), "Document"}};
+constexpr ui::ToolBarMenuRow kOpenMenu[] = {{QT_TRANSLATE_NOOP("Toolbar", "&Project..."), "Project"},
+                                            {QT_TRANSLATE_NOOP("Toolbar", "&Document..."), "Document"}};
 
-constexpr ToolbarCommand kNewCommands[] = {{.command = &Commands::mnuNew_Click}};
-constexpr ToolbarCommand kOpenCommands[] = {{.command = &Commands::mnuOpenFile_Click}};
-constexpr ToolbarCommand kSaveCommands[] = {{.document = On<&frmText::mnuSaveFile_Click>}};
+constexpr ToolbarCommand kNewCommands[] = {{.command = &Commands::mnuNewProject_Click},
+                                           {.command = &Commands::mnuNew_Click}};
+constexpr ToolbarCommand kOpenCommands[] = {{.command = &Commands::mnuOpen_Click},
+                                            {.command = &Commands::mnuOpenFile_Click}};
+constexpr ToolbarCommand kSaveCommands[] = {{.command = &Commands::mnuSaveProject_Click},
+                                            {.document = On<&frmText::mnuSaveFile_Click>}};
 
 // A button that only opens menus.
 constexpr ToolbarRow Drop(const char* key, const char* longText, const char* shortText, const char* icon,
@@ -57,9 +61,9 @@ constexpr ToolbarRow Group(ToolbarRow row) {
 
 // clang-format off
 constexpr ToolbarRow kButtons[] = {
-  Drop("New", QT_TRANSLATE_NOOP("Toolbar", "Create a new project or document"), QT_TRANSLATE_NOOP("Toolbar", "New"), "new", FaceClick::kOpensMenu, kNewMenu, kNewCommands),
+  Drop("New", QT_TRANSLATE_NOOP("Toolbar", "Create a new project or document"), QT_TRANSLATE_NOOP("Toolbar", "New"), "new", FaceClick::kOpensMenu, kProjectOrDocument, kNewCommands),
   Drop("Open", QT_TRANSLATE_NOOP("Toolbar", "Open a project or document..."), QT_TRANSLATE_NOOP("Toolbar", "Open"), "open", FaceClick::kNothing, kOpenMenu, kOpenCommands),
-  Drop("Save", QT_TRANSLATE_NOOP("Toolbar", "Save project or document..."), QT_TRANSLATE_NOOP("Toolbar", "Save"), "save", FaceClick::kNothing, kSaveMenu, kSaveCommands),
+  Drop("Save", QT_TRANSLATE_NOOP("Toolbar", "Save project or document..."), QT_TRANSLATE_NOOP("Toolbar", "Save"), "save", FaceClick::kNothing, kProjectOrDocument, kSaveCommands),
   Group(Doc("Cut", QT_TRANSLATE_NOOP("Toolbar", "Cut selected text"), QT_TRANSLATE_NOOP("Toolbar", "Cut"), "cut", On<&frmText::mnuCut_Click>)),
   Doc("Copy", QT_TRANSLATE_NOOP("Toolbar", "Copy to clipboard"), QT_TRANSLATE_NOOP("Toolbar", "Copy"), "copy", On<&frmText::mnuCopy_Click>),
   Doc("Paste", QT_TRANSLATE_NOOP("Toolbar", "Paste from clipboard"), QT_TRANSLATE_NOOP("Toolbar", "Paste"), "paste", On<&frmText::mnuPaste_Click>),

@@ -1,16 +1,39 @@
 #include "documents/Opening.h"
 
+#include "documents/frmNoExtApp.h"
 #include "documents/frmText.h"
 #include "files/Attributes.h"
 #include "ui/PendingEvents.h"
+#include "ui/desktop/Shell.h"
 
 #include <QCoreApplication>
 
+#include <algorithm>
+#include <cstring>
+#include <strings.h>
+
 namespace documents {
+namespace {
+
+bool EndsWith(std::string_view text, std::string_view end) {
+  return text.size() >= end.size() && strncasecmp(text.data() + text.size() - end.size(), end.data(), end.size()) == 0;
+}
+
+// The first ".lnk" in any case; npos when there is none.
+size_t FindLnk(const std::string& path) {
+  const char* const found = strcasestr(path.c_str(), ".lnk");
+  return found ? static_cast<size_t>(found - path.c_str()) : std::string::npos;
+}
+
+}  // namespace
 
 void Opening::OpenDocument(std::string& path) {
   const ui::CommandScope scope;
-  if (!ActivateOpen(path)) table_.LoadIntoWindow(path);
+  services_.FindPathInList(path);
+  ui::LetPendingEventsRun();
+  if (ActivateOpen(path)) return;
+  if (EndsWith(path, "lnk")) return OpenShortcut(path);
+  table_.LoadIntoWindow(path);
 }
 
 bool Opening::ActivateOpen(const std::string& path) {
@@ -26,6 +49,29 @@ bool Opening::ActivateOpen(const std::string& path) {
     return true;
   }
   return false;
+}
+
+bool Opening::OpenExternally(const std::string& path) {
+  return services_.shell().Open(services_.MakeAbsolute(path).native()) > ui::Shell::kLastFailure;
+}
+
+void Opening::OpenShortcut(std::string& path) {
+  if (OpenExternally(path)) return;
+  path.erase(std::min(FindLnk(path), path.size()));
+  if (!OpenExternally(path)) AskForProgram(path);
+}
+
+// Again and again until the user has enough: whether a program could do anything with the document only they can see.
+void Opening::AskForProgram(const std::string& path) {
+  frmNoExtApp form(services_);
+  form.Text2().SetText(EndsWith(path, "rtf") ? QStringLiteral("Wordpad.exe") : QStringLiteral("Notepad.exe"));
+  for (;;) {
+    form.Tag = "A";
+    services_.dialogs().ShowModal(form);
+    if (form.Tag != "0") return;
+    const std::string program = form.Text2().Text().toStdString();
+    if (!program.empty()) services_.shell().Run(program, {services_.MakeAbsolute(path).native()}, {});
+  }
 }
 
 void Opening::mnuOpenFile_Click() {

@@ -12,12 +12,17 @@ class Opening {
  public:
   Opening(services::Services& services, DocumentTable& table) : services_(services), table_(table) {}
 
-  // Brings the window forward that shows the path already, else loads it into a new one.
+  // Selects the path's line in the project list. Then: brings the window forward that shows the path already, or hands
+  // a shortcut (".lnk" at its end, which is taken off when the shortcut itself cannot be opened) to the desktop, or
+  // loads the path into a new window.
   void OpenDocument(std::string& path);
   void mnuOpenFile_Click();
 
  private:
   bool ActivateOpen(const std::string& path);
+  void OpenShortcut(std::string& path);
+  bool OpenExternally(const std::string& path);
+  void AskForProgram(const std::string& path);
 
   services::Services& services_;
   DocumentTable& table_;

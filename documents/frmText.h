@@ -52,6 +52,7 @@ class frmText : public ui::ChildForm {
   SaveOutcome mnuSaveFile_Click();
   SaveOutcome mnuSaveFileAs_Click();
   void mnuClose_Click();
+  void mnuAddFile_Click();
   void mnuCopyPath_Click();
   void mnuRefresh_Click();
 

@@ -65,6 +65,13 @@ SaveOutcome frmText::mnuSaveFile_Click() {
   return ReportSaveError(attributes.error(), 0);
 }
 
+// A document never saved gets a name first; without one it enters the project under the name it was offered.
+void frmText::mnuAddFile_Click() {
+  const ui::CommandScope scope;
+  if (caption().starts_with(kUntitled)) static_cast<void>(RenameUntitledAndSaveAs());
+  services_.AddNewDocOrLink(caption());
+}
+
 SaveOutcome frmText::RenameUntitledAndSaveAs() {
   SetCaption(std::string(kUntitled) + services_.GetFilterForPath({}).extension);
   return mnuSaveFileAs_Click();

@@ -11,9 +11,11 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace ui {
 class ChildArea;
+class Shell;
 }
 
 namespace services {
@@ -29,8 +31,10 @@ enum FileDialogFlag : int {
   kOverwritePrompt = 2,
   kHideReadOnly = 4,  // there is no such box on this desktop
   kNoChangeDir = 8,
+  kNoValidate = 256,
   kFileMustExist = 4096,
   kCreatePrompt = 8192,
+  kNoDereferenceLinks = 1048576,  // a chosen link is given back itself
 };
 
 struct FileDialog {
@@ -61,12 +65,38 @@ class Services {
   virtual SettingsStore& settingsStore() = 0;
   virtual const DefaultFont& defaultFont() const = 0;
   virtual const files::Path& recoveryFolder() const = 0;
+  virtual ui::Shell& shell() = 0;
 
   // The chosen path, empty when cancelled.
   virtual files::Path ShowOpenDialog(const FileDialog& dialog) = 0;
   virtual files::Path ShowSaveDialog(const FileDialog& dialog) = 0;
   virtual const QString& documentFilter() const = 0;
   virtual PathFilter GetFilterForPath(const std::string& path) const = 0;
+
+  // --- The current directory, a value of the program
+  virtual files::Path MakeAbsolute(const files::Path& path) const = 0;
+  virtual files::Status ChangeDirectory(const files::Path& folder) = 0;
+
+  // --- Documents
+  virtual void OpenDocument(std::string& path) = 0;
+  virtual bool AnyDocumentOpen() const = 0;
+
+  // --- The project
+  // Appends the path unless the project has it; its line is selected then.
+  virtual void AddNewDocOrLink(const std::string& path) = 0;
+  // The line of the entry, now selected; a number not below the list's count when there is none.
+  virtual int FindPathInList(const std::string& path) = 0;
+  // Offers to save a changed project. False: the user pressed Cancel.
+  virtual bool fncconfirm(std::string_view what) = 0;
+  // The project files of the File menu, newest first when they were entered.
+  virtual const std::vector<std::string>& recentFiles() const = 0;
+  virtual void AddToRecentFiles(const std::string& path) = 0;
+  virtual void LoadRecentFiles() = 0;
+
+  // --- Questions for each item of a batch
+  virtual void AskEach() = 0;
+  virtual void AnswerAllYes() = 0;
+  virtual int fncYesNoAll(const QString& prompt) = 0;  // 6 = Yes, 7 = No, 2 = Cancel
 
   // Brings menus and status bar in line with the document in that slot.
   virtual void InitDocProperties(int slot) = 0;

@@ -26,6 +26,7 @@ class CommonDialogAPI {
   services::PathFilter GetFilterForPath(const std::string& path) const;
 
   files::CurrentDirectory& currentDirectory() { return directory_; }
+  const files::CurrentDirectory& currentDirectory() const { return directory_; }
 
  private:
   files::Path Show(const services::FileDialog& dialog, bool save);

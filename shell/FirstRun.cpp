@@ -9,6 +9,7 @@ namespace {
 
 constexpr const char* kRecord = ".first-run";
 constexpr const char* kTemplates = "Templates";
+constexpr const char* kWelcomeProject = "Welcome.prj";
 constexpr const char* kReadme = "Quillmark readme.txt";
 constexpr const char* kWelcome = "Welcome.rtf";
 constexpr int64_t kLongestRecord = 1 << 16;
@@ -42,7 +43,7 @@ class Setup {
     const files::Path& folder = application_.path;
     const files::Path templates = folder / kTemplates;
     MakeCurrent(folder);
-    WriteProject("Welcome.prj", {AsFolder(folder), AsFolder(templates), folder / "Quillmark on the Web!.url.lnk",
+    WriteProject(kWelcomeProject, {AsFolder(folder), AsFolder(templates), folder / "Quillmark on the Web!.url.lnk",
                                  folder / kReadme, folder / kWelcome});
     MakeCurrent(templates);
     WriteProject(files::Path(kTemplates) / "Templates.prj",
@@ -87,11 +88,8 @@ bool FirstRunSetup(const ApplicationFolder& application, const files::Path& stat
   return true;
 }
 
-std::vector<files::Path> WelcomeDocuments(const ApplicationFolder& application) {
-  std::vector<files::Path> documents;
-  for (const char* name : {kReadme, kWelcome})
-    if (files::GetAttributes(application.path / name)) documents.push_back(application.path / name);
-  return documents;
+files::Path WelcomeProject(const ApplicationFolder& application) {
+  return application.path / kWelcomeProject;
 }
 
 }  // namespace shell

@@ -13,6 +13,6 @@ bool FirstRunSetup(const ApplicationFolder& application, const files::Path& stat
                    files::CurrentDirectory& directory, services::SettingsStore& store);
 
 // What the user sees first.
-std::vector<files::Path> WelcomeDocuments(const ApplicationFolder& application);
+files::Path WelcomeProject(const ApplicationFolder& application);
 
 }  // namespace shell

@@ -1,9 +1,12 @@
 #include "shell/frmMyMDI.h"
 
 #include "documents/frmText.h"
+#include "files/Attributes.h"
 #include "services/Messages.h"
+#include "ui/Hourglass.h"
 #include "ui/PathText.h"
 #include "ui/PendingEvents.h"
+#include "ui/frame/LeftPane.h"
 #include "ui/frame/StatusBar.h"
 
 #include <QByteArray>
@@ -13,8 +16,9 @@
 
 namespace shell {
 
-frmMyMDI::frmMyMDI(ui::Dialogs& dialogs, Place place)
+frmMyMDI::frmMyMDI(ui::Dialogs& dialogs, ui::Shell& shell, Place place)
     : dialogs_(dialogs),
+      shell_(shell),
       place_(std::move(place)),
       settingsFile_(place_.application.settings, place_.recovery,
                     place_.onlyLooking ? SettingsFile::Access::kReadOnly : SettingsFile::Access::kReadWrite),
@@ -22,13 +26,20 @@ frmMyMDI::frmMyMDI(ui::Dialogs& dialogs, Place place)
       commonDialogs_(dialogs, place_.directory),
       table_(*this),
       opening_(*this, table_),
-      commands_(*this, table_, opening_, frame_.toolbar()),
+      confirmation_(*this),
+      project_(*this, frame_.leftPane().List1()),
+      projectList_(*this, project_, frame_.leftPane().List1()),
+      commands_(*this, table_, opening_, project_, projectList_, frame_.toolbar()),
       toolbar_(frame_, commands_, *this, table_),
-      menus_(frame_, commands_, *this, table_) {
+      listToolbar_(frame_.leftPane(), commands_, *this, table_),
+      menus_(frame_, commands_, *this, table_),
+      recentFiles_(settingsFile_, [this] { menus_.ShowRecentFiles(recentFiles_.shown()); }) {
   frame_.SetCaption("Quillmark");
   forms_.SetFailureReport([this](const QString& reason) {
     services::ShowError(dialogs_, nullptr, QCoreApplication::translate("Messages", "Error: ") + reason);
   });
+  projectList_.SetMenu([this](const QPoint& position) { menus_.ShowListPopup(position); });
+  frame_.TakeDrops([this](const std::vector<std::string>& paths) { TakeDropped(paths); });
   QObject::connect(&frame_.area(), &ui::ChildArea::CurrentChanged, &menus_.bar(), [this] {
     menus_.FollowActiveDocument();
     toolbar_.FollowActiveDocument();
@@ -37,6 +48,22 @@ frmMyMDI::frmMyMDI(ui::Dialogs& dialogs, Place place)
 }
 
 frmMyMDI::~frmMyMDI() = default;
+
+void frmMyMDI::TakeDropped(const std::vector<std::string>& paths) {
+  const ui::CommandScope scope;
+  const ui::Hourglass hourglass;
+  for (std::string path : paths) {
+    const auto attributes = files::GetAttributes(path);
+    if (attributes && attributes.value() & files::kDirectory) {
+      services::ShowError(dialogs_, &frame_,
+                          QCoreApplication::translate("Drop", "Item: %1\r\n\r\nCannot open a directory as a document.")
+                              .arg(ui::DisplayText(path)));
+    } else {
+      OpenDocument(path);
+    }
+    ui::LetPendingEventsRun();
+  }
+}
 
 void frmMyMDI::InitDocProperties(int slot) {
   if (documents::frmText* document = table_.Document(slot)) {

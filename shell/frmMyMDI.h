@@ -2,14 +2,19 @@
 #pragma once
 
 #include "commands/Commands.h"
+#include "commands/ListToolbar.h"
 #include "commands/Menus.h"
 #include "commands/Toolbar.h"
 #include "documents/DocumentTable.h"
 #include "documents/Opening.h"
 #include "files/LockFile.h"
+#include "project/ProjectList.h"
+#include "search/frmYesNoAll.h"
 #include "shell/ApplicationFolder.h"
 #include "shell/CommonDialogAPI.h"
+#include "shell/RecentFiles.h"
 #include "shell/SettingsFile.h"
+#include "ui/desktop/Shell.h"
 #include "ui/frame/FrameForm.h"
 
 #include <QTimer>
@@ -33,7 +38,7 @@ Place FindPlace(const files::UserFolders& folders, files::CurrentDirectory direc
 
 class frmMyMDI final : public services::Services {
  public:
-  frmMyMDI(ui::Dialogs& dialogs, Place place);
+  frmMyMDI(ui::Dialogs& dialogs, ui::Shell& shell, Place place);
   ~frmMyMDI() override;
 
   // Loads what shapes the window and shows it. The rest is done from the event loop once it has been painted: data are
@@ -46,7 +51,6 @@ class frmMyMDI final : public services::Services {
   // The end that somebody outside asked for: texts are kept instead of asked about. If one cannot be kept the program
   // says so and stays.
   void EndSession();
-  void OpenDocument(std::string path) { opening_.OpenDocument(path); }
   // The whole window as a PNG file.
   files::Status SavePicture(const files::Path& path);
 
@@ -55,6 +59,8 @@ class frmMyMDI final : public services::Services {
   documents::Opening& opening() { return opening_; }
   commands::Commands& commands() { return commands_; }
   commands::Menus& menus() { return menus_; }
+  project::Project& project() { return project_; }
+  project::ProjectList& projectList() { return projectList_; }
   CommonDialogAPI& commonDialogs() { return commonDialogs_; }
   // Another copy was there first: it has the panes and their files.
   bool otherInstanceRuns() const { return otherInstanceRuns_; }
@@ -77,6 +83,24 @@ class frmMyMDI final : public services::Services {
   services::PathFilter GetFilterForPath(const std::string& path) const override {
     return commonDialogs_.GetFilterForPath(path);
   }
+  files::Path MakeAbsolute(const files::Path& path) const override {
+    return commonDialogs_.currentDirectory().MakeAbsolute(path);
+  }
+  files::Status ChangeDirectory(const files::Path& folder) override {
+    return commonDialogs_.currentDirectory().Change(folder);
+  }
+  ui::Shell& shell() override { return shell_; }
+  void OpenDocument(std::string& path) override { opening_.OpenDocument(path); }
+  bool AnyDocumentOpen() const override { return table_.AnyDocumentOpen(); }
+  void AddNewDocOrLink(const std::string& path) override { project_.AddNewDocOrLink(path); }
+  int FindPathInList(const std::string& path) override { return project_.FindPathInList(path); }
+  bool fncconfirm(std::string_view what) override { return project_.fncconfirm(what); }
+  const std::vector<std::string>& recentFiles() const override { return recentFiles_.shown(); }
+  void AddToRecentFiles(const std::string& path) override { recentFiles_.AddToRecentFiles(path); }
+  void LoadRecentFiles() override { recentFiles_.LoadRecentFiles(); }
+  void AskEach() override { confirmation_.AskEach(); }
+  void AnswerAllYes() override { confirmation_.AnswerAllYes(); }
+  int fncYesNoAll(const QString& prompt) override { return confirmation_.fncYesNoAll(prompt); }
   void InitDocProperties(int slot) override;
   void ToolbarToggle(bool enabled) override;
   void ShowSelectionState(const services::SelectionState& state) override;
@@ -89,6 +113,8 @@ class frmMyMDI final : public services::Services {
   void MDIForm_Load();
   void MDIForm_Activate(const std::vector<files::Path>& paths);
   void OpenFirst(const std::vector<files::Path>& paths);
+  void OpenWelcomeProject();
+  void TakeDropped(const std::vector<std::string>& paths);
   void CreateTabStops();
   void Timer3_Tick();
   void ReportSettingsProblem();
@@ -101,6 +127,7 @@ class frmMyMDI final : public services::Services {
   void OfferRecovered(files::RecoveryEntry& entry);
 
   ui::Dialogs& dialogs_;
+  ui::Shell& shell_;
   const Place place_;
   SettingsFile settingsFile_;
   services::Settings settings_;
@@ -115,9 +142,14 @@ class frmMyMDI final : public services::Services {
   CommonDialogAPI commonDialogs_;
   documents::DocumentTable table_;
   documents::Opening opening_;
+  search::Confirmation confirmation_;
+  project::Project project_;
+  project::ProjectList projectList_;
   commands::Commands commands_;
   commands::Toolbar toolbar_;
+  commands::ListToolbar listToolbar_;
   commands::Menus menus_;
+  RecentFiles recentFiles_;
 };
 
 }  // namespace shell

@@ -48,6 +48,8 @@ void frmMyMDI::MDIForm_Load() {
   services::ReadSettings(settingsFile_, SettingsBatch::kFormLoad, settings_);
   commonDialogs_.BuildDocumentFilter(QString::fromStdString(settings_.Extensions));
   CreateTabStops();
+  LoadRecentFiles();
+  project_.ProjectSaved = true;
   if (settings_.WindowSize == static_cast<int>(WindowState::kMaximized)) frame_.SetWindowState(WindowState::kMaximized);
   table_.LastDocWindowState = settings_.TextState;
   frame_.leftPane().SetListFontSize(settings_.ListFontSize);
@@ -79,6 +81,7 @@ void frmMyMDI::MDIForm_Activate(const std::vector<files::Path>& paths) {
   ui::ToolBar& toolbar = frame_.toolbar();
   if (const auto left = toolbar.Find("Align left")) toolbar.SetState(*left, ui::ButtonState::kPressed);
   services::ReadSettings(settingsFile_, SettingsBatch::kFirstActivation, settings_);
+  listToolbar_.SetPlusImage(settings_.PlusImage);
   ui::LetPendingEventsRun();
   if (settings_.SaveWindowState && settings_.SaveArrange >= 0) commands_.Arrange(settings_.SaveArrange);
   OpenFirst(paths);
@@ -87,13 +90,34 @@ void frmMyMDI::MDIForm_Activate(const std::vector<files::Path>& paths) {
 }
 
 void frmMyMDI::OpenFirst(const std::vector<files::Path>& paths) {
-  if (place_.offersRecovered) OfferRecovered();
-  std::vector<files::Path> first = paths;
-  if (first.empty() && FirstRun_) first = WelcomeDocuments(place_.application);
-  for (const files::Path& path : first) {
-    OpenDocument(path.native());
-    ui::LetPendingEventsRun();
+  const std::vector<std::string>& recent = recentFiles_.shown();
+  const bool reload = settings_.AutoLoadProject && settings_.MostRecent > 0 &&
+                      static_cast<size_t>(settings_.MostRecent) <= recent.size();
+  if (paths.empty() && reload) {
+    project_.ProjectFile = recent[static_cast<size_t>(settings_.MostRecent) - 1];
+    project_.LoadProject();
+  } else if (paths.empty() && FirstRun_) {
+    OpenWelcomeProject();
+  } else {
+    project_.mnuNewProject_Click();
   }
+  if (place_.offersRecovered) OfferRecovered();
+  for (const files::Path& path : paths) {
+    ui::LetPendingEventsRun();
+    std::string opened = path.native();
+    OpenDocument(opened);
+  }
+}
+
+// All of its entries but the folders and the page on the web.
+void frmMyMDI::OpenWelcomeProject() {
+  project_.ProjectFile = WelcomeProject(place_.application).native();
+  project_.LoadProject();
+  projectList_.mnuSelectAll_Click();
+  ui::LetPendingEventsRun();
+  ui::ListBox& List1 = frame_.leftPane().List1();
+  for (int line = 1; line <= 3 && line < List1.count(); ++line) List1.Select(line, false);
+  projectList_.mnuOpenFromList_Click();
 }
 
 void frmMyMDI::ReportSettingsProblem() {
@@ -110,6 +134,7 @@ void frmMyMDI::ReportSettingsProblem() {
 
 // Every document is asked before the first one goes: after a Cancel all of them are still there.
 bool frmMyMDI::MDIForm_QueryUnload() {
+  if (!fncconfirm("Project")) return false;
   for (const ui::FormId id : forms_.Backwards()) {
     documents::frmText* document = table_.Find(id);
     if (document && !document->QueryUnload()) return false;
@@ -139,6 +164,8 @@ void frmMyMDI::MDIForm_Unload() {
 }
 
 void frmMyMDI::SaveSettings() {
+  if (const auto position = recentFiles_.PositionOf(project_.ProjectFile)) settings_.MostRecent = *position;
+  settings_.PlusImage = listToolbar_.PlusImage();
   settings_.TextState = table_.LastDocWindowState;
   if (FirstActivation_) {
     settings_.ToolBarStyle = commands_.toolbarStyle();
@@ -148,11 +175,12 @@ void frmMyMDI::SaveSettings() {
   }
   settings_.ListFontSize = frame_.leftPane().List1().fontSize();
   std::vector<std::string_view> keys;
+  if (recentFiles_.IsRecentFile(project_.ProjectFile)) keys.push_back("Most Recent");
   if (const WindowState state = frame_.windowState(); state != WindowState::kMinimized) {
     settings_.WindowSize = static_cast<int>(state);
     keys.emplace_back("WindowSize");
   }
-  keys.insert(keys.end(), std::begin(kSavedAtTheEnd), std::end(kSavedAtTheEnd));
+  for (const std::string_view key : kSavedAtTheEnd) keys.push_back(key);
   services::SaveFromMemory(settingsFile_, settings_, keys);
 }
 

@@ -21,10 +21,11 @@ int Fail(const std::string& text) {
 int RunWindow(const CommandLine& line, shell::Place place) {
   ui::Program program("Quillmark", QUILLMARK_VERSION);
   ui::QtDialogs dialogs;
+  ui::DesktopShell desktop;
   const bool picture = line.action == CommandLine::Action::kScreenshot;
   place.onlyLooking = picture;
   place.offersRecovered = !picture;
-  shell::frmMyMDI mainWindow(dialogs, std::move(place));
+  shell::frmMyMDI mainWindow(dialogs, desktop, std::move(place));
   const ui::EndRequests endRequests([&] { static_cast<void>(mainWindow.KeepTexts()); },
                                     [&] { mainWindow.EndSession(); });
   int status = 0;

@@ -76,7 +76,8 @@ TEST_F(DocumentWindowTest, APathThatIsOpenIsBroughtForward) {
   New();
   EXPECT_NE(table().Active(), document);
   Put("a.txt", "two");
-  program().OpenDocument(At("A.TXT").native());
+  std::string other = At("A.TXT").native();
+  program().OpenDocument(other);
   EXPECT_EQ(table().Active(), document);
   EXPECT_EQ(document->windowState(), WindowState::kNormal);
   EXPECT_EQ(document->RichTextBox1().Text(), "one") << "nothing is read again";

@@ -165,8 +165,8 @@ TEST_F(PendingEventsTest, TheEndOfTheProgramIsRememberedToo) {
 TEST_F(PendingEventsTest, AnythingAtAnyPoint) {
   const std::pair<const char*, std::function<void()>> commands[] = {
       {"new", [&] { table().NewDocument(); }},
-      {"open", [&] { program().OpenDocument(At("b.txt").native()); }},
-      {"open missing", [&] { program().OpenDocument(At("no such.txt").native()); }},
+      {"open", [&] { Open(At("b.txt")); }},
+      {"open missing", [&] { Open(At("no such.txt")); }},
       {"save all", [&] { program().commands().mnuSaveAll_Click(); }},
       {"close all", [&] { program().commands().mnuCloseAll_Click(); }},
       {"minimise all", [&] { program().commands().mnuMinRest_Click(); }},

@@ -19,6 +19,10 @@ ProgramTest::ProgramTest() {
   place.lock = folder_ / "runtime" / "lock";
   place.directory = files::CurrentDirectory(folder_);
   place.offersRecovered = false;
+  // Not the first run, for which there is a test of its own.
+  std::filesystem::create_directory(place.application.path);
+  std::filesystem::create_directory(place.application.settings.parent_path());
+  Put("application/.first-run", (place.application.path / "").native() + "\n");
   Restart();
 }
 
@@ -30,7 +34,7 @@ ProgramTest::~ProgramTest() {
 
 void ProgramTest::Restart() {
   program_.reset();
-  program_ = std::make_unique<shell::frmMyMDI>(dialogs, place);
+  program_ = std::make_unique<shell::frmMyMDI>(dialogs, desktop, place);
   program_->Start(paths);
   Settle();
 }
@@ -65,7 +69,8 @@ frmText& ProgramTest::New() {
 }
 
 frmText* ProgramTest::Open(const files::Path& path) {
-  program_->OpenDocument(path.native());
+  std::string opened = path.native();
+  program_->OpenDocument(opened);
   Settle();
   return Showing(path.native());
 }

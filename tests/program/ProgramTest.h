@@ -4,6 +4,8 @@
 #include "documents/frmText.h"
 #include "shell/frmMyMDI.h"
 #include "tests/support/ScriptedDialogs.h"
+#include "tests/support/ScriptedShell.h"
+#include "ui/frame/LeftPane.h"
 
 #include <gtest/gtest.h>
 
@@ -40,6 +42,7 @@ class ProgramTest : public ::testing::Test {
   void ExpectClosePrompt(const std::string& caption, ui::Answer answer, std::function<void()> meanwhile = {});
 
   support::ScriptedDialogs dialogs;
+  support::ScriptedShell desktop;
   shell::Place place;              // of the next start; everything lies in the test's folder
   std::vector<files::Path> paths;  // of its command line
 

@@ -107,7 +107,7 @@ TEST_F(StartUpTest, ValuesOfOtherFeaturesComeBackUnchanged) {
 TEST_F(StartUpTest, ClosedBeforeItWasPaintedItChangesNoValue) {
   const Pairs pairs = {{"ToolBarStyle", "0"}, {"PlusImage", "12"}, {"ListFontSize", "14"}};
   Store(pairs);
-  shell::frmMyMDI hasty(dialogs, place);
+  shell::frmMyMDI hasty(dialogs, desktop, place);
   hasty.Start({At("never opened.txt")});
   EXPECT_TRUE(hasty.frame().RequestClose());
   for (const auto& [key, value] : pairs) EXPECT_EQ(Stored(key), value) << key;
@@ -208,7 +208,7 @@ TEST_F(StartUpTest, AFileThatCannotBeOpenedDoesNotStopTheOthers) {
 TEST_F(StartUpTest, ASecondCopyWorksButIsNotTheFirst) {
   EXPECT_FALSE(program().otherInstanceRuns());
   {
-    shell::frmMyMDI second(dialogs, place);
+    shell::frmMyMDI second(dialogs, desktop, place);
     second.Start({Put("a.txt", "a")});
     Settle();
     EXPECT_TRUE(second.otherInstanceRuns());

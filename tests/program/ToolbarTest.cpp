@@ -91,11 +91,11 @@ TEST_F(ToolbarTest, EveryButtonHasTextsAndAPicture) {
 
 TEST_F(ToolbarTest, WithoutADocumentTheCommandsOfDocumentsAreOff) {
   EXPECT_EQ(Enabled(), "New,Open,Save,");
-  EXPECT_FALSE(Bar().isMenuEnabled(Row("Save"), 0));
+  EXPECT_FALSE(Bar().isMenuEnabled(Row("Save"), 1));
   EXPECT_EQ(States(), "bius left");
   frmText& document = New();
   EXPECT_EQ(Enabled(), kAll);
-  EXPECT_TRUE(Bar().isMenuEnabled(Row("Save"), 0));
+  EXPECT_TRUE(Bar().isMenuEnabled(Row("Save"), 1));
   frmText* other = Open(Put("a.txt", ""));
   other->Close();
   Settle();
@@ -104,7 +104,7 @@ TEST_F(ToolbarTest, WithoutADocumentTheCommandsOfDocumentsAreOff) {
   document.Close();
   Settle();
   EXPECT_EQ(Enabled(), "New,Open,Save,");
-  EXPECT_FALSE(Bar().isMenuEnabled(Row("Save"), 0));
+  EXPECT_FALSE(Bar().isMenuEnabled(Row("Save"), 1));
 }
 
 TEST_F(ToolbarTest, WithoutADocumentEveryDocumentCommandSaysSo) {

@@ -1,0 +1,212 @@
+#include "project/Project.h"
+
+#include "files/AtomicSave.h"
+#include "files/Attributes.h"
+#include "project/ProjectFile.h"
+#include "services/Messages.h"
+#include "ui/Hourglass.h"
+#include "ui/PathText.h"
+#include "ui/PendingEvents.h"
+
+#include <QCoreApplication>
+
+#include <algorithm>
+#include <strings.h>
+
+namespace project {
+namespace {
+
+constexpr int kFileNotFound = 53;
+constexpr int64_t kMaxProjectBytes = int64_t{256} << 20;
+
+QString Tr(const char* text) {
+  return QCoreApplication::translate("Project", text);
+}
+
+ui::ListLine FirstLine() {
+  return {Tr("_Open new document").toStdString(), 0};
+}
+
+}  // namespace
+
+const std::string& Project::EntryOf(int line) const {
+  return ProjectItems_[static_cast<size_t>(List1_.line(line).data)];
+}
+
+void Project::ReplaceEntryOf(int line, std::string entry) {
+  List1_.SetText(line, std::string(ShownPart(entry)));
+  ProjectItems_.Replace(static_cast<size_t>(List1_.line(line).data), std::move(entry));
+  ProjectSaved = false;
+}
+
+void Project::Remove(const std::vector<bool>& marked) {
+  ProjectItems_.Remove(marked);
+  FillList();
+  SelectListItem(0, true);
+  ProjectSaved = false;
+}
+
+// As AddToProject for every entry would leave it, but for the selection.
+void Project::FillList() {
+  std::vector<ui::ListLine> lines = {FirstLine()};
+  for (size_t i = 1; i <= ProjectItems_.Highest(); ++i)
+    lines.push_back({std::string(ShownPart(ProjectItems_[i])), static_cast<int64_t>(i)});
+  List1_.SetLines(std::move(lines));
+}
+
+void Project::LoadProject() {
+  const ui::CommandScope scope;
+  const ui::Hourglass hourglass;
+  ProjectItems_.Clear();
+  stamp_.reset();
+  if (!ProjectFile.empty()) ReadProjectFile();
+  FillList();
+  ShowCaption();
+  SelectListItem(0, true);
+  ProjectSaved = true;
+  if (!ProjectFile.empty()) services_.AddToRecentFiles(ProjectFile);
+  if (!services_.AnyDocumentOpen()) services_.ToolbarToggle(false);
+}
+
+void Project::ReadProjectFile() {
+  auto file = files::OpenForReading(ProjectFile);
+  auto bytes = file ? files::ReadAll(file.value(), kMaxProjectBytes) : files::Result<std::string>(file.error());
+  if (!bytes) {
+    // A project is made by a name that does not exist yet.
+    if (bytes.error().number != kFileNotFound)
+      services::ShowError(services_.dialogs(), services_.forms().at(0),
+                          services::ErrorText(ProjectFile, bytes.error()));
+    return;
+  }
+  stamp_ = file.value().stamp();
+  for (std::string& entry : ParseProjectFile(bytes.value())) ProjectItems_.Append(std::move(entry));
+  ProjectItems_.SetTooltip(Tr("Select this line to open a new document").toStdString());
+}
+
+void Project::ShowCaption() {
+  services_.forms().at(0)->SetCaption("Quillmark - " + ProjectFile);
+}
+
+void Project::mnuSaveProject_Click() {
+  const ui::CommandScope scope;
+  if (ProjectFile.empty()) return mnuSaveProjectAs_Click();
+  if (!MayReplaceFile()) return;
+  std::vector<std::string> entries;
+  for (size_t i = 1; i <= ProjectItems_.Highest(); ++i) entries.push_back(ProjectItems_[i]);
+  const auto saved =
+      files::SaveAtomically(ProjectFile, services_.recoveryFolder(),
+                            [bytes = FormatProjectFile(entries)](const files::ByteSink& sink) { return sink(bytes); });
+  if (!saved) {
+    services::ShowError(services_.dialogs(), services_.forms().at(0), services::ErrorText(ProjectFile, saved.error()));
+    return;
+  }
+  stamp_ = saved.value();
+  ProjectSaved = true;
+  ShowCaption();
+  services_.AddToRecentFiles(ProjectFile);
+}
+
+// What another program wrote since the project was loaded is not replaced unasked.
+bool Project::MayReplaceFile() {
+  const auto now = files::StampOf(ProjectFile);
+  if (!now || now == stamp_) return true;
+  const QString question =
+      stamp_ ? Tr("has been changed by another program since it was opened.  Do you want to replace it?")
+             : Tr("has been made by another program meanwhile.  Do you want to replace it?");
+  return services_.dialogs().ShowMessage(
+             services_.forms().at(0),
+             {services::FileText(ProjectFile, question), ui::Buttons::kYesNo, ui::Icon::kQuestion}) == ui::Answer::kYes;
+}
+
+void Project::mnuSaveProjectAs_Click() {
+  const ui::CommandScope scope;
+  const files::Path chosen =
+      services_.ShowSaveDialog({.owner = services_.forms().at(0),
+                                .defaultExtension = ".prj",
+                                .filter = QStringLiteral("Project files (*.prj)|*.prj|All Files|*.*"),
+                                .flags = services::kCreatePrompt + services::kHideReadOnly + services::kOverwritePrompt,
+                                .initialFile = ProjectFile});
+  if (chosen.empty()) return;
+  ProjectFile = chosen.native();
+  stamp_ = files::StampOf(chosen);  // the dialog has asked about a file that exists
+  mnuSaveProject_Click();
+  ui::LetPendingEventsRun();
+}
+
+void Project::mnuNewProject_Click() {
+  const ui::CommandScope scope;
+  if (!fncconfirm("Project")) return;
+  ui::LetPendingEventsRun();
+  ProjectFile.clear();
+  LoadProject();
+}
+
+void Project::mnuOpen_Click() {
+  const ui::CommandScope scope;
+  if (!fncconfirm("Project")) return;
+  ui::LetPendingEventsRun();
+  const files::Path chosen =
+      services_.ShowOpenDialog({.owner = services_.forms().at(0),
+                                .defaultExtension = ".prj",
+                                .filter = QStringLiteral("Project Files (*.prj)|*.prj|All Files|*.*"),
+                                .flags = services::kCreatePrompt + services::kHideReadOnly,
+                                .title = Tr("Select a project file")});
+  if (chosen.empty()) return;
+  ProjectFile = chosen.native();
+  LoadProject();
+  ui::LetPendingEventsRun();
+}
+
+bool Project::fncconfirm(std::string_view what) {
+  constexpr std::string_view kProject = "Project";
+  if (what.size() != kProject.size() || strncasecmp(what.data(), kProject.data(), what.size()) != 0) return true;
+  if (ProjectSaved) return true;
+  const QString text = Tr("Project %1 has been changed.\r\nDo you want to save the changes before continuing?");
+  const ui::Answer answer = services_.dialogs().ShowMessage(
+      services_.forms().at(0),
+      {text.arg(ui::DisplayText(ProjectFile)), ui::Buttons::kYesNoCancel, ui::Icon::kExclamation});
+  if (answer == ui::Answer::kYes) {
+    mnuSaveProject_Click();
+    ui::LetPendingEventsRun();
+  }
+  return answer != ui::Answer::kCancel;
+}
+
+void Project::AddToProject(size_t index) {
+  List1_.Append({std::string(ShownPart(ProjectItems_[index])), static_cast<int64_t>(index)});
+  SelectListItem(List1_.count() - 1, true);
+}
+
+int Project::FindPathInList(const std::string& path) {
+  const std::vector<size_t> found = ProjectItems_.Find(path);
+  // Sorting moves lines, so the entry's line is looked for, but only when there is one.
+  for (int line = 1; !found.empty() && line < List1_.count(); ++line) {
+    if (!std::ranges::binary_search(found, static_cast<size_t>(List1_.line(line).data))) continue;
+    List1_.Select(line, true);
+    List1_.SetListIndex(line);
+    return line;
+  }
+  return List1_.count();
+}
+
+void Project::AddNewDocOrLink(const std::string& path) {
+  const ui::CommandScope scope;
+  const bool absent = FindPathInList(path) >= List1_.count();
+  ui::LetPendingEventsRun();
+  if (!absent) return;
+  if (path.find('\r') != std::string::npos) {
+    services::ShowError(services_.dialogs(), services_.forms().at(0),
+                        services::FileText(path, Tr("A project cannot hold a name with a carriage return.")));
+    return;
+  }
+  ProjectItems_.Append(path);
+  AddToProject(ProjectItems_.Highest());
+  ProjectSaved = false;
+}
+
+void Project::SelectListItem(int index, bool focus) {
+  List1_.SelectOnly(index);
+  if (focus) List1_.setFocus();
+}
+
+}  // namespace project

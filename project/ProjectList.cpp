@@ -1,0 +1,261 @@
+#include "project/ProjectList.h"
+
+#include "files/Attributes.h"
+#include "files/OpenFile.h"
+#include "project/ProjectFile.h"
+#include "services/Messages.h"
+#include "ui/Hourglass.h"
+#include "ui/PathText.h"
+#include "ui/PendingEvents.h"
+#include "ui/desktop/Clipboard.h"
+
+#include <QCoreApplication>
+
+#include <numeric>
+#include <strings.h>
+#include <utility>
+
+namespace project {
+namespace {
+
+constexpr int kYes = 6, kCancel = 2;
+
+bool EndsWithLnk(std::string_view path) {
+  return path.size() >= 3 && strncasecmp(path.data() + path.size() - 3, "lnk", 3) == 0;
+}
+
+}  // namespace
+
+ProjectList::ProjectList(services::Services& services, Project& project, ui::ListBox& List1)
+    : services_(services), project_(project), List1_(List1) {
+  ConnectList();
+}
+
+void ProjectList::ConnectList() {
+  connect(&List1_, &ui::ListBox::Opened, this, &ProjectList::mnuOpenFromList_Click);
+  connect(&List1_, &ui::ListBox::Deleted, this, [this](bool shift) { RemoveFromProject(!shift); });
+  connect(&List1_, &ui::ListBox::FocusGained, this, &ProjectList::SelectFocusLineIfNone);
+  connect(&List1_, &ui::ListBox::FocusLost, this, [this] {
+    // A single selection made just by clicking is gone when another pane is used.
+    if (List1_.ListIndex() >= 0 && List1_.SelCount() == 1 && List1_.Selected(List1_.ListIndex()))
+      List1_.Select(List1_.ListIndex(), false);
+  });
+  connect(&List1_, &ui::ListBox::MenuRequested, this, [this](const QPoint& position) {
+    if (menu_) menu_(position);
+  });
+  connect(&List1_, &ui::ListBox::FilesDropped, this, &ProjectList::TakeDropped);
+  List1_.SetToolTips([this](int line) { return ToolTipOf(line); });
+  List1_.SetDragFiles([this] { return SelectedEntries(); });
+}
+
+void ProjectList::SelectFocusLineIfNone() {
+  if (List1_.SelCount() == 0 && List1_.ListIndex() >= 0) List1_.Select(List1_.ListIndex(), true);
+}
+
+QString ProjectList::ToolTipOf(int line) const {
+  const std::string& entry = project_.EntryOf(line);
+  const QString text = ui::DisplayText(entry);
+  if (line == 0) return text;
+  switch (KindOf(entry)) {
+    case EntryKind::kReadOnlyShortcut:
+      return text + tr(" [Read only shortcut]");
+    case EntryKind::kFolder:
+      return text + tr(" [Folder shortcut]");
+    case EntryKind::kDocument:
+      break;
+  }
+  return text;
+}
+
+// --- Opening
+
+void ProjectList::mnuOpenFromList_Click() {
+  const ui::CommandScope scope;
+  services::PathFilter filter = services_.GetFilterForPath({});
+  if (List1_.ListIndex() >= 1) {
+    services_.AskEach();
+    SelectFocusLineIfNone();
+    const Opened opened = OpenSelected(filter);
+    if (opened == Opened::kCancelled) return;
+    project_.SelectListItem(List1_.ListIndex(), false);
+    if (opened == Opened::kAll) return;
+  }
+  PickDocument(filter);
+}
+
+ProjectList::Opened ProjectList::OpenSelected(services::PathFilter& filter) {
+  const ui::Hourglass hourglass;
+  // The list may change whenever events are let through.
+  for (int line = 1; line < List1_.count(); ++line) {
+    if (!List1_.Selected(line)) continue;
+    List1_.SetListIndex(line);
+    const Opened opened = OpenEntry(project_.EntryOf(line), filter);
+    if (opened != Opened::kAll) return opened;
+    ui::LetPendingEventsRun();
+  }
+  return Opened::kAll;
+}
+
+ProjectList::Opened ProjectList::OpenEntry(const std::string& entry, services::PathFilter& filter) {
+  const files::Path path = services_.MakeAbsolute(entry);
+  std::string opened = path.native();
+  if (KindOf(entry) == EntryKind::kReadOnlyShortcut) {
+    const int answer = services_.fncYesNoAll(
+        tr("Linked item: %1\r\n\r\nShould I open this item in its external application?").arg(ui::DisplayText(entry)));
+    ui::LetPendingEventsRun();
+    if (answer == kCancel) return Opened::kCancelled;
+    if (answer == kYes) services_.OpenDocument(opened);
+    return Opened::kAll;
+  }
+  const auto attributes = files::GetAttributes(path);
+  if (attributes && attributes.value() & files::kDirectory) {
+    static_cast<void>(services_.ChangeDirectory(path));  // what is no folder any more cannot be changed to
+    ui::LetPendingEventsRun();
+    return Opened::kAll;
+  }
+  if (!CanBeRead(entry, path)) {
+    filter = services_.GetFilterForPath(entry);
+    return Opened::kFailed;
+  }
+  services_.OpenDocument(opened);
+  return Opened::kAll;
+}
+
+bool ProjectList::CanBeRead(const std::string& entry, const files::Path& path) {
+  const auto file = files::OpenForReading(path);
+  if (file) return true;
+  services::ShowError(services_.dialogs(), services_.forms().at(0), services::ErrorText(entry, file.error()));
+  return false;
+}
+
+// Opens what the user picks; with the focus on an entry the entry stands for that from now on.
+void ProjectList::PickDocument(const services::PathFilter& filter) {
+  const files::Path chosen = services_.ShowOpenDialog({.owner = services_.forms().at(0),
+                                                       .defaultExtension = filter.extension,
+                                                       .filter = services_.documentFilter(),
+                                                       .flags = services::kCreatePrompt + services::kHideReadOnly,
+                                                       .title = tr("Select a document to open"),
+                                                       .filterIndex = filter.index});
+  if (chosen.empty()) return;
+  if (List1_.ListIndex() >= 1) project_.ReplaceEntryOf(List1_.ListIndex(), chosen.native());
+  std::string path = chosen.native();
+  services_.OpenDocument(path);
+  ui::LetPendingEventsRun();
+}
+
+void ProjectList::mnuListEditPrj_Click() {
+  const ui::CommandScope scope;
+  if (!services_.fncconfirm("Project")) return;
+  ui::LetPendingEventsRun();
+  std::string path = project_.ProjectFile;
+  services_.OpenDocument(path);
+}
+
+// --- Adding and removing
+
+void ProjectList::mnuLinkAdd_Click() {
+  const ui::CommandScope scope;
+  const files::Path chosen = services_.ShowOpenDialog(
+      {.owner = services_.forms().at(0),
+       .filter = QStringLiteral("Acrobat Files (*.pdf)|*.pdf|Powerpoint Files (*.pps)|*.pps|Excel Files (*.xls)|*.xls|"
+                                "Word Files (*.doc)|*.doc|Write document (*.wri)|*.wri|HTML Help Files (*.chm)|*.chm|"
+                                "Win Help Files (*.hlp)|*.hlp|Internet URL's (*.url)|*.url|BMP Files (*.bmp)|*.bmp|"
+                                "GIF Files (*.gif)|*.gif|JPG Files (*.jpg)|*.jpg|Application Files (*.exe)|*.exe|"
+                                "Shortcuts (*.lnk)|*.lnk|All Files|*.*"),
+       .flags = services::kNoDereferenceLinks + services::kFileMustExist + services::kHideReadOnly,
+       .title = tr("Select a file to create a read-only shortcut for")});
+  if (chosen.empty()) return;
+  std::string path = chosen.native();
+  if (!EndsWithLnk(path)) path += ".lnk";
+  const ui::Answer answer = services_.dialogs().ShowMessage(
+      services_.forms().at(0), {tr("Add a read-only shortcut to the project for\r\n%1 ?").arg(ui::DisplayText(path)),
+                                ui::Buttons::kYesNo, ui::Icon::kInformation});
+  if (answer == ui::Answer::kYes) project_.AddNewDocOrLink(path);
+}
+
+void ProjectList::RemoveFromProject(bool confirm) {
+  const ui::CommandScope scope;
+  confirm ? services_.AskEach() : services_.AnswerAllYes();
+  if (List1_.ListIndex() < 1) return;
+  SelectFocusLineIfNone();
+  std::vector<bool> marked(project_.ProjectItems().Highest() + 1);
+  for (int line = 1; line < List1_.count(); ++line) {
+    if (!List1_.Selected(line)) continue;
+    const auto index = static_cast<size_t>(List1_.line(line).data);
+    const QString question = tr("Remove %1\r\nfrom the project?").arg(ui::DisplayText(project_.EntryOf(line)));
+    const int answer = services_.fncYesNoAll(question);
+    ui::LetPendingEventsRun();
+    if (answer == kCancel) break;
+    marked.resize(project_.ProjectItems().Highest() + 1);
+    if (index < marked.size()) marked[index] = answer == kYes;
+  }
+  marked.resize(project_.ProjectItems().Highest() + 1);
+  project_.Remove(marked);
+}
+
+void ProjectList::TakeDropped(const std::vector<std::string>& paths) {
+  const ui::CommandScope scope;
+  const ui::Hourglass hourglass;
+  for (std::string path : paths) {
+    const auto attributes = files::GetAttributes(path);
+    if (attributes && attributes.value() & files::kDirectory && !path.ends_with('/')) path += '/';
+    project_.AddNewDocOrLink(path);
+    ui::LetPendingEventsRun();
+  }
+}
+
+// --- The selection and the order of the lines
+
+std::vector<std::string> ProjectList::SelectedEntries() {
+  SelectFocusLineIfNone();
+  std::vector<std::string> entries;
+  for (const int line : List1_.SelectedLines())
+    if (line >= 1) entries.push_back(project_.EntryOf(line));
+  return entries;
+}
+
+void ProjectList::mnuCopyListPath_Click() {
+  std::string text;
+  for (const std::string& entry : SelectedEntries()) (text += text.empty() ? "" : "\r\n") += entry;
+  ui::SetClipboardPath(text);
+}
+
+void ProjectList::mnuSelectAll_Click() {
+  List1_.SelectFrom(1);
+  List1_.setFocus();
+}
+
+std::vector<size_t> SortedOrder(const std::vector<std::string>& texts) {
+  std::vector<std::string> keys;
+  for (const std::string& text : texts) keys.push_back(files::PathKey(text));
+  std::vector<size_t> order(texts.size());
+  std::iota(order.begin(), order.end(), size_t{0});
+  // The gap begins at half the number of lines, the one that never moves included.
+  for (size_t gap = (texts.size() + 1) / 2; gap > 0; gap /= 2) {
+    size_t limit = texts.size() - std::min(gap, texts.size());
+    for (size_t last = 1; last != 0;) {
+      last = 0;
+      for (size_t i = 1; i <= limit; ++i) {
+        if (keys[order[i - 1]] <= keys[order[i - 1 + gap]]) continue;
+        std::swap(order[i - 1], order[i - 1 + gap]);
+        last = i;
+      }
+      limit = last > gap ? last - gap : 0;
+    }
+  }
+  return order;
+}
+
+void ProjectList::mnuListSort_Click() {
+  const ui::CommandScope scope;
+  const ui::Hourglass hourglass;
+  std::vector<std::string> texts;
+  for (int line = 1; line < List1_.count(); ++line) texts.push_back(List1_.line(line).text);
+  std::vector<ui::ListLine> lines = {List1_.line(0)};
+  for (const size_t i : SortedOrder(texts)) lines.push_back(List1_.line(static_cast<int>(i) + 1));
+  List1_.SetLines(std::move(lines));
+  ui::LetPendingEventsRun();
+  project_.SelectListItem(0, true);
+}
+
+}  // namespace project
