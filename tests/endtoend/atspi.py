@@ -85,6 +85,12 @@ def dialog(pid):
     return _steady(lambda: _dialog(pid), None)
 
 
+def is_active(pid):
+    """One of its windows knows that it has the keyboard."""
+    return _steady(lambda: any(window and window.get_state_set().contains(Atspi.StateType.ACTIVE)
+                               for window in _windows(pid)), False)
+
+
 def _documents(pid):
     found = []
     for window in _windows(pid):

@@ -109,7 +109,7 @@ class LostDisplay(EndToEndTest):
         session.type("!")
         session.keys("Home")
         # A round trip, so that the key has arrived.
-        session.picture("before-the-loss")
+        os.remove(session.picture("before-the-loss"))
         session.display.kill()
         self.assertNotEqual(program.wait_for_end(), 0)
         self.assertEqual(self.home.get("a.txt"), b"xyzold")

@@ -62,6 +62,7 @@ def run_cases(module, names, scratch):
     session = harness.Session(os.path.join(scratch, "report"))
     try:
         atspi.connect(session.environment)
+        session.has_accessibility = True
         cases.SESSION = session
         cases.BINARY = os.path.join(scratch, "quillmark")
         application = os.path.join(scratch, "application")

@@ -13,7 +13,7 @@ from harness import SLOW
 
 NO_SCREEN_READER = {"QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "0"}
 HOMES = 4
-STARTS = 100 if SLOW == 1 else 12
+STARTS = 100 if SLOW == 1 else 40
 ROUNDS = 20 if SLOW == 1 else 5
 
 
