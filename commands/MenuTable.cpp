@@ -43,9 +43,15 @@ constexpr Row Doc(const char* name, const char* caption, const char* hint, const
           .enabled = enabled};
 }
 
+// Changes the text or what is selected in it.
+constexpr Row Edits(Row row) {
+  row.menu.editsDocument = true;
+  return row;
+}
+
 constexpr Row Check(const char* name, const char* caption, const char* key, void (*document)(frmText&),
                     bool FormatChecks::*check) {
-  Row row = Doc(name, caption, "", key, document);
+  Row row = Edits(Doc(name, caption, "", key, document));
   row.menu.checkable = true;
   row.check = check;
   return row;
@@ -101,7 +107,7 @@ constexpr Row kMenus[] = {
     Doc("mnuClose", QT_TRANSLATE_NOOP("Menu", "&Close document"), "", "", On<&frmText::mnuClose_Click>),
     Separator(),
     Doc("mnuCopyPath", QT_TRANSLATE_NOOP("Menu", "Copy document &pathname to clipboard"), "", "", On<&frmText::mnuCopyPath_Click>),
-    Doc("mnuRefresh", QT_TRANSLATE_NOOP("Menu", "&Refresh"), "", "F5", On<&frmText::mnuRefresh_Click>),
+    Edits(Doc("mnuRefresh", QT_TRANSLATE_NOOP("Menu", "&Refresh"), "", "F5", On<&frmText::mnuRefresh_Click>)),
     Separator(),
     Main("mnuExit", QT_TRANSLATE_NOOP("Menu", "E&xit"), "Alt+F4", "", "", &Commands::mnuExit_Click),
     Separator(),
@@ -129,7 +135,7 @@ constexpr Row kMenus[] = {
       With("underline", Check("mnuUnderline", QT_TRANSLATE_NOOP("Menu", "&Underlined"), "Ctrl+U", On<&frmText::mnuUnderline_Click>, &FormatChecks::Underline)),
       With("strikethru", Check("mnuStrikeThru", QT_TRANSLATE_NOOP("Menu", "&Strikethru"), "", On<&frmText::mnuStrikeThru_Click>, &FormatChecks::StrikeThru)),
       Separator(),
-      Doc("mnuEmphasisRemove", QT_TRANSLATE_NOOP("Menu", "&Remove emphasis"), "", "Ctrl+R", On<&frmText::mnuEmphasisRemove_Click>),
+      Edits(Doc("mnuEmphasisRemove", QT_TRANSLATE_NOOP("Menu", "&Remove emphasis"), "", "Ctrl+R", On<&frmText::mnuEmphasisRemove_Click>)),
     End(),
     Menu("mnuAlign", QT_TRANSLATE_NOOP("Menu", "&Align"), true),
       With("align-left", Check("mnuAlignLeft", QT_TRANSLATE_NOOP("Menu", "&left"), "", On<&frmText::mnuAlignLeft_Click>, &FormatChecks::AlignLeft)),

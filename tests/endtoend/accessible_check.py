@@ -1,7 +1,8 @@
 #!/usr/bin/python3
 """What a screen reader gets of an open document, over the real bus.
 
-Usage: accessible_check.py PROGRAM. The display, the session bus and a window manager are those of the environment;
+Usage: accessible_check.py [--quick] PROGRAM. With --quick there is no large document and no limit to the time of a call.
+The display, the session bus and a window manager are those of the environment;
 QT_LINUX_ACCESSIBILITY_ALWAYS_ON must be 1. Status 0 if everything held, else 1 with a line for each thing that did not.
 """
 
@@ -21,7 +22,7 @@ gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi, GLib  # noqa: E402
 
 PATIENCE = 30 * (6 if os.environ.get("QUILLMARK_SANITIZED") == "1" else 1)
-LONGEST_CALL = 1.0 * (6 if os.environ.get("QUILLMARK_SANITIZED") == "1" else 1)
+LONGEST_CALL = 1.0
 
 RTF = (r"{\rtf1\ansi{\fonttbl{\f0 DejaVu Sans;}{\f1 DejaVu Serif;}}\f0\fs24 plain {\b bold} {\f1\fs40 large}\par "
        r"second\par}")
@@ -315,11 +316,15 @@ DOCUMENTS = [
 
 
 def main():
-    binary = os.path.abspath(sys.argv[1])
+    global LONGEST_CALL
+    binary = os.path.abspath(sys.argv[-1])
+    quick = "--quick" in sys.argv[1:-1]
+    if quick:
+        LONGEST_CALL = PATIENCE
     Atspi.init()
     Atspi.set_timeout(20000, 20000)
     with tempfile.TemporaryDirectory() as folder:
-        for name, content, check in DOCUMENTS:
+        for name, content, check in DOCUMENTS[:-1] if quick else DOCUMENTS:
             program = None
             try:
                 program = Program(binary, folder, name, content())

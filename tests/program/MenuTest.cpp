@@ -120,6 +120,16 @@ TEST_F(MenuTest, WithADocument) {
   ExpectRules();
 }
 
+TEST_F(MenuTest, FromAPaneNoKeyEditsTheDocument) {
+  New();
+  const char* const kEditing[] = {"mnuBold", "mnuItalic", "mnuUnderline", "mnuEmphasisRemove", "mnuRefresh"};
+  program().frame().leftPane().List1().setFocus();
+  for (const char* row : kEditing) EXPECT_TRUE(Action(row).shortcut().isEmpty()) << row;
+  EXPECT_EQ(Action("mnuSaveFile").shortcut(), QKeySequence("Ctrl+S"));
+  table().Active()->Activate();
+  for (const char* row : kEditing) EXPECT_FALSE(Action(row).shortcut().isEmpty()) << row;
+}
+
 TEST_F(MenuTest, TheDocumentRowsGoWithTheLastDocument) {
   frmText* document = Open(Put("a.txt", ""));
   EXPECT_TRUE(Action("mnuEdit").isVisible());

@@ -2,8 +2,9 @@
 
 #include "ui/controls/Icons.h"
 #include "ui/frame/FrameForm.h"
+#include "ui/frame/LeftPane.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QKeySequence>
 #include <QMenu>
 #include <QMenuBar>
@@ -24,7 +25,11 @@ MenuBar::MenuBar(QMenuBar& bar, std::span<const MenuRow> rows)
   SetDocumentActive(false);
 }
 
-MenuBar::MenuBar(FrameForm& frame, std::span<const MenuRow> rows) : MenuBar(frame.menuBar(), rows) {}
+MenuBar::MenuBar(FrameForm& frame, std::span<const MenuRow> rows) : MenuBar(frame.menuBar(), rows) {
+  connect(qApp, &QApplication::focusChanged, this, [this, &frame](QWidget*, QWidget* now) {
+    if (now) SetPaneFocused(frame.leftPane().isAncestorOf(now));
+  });
+}
 
 MenuBar::~MenuBar() = default;
 
@@ -62,13 +67,28 @@ QAction* MenuBar::BuildItem(size_t i, QMenu& menu) {
   return action;
 }
 
+void MenuBar::SetKeys() {
+  for (size_t i = 0; i < rows_.size(); ++i) {
+    if (!actions_[i] || rows_[i].kind == MenuRowKind::kSeparator) continue;
+    const char* key = documentActive_ ? rows_[i].keyWithDocument : rows_[i].keyWithoutDocument;
+    if (paneFocused_ && rows_[i].editsDocument) key = "";
+    actions_[i]->setShortcut(QKeySequence::fromString(QLatin1String(key), QKeySequence::PortableText));
+  }
+}
+
+void MenuBar::SetPaneFocused(bool focused) {
+  if (paneFocused_ == focused) return;
+  paneFocused_ = focused;
+  SetKeys();
+}
+
 void MenuBar::SetDocumentActive(bool active) {
+  documentActive_ = active;
   for (size_t i = 0; i < rows_.size(); ++i) {
     if (!actions_[i] || rows_[i].kind == MenuRowKind::kSeparator) continue;
     actions_[i]->setVisible(active || !rows_[i].documentOnly);
-    const char* key = active ? rows_[i].keyWithDocument : rows_[i].keyWithoutDocument;
-    actions_[i]->setShortcut(QKeySequence::fromString(QLatin1String(key), QKeySequence::PortableText));
   }
+  SetKeys();
   for (size_t i = 0; i < rows_.size(); ++i)
     if (rows_[i].kind == MenuRowKind::kMenu) TidySeparators(*menus_[i]);
 }
@@ -101,8 +121,8 @@ void MenuBar::SetList(size_t row, const std::vector<MenuListEntry>& entries) {
   lists_[row].clear();
   for (size_t k = 0; k < entries.size(); ++k) {
     QAction* action = menus_[row]->addAction(entries[k].caption);
-    action->setCheckable(true);
-    action->setChecked(entries[k].checked);
+    action->setCheckable(entries[k].checked.has_value());
+    action->setChecked(entries[k].checked.value_or(false));
     connect(action, &QAction::triggered, this, [this, row, k] { Q_EMIT ListTriggered(row, k); });
     lists_[row].push_back(action);
   }

@@ -29,13 +29,14 @@ struct MenuRow {
   const char* keyWithoutDocument = "";
   bool documentOnly = false;  // shown only while a document window is active
   bool checkable = false;
-  const char* icon = "";  // a picture of data/icons/
+  const char* icon = "";       // a picture of data/icons/
+  bool editsDocument = false;  // its key does nothing while a pane has the focus
 };
 
 // One line of a kList row.
 struct MenuListEntry {
   QString caption;
-  bool checked = false;
+  std::optional<bool> checked = {};  // empty: it has no check mark at all
 };
 
 class MenuBar : public QObject {
@@ -49,6 +50,8 @@ class MenuBar : public QObject {
 
   // Shows, hides and gives keys to the rows; no separator stands first, last or doubled.
   void SetDocumentActive(bool active);
+  // Done by itself when the bar is a frame's.
+  void SetPaneFocused(bool focused);
   void SetEnabled(size_t row, bool enabled);
   void SetChecked(size_t row, bool checked);
   void SetList(size_t row, const std::vector<MenuListEntry>& entries);
@@ -65,6 +68,7 @@ class MenuBar : public QObject {
 
  private:
   void Build(QMenuBar& bar);
+  void SetKeys();
   QAction* BuildItem(size_t row, QMenu& menu);
   void TidySeparators(QMenu& menu);
 
@@ -72,6 +76,7 @@ class MenuBar : public QObject {
   std::vector<QAction*> actions_;
   std::vector<QMenu*> menus_;  // of the row itself (kMenu) or the menu that holds it
   std::vector<std::vector<QAction*>> lists_;
+  bool documentActive_ = false, paneFocused_ = false;
 };
 
 }  // namespace ui
