@@ -202,6 +202,9 @@ TEST(Tabs, AHangingFirstLineStopsAtTheIndent) {
   format.firstIndent = -600;
   Formatted f("1.\ttext", {}, format);
   EXPECT_NEAR(f.Left(3), 40, 0.5);
+  // The stops of the lines behind it are others.
+  Formatted wrapped("1.\t" + LongText(), {}, format);
+  EXPECT_NEAR(wrapped.Left(3), 40, 0.5);
 }
 
 TEST(Spacing, BeforeAfterAndBetween) {

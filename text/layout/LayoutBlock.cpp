@@ -123,7 +123,8 @@ LayoutBlock::Edges LayoutBlock::EdgesOf(bool firstLine, double zoom) const {
 
 // Qt counts tab stops from where the line begins, the document from the paragraph's edge. A hanging first line has the
 // place of the following lines as a stop of its own.
-void LayoutBlock::SetTabs(const BlockStyle& style, double lead) {
+// For a line that begins at `lead`.
+QList<QTextOption::Tab> LayoutBlock::TabsFrom(const BlockStyle& style, double lead) const {
   const double zoom = style.fonts->zoom();
   const double distance = option_.tabStopDistance();
   std::vector<double> stops;
@@ -134,17 +135,21 @@ void LayoutBlock::SetTabs(const BlockStyle& style, double lead) {
     const double stop = Pixels(twips, zoom);
     if (stop > last) stops.push_back(last = stop);
   }
-  if (stops.empty() && lead == 0) return;
+  QList<QTextOption::Tab> tabs;
+  if (stops.empty() && lead == 0) return tabs;
   for (double stop = (std::floor(last / distance) + 1) * distance; stop < width_ && stops.size() < 1000;
        stop += distance) {
     stops.push_back(stop);
   }
   std::sort(stops.begin(), stops.end());
-  QList<QTextOption::Tab> tabs;
   for (const double stop : stops) {
     if (stop > lead) tabs.append(QTextOption::Tab(stop - lead, QTextOption::LeftTab));
   }
-  option_.setTabs(tabs);
+  return tabs;
+}
+
+void LayoutBlock::UseTabs(bool ofFirstLine) const {
+  option_.setTabs(ofFirstLine ? firstTabs_ : otherTabs_);
   layout_.setTextOption(option_);
 }
 
@@ -181,8 +186,10 @@ void LayoutBlock::PlaceLines(const BlockStyle& style) {
   for (QTextLine line = layout_.createLine(); line.isValid(); line = layout_.createLine()) {
     const bool first = lines_.empty() && text_.startsParagraph;
     const Edges edges = EdgesOf(first, zoom);
-    if (text_.tabs && (lines_.empty() || lines_.size() == 1))
-      SetTabs(style, text_.rightToLeft ? edges.right : edges.left);
+    if (text_.tabs && lines_.size() < 2) {
+      (lines_.empty() ? firstTabs_ : otherTabs_) = TabsFrom(style, text_.rightToLeft ? edges.right : edges.left);
+      UseTabs(lines_.empty());
+    }
     line.setLineWidth(width_ - edges.left - edges.right);
     // The heights are ours: positions within the layout have a range that tall blocks would leave.
     line.setPosition({edges.left, 0});
@@ -198,6 +205,7 @@ void LayoutBlock::PlaceLines(const BlockStyle& style) {
     lines_.push_back(placed);
   }
   layout_.endLayout();
+  tabsDiffer_ = lines_.size() > 1 && firstTabs_ != otherTabs_;
   height_ = y + (text_.endsParagraph ? Space(text_.paragraph.spaceAfter, zoom) : 0);
 }
 

@@ -53,7 +53,11 @@ class LayoutBlock {
   const std::vector<BlockLine>& lines() const { return lines_; }
   bool rightToLeft() const { return text_.rightToLeft; }
   const BlockText& text() const { return text_; }
-  QTextLine qtLine(size_t line) const { return layout_.lineAt(static_cast<int>(line)); }
+  // To be used before another line is asked for.
+  QTextLine qtLine(size_t line) const {
+    if (tabsDiffer_) UseTabs(line == 0);
+    return layout_.lineAt(static_cast<int>(line));
+  }
   // The look of the character at a shown offset, or at the end of the text of the last one.
   const FormatLook& LookAt(int shown) const;
   // The first run that reaches beyond a shown offset, or how many runs there are.
@@ -98,7 +102,8 @@ class LayoutBlock {
   QList<QTextLayout::FormatRange> FormatRanges() const;
   void PlaceLines(const BlockStyle& style);
   Edges EdgesOf(bool firstLine, double zoom) const;
-  void SetTabs(const BlockStyle& style, double lead);
+  QList<QTextOption::Tab> TabsFrom(const BlockStyle& style, double lead) const;
+  void UseTabs(bool ofFirstLine) const;
   void MeasureLine(const QTextLine& line, double zoom, BlockLine* measured, double* ascent, double* descent) const;
   void PlaceBullet(double zoom);
   void FindLevels();
@@ -117,8 +122,12 @@ class LayoutBlock {
   std::vector<const FormatLook*> looks_;
   const FormatLook* endLook_ = nullptr;
   bool raises_ = false;  // some look does
-  QTextLayout layout_;
-  QTextOption option_;
+  // Whenever a line is looked at, the toolkit places its tabs anew by the one option of the layout. So the option is
+  // changed with the line where the first line's stops are others.
+  mutable QTextLayout layout_;
+  mutable QTextOption option_;
+  QList<QTextOption::Tab> firstTabs_, otherTabs_;  // counted from a line's begin
+  bool tabsDiffer_ = false;
   std::vector<BlockLine> lines_;
   std::vector<uint8_t> levels_;  // of each shown unit, if some may run to the left
   QRectF bulletRect_;
