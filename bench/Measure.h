@@ -1,4 +1,4 @@
-// Shared by the benchmarks: medians of interleaved runs, percentiles, peak memory.
+// Shared by the benchmarks: medians, percentiles, peak memory.
 #pragma once
 
 #include <algorithm>
@@ -24,16 +24,6 @@ inline double Percentile(std::vector<double> values, double part) {
 }
 inline double Median(std::vector<double> values) {
   return Percentile(std::move(values), 0.5);
-}
-
-// Runs each of the alternatives in turn, `runs` times over, and gives the median seconds of each.
-inline std::vector<double> Interleaved(int runs, const std::vector<std::function<void()>>& alternatives) {
-  std::vector<std::vector<double>> seconds(alternatives.size());
-  for (int run = 0; run < runs; ++run)
-    for (size_t i = 0; i < alternatives.size(); ++i) seconds[i].push_back(Seconds(alternatives[i]));
-  std::vector<double> medians;
-  for (auto& list : seconds) medians.push_back(Median(list));
-  return medians;
 }
 
 // The process's peak resident memory in bytes so far.
