@@ -5,8 +5,6 @@
 #include "ui/PendingEvents.h"
 #include "ui/controls/PictureBox.h"
 
-#include <QCoreApplication>
-
 namespace commands {
 namespace {
 
@@ -38,8 +36,7 @@ ListToolbar::ListToolbar(ui::LeftPane& pane, Commands& commands, services::Servi
   pane_.Toolbar2().SetButtons(rows);
   QObject::connect(&pane_.Toolbar2(), &ui::ToolBar::Clicked, &pane_.Toolbar2(), [this](size_t row) { Run(row); });
   QObject::connect(&pane_.Picture1(), &ui::PictureBox::Pressed, &pane_.Picture1(), [this](bool left) {
-    if (left) return GrowFont();
-    SetPlusImage(plusImage_ == 14 ? 12 : 14);
+    services_.forms().Guarded([&] { left ? GrowFont() : SetPlusImage(plusImage_ == 14 ? 12 : 14); });
   });
 }
 
@@ -53,10 +50,7 @@ void ListToolbar::Run(size_t row) {
 
 void ListToolbar::AddCurrent() {
   if (documents::frmText* document = table_.Active()) return document->mnuAddFile_Click();
-  services::ShowError(
-      services_.dialogs(), services_.forms().at(0),
-      QCoreApplication::translate(
-          "Messages", "Error: No document has been selected.  Please select a document, and then try again."));
+  services::ShowNoDocument(services_);
 }
 
 void ListToolbar::SetPlusImage(int image) {

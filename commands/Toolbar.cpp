@@ -5,8 +5,6 @@
 #include "ui/frame/LeftPane.h"
 #include "ui/frame/StatusBar.h"
 
-#include <QCoreApplication>
-
 namespace commands {
 namespace {
 
@@ -53,10 +51,7 @@ void Toolbar::Run(const ToolbarCommand& command) {
     if (command.command) return (commands_.*command.command)();
     if (!command.document) return;
     if (documents::frmText* document = table_.Active()) return command.document(*document);
-    services::ShowError(
-        services_.dialogs(), services_.forms().at(0),
-        QCoreApplication::translate(
-            "Messages", "Error: No document has been selected.  Please select a document, and then try again."));
+    services::ShowNoDocument(services_);
   });
 }
 

@@ -2,22 +2,17 @@
 
 #include "documents/frmNoExtApp.h"
 #include "documents/frmText.h"
+#include "files/AnyCase.h"
 #include "files/Attributes.h"
+#include "services/Messages.h"
 #include "ui/PendingEvents.h"
 #include "ui/desktop/Shell.h"
 
-#include <QCoreApplication>
-
 #include <algorithm>
 #include <cstring>
-#include <strings.h>
 
 namespace documents {
 namespace {
-
-bool EndsWith(std::string_view text, std::string_view end) {
-  return text.size() >= end.size() && strncasecmp(text.data() + text.size() - end.size(), end.data(), end.size()) == 0;
-}
 
 // The first ".lnk" in any case; npos when there is none.
 size_t FindLnk(const std::string& path) {
@@ -32,7 +27,7 @@ void Opening::OpenDocument(std::string& path) {
   services_.FindPathInList(path);
   ui::LetPendingEventsRun();
   if (ActivateOpen(path)) return;
-  if (EndsWith(path, "lnk")) return OpenShortcut(path);
+  if (files::EndsWithAnyCase(path, "lnk")) return OpenShortcut(path);
   table_.LoadIntoWindow(path);
 }
 
@@ -64,26 +59,22 @@ void Opening::OpenShortcut(std::string& path) {
 // Again and again until the user has enough: whether a program could do anything with the document only they can see.
 void Opening::AskForProgram(const std::string& path) {
   frmNoExtApp form(services_);
-  form.Text2().SetText(EndsWith(path, "rtf") ? QStringLiteral("Wordpad.exe") : QStringLiteral("Notepad.exe"));
+  form.Text2().SetText(files::EndsWithAnyCase(path, "rtf") ? QStringLiteral("Wordpad.exe")
+                                                           : QStringLiteral("Notepad.exe"));
   for (;;) {
     form.Tag = "A";
     services_.dialogs().ShowModal(form);
     if (form.Tag != "0") return;
-    const std::string program = form.Text2().Text().toStdString();
-    if (!program.empty()) services_.shell().Run(program, {services_.MakeAbsolute(path).native()}, {});
+    std::string program = form.Program();
+    if (program.find('/') != std::string::npos) program = services_.MakeAbsolute(program).native();
+    if (!program.empty())
+      services_.shell().Run(program, {services_.MakeAbsolute(path).native()}, services_.MakeAbsolute("."));
   }
 }
 
 void Opening::mnuOpenFile_Click() {
   const ui::CommandScope scope;
-  const services::PathFilter filter = services_.GetFilterForPath({});
-  const files::Path chosen =
-      services_.ShowOpenDialog({.owner = services_.forms().at(0),
-                                .defaultExtension = filter.extension,
-                                .filter = services_.documentFilter(),
-                                .flags = services::kCreatePrompt | services::kHideReadOnly,
-                                .title = QCoreApplication::translate("Documents", "Select a document to open"),
-                                .filterIndex = filter.index});
+  const files::Path chosen = services::AskForDocument(services_, services_.GetFilterForPath({}));
   if (chosen.empty()) return;
   std::string path = chosen.native();
   OpenDocument(path);

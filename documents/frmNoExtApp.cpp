@@ -39,8 +39,15 @@ void frmNoExtApp::Browse() {
                                 .flags = services::kFileMustExist + services::kHideReadOnly,
                                 .title = tr("Select an application"),
                                 .filterIndex = 0,
-                                .initialFile = Text2_->Text().toStdString()});
-  if (!chosen.empty()) Text2_->SetText(ui::DisplayText(chosen.native()));
+                                .initialFile = Program()});
+  if (chosen.empty()) return;
+  browsed_ = chosen.native();
+  Text2_->SetText(ui::DisplayText(browsed_));
+}
+
+std::string frmNoExtApp::Program() const {
+  const QString text = Text2_->Text();
+  return text == ui::DisplayText(browsed_) ? browsed_ : text.toStdString();
 }
 
 }  // namespace documents

@@ -17,6 +17,7 @@ class frmNoExtApp : public ui::ModalForm {
 
   std::string Tag;  // "A" while it is being shown, then "0" for OK or "1" for Cancel
   ui::TextBox& Text2() { return *Text2_; }
+  std::string Program() const;  // as bytes
 
   void Command1_Click(int index);  // 0 OK, 1 Cancel, 2 Browse
 
@@ -28,6 +29,7 @@ class frmNoExtApp : public ui::ModalForm {
 
   services::Services& services_;
   ui::TextBox* Text2_;
+  std::string browsed_;  // what was chosen last, whose name may be no text
 };
 
 }  // namespace documents

@@ -1,5 +1,6 @@
 #include "project/Project.h"
 
+#include "files/AnyCase.h"
 #include "files/AtomicSave.h"
 #include "files/Attributes.h"
 #include "project/ProjectFile.h"
@@ -11,7 +12,6 @@
 #include <QCoreApplication>
 
 #include <algorithm>
-#include <strings.h>
 
 namespace project {
 namespace {
@@ -34,6 +34,7 @@ const std::string& Project::EntryOf(int line) const {
 }
 
 void Project::ReplaceEntryOf(int line, std::string entry) {
+  if (!MayBeEntry(entry)) return;
   List1_.SetText(line, std::string(ShownPart(entry)));
   ProjectItems_.Replace(static_cast<size_t>(List1_.line(line).data), std::move(entry));
   ProjectSaved = false;
@@ -58,7 +59,9 @@ void Project::LoadProject() {
   const ui::CommandScope scope;
   const ui::Hourglass hourglass;
   ProjectItems_.Clear();
+  List1_.SetLines({FirstLine()});  // a message about the file shows no lines without entries
   stamp_.reset();
+  couldNotBeRead_ = false;
   if (!ProjectFile.empty()) ReadProjectFile();
   FillList();
   ShowCaption();
@@ -73,9 +76,9 @@ void Project::ReadProjectFile() {
   auto bytes = file ? files::ReadAll(file.value(), kMaxProjectBytes) : files::Result<std::string>(file.error());
   if (!bytes) {
     // A project is made by a name that does not exist yet.
-    if (bytes.error().number != kFileNotFound)
-      services::ShowError(services_.dialogs(), services_.forms().at(0),
-                          services::ErrorText(ProjectFile, bytes.error()));
+    if (bytes.error().number == kFileNotFound) return;
+    couldNotBeRead_ = true;
+    services::ShowError(services_.dialogs(), services_.forms().at(0), services::ErrorText(ProjectFile, bytes.error()));
     return;
   }
   stamp_ = file.value().stamp();
@@ -87,10 +90,10 @@ void Project::ShowCaption() {
   services_.forms().at(0)->SetCaption("Quillmark - " + ProjectFile);
 }
 
-void Project::mnuSaveProject_Click() {
+Saved Project::mnuSaveProject_Click() {
   const ui::CommandScope scope;
-  if (ProjectFile.empty()) return mnuSaveProjectAs_Click();
-  if (!MayReplaceFile()) return;
+  // Who will not replace what is there means another name.
+  if (ProjectFile.empty() || !MayReplaceFile()) return mnuSaveProjectAs_Click();
   std::vector<std::string> entries;
   for (size_t i = 1; i <= ProjectItems_.Highest(); ++i) entries.push_back(ProjectItems_[i]);
   const auto saved =
@@ -98,27 +101,32 @@ void Project::mnuSaveProject_Click() {
                             [bytes = FormatProjectFile(entries)](const files::ByteSink& sink) { return sink(bytes); });
   if (!saved) {
     services::ShowError(services_.dialogs(), services_.forms().at(0), services::ErrorText(ProjectFile, saved.error()));
-    return;
+    return Saved::kFailed;
   }
   stamp_ = saved.value();
+  couldNotBeRead_ = false;
   ProjectSaved = true;
   ShowCaption();
   services_.AddToRecentFiles(ProjectFile);
+  return Saved::kYes;
 }
 
 // What another program wrote since the project was loaded is not replaced unasked.
 bool Project::MayReplaceFile() {
   const auto now = files::StampOf(ProjectFile);
   if (!now || now == stamp_) return true;
+  const auto attributes = files::GetAttributes(ProjectFile);
+  if (attributes && attributes.value() & files::kDirectory) return true;  // saving tells that it cannot be replaced
   const QString question =
-      stamp_ ? Tr("has been changed by another program since it was opened.  Do you want to replace it?")
-             : Tr("has been made by another program meanwhile.  Do you want to replace it?");
+      couldNotBeRead_ ? Tr("could not be read when it was opened.  Do you want to replace it?")
+      : stamp_        ? Tr("has been changed by another program since it was opened.  Do you want to replace it?")
+                      : Tr("has been made by another program meanwhile.  Do you want to replace it?");
   return services_.dialogs().ShowMessage(
              services_.forms().at(0),
              {services::FileText(ProjectFile, question), ui::Buttons::kYesNo, ui::Icon::kQuestion}) == ui::Answer::kYes;
 }
 
-void Project::mnuSaveProjectAs_Click() {
+Saved Project::mnuSaveProjectAs_Click() {
   const ui::CommandScope scope;
   const files::Path chosen =
       services_.ShowSaveDialog({.owner = services_.forms().at(0),
@@ -126,11 +134,13 @@ void Project::mnuSaveProjectAs_Click() {
                                 .filter = QStringLiteral("Project files (*.prj)|*.prj|All Files|*.*"),
                                 .flags = services::kCreatePrompt + services::kHideReadOnly + services::kOverwritePrompt,
                                 .initialFile = ProjectFile});
-  if (chosen.empty()) return;
+  if (chosen.empty()) return Saved::kCancelled;
   ProjectFile = chosen.native();
   stamp_ = files::StampOf(chosen);  // the dialog has asked about a file that exists
-  mnuSaveProject_Click();
+  couldNotBeRead_ = false;
+  const Saved saved = mnuSaveProject_Click();
   ui::LetPendingEventsRun();
+  return saved;
 }
 
 void Project::mnuNewProject_Click() {
@@ -158,18 +168,15 @@ void Project::mnuOpen_Click() {
 }
 
 bool Project::fncconfirm(std::string_view what) {
-  constexpr std::string_view kProject = "Project";
-  if (what.size() != kProject.size() || strncasecmp(what.data(), kProject.data(), what.size()) != 0) return true;
-  if (ProjectSaved) return true;
+  if (!files::SameAnyCase(what, "Project") || ProjectSaved) return true;
   const QString text = Tr("Project %1 has been changed.\r\nDo you want to save the changes before continuing?");
   const ui::Answer answer = services_.dialogs().ShowMessage(
       services_.forms().at(0),
       {text.arg(ui::DisplayText(ProjectFile)), ui::Buttons::kYesNoCancel, ui::Icon::kExclamation});
-  if (answer == ui::Answer::kYes) {
-    mnuSaveProject_Click();
-    ui::LetPendingEventsRun();
-  }
-  return answer != ui::Answer::kCancel;
+  if (answer != ui::Answer::kYes) return answer == ui::Answer::kNo;
+  const Saved saved = mnuSaveProject_Click();
+  ui::LetPendingEventsRun();
+  return saved != Saved::kFailed;
 }
 
 void Project::AddToProject(size_t index) {
@@ -189,19 +196,23 @@ int Project::FindPathInList(const std::string& path) {
   return List1_.count();
 }
 
-void Project::AddNewDocOrLink(const std::string& path) {
+// By value: the window whose name it is may close meanwhile.
+void Project::AddNewDocOrLink(std::string path) {
   const ui::CommandScope scope;
   const bool absent = FindPathInList(path) >= List1_.count();
   ui::LetPendingEventsRun();
   if (!absent) return;
-  if (path.find('\r') != std::string::npos) {
-    services::ShowError(services_.dialogs(), services_.forms().at(0),
-                        services::FileText(path, Tr("A project cannot hold a name with a carriage return.")));
-    return;
-  }
-  ProjectItems_.Append(path);
+  if (!MayBeEntry(path)) return;
+  ProjectItems_.Append(std::move(path));
   AddToProject(ProjectItems_.Highest());
   ProjectSaved = false;
+}
+
+bool Project::MayBeEntry(const std::string& path) {
+  if (path.find('\r') == std::string::npos) return true;
+  services::ShowError(services_.dialogs(), services_.forms().at(0),
+                      services::FileText(path, Tr("A project cannot hold a name with a carriage return.")));
+  return false;
 }
 
 void Project::SelectListItem(int index, bool focus) {

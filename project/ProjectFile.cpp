@@ -1,13 +1,13 @@
 #include "project/ProjectFile.h"
 
+#include "files/AnyCase.h"
+
 #include <algorithm>
-#include <strings.h>
 
 namespace project {
 namespace {
 
 constexpr std::string_view kLineEnd = "\r\n";
-constexpr std::string_view kShortcut = "lnk";
 
 char SeparatorOf(std::string_view entry) {
   return entry.find('/') == std::string_view::npos ? '\\' : '/';
@@ -17,10 +17,7 @@ char SeparatorOf(std::string_view entry) {
 
 EntryKind KindOf(std::string_view entry) {
   if (entry.ends_with(SeparatorOf(entry))) return EntryKind::kFolder;
-  if (entry.size() < kShortcut.size()) return EntryKind::kDocument;
-  const char* const end = entry.data() + entry.size() - kShortcut.size();
-  return strncasecmp(end, kShortcut.data(), kShortcut.size()) == 0 ? EntryKind::kReadOnlyShortcut
-                                                                   : EntryKind::kDocument;
+  return files::EndsWithAnyCase(entry, "lnk") ? EntryKind::kReadOnlyShortcut : EntryKind::kDocument;
 }
 
 std::string_view ShownPart(std::string_view entry) {

@@ -1,5 +1,6 @@
 #include "project/ProjectList.h"
 
+#include "files/AnyCase.h"
 #include "files/Attributes.h"
 #include "files/OpenFile.h"
 #include "project/ProjectFile.h"
@@ -12,17 +13,12 @@
 #include <QCoreApplication>
 
 #include <numeric>
-#include <strings.h>
 #include <utility>
 
 namespace project {
 namespace {
 
 constexpr int kYes = 6, kCancel = 2;
-
-bool EndsWithLnk(std::string_view path) {
-  return path.size() >= 3 && strncasecmp(path.data() + path.size() - 3, "lnk", 3) == 0;
-}
 
 }  // namespace
 
@@ -31,21 +27,35 @@ ProjectList::ProjectList(services::Services& services, Project& project, ui::Lis
   ConnectList();
 }
 
+template <class Signal, class Handler>
+void ProjectList::On(Signal signal, Handler handler) {
+  connect(&List1_, signal, this,
+          [this, handler](const auto&... arguments) { services_.forms().Guarded([&] { handler(arguments...); }); });
+}
+
 void ProjectList::ConnectList() {
-  connect(&List1_, &ui::ListBox::Opened, this, &ProjectList::mnuOpenFromList_Click);
-  connect(&List1_, &ui::ListBox::Deleted, this, [this](bool shift) { RemoveFromProject(!shift); });
-  connect(&List1_, &ui::ListBox::FocusGained, this, &ProjectList::SelectFocusLineIfNone);
-  connect(&List1_, &ui::ListBox::FocusLost, this, [this] {
+  On(&ui::ListBox::Opened, [this] { mnuOpenFromList_Click(); });
+  On(&ui::ListBox::Deleted, [this](bool shift) { RemoveFromProject(!shift); });
+  On(&ui::ListBox::FocusGained, [this] { SelectFocusLineIfNone(); });
+  On(&ui::ListBox::FocusLost, [this] {
     // A single selection made just by clicking is gone when another pane is used.
     if (List1_.ListIndex() >= 0 && List1_.SelCount() == 1 && List1_.Selected(List1_.ListIndex()))
       List1_.Select(List1_.ListIndex(), false);
   });
-  connect(&List1_, &ui::ListBox::MenuRequested, this, [this](const QPoint& position) {
+  On(&ui::ListBox::MenuRequested, [this](const QPoint& position) {
     if (menu_) menu_(position);
   });
-  connect(&List1_, &ui::ListBox::FilesDropped, this, &ProjectList::TakeDropped);
-  List1_.SetToolTips([this](int line) { return ToolTipOf(line); });
-  List1_.SetDragFiles([this] { return SelectedEntries(); });
+  On(&ui::ListBox::FilesDropped, [this](const std::vector<std::string>& paths) { TakeDropped(paths); });
+  List1_.SetToolTips([this](int line) {
+    QString text;
+    services_.forms().Guarded([&] { text = ToolTipOf(line); });
+    return text;
+  });
+  List1_.SetDragFiles([this] {
+    std::vector<std::string> files;
+    services_.forms().Guarded([&] { files = FilesOfDrag(); });
+    return files;
+  });
 }
 
 void ProjectList::SelectFocusLineIfNone() {
@@ -53,8 +63,9 @@ void ProjectList::SelectFocusLineIfNone() {
 }
 
 QString ProjectList::ToolTipOf(int line) const {
+  if (List1_.line(line).data > static_cast<int64_t>(project_.ProjectItems().Highest())) return {};
   const std::string& entry = project_.EntryOf(line);
-  const QString text = ui::DisplayText(entry);
+  const QString text = ui::ShortDisplayText(entry);
   if (line == 0) return text;
   switch (KindOf(entry)) {
     case EntryKind::kReadOnlyShortcut:
@@ -86,8 +97,8 @@ void ProjectList::mnuOpenFromList_Click() {
 ProjectList::Opened ProjectList::OpenSelected(services::PathFilter& filter) {
   const ui::Hourglass hourglass;
   // The list may change whenever events are let through.
-  for (int line = 1; line < List1_.count(); ++line) {
-    if (!List1_.Selected(line)) continue;
+  for (const int line : List1_.SelectedLines()) {
+    if (line < 1 || line >= List1_.count() || !List1_.Selected(line)) continue;
     List1_.SetListIndex(line);
     const Opened opened = OpenEntry(project_.EntryOf(line), filter);
     if (opened != Opened::kAll) return opened;
@@ -96,12 +107,13 @@ ProjectList::Opened ProjectList::OpenSelected(services::PathFilter& filter) {
   return Opened::kAll;
 }
 
-ProjectList::Opened ProjectList::OpenEntry(const std::string& entry, services::PathFilter& filter) {
+ProjectList::Opened ProjectList::OpenEntry(std::string entry, services::PathFilter& filter) {
   const files::Path path = services_.MakeAbsolute(entry);
   std::string opened = path.native();
   if (KindOf(entry) == EntryKind::kReadOnlyShortcut) {
-    const int answer = services_.fncYesNoAll(
-        tr("Linked item: %1\r\n\r\nShould I open this item in its external application?").arg(ui::DisplayText(entry)));
+    const int answer =
+        services_.fncYesNoAll(tr("Linked item: %1\r\n\r\nShould I open this item in its external application?")
+                                  .arg(ui::ShortDisplayText(entry)));
     ui::LetPendingEventsRun();
     if (answer == kCancel) return Opened::kCancelled;
     if (answer == kYes) services_.OpenDocument(opened);
@@ -130,12 +142,7 @@ bool ProjectList::CanBeRead(const std::string& entry, const files::Path& path) {
 
 // Opens what the user picks; with the focus on an entry the entry stands for that from now on.
 void ProjectList::PickDocument(const services::PathFilter& filter) {
-  const files::Path chosen = services_.ShowOpenDialog({.owner = services_.forms().at(0),
-                                                       .defaultExtension = filter.extension,
-                                                       .filter = services_.documentFilter(),
-                                                       .flags = services::kCreatePrompt + services::kHideReadOnly,
-                                                       .title = tr("Select a document to open"),
-                                                       .filterIndex = filter.index});
+  const files::Path chosen = services::AskForDocument(services_, filter);
   if (chosen.empty()) return;
   if (List1_.ListIndex() >= 1) project_.ReplaceEntryOf(List1_.ListIndex(), chosen.native());
   std::string path = chosen.native();
@@ -145,6 +152,8 @@ void ProjectList::PickDocument(const services::PathFilter& filter) {
 
 void ProjectList::mnuListEditPrj_Click() {
   const ui::CommandScope scope;
+  // A project without a name has no file yet.
+  if (project_.ProjectFile.empty() && project_.mnuSaveProjectAs_Click() != Saved::kYes) return;
   if (!services_.fncconfirm("Project")) return;
   ui::LetPendingEventsRun();
   std::string path = project_.ProjectFile;
@@ -166,10 +175,11 @@ void ProjectList::mnuLinkAdd_Click() {
        .title = tr("Select a file to create a read-only shortcut for")});
   if (chosen.empty()) return;
   std::string path = chosen.native();
-  if (!EndsWithLnk(path)) path += ".lnk";
+  if (!files::EndsWithAnyCase(path, "lnk")) path += ".lnk";
   const ui::Answer answer = services_.dialogs().ShowMessage(
-      services_.forms().at(0), {tr("Add a read-only shortcut to the project for\r\n%1 ?").arg(ui::DisplayText(path)),
-                                ui::Buttons::kYesNo, ui::Icon::kInformation});
+      services_.forms().at(0),
+      {tr("Add a read-only shortcut to the project for\r\n%1 ?").arg(ui::ShortDisplayText(path)), ui::Buttons::kYesNo,
+       ui::Icon::kInformation});
   if (answer == ui::Answer::kYes) project_.AddNewDocOrLink(path);
 }
 
@@ -178,18 +188,20 @@ void ProjectList::RemoveFromProject(bool confirm) {
   confirm ? services_.AskEach() : services_.AnswerAllYes();
   if (List1_.ListIndex() < 1) return;
   SelectFocusLineIfNone();
-  std::vector<bool> marked(project_.ProjectItems().Highest() + 1);
-  for (int line = 1; line < List1_.count(); ++line) {
-    if (!List1_.Selected(line)) continue;
+  std::vector<std::pair<size_t, std::string>> agreed;
+  for (const int line : List1_.SelectedLines()) {
+    if (line < 1 || line >= List1_.count() || !List1_.Selected(line)) continue;
     const auto index = static_cast<size_t>(List1_.line(line).data);
-    const QString question = tr("Remove %1\r\nfrom the project?").arg(ui::DisplayText(project_.EntryOf(line)));
-    const int answer = services_.fncYesNoAll(question);
+    const std::string entry = project_.EntryOf(line);
+    const int answer = services_.fncYesNoAll(tr("Remove %1\r\nfrom the project?").arg(ui::ShortDisplayText(entry)));
     ui::LetPendingEventsRun();
     if (answer == kCancel) break;
-    marked.resize(project_.ProjectItems().Highest() + 1);
-    if (index < marked.size()) marked[index] = answer == kYes;
+    if (answer == kYes) agreed.emplace_back(index, entry);
   }
-  marked.resize(project_.ProjectItems().Highest() + 1);
+  // The table may be another one by now.
+  std::vector<bool> marked(project_.ProjectItems().Highest() + 1);
+  for (const auto& [index, entry] : agreed)
+    if (index < marked.size() && project_.ProjectItems()[index] == entry) marked[index] = true;
   project_.Remove(marked);
 }
 
@@ -212,6 +224,13 @@ std::vector<std::string> ProjectList::SelectedEntries() {
   for (const int line : List1_.SelectedLines())
     if (line >= 1) entries.push_back(project_.EntryOf(line));
   return entries;
+}
+
+// Another program knows nothing of the current directory.
+std::vector<std::string> ProjectList::FilesOfDrag() {
+  std::vector<std::string> files = SelectedEntries();
+  for (std::string& file : files) file = services_.MakeAbsolute(file).native();
+  return files;
 }
 
 void ProjectList::mnuCopyListPath_Click() {

@@ -34,13 +34,17 @@ class ProjectList : public QObject {
   enum class Opened { kAll, kCancelled, kFailed };
 
   void ConnectList();
+  // Calls the handler when the list sends the signal; what it throws goes no further.
+  template <class Signal, class Handler>
+  void On(Signal signal, Handler handler);
   void SelectFocusLineIfNone();
   Opened OpenSelected(services::PathFilter& filter);
-  Opened OpenEntry(const std::string& entry, services::PathFilter& filter);
+  Opened OpenEntry(std::string entry, services::PathFilter& filter);
   bool CanBeRead(const std::string& entry, const files::Path& path);
   void PickDocument(const services::PathFilter& filter);
   void RemoveFromProject(bool confirm);
   std::vector<std::string> SelectedEntries();
+  std::vector<std::string> FilesOfDrag();
   void TakeDropped(const std::vector<std::string>& paths);
 
   services::Services& services_;

@@ -16,7 +16,7 @@
 namespace ui {
 class ChildArea;
 class Shell;
-}
+}  // namespace ui
 
 namespace services {
 
@@ -31,7 +31,6 @@ enum FileDialogFlag : int {
   kOverwritePrompt = 2,
   kHideReadOnly = 4,  // there is no such box on this desktop
   kNoChangeDir = 8,
-  kNoValidate = 256,
   kFileMustExist = 4096,
   kCreatePrompt = 8192,
   kNoDereferenceLinks = 1048576,  // a chosen link is given back itself

@@ -71,6 +71,7 @@ files::Path CommonDialogAPI::Show(const services::FileDialog& dialog, bool save)
   request.folder = dialog.initialDirectory.empty() ? directory_.path() : dialog.initialDirectory;
   if (dialog.initialFile.is_absolute()) request.folder = dialog.initialFile.parent_path();
   request.name = CutName(dialog.initialFile.filename());
+  request.keepLinks = dialog.flags & services::kNoDereferenceLinks;
   for (;;) {
     auto chosen = dialogs_.PickFile(dialog.owner, request);
     if (!chosen || chosen->empty()) return {};

@@ -36,9 +36,10 @@ struct FileRequest {
   bool save = false;
   QString title;  // empty = the desktop's own
   std::vector<FileFilter> filters;
-  int filterIndex = 1;  // from 1
-  files::Path folder;   // where to begin; empty = wherever the desktop begins
-  files::Path name;     // proposed, without a folder
+  int filterIndex = 1;     // from 1
+  files::Path folder;      // where to begin; empty = wherever the desktop begins
+  files::Path name;        // proposed, without a folder
+  bool keepLinks = false;  // a chosen link is given back itself
 };
 
 struct FontChoice {

@@ -12,4 +12,16 @@ class Hourglass {
   Hourglass& operator=(const Hourglass&) = delete;
 };
 
+// While one lives no hourglass is shown: the user is asked something.
+class NoHourglass {
+ public:
+  NoHourglass();
+  ~NoHourglass();
+  NoHourglass(const NoHourglass&) = delete;
+  NoHourglass& operator=(const NoHourglass&) = delete;
+
+ private:
+  int taken_ = 0;
+};
+
 }  // namespace ui

@@ -10,6 +10,9 @@ namespace ui {
 namespace {
 
 constexpr QChar kUnknown(0xFFFD);
+constexpr QChar kEllipsis(0x2026);
+constexpr qsizetype kHalfShown = 500;          // characters of each end of a long text
+constexpr size_t kHalfBytes = 4 * kHalfShown;  // which hold that many in any case
 
 // The only entry of the folder that shows as `name`.
 std::optional<std::string> OnlyEntryShownAs(const files::Path& folder, const QString& name) {
@@ -30,6 +33,17 @@ QString DisplayText(std::string_view bytes) {
   for (QChar& c : text)
     if (c.unicode() < 0x20 || c.unicode() == 0x7F) c = kUnknown;
   return text;
+}
+
+QString ShortDisplayText(std::string_view bytes) {
+  const bool cut = bytes.size() > 2 * kHalfBytes;
+  QString head = DisplayText(cut ? bytes.substr(0, kHalfBytes) : bytes);
+  if (!cut && head.size() <= 2 * kHalfShown) return head;
+  QString tail = (cut ? DisplayText(bytes.substr(bytes.size() - kHalfBytes)) : head).right(kHalfShown);
+  head.truncate(kHalfShown);
+  if (head.back().isHighSurrogate()) head.chop(1);
+  if (tail.front().isLowSurrogate()) tail.remove(0, 1);
+  return head + kEllipsis + tail;
 }
 
 QString PlainToolTip(const QString& text) {

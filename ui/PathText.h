@@ -13,6 +13,9 @@ namespace ui {
 // For display only: bytes that are not UTF-8 and control characters show as U+FFFD.
 QString DisplayText(std::string_view bytes);
 
+// The same, but of a long text only the beginning and the end, with an ellipsis between: about a thousand characters.
+QString ShortDisplayText(std::string_view bytes);
+
 // "&" doubled, for menus and buttons.
 QString DoubleAmpersands(QString text);
 

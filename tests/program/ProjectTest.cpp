@@ -148,6 +148,7 @@ TEST_F(ProjectTest, WhatAnotherProgramWroteIsNotReplacedUnasked) {
   dialogs.Message(
       File(At("p.prj"), "has been changed by another program since it was opened.  Do you want to replace it?"),
       ui::Buttons::kYesNo, ui::Icon::kQuestion, Answer::kNo);
+  dialogs.File(std::nullopt);  // another name, then
   Model().mnuSaveProject_Click();
   EXPECT_EQ(Bytes(At("p.prj")), "/no/somebody else's\r\n\r\n");
   EXPECT_FALSE(Model().ProjectSaved);

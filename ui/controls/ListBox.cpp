@@ -1,6 +1,7 @@
 #include "ui/controls/ListBox.h"
 
 #include "ui/PathText.h"
+#include "ui/PendingEvents.h"
 #include "ui/controls/FocusFrame.h"
 #include "ui/desktop/DroppedFiles.h"
 
@@ -26,7 +27,7 @@ class ListBox::Model : public QAbstractListModel {
   }
   QVariant data(const QModelIndex& index, int role) const override {
     if (role != Qt::DisplayRole && role != Qt::AccessibleTextRole) return {};
-    return DisplayText(lines[static_cast<size_t>(index.row())].text);
+    return ShortDisplayText(lines[static_cast<size_t>(index.row())].text);
   }
   void Replace(std::vector<ListLine> with) {
     beginResetModel();
@@ -137,15 +138,17 @@ bool ListBox::viewportEvent(QEvent* event) {
 }
 
 bool ListBox::ShowToolTip(const QHelpEvent& event) {
-  const QModelIndex hit = indexAt(event.pos());
-  const QString text = hit.isValid() && toolTip_ ? toolTip_(hit.row()) : QString();
-  QToolTip::showText(event.globalPos(), PlainToolTip(text), viewport(), visualRect(hit));
+  const int line = ItemFromPoint(event.pos());
+  const QString text = line >= 0 && line < count() && toolTip_ ? toolTip_(line) : QString();
+  const QRect place = visualRect(indexAt(event.pos()));  // none below the last line
+  QToolTip::showText(event.globalPos(), PlainToolTip(text), viewport(), place);
   return true;
 }
 
 // A press with a modifier only arms a drag; let go before the pointer has moved it is the ordinary click.
 void ListBox::mousePressEvent(QMouseEvent* event) {
   dragging_ = false;
+  armed_.reset();
   if (event->button() == Qt::RightButton) return;  // contextMenuEvent does it
   const bool modified = event->modifiers() & (Qt::ShiftModifier | Qt::ControlModifier | Qt::AltModifier);
   if (event->button() == Qt::LeftButton && modified && dragFiles_) {
@@ -169,7 +172,7 @@ void ListBox::mouseDoubleClickEvent(QMouseEvent* event) {
   dragging_ = false;
   armed_.reset();
   if (event->button() != Qt::LeftButton || !indexAt(event->pos()).isValid()) return;
-  QTimer::singleShot(0, this, &ListBox::Opened);
+  AfterThisEvent([this] { Q_EMIT Opened(); });
 }
 
 void ListBox::contextMenuEvent(QContextMenuEvent* event) {
@@ -205,25 +208,29 @@ void ListBox::keyReleaseEvent(QKeyEvent* event) {
 void ListBox::focusInEvent(QFocusEvent* event) {
   QListView::focusInEvent(event);
   viewport()->update();  // the base class repaints the lines, which may be none
-  Q_EMIT FocusGained();
+  // A press selects by itself.
+  if (event->reason() != Qt::MouseFocusReason) Q_EMIT FocusGained();
 }
 
 void ListBox::focusOutEvent(QFocusEvent* event) {
   QListView::focusOutEvent(event);
   viewport()->update();
   // A menu or another window in front is no other pane.
-  if (event->reason() != Qt::PopupFocusReason && event->reason() != Qt::ActiveWindowFocusReason) Q_EMIT FocusLost();
+  const Qt::FocusReason reason = event->reason();
+  if (reason == Qt::PopupFocusReason || reason == Qt::MenuBarFocusReason || reason == Qt::ActiveWindowFocusReason)
+    return;
+  Q_EMIT FocusLost();
 }
 
 // --- Drag and drop
 
 void ListBox::StartDrag() {
   armed_.reset();
-  const std::vector<std::string> files = dragFiles_();
-  if (files.empty()) return;
+  auto files = MimeDataOfFiles(dragFiles_());
+  if (!HoldsFiles(*files)) return;
   dragging_ = true;
   auto* drag = new QDrag(this);
-  drag->setMimeData(MimeDataOfFiles(files).release());
+  drag->setMimeData(files.release());
   drag->exec(Qt::CopyAction);
   dragging_ = false;
 }
@@ -246,7 +253,12 @@ void ListBox::dropEvent(QDropEvent* event) {
   event->setDropAction(Qt::CopyAction);
   event->setAccepted(AcceptsDrop(*event));
   if (!event->isAccepted()) return;
-  QTimer::singleShot(0, this, [this, files = FilesOf(*event->mimeData())] { Q_EMIT FilesDropped(files); });
+  AfterThisEvent([this, files = FilesOf(*event->mimeData())] { Q_EMIT FilesDropped(files); });
+}
+
+// The event may have come in the middle of a command.
+void ListBox::AfterThisEvent(std::function<void()> call) {
+  QTimer::singleShot(0, this, [this, call = std::move(call)] { AfterCommand(this, call); });
 }
 
 }  // namespace ui

@@ -15,7 +15,8 @@ struct ListLine {
   int64_t data = 0;  // what the owner knows the line by
 };
 
-// Lines are named by their index from 0. Every operation on one line costs O(1), on all of them O(count).
+// Lines are named by their index from 0. An operation on one line costs O(1), on all of them O(count); what
+// is about the selection costs O(stretches of selected lines) besides.
 class ListBox : public QListView {
   Q_OBJECT
 
@@ -51,13 +52,14 @@ class ListBox : public QListView {
   bool dragging() const { return dragging_; }
 
  Q_SIGNALS:
-  void Opened();             // double click or Enter
+  void Opened();             // double click (from the event loop, outside of commands) or Enter
   void Deleted(bool shift);  // the Delete key was let go
-  void FocusGained();
+  void FocusGained();        // not by a press, which selects by itself
   void FocusLost();
   // A line was pressed with the right button, or the menu key was. The line is selected and has the focus by then.
   void MenuRequested(const QPoint& globalPosition);
-  void FilesDropped(const std::vector<std::string>& paths);  // from the event loop, after the drop was answered
+  // From the event loop, after the drop was answered and outside of commands.
+  void FilesDropped(const std::vector<std::string>& paths);
 
  protected:
   bool viewportEvent(QEvent* event) override;
@@ -81,6 +83,7 @@ class ListBox : public QListView {
   bool AcceptsDrop(const QDropEvent& event) const;
   void StartDrag();
   bool ShowToolTip(const QHelpEvent& event);
+  void AfterThisEvent(std::function<void()> call);
 
   Model* model_;
   std::function<QString(int)> toolTip_;

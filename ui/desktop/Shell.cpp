@@ -1,5 +1,6 @@
 #include "ui/desktop/Shell.h"
 
+#include "files/AnyCase.h"
 #include "files/OpenFile.h"
 
 #include <algorithm>
@@ -7,7 +8,6 @@
 #include <gio/gio.h>
 #include <memory>
 #include <optional>
-#include <strings.h>
 
 namespace ui {
 namespace {
@@ -20,19 +20,13 @@ using Owned = std::unique_ptr<T, Deleter>;
 
 constexpr int64_t kMaxLinkBytes = 65536;
 
-bool IsSameText(std::string_view a, std::string_view b) {
-  return a.size() == b.size() && strncasecmp(a.data(), b.data(), a.size()) == 0;
-}
-bool EndsWith(std::string_view text, std::string_view end) {
-  return text.size() >= end.size() && IsSameText(text.substr(text.size() - end.size()), end);
-}
 std::string_view SchemeOf(std::string_view text) {
   return text.substr(0, text.find(':'));
 }
 bool MayBeLinkedTo(std::string_view address) {
   constexpr std::string_view kSchemes[] = {"http", "https", "mailto"};
   return HasScheme(address) && std::ranges::any_of(kSchemes, [scheme = SchemeOf(address)](std::string_view allowed) {
-           return IsSameText(scheme, allowed);
+           return files::SameAnyCase(scheme, allowed);
          });
 }
 
@@ -63,7 +57,7 @@ int OpenFile(const std::string& path) {
   const Owned<GFileInfo> info(
       g_file_query_info(file.get(), G_FILE_ATTRIBUTE_STANDARD_CONTENT_TYPE, G_FILE_QUERY_INFO_NONE, nullptr, nullptr));
   if (!info) return Shell::kNotFound;
-  if (EndsWith(path, ".url") || EndsWith(path, ".desktop")) {
+  if (files::EndsWithAnyCase(path, ".url") || files::EndsWithAnyCase(path, ".desktop")) {
     const auto link = ReadLink(path);
     const std::string address = link ? AddressOfLink(*link) : std::string();
     if (!address.empty()) return OpenAddress(address);
@@ -75,7 +69,8 @@ int OpenFile(const std::string& path) {
 }
 
 std::optional<std::string> FindProgram(const std::string& program) {
-  for (const std::string& name : {program, EndsWith(program, ".exe") ? program.substr(0, program.size() - 4) : ""}) {
+  for (const std::string& name :
+       {program, files::EndsWithAnyCase(program, ".exe") ? program.substr(0, program.size() - 4) : ""}) {
     if (name.empty()) continue;
     const std::unique_ptr<char, decltype(&g_free)> found(g_find_program_in_path(name.c_str()), g_free);
     if (found) return std::string(found.get());
@@ -113,8 +108,8 @@ std::string AddressOfLink(std::string_view link) {
     link.remove_prefix(std::min(link.size(), line.size() + 1));
     while (line.ends_with('\r') || line.ends_with(' ')) line.remove_suffix(1);
     if (line.starts_with('[')) {
-      inside = IsSameText(line, "[InternetShortcut]") || line == "[Desktop Entry]";
-    } else if (inside && IsSameText(line.substr(0, 4), "URL=")) {
+      inside = files::SameAnyCase(line, "[InternetShortcut]") || line == "[Desktop Entry]";
+    } else if (inside && files::SameAnyCase(line.substr(0, 4), "URL=")) {
       const std::string_view address = line.substr(4);
       return MayBeLinkedTo(address) ? std::string(address) : std::string();
     }
@@ -133,8 +128,8 @@ int DesktopShell::Run(const std::string& program, const std::vector<std::string>
                       const files::Path& directory) {
   const auto found = FindProgram(program);
   if (!found) {
-    if (IsSameText(program, "Notepad.exe")) return RunStandIn("text/plain", arguments);
-    if (IsSameText(program, "Wordpad.exe")) return RunStandIn("application/rtf", arguments);
+    if (files::SameAnyCase(program, "Notepad.exe")) return RunStandIn("text/plain", arguments);
+    if (files::SameAnyCase(program, "Wordpad.exe")) return RunStandIn("application/rtf", arguments);
     return kNotFound;
   }
   std::vector<char*> argv = {const_cast<char*>(found->c_str())};

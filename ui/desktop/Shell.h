@@ -22,7 +22,8 @@ class Shell {
 
   // A text with a scheme goes to the scheme's handler, a file or folder (an absolute path) to the default application
   // of its type. Of a .url or .desktop link the address is opened, if it is http, https or mailto. What is opened is
-  // never run itself, whatever its mode.
+  // never run itself, whatever its mode. The program begins in the folder where this one was started: the desktop's
+  // library sets no other.
   virtual int Open(const std::string& pathOrAddress) = 0;
 
   // Starts a program that the user or a setting names: a path, or a name on PATH, with or without ".exe" at its end.

@@ -1,6 +1,7 @@
 #include "ui/dialogs/QtDialogs.h"
 
 #include "ui/Forms.h"
+#include "ui/Hourglass.h"
 #include "ui/PathText.h"
 #include "ui/PendingEvents.h"
 #include "ui/dialogs/FontForm.h"
@@ -58,6 +59,7 @@ void Prepare(QFileDialog& dialog, const FileRequest& request) {
   dialog.setAcceptMode(request.save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
   dialog.setFileMode(QFileDialog::AnyFile);
   dialog.setOption(QFileDialog::DontConfirmOverwrite);
+  dialog.setOption(QFileDialog::DontResolveSymlinks, request.keepLinks);
   if (!request.title.isEmpty()) dialog.setWindowTitle(request.title);
   QStringList filters;
   for (const FileFilter& filter : request.filters) filters += NameFilterOf(filter);
@@ -72,6 +74,7 @@ void Prepare(QFileDialog& dialog, const FileRequest& request) {
 
 Answer QtDialogs::ShowMessage(Form* owner, const Message& message) {
   const CommandScope scope;
+  const NoHourglass pointer;
   QString text = message.text;
   text.replace(QLatin1String("\r\n"), QLatin1String("\n"));
   QMessageBox box(WidgetOf(owner));
@@ -97,6 +100,7 @@ Answer QtDialogs::ShowMessage(Form* owner, const Message& message) {
 
 std::optional<files::Path> QtDialogs::PickFile(Form* owner, const FileRequest& request) {
   const CommandScope scope;
+  const NoHourglass pointer;
   QFileDialog dialog(WidgetOf(owner));
   Prepare(dialog, request);
   if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return std::nullopt;
@@ -113,6 +117,7 @@ std::optional<FontChoice> QtDialogs::PickFont(Form* owner, const FontChoice& ini
 
 bool QtDialogs::ShowModal(ModalForm& form) {
   const CommandScope scope;
+  const NoHourglass pointer;
   return form.exec() == QDialog::Accepted;
 }
 

@@ -1,5 +1,6 @@
 #include "ui/frame/FrameForm.h"
 
+#include "ui/PendingEvents.h"
 #include "ui/controls/Icons.h"
 #include "ui/desktop/DroppedFiles.h"
 #include "ui/frame/LeftPane.h"
@@ -67,8 +68,9 @@ class FrameForm::Window : public QMainWindow {
   void dropEvent(QDropEvent* event) override {
     AcceptDrop(*event);
     if (!event->isAccepted()) return;
+    // The drop may have come in the middle of a command.
     QTimer::singleShot(0, this, [this, files = FilesOf(*event->mimeData())] {
-      owner_.forms().Guarded([&] { takeDrop_(files); });
+      AfterCommand(this, [this, files] { owner_.forms().Guarded([&] { takeDrop_(files); }); });
     });
   }
 
