@@ -11,11 +11,6 @@
 #include <QCoreApplication>
 
 namespace documents {
-namespace {
-
-constexpr int kFileNotFound = 53, kPathAccess = 75;
-
-}  // namespace
 
 DocumentTable::DocumentTable(services::Services& services) : services_(services), Documents_(1), DocInfo_(1) {}
 
@@ -67,9 +62,16 @@ void DocumentTable::Release(int slot) {
 
 frmText& DocumentTable::MakeWindow(std::string caption) {
   const int slot = GetFreeDocIndex();
-  Documents_[slot] = std::make_unique<frmText>(services_, *this, slot);
-  DocInfo_[slot].Changed = false;
-  Documents_[slot]->SetCaption(caption.empty() ? "Untitled:" + std::to_string(slot) : std::move(caption));
+  try {
+    Documents_[slot] = std::make_unique<frmText>(services_, *this, slot);
+    DocInfo_[slot].Changed = false;
+    if (caption.empty()) caption.append(kUntitledNumber).append(std::to_string(slot));
+    Documents_[slot]->SetCaption(std::move(caption));
+  } catch (...) {
+    Documents_[slot].reset();
+    Release(slot);
+    throw;
+  }
   return *Documents_[slot];
 }
 
@@ -87,7 +89,7 @@ ReadDocument DocumentTable::Read(const files::Path& path, bool rich) {
   ReadDocument read;
   const auto stamp = files::StampOf(path);
   const QString text = QCoreApplication::translate("Documents", "Opening %1").arg(ui::DisplayText(path.native()));
-  services_.dialogs().RunWork(nullptr, text, stamp ? stamp->size : 0, [&](ui::WorkPort& port) {
+  services_.dialogs().RunWork(services_.forms().at(0), text, stamp ? stamp->size : 0, [&](ui::WorkPort& port) {
     read = ReadDocumentFile(path, rich, [&port](int64_t bytes) { return port.Report(bytes); });
   });
   return read;
@@ -111,8 +113,9 @@ void DocumentTable::TakeRead(ui::FormId form, ReadDocument read) {
     window->Unload();
     return;
   }
-  if (read.error && read.error->number != kFileNotFound && read.error->number != kPathAccess) {
-    services::ShowError(services_.dialogs(), nullptr, services::ErrorText(window->caption(), *read.error));
+  if (read.error && read.error->number != files::kFileNotFound && read.error->number != files::kPathAccess) {
+    services::ShowError(services_.dialogs(), services_.forms().at(0),
+                        services::ErrorText(window->caption(), *read.error));
     if ((window = Find(form))) window->Unload();
     return;
   }
@@ -130,12 +133,13 @@ bool DocumentTable::OpenRecovered(const files::RecoveryEntry& entry) {
   ReadDocument read = Read(entry.text, rich);
   if (read.cancelled) return false;
   if (read.error) {
-    services::ShowError(services_.dialogs(), nullptr, services::ErrorText(entry.text.native(), *read.error));
+    services::ShowError(services_.dialogs(), services_.forms().at(0),
+                        services::ErrorText(entry.text.native(), *read.error));
     return false;
   }
   // Its old number may be another document's by now.
   const std::string& name = entry.originalPath.native();
-  frmText& window = MakeWindow(name.starts_with("Untitled:") ? std::string() : name);
+  frmText& window = MakeWindow(name.starts_with(kUntitledNumber) ? std::string() : name);
   const ui::FormId form = window.id();
   if (!rich) window.SetDefaultFormat();
   services_.InitDocProperties(window.slot());

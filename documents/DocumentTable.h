@@ -6,12 +6,16 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace documents {
 
 class frmText;
 struct ReadDocument;
+
+// What a document is called that was never saved; with a colon and its slot until it gets an extension.
+constexpr std::string_view kUntitled = "Untitled", kUntitledNumber = "Untitled:";
 
 struct DocRecord {
   bool Free = false;     // no live window

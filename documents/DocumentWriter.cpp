@@ -51,11 +51,11 @@ files::Result<files::FileStamp> SaveDocument(const files::Path& path, const file
   }
 }
 
-files::Result<files::RecoveryEntry> RescueDocument(const files::Path& recoveryFolder,
-                                                   const RescuedText& text) noexcept {
+files::Result<files::RecoveryEntry> RescueDocument(const files::Path& recoveryFolder, const RescuedText& text,
+                                                   const text::Progress& progress) noexcept {
   try {
     return files::WriteRecovery(recoveryFolder, text.path, text.kind,
-                                [&](const files::ByteSink& sink) { return WriteDocument(text.bytes, {}, sink); });
+                                [&](const files::ByteSink& sink) { return WriteDocument(text.bytes, progress, sink); });
   } catch (const std::exception&) {
     return files::SystemError(ENOMEM, text.path);
   }

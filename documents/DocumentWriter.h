@@ -35,7 +35,8 @@ struct RescuedText {
   DocumentBytes bytes;
 };
 
-// Never throws.
-files::Result<files::RecoveryEntry> RescueDocument(const files::Path& recoveryFolder, const RescuedText& text) noexcept;
+// Never throws. Cancelled, it fails with ECANCELED and leaves nothing.
+files::Result<files::RecoveryEntry> RescueDocument(const files::Path& recoveryFolder, const RescuedText& text,
+                                                   const text::Progress& progress = {}) noexcept;
 
 }  // namespace documents

@@ -8,6 +8,8 @@
 
 #include <QEvent>
 
+#include <cerrno>
+
 namespace documents {
 namespace {
 
@@ -30,8 +32,10 @@ frmText::frmText(services::Services& services, DocumentTable& table, int slot)
 frmText::~frmText() = default;
 
 void frmText::ConnectEditor() {
-  connect(RichTextBox1_, &ui::RichTextBox::Change, this,
-          [this] { table_.DocInfo(slot_).Changed = RichTextBox1_->document().changed(); });
+  connect(RichTextBox1_, &ui::RichTextBox::Change, this, [this] {
+    // A window that has gone for the program still exists for a while; its slot may be another's.
+    if (!unloaded_) table_.DocInfo(slot_).Changed = RichTextBox1_->document().changed();
+  });
   connect(RichTextBox1_, &ui::RichTextBox::SelChange, this, &frmText::UpdateSelectionState);
   connect(RichTextBox1_, &ui::RichTextBox::OvertypeChanged, this, [this](bool on) { services_.ShowOvertype(on); });
   connect(RichTextBox1_, &ui::RichTextBox::ContextMenuRequested, this,
@@ -43,7 +47,7 @@ void frmText::ConnectEditor() {
 }
 
 bool frmText::eventFilter(QObject* watched, QEvent* event) {
-  if (watched == RichTextBox1_ && event->type() == QEvent::FocusIn) {
+  if (watched == RichTextBox1_ && !unloaded_ && event->type() == QEvent::FocusIn) {
     Activate();
     ShowState();
   }
@@ -84,11 +88,17 @@ void frmText::MarkRecovered(const files::RecoveryEntry& entry) {
   // The file was not read now: it is replaced unasked only when it still is what this text was made from.
   const RecoveryKind kind = RecoveryKindOf(entry.kind);
   origin_ = {};
-  origin_.stamp = kind.original;
-  // Some volumes have another device number after each start of the system.
-  auto now = files::StampOf(path());
-  if (now && kind.original) now->device = kind.original->device;
-  if (now == kind.original) origin_.stamp = files::StampOf(path());
+  if (!entry.complete) {
+    origin_.fileHas = Origin::FileHas::kTheWholeText;
+  } else if (entry.kind.empty()) {
+    origin_.fileHas = Origin::FileHas::kWhatASaveLeft;
+  } else {
+    origin_.stamp = kind.original;
+    // Some volumes have another device number after each start of the system.
+    auto now = files::StampOf(path());
+    if (now && kind.original) now->device = kind.original->device;
+    if (now == kind.original) origin_.stamp = files::StampOf(path());
+  }
   origin_.recovered = {entry};
   if (!IsCutShort(entry)) origin_.kept = RichTextBox1_->document().content();
   origin_.notRtf = IsRichName(caption()) && !entry.kind.empty() && !kind.rich;
@@ -114,6 +124,7 @@ bool frmText::QueryUnload() {
   if (unloaded_) return true;
   if (asking_) return false;
   rescue_ = false;
+  asked_ = RichTextBox1_->document().content();
   if (!table_.DocInfo(slot_).Changed) return true;
   asking_ = true;
   const QString text = tr("The text in [%1] has changed.\r\nDo you want to save the changes?");
@@ -121,19 +132,28 @@ bool frmText::QueryUnload() {
       this, {text.arg(ui::DisplayText(caption())), ui::Buttons::kYesNoCancel, ui::Icon::kExclamation});
   ui::LetPendingEventsRun();
   // Text that an input method delivered during the save is not in the file either.
-  if (answer == ui::Answer::kYes && !unloaded_)
+  if (answer == ui::Answer::kYes && !unloaded_) {
     rescue_ = mnuSaveFile_Click() != SaveOutcome::kSaved || table_.DocInfo(slot_).Changed;
+    asked_ = RichTextBox1_->document().content();
+  }
   asking_ = false;
+  if (answer == ui::Answer::kCancel) asked_.reset();
   return answer != ui::Answer::kCancel;
+}
+
+bool frmText::IsAsAsked() const {
+  return !asked_ || RichTextBox1_->document().content().SameAs(*asked_);
 }
 
 bool frmText::Unload() {
   if (unloaded_) return true;
+  if (!IsAsAsked() && !QueryUnload()) return false;
   if (rescue_ && !WriteRecovery()) {
     rescue_ = false;
     return false;
   }
   ui::LetPendingEventsRun();
+  if (!IsAsAsked()) return Unload();
   if (unloaded_) return true;
   unloaded_ = true;
   ForgetRecovered(false);
@@ -151,10 +171,11 @@ bool frmText::Unload() {
 }
 
 // Saved, written anew to the recovery folder, or given up by the user: the old copy has done its work. But what was cut
-// short becomes useless only when that very file has been saved.
+// short becomes useless only when that very file has been saved; a text that never had one, by any save.
 void frmText::ForgetRecovered(bool saved) {
   std::erase_if(origin_.recovered, [&](const files::RecoveryEntry& entry) {
-    if (IsCutShort(entry) && !(saved && files::SamePath(entry.originalPath, path()))) return false;
+    const bool itsFile = !entry.originalPath.is_absolute() || files::SamePath(entry.originalPath, path());
+    if (IsCutShort(entry) && !(saved && itsFile)) return false;
     // When it cannot be removed it is offered once more, which loses nothing.
     static_cast<void>(files::RemoveRecovery(entry));
     return true;
@@ -174,17 +195,20 @@ bool frmText::WriteRecovery() {
   const RescuedText rescued = TextToRescue();
   std::optional<files::Error> error;
   services_.dialogs().RunWork(this, tr("Saving %1").arg(ui::DisplayText(caption())),
-                              rescued.bytes.content.sums().bytes.value(), [&](ui::WorkPort&) {
-                                const auto written = RescueDocument(services_.recoveryFolder(), rescued);
+                              rescued.bytes.content.sums().bytes.value(), [&](ui::WorkPort& port) {
+                                const auto written =
+                                    RescueDocument(services_.recoveryFolder(), rescued,
+                                                   [&port](int64_t done) { return port.Report(done); });
                                 if (!written) error = written.error();
                               });
-  if (error) services::ShowError(services_.dialogs(), this, services::ErrorText(caption(), *error));
+  if (error && error->systemError != ECANCELED)
+    services::ShowError(services_.dialogs(), this, services::ErrorText(caption(), *error));
   return !error;
 }
 
 std::optional<files::Error> frmText::KeepText() {
   const text::Content content = RichTextBox1_->document().content();
-  const bool nothingTyped = content.size() == text::Units(0) && caption().starts_with("Untitled");
+  const bool nothingTyped = content.size() == text::Units(0) && caption().starts_with(kUntitled);
   if (unloaded_ || !table_.DocInfo(slot_).Changed || nothingTyped) return std::nullopt;
   if (origin_.kept && content.SameAs(*origin_.kept)) return std::nullopt;
   const auto written = RescueDocument(services_.recoveryFolder(), TextToRescue());

@@ -43,7 +43,9 @@ class frmText : public ui::ChildForm {
   // --- Closing, in two steps so that the end of the program can ask all windows before the first one goes
   bool Close() override;
   bool QueryUnload();  // asks about changed text; false = the window stays
-  bool Unload();       // false when a text that could not be saved could not be rescued either
+  // Asks again about text that came since. False when the answer was Cancel, or when a text that could not be saved
+  // could not be rescued either.
+  bool Unload();
   // Writes a changed text to the recovery folder, without a question or a message, at any moment; for an end that
   // nobody can be asked about. The text counts as kept until it is saved or given up.
   std::optional<files::Error> KeepText();
@@ -93,6 +95,8 @@ class frmText : public ui::ChildForm {
     bool loseElsewhere = false;     // the user agreed for a file of another name
     bool notRtf = false;            // an .rtf name, but the bytes were none, and nobody said what to write
     bool plainByChoice = false;     // the user said: the text it is
+    enum class FileHas { kWhatWasRead, kWhatASaveLeft, kTheWholeText };
+    FileHas fileHas = FileHas::kWhatWasRead;      // of a file that a recovered text was not made from
     std::vector<files::RecoveryEntry> recovered;  // entries that hold this text, claimed
     std::optional<text::Content> kept;            // what the last of them holds
   };
@@ -108,12 +112,14 @@ class frmText : public ui::ChildForm {
   DocumentBytes BytesToSave(const text::TextProperties& properties) const;
   Go AskReadOnly();
   Go AskChangedOnDisk();
+  QString WhyNotReplaced() const;
   Go AskFormat(text::TextProperties& properties);
   Go AskNotRtf();
   Go AskLost();
   Go AskEncoding(text::TextProperties& properties);
   Go Ask(const QString& text, ui::Buttons buttons, ui::Icon icon);
   bool WriteRecovery();
+  bool IsAsAsked() const;
   RescuedText TextToRescue() const;
   void TakeName(const files::Path& chosen);
   bool SavesAsPlain() const;
@@ -132,6 +138,7 @@ class frmText : public ui::ChildForm {
   FormatChecks checks_;
   QString LastFontName_;
   double LastFontSize_ = 0;
+  std::optional<text::Content> asked_;  // the text that the close prompt was about
   bool unloaded_ = false;
   bool rescue_ = false;  // the save that the closing asked for did not happen
   bool asking_ = false;  // the close prompt is open

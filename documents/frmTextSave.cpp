@@ -7,14 +7,12 @@
 
 #include <QCoreApplication>
 
+#include <algorithm>
 #include <cerrno>
 #include <strings.h>
 
 namespace documents {
 namespace {
-
-constexpr int kFileNotFound = 53;
-constexpr std::string_view kUntitled = "Untitled";
 
 bool EndsWithRtf(std::string_view path) {
   return path.size() >= 3 && strncasecmp(path.data() + path.size() - 3, "rtf", 3) == 0;
@@ -54,6 +52,20 @@ QString EncodingName(text::Encoding encoding) {
   return {};
 }
 
+enum class Fit { kAll, kNotAll, kCancelled };
+
+// Whether the encoding can hold every character.
+Fit FitOf(const text::Content& content, text::Encoding encoding, ui::WorkPort& port) {
+  constexpr int64_t kPortion = 1 << 22;
+  const int64_t size = content.size().value();
+  for (int64_t at = 0; at < size; at += kPortion) {
+    if (!port.Report(at)) return Fit::kCancelled;
+    const text::Range portion{text::Units(at), text::Units(std::min(size, at + kPortion))};
+    if (text::FirstUnencodable(content.Slice(content.Whole(portion)), encoding)) return Fit::kNotAll;
+  }
+  return Fit::kAll;
+}
+
 }  // namespace
 
 SaveOutcome frmText::mnuSaveFile_Click() {
@@ -61,7 +73,7 @@ SaveOutcome frmText::mnuSaveFile_Click() {
   if (caption().starts_with(kUntitled)) return RenameUntitledAndSaveAs();
   const auto attributes = files::GetAttributes(path());
   if (attributes) return SaveAttributed(attributes.value());
-  if (attributes.error().number == kFileNotFound) return SaveAttributed(0);
+  if (attributes.error().number == files::kFileNotFound) return SaveAttributed(0);
   return ReportSaveError(attributes.error(), 0);
 }
 
@@ -90,10 +102,14 @@ SaveOutcome frmText::SaveAttributed(int attributes) {
     if (const Go go = AskChangedOnDisk(); go != Go::kOn) return Follow(go);
   }
   if (unloaded_) return SaveOutcome::kCancelled;
+  const files::Path target = path();
   if (readOnly)
-    if (const auto cleared = files::SetReadOnly(path(), false); !cleared)
+    if (const auto cleared = files::SetReadOnly(target, false); !cleared)
       return ReportSaveError(cleared.error(), attributes);
-  return Write(attributes, properties);
+  const SaveOutcome outcome = Write(attributes, properties);
+  // What was not replaced stays as it was, read-only too; when that fails there has been a message already.
+  if (readOnly && outcome != SaveOutcome::kSaved) static_cast<void>(files::SetReadOnly(target, true));
+  return outcome;
 }
 
 SaveOutcome frmText::Follow(Go go) {
@@ -122,12 +138,24 @@ frmText::Go frmText::AskReadOnly() {
 frmText::Go frmText::AskChangedOnDisk() {
   const auto now = files::StampOf(path());
   if (!now || now == origin_.stamp) return Go::kOn;
-  const Go go =
-      Ask(origin_.stamp ? tr("has been changed by another program since it was opened.  Do you want to replace it?")
-                        : tr("did not exist when it was opened, but exists now.  Do you want to replace it?"),
-          ui::Buttons::kYesNoCancel, ui::Icon::kExclamation);
+  const Go go = Ask(WhyNotReplaced(), ui::Buttons::kYesNoCancel, ui::Icon::kExclamation);
   if (go == Go::kOn) origin_.stamp = now;
   return go;
+}
+
+QString frmText::WhyNotReplaced() const {
+  if (origin_.stamp) return tr("has been changed by another program since it was opened.  Do you want to replace it?");
+  switch (origin_.fileHas) {
+    case Origin::FileHas::kWhatWasRead:
+      break;
+    case Origin::FileHas::kWhatASaveLeft:
+      return tr(
+          "holds what a save that was cut short has left there.  Do you want to replace it by the recovered text?");
+    case Origin::FileHas::kTheWholeText:
+      return tr(
+          "is as it was, and of the recovered text only the beginning could be kept.  Do you want to replace it?");
+  }
+  return tr("did not exist when it was opened, but exists now.  Do you want to replace it?");
 }
 
 bool frmText::IsAsLoaded() const {
@@ -174,10 +202,10 @@ frmText::Go frmText::AskLost() {
 frmText::Go frmText::AskEncoding(text::TextProperties& properties) {
   if (properties.encoding == text::Encoding::kUtf8) return Go::kOn;
   const text::Content content = RichTextBox1_->document().content();
-  bool fits = true;
-  services_.dialogs().RunWork(this, tr("Saving %1").arg(ui::DisplayText(caption())), 0,
-                              [&](ui::WorkPort&) { fits = !text::FirstUnencodable(content, properties.encoding); });
-  if (fits) return Go::kOn;
+  Fit fit = Fit::kAll;
+  services_.dialogs().RunWork(this, tr("Saving %1").arg(ui::DisplayText(caption())), content.size().value(),
+                              [&](ui::WorkPort& port) { fit = FitOf(content, properties.encoding, port); });
+  if (fit != Fit::kNotAll) return fit == Fit::kAll ? Go::kOn : Go::kStop;
   const QString text = tr("contains characters that %1 cannot hold.  Save as UTF-8?");
   const Go go = Ask(text.arg(EncodingName(properties.encoding)), ui::Buttons::kYesNoCancel, ui::Icon::kExclamation);
   if (go == Go::kOn) {
@@ -222,6 +250,7 @@ SaveOutcome frmText::Write(int attributes, const text::TextProperties& propertie
 
 void frmText::Saved(const files::FileStamp& stamp, const DocumentBytes& written) {
   origin_.stamp = stamp;
+  origin_.fileHas = Origin::FileHas::kWhatWasRead;
   rescue_ = false;
   ForgetRecovered(true);
   if (unloaded_) return;
@@ -252,7 +281,7 @@ void frmText::TakeName(const files::Path& chosen) {
 
 SaveOutcome frmText::mnuSaveFileAs_Click() {
   const ui::CommandScope scope;
-  if (caption().starts_with("Untitled:")) return mnuSaveFile_Click();
+  if (caption().starts_with(kUntitledNumber)) return mnuSaveFile_Click();
   const services::PathFilter filter = services_.GetFilterForPath(caption());
   const files::Path chosen = services_.ShowSaveDialog({.owner = this,
                                                        .defaultExtension = filter.extension,
@@ -272,6 +301,7 @@ SaveOutcome frmText::mnuSaveFileAs_Click() {
   }
   TakeName(chosen);
   origin_.stamp = agreed;
+  origin_.fileHas = Origin::FileHas::kWhatWasRead;
   const SaveOutcome outcome = mnuSaveFile_Click();
   ui::LetPendingEventsRun();
   return outcome;

@@ -12,6 +12,9 @@ namespace files {
 // A path is bytes; names that are not valid UTF-8 are kept as they are.
 using Path = std::filesystem::path;
 
+// The program's error numbers that somebody asks for.
+constexpr int kFileNotFound = 53, kPathAccess = 75;
+
 struct Error {
   int number =
       0;  // the program's error number: 53 file not found, 75 path/file access error, 70 permission denied, ...

@@ -16,9 +16,6 @@
 namespace project {
 namespace {
 
-constexpr int kFileNotFound = 53;
-constexpr int64_t kMaxProjectBytes = int64_t{256} << 20;
-
 QString Tr(const char* text) {
   return QCoreApplication::translate("Project", text);
 }
@@ -58,17 +55,22 @@ void Project::FillList() {
 void Project::LoadProject() {
   const ui::CommandScope scope;
   const ui::Hourglass hourglass;
+  LeaveKept();
   ProjectItems_.Clear();
   List1_.SetLines({FirstLine()});  // a message about the file shows no lines without entries
   stamp_.reset();
   couldNotBeRead_ = false;
   if (!ProjectFile.empty()) ReadProjectFile();
-  FillList();
-  ShowCaption();
-  SelectListItem(0, true);
+  ShowProject();
   ProjectSaved = true;
   if (!ProjectFile.empty()) services_.AddToRecentFiles(ProjectFile);
   if (!services_.AnyDocumentOpen()) services_.ToolbarToggle(false);
+}
+
+void Project::ShowProject() {
+  FillList();
+  ShowCaption();
+  SelectListItem(0, true);
 }
 
 void Project::ReadProjectFile() {
@@ -76,13 +78,18 @@ void Project::ReadProjectFile() {
   auto bytes = file ? files::ReadAll(file.value(), kMaxProjectBytes) : files::Result<std::string>(file.error());
   if (!bytes) {
     // A project is made by a name that does not exist yet.
-    if (bytes.error().number == kFileNotFound) return;
+    if (bytes.error().number == files::kFileNotFound) return;
     couldNotBeRead_ = true;
     services::ShowError(services_.dialogs(), services_.forms().at(0), services::ErrorText(ProjectFile, bytes.error()));
     return;
   }
   stamp_ = file.value().stamp();
-  for (std::string& entry : ParseProjectFile(bytes.value())) ProjectItems_.Append(std::move(entry));
+  TakeEntries(bytes.value());
+}
+
+void Project::TakeEntries(std::string_view bytes) {
+  ProjectItems_.Clear();
+  for (std::string& entry : ParseProjectFile(bytes)) ProjectItems_.Append(std::move(entry));
   ProjectItems_.SetTooltip(Tr("Select this line to open a new document").toStdString());
 }
 
@@ -94,11 +101,8 @@ Saved Project::mnuSaveProject_Click() {
   const ui::CommandScope scope;
   // Who will not replace what is there means another name.
   if (ProjectFile.empty() || !MayReplaceFile()) return mnuSaveProjectAs_Click();
-  std::vector<std::string> entries;
-  for (size_t i = 1; i <= ProjectItems_.Highest(); ++i) entries.push_back(ProjectItems_[i]);
-  const auto saved =
-      files::SaveAtomically(ProjectFile, services_.recoveryFolder(),
-                            [bytes = FormatProjectFile(entries)](const files::ByteSink& sink) { return sink(bytes); });
+  const auto saved = files::SaveAtomically(ProjectFile, services_.recoveryFolder(),
+                                           [bytes = FileBytes()](const files::ByteSink& sink) { return sink(bytes); });
   if (!saved) {
     services::ShowError(services_.dialogs(), services_.forms().at(0), services::ErrorText(ProjectFile, saved.error()));
     return Saved::kFailed;
@@ -106,6 +110,7 @@ Saved Project::mnuSaveProject_Click() {
   stamp_ = saved.value();
   couldNotBeRead_ = false;
   ProjectSaved = true;
+  ForgetKept();
   ShowCaption();
   services_.AddToRecentFiles(ProjectFile);
   return Saved::kYes;
@@ -120,6 +125,7 @@ bool Project::MayReplaceFile() {
   const QString question =
       couldNotBeRead_ ? Tr("could not be read when it was opened.  Do you want to replace it?")
       : stamp_        ? Tr("has been changed by another program since it was opened.  Do you want to replace it?")
+      : kept_         ? Tr("may have been changed since the recovered project was kept.  Do you want to replace it?")
                       : Tr("has been made by another program meanwhile.  Do you want to replace it?");
   return services_.dialogs().ShowMessage(
              services_.forms().at(0),
@@ -173,10 +179,16 @@ bool Project::fncconfirm(std::string_view what) {
   const ui::Answer answer = services_.dialogs().ShowMessage(
       services_.forms().at(0),
       {text.arg(ui::DisplayText(ProjectFile)), ui::Buttons::kYesNoCancel, ui::Icon::kExclamation});
-  if (answer != ui::Answer::kYes) return answer == ui::Answer::kNo;
+  givenUp_ = answer == ui::Answer::kNo;
+  if (answer != ui::Answer::kYes) return givenUp_;
   const Saved saved = mnuSaveProject_Click();
   ui::LetPendingEventsRun();
-  return saved != Saved::kFailed;
+  if (saved != Saved::kCancelled) return saved == Saved::kYes;
+  // The caller goes on without a file.
+  const auto error = KeepProject();
+  if (error)
+    services::ShowError(services_.dialogs(), services_.forms().at(0), services::ErrorText(ProjectFile, *error));
+  return !error;
 }
 
 void Project::AddToProject(size_t index) {

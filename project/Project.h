@@ -1,7 +1,7 @@
 // The project: a named, ordered list of paths, kept in a project file and shown in the project list.
 #pragma once
 
-#include "files/OpenFile.h"
+#include "files/Recovery.h"
 #include "project/ItemTable.h"
 #include "services/Services.h"
 #include "ui/controls/ListBox.h"
@@ -37,13 +37,29 @@ class Project {
   // False: the user pressed Cancel, or the project could not be saved.
   bool fncconfirm(std::string_view what);
 
+  // --- The recovery folder
+  static constexpr const char* kRecoveryKind = "project";
+  // Writes a changed project there, asking nothing, at any moment. It counts as kept until it is saved or given up.
+  std::optional<files::Error> KeepProject();
+  // Takes the place of the project, after the question about that, as a changed one under its old name. False when it
+  // did not.
+  bool OpenKept(const files::RecoveryEntry& entry);
+  // The project goes: what is kept of it stays for the next start unless the user gave it up.
+  void LeaveKept();
+
   void mnuNewProject_Click();
   void mnuOpen_Click();
   Saved mnuSaveProject_Click();
   Saved mnuSaveProjectAs_Click();
 
  private:
+  static constexpr int64_t kMaxProjectBytes = int64_t{256} << 20;
+
   void ReadProjectFile();
+  void TakeEntries(std::string_view bytes);
+  void ShowProject();
+  std::string FileBytes() const;
+  void ForgetKept();
   bool MayReplaceFile();
   bool MayBeEntry(const std::string& path);
   void FillList();
@@ -52,8 +68,11 @@ class Project {
   services::Services& services_;
   ui::ListBox& List1_;
   ItemTable ProjectItems_;
-  std::optional<files::FileStamp> stamp_;  // of the file as it was read or written last
-  bool couldNotBeRead_ = false;            // though it is there
+  std::optional<files::FileStamp> stamp_;     // of the file as it was read or written last
+  std::optional<files::RecoveryEntry> kept_;  // holds this project, claimed
+  std::string keptBytes_;                     // what it holds
+  bool givenUp_ = false;                      // the user does not want the changes
+  bool couldNotBeRead_ = false;               // though it is there
 };
 
 }  // namespace project

@@ -36,14 +36,16 @@ frmMyMDI::frmMyMDI(ui::Dialogs& dialogs, ui::Shell& shell, Place place)
       recentFiles_(settingsFile_, [this] { menus_.ShowRecentFiles(recentFiles_.shown()); }) {
   frame_.SetCaption("Quillmark");
   forms_.SetFailureReport([this](const QString& reason) {
-    services::ShowError(dialogs_, nullptr, QCoreApplication::translate("Messages", "Error: ") + reason);
+    services::ShowError(dialogs_, &frame_, QCoreApplication::translate("Messages", "Error: ") + reason);
   });
   projectList_.SetMenu([this](const QPoint& position) { menus_.ShowListPopup(position); });
   frame_.TakeDrops([this](const std::vector<std::string>& paths) { TakeDropped(paths); });
   QObject::connect(&frame_.area(), &ui::ChildArea::CurrentChanged, &menus_.bar(), [this] {
-    menus_.FollowActiveDocument();
-    toolbar_.FollowActiveDocument();
-    if (!table_.Active()) ShowOvertype(true);
+    forms_.Guarded([this] {
+      menus_.FollowActiveDocument();
+      toolbar_.FollowActiveDocument();
+      if (!table_.Active()) ShowOvertype(true);
+    });
   });
 }
 
@@ -92,56 +94,6 @@ void frmMyMDI::ShowOvertype(bool overtype) {
 
 void frmMyMDI::ShowDocumentMenu(int slot, const QPoint& globalPosition) {
   if (documents::frmText* document = table_.Document(slot)) menus_.ShowDocumentPopup(*document, globalPosition);
-}
-
-std::optional<files::Error> frmMyMDI::KeepTexts() {
-  std::optional<files::Error> first;
-  for (const ui::FormId id : forms_.InLoadOrder()) {
-    documents::frmText* document = table_.Find(id);
-    const std::optional<files::Error> error = document ? document->KeepText() : std::nullopt;
-    if (error && !first) first = error;
-  }
-  return first;
-}
-
-void frmMyMDI::EndSession() {
-  if (const auto error = KeepTexts()) {
-    services::ShowError(dialogs_, &frame_, services::ErrorText(place_.recovery.native(), *error));
-    return;
-  }
-  SaveSettings();
-  QCoreApplication::exit(0);
-}
-
-void frmMyMDI::OfferRecovered() {
-  auto entries = files::ListRecovery(place_.recovery);
-  if (!entries) {
-    services::ShowError(dialogs_, &frame_, services::ErrorText(place_.recovery.native(), entries.error()));
-    return;
-  }
-  for (files::RecoveryEntry& entry : entries.value()) OfferRecovered(entry);
-}
-
-void frmMyMDI::OfferRecovered(files::RecoveryEntry& entry) {
-  // Another copy of the program may have taken it while the one before was being asked about.
-  if (!files::ClaimRecovery(entry)) return;
-  const bool cutShort = entry.kind.empty() || !entry.complete;
-  const QString text =
-      cutShort
-          ? QCoreApplication::translate("Recovery",
-                                        "Saving [%1] was cut short.\r\nDo you want to open the text that was to be "
-                                        "saved?  No leaves it for the next start, in the folder\r\n%2")
-          : QCoreApplication::translate("Recovery",
-                                        "The text of [%1] was not saved when its window was closed.\r\nDo you "
-                                        "want to open it now?  No deletes it, Cancel leaves it for the next start.");
-  const ui::Buttons buttons = cutShort ? ui::Buttons::kYesNo : ui::Buttons::kYesNoCancel;
-  QString shown = text.arg(ui::DisplayText(entry.originalPath.native()));
-  if (cutShort) shown = text.arg(ui::DisplayText(entry.originalPath.native()), ui::DisplayText(entry.folder.native()));
-  const ui::Answer answer = dialogs_.ShowMessage(&frame_, {shown, buttons, ui::Icon::kQuestion});
-  if (answer == ui::Answer::kYes) table_.OpenRecovered(entry);
-  if (answer != ui::Answer::kNo || cutShort) return;
-  if (const auto removed = files::RemoveRecovery(entry); !removed)
-    services::ShowError(dialogs_, &frame_, services::ErrorText(entry.folder.native(), removed.error()));
 }
 
 files::Status frmMyMDI::SavePicture(const files::Path& path) {

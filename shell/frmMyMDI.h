@@ -44,9 +44,12 @@ class frmMyMDI final : public services::Services {
   // Loads what shapes the window and shows it. The rest is done from the event loop once it has been painted: data are
   // loaded, `paths` opened in their order, and then `then` runs.
   void Start(std::vector<files::Path> paths, std::function<void()> then = {});
+  // What ends the event loop, or keeps it from beginning.
+  void SetQuit(std::function<void()> quit) { quit_ = std::move(quit); }
   // Asks what to do with the texts of the recovery folder.
   void OfferRecovered();
-  // Every changed text into the recovery folder, asking nothing; at any moment. The first error, if any.
+  // Every changed text, and the project, into the recovery folder, asking nothing; at any moment. The first error, if
+  // any.
   std::optional<files::Error> KeepTexts();
   // The end that somebody outside asked for: texts are kept instead of asked about. If one cannot be kept the program
   // says so and stays.
@@ -117,14 +120,18 @@ class frmMyMDI final : public services::Services {
   void TakeDropped(const std::vector<std::string>& paths);
   void CreateTabStops();
   void Timer3_Tick();
-  void ReportSettingsProblem();
+  enum class Found { kAtTheStart, kAtTheEnd };
+  void ReportSettingsProblem(Found when);
 
   // --- The end
   bool Close();
-  bool MDIForm_QueryUnload();
+  std::optional<std::vector<ui::FormId>> MDIForm_QueryUnload();
   void MDIForm_Unload();
   void SaveSettings();
   void OfferRecovered(files::RecoveryEntry& entry);
+  void Quit() {
+    if (quit_) quit_();
+  }
 
   ui::Dialogs& dialogs_;
   ui::Shell& shell_;
@@ -136,6 +143,7 @@ class frmMyMDI final : public services::Services {
   bool otherInstanceRuns_ = false;
   bool FirstRun_ = false;
   bool FirstActivation_ = false;
+  std::function<void()> quit_;
   QTimer Timer3_;
   ui::Forms forms_;
   ui::FrameForm frame_;

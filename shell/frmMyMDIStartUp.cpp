@@ -32,7 +32,7 @@ Place FindPlace(const files::UserFolders& folders, files::CurrentDirectory direc
 void frmMyMDI::Start(std::vector<files::Path> paths, std::function<void()> then) {
   MDIForm_Load();
   frame_.Show([this, paths = std::move(paths), then = std::move(then)] {
-    MDIForm_Activate(paths);
+    forms_.Guarded([&] { MDIForm_Activate(paths); });
     if (then) then();
   });
 }
@@ -86,7 +86,7 @@ void frmMyMDI::MDIForm_Activate(const std::vector<files::Path>& paths) {
   if (settings_.SaveWindowState && settings_.SaveArrange >= 0) commands_.Arrange(settings_.SaveArrange);
   OpenFirst(paths);
   ui::LetPendingEventsRun();
-  ReportSettingsProblem();
+  ReportSettingsProblem(Found::kAtTheStart);
 }
 
 void frmMyMDI::OpenFirst(const std::vector<files::Path>& paths) {
@@ -120,11 +120,15 @@ void frmMyMDI::OpenWelcomeProject() {
   projectList_.mnuOpenFromList_Click();
 }
 
-void frmMyMDI::ReportSettingsProblem() {
+void frmMyMDI::ReportSettingsProblem(Found when) {
   const auto problem = settingsFile_.TakeProblem();
   if (!problem) return;
-  QString text = QCoreApplication::translate("Settings", "The settings could not be read and are the usual ones now.") +
-                 QStringLiteral("\r\n") + QString::fromStdString(problem->reason);
+  const char* const what =
+      when == Found::kAtTheStart
+          ? QT_TRANSLATE_NOOP("Settings", "The settings could not be read and are the usual ones now.")
+          : QT_TRANSLATE_NOOP("Settings", "The file was damaged while the program ran, and has been written anew.");
+  QString text =
+      QCoreApplication::translate("Settings", what) + QStringLiteral("\r\n") + QString::fromStdString(problem->reason);
   if (!problem->keptAs.empty()) {
     text += QStringLiteral("\r\n") + QCoreApplication::translate("Settings", "The file is kept as") +
             QStringLiteral("\r\n") + ui::DisplayText(problem->keptAs.native());
@@ -132,39 +136,48 @@ void frmMyMDI::ReportSettingsProblem() {
   services::ShowError(dialogs_, &frame_, services::FileText(problem->path.native(), text));
 }
 
-// Every document is asked before the first one goes: after a Cancel all of them are still there.
-bool frmMyMDI::MDIForm_QueryUnload() {
-  if (!fncconfirm("Project")) return false;
-  for (const ui::FormId id : forms_.Backwards()) {
+// Every document is asked before the first one goes: after a Cancel all of them are still there. Gives back the forms
+// that may go; nothing after a Cancel.
+std::optional<std::vector<ui::FormId>> frmMyMDI::MDIForm_QueryUnload() {
+  if (!fncconfirm("Project")) return std::nullopt;
+  std::vector<ui::FormId> asked = forms_.Backwards();
+  for (const ui::FormId id : asked) {
     documents::frmText* document = table_.Find(id);
-    if (document && !document->QueryUnload()) return false;
+    if (document && !document->QueryUnload()) return std::nullopt;
   }
-  return true;
+  return asked;
 }
 
 bool frmMyMDI::Close() {
   const ui::CommandScope scope;
-  if (!MDIForm_QueryUnload()) return false;
-  for (const ui::FormId id : forms_.Backwards())
-    if (documents::frmText* document = table_.Find(id)) document->Unload();
+  const auto asked = MDIForm_QueryUnload();
+  if (!asked) return false;
+  for (const ui::FormId id : *asked) {
+    documents::frmText* document = table_.Find(id);
+    if (document && !document->Unload()) return false;
+  }
+  // What has been opened meanwhile was not asked about.
   if (table_.AnyDocumentOpen()) return false;
   MDIForm_Unload();
   return true;
 }
 
 void frmMyMDI::MDIForm_Unload() {
+  project_.LeaveKept();
   SaveSettings();
-  ReportSettingsProblem();
+  ReportSettingsProblem(Found::kAtTheEnd);
   for (const ui::FormId id : forms_.Backwards()) {
     ui::Form* form = forms_.Find(id);
     if (form && form != &frame_) form->Close();
   }
   frame_.Hide();
-  QCoreApplication::exit(0);
+  Quit();
 }
 
 void frmMyMDI::SaveSettings() {
-  if (const auto position = recentFiles_.PositionOf(project_.ProjectFile)) settings_.MostRecent = *position;
+  LoadRecentFiles();
+  const auto position = project_.ProjectFile.empty() ? std::nullopt : recentFiles_.PositionOf(project_.ProjectFile);
+  if (position) settings_.MostRecent = *position;
   settings_.PlusImage = listToolbar_.PlusImage();
   settings_.TextState = table_.LastDocWindowState;
   if (FirstActivation_) {
@@ -175,7 +188,7 @@ void frmMyMDI::SaveSettings() {
   }
   settings_.ListFontSize = frame_.leftPane().List1().fontSize();
   std::vector<std::string_view> keys;
-  if (recentFiles_.IsRecentFile(project_.ProjectFile)) keys.push_back("Most Recent");
+  if (position) keys.push_back("Most Recent");
   if (const WindowState state = frame_.windowState(); state != WindowState::kMinimized) {
     settings_.WindowSize = static_cast<int>(state);
     keys.emplace_back("WindowSize");

@@ -27,18 +27,16 @@ int RunWindow(const CommandLine& line, shell::Place place) {
   place.offersRecovered = !picture;
   shell::frmMyMDI mainWindow(dialogs, desktop, std::move(place));
   const ui::EndRequests endRequests([&] { static_cast<void>(mainWindow.KeepTexts()); },
-                                    [&] { mainWindow.EndSession(); });
-  int status = 0;
+                                    [&] { mainWindow.forms().Guarded([&] { mainWindow.EndSession(); }); });
+  mainWindow.SetQuit([&] { program.Quit(); });
   mainWindow.Start(line.paths, [&] {
     if (!picture) return;
     program.AfterPainting([&] {
       const auto saved = mainWindow.SavePicture(line.picture);
-      if (!saved) status = Fail(line.picture.native() + ": " + saved.error().text);
-      program.Quit();
+      program.Quit(saved ? 0 : Fail(line.picture.native() + ": " + saved.error().text));
     });
   });
-  program.Run();
-  return status;
+  return program.Run();
 }
 
 int Run(const CommandLine& line, const files::CurrentDirectory& directory) {

@@ -67,14 +67,18 @@ bool Forms::Guarded(const std::function<void()>& call) const {
     call();
     return true;
   } catch (const std::exception& failure) {
-    const QString reason = QString::fromUtf8(failure.what());
-    if (report_) {
-      report_(reason);
-    } else {
-      qCritical("%s", failure.what());
-    }
+    Report(failure.what());
   }
   return false;
+}
+
+// Where memory ends, the message about it may fail as well.
+void Forms::Report(const char* reason) const noexcept {
+  try {
+    if (report_) return report_(QString::fromUtf8(reason));
+  } catch (const std::exception&) {
+  }
+  qCritical("%s", reason);
 }
 
 QString TitleOf(std::string_view caption) {

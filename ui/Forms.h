@@ -75,6 +75,7 @@ class Forms : public QObject {
 
  private:
   friend class Form;
+  void Report(const char* reason) const noexcept;
   std::vector<Form*> forms_;
   std::function<void(const QString&)> report_;
   int64_t lastId_ = 0;

@@ -92,6 +92,29 @@ TEST_F(PendingEventsTest, TheCloseBoxInTheMiddleOfTheClosePromptAsksNoSecondTime
   EXPECT_TRUE(table().AnyDocumentOpen());
 }
 
+TEST_F(PendingEventsTest, TextThatComesAfterItsQuestionIsAskedAboutAgain) {
+  frmText& first = New();
+  frmText* unchanged = Open(Put("a.txt", "text"));
+  frmText& last = New();
+  ExpectClosePrompt(last.caption(), Answer::kNo);
+  ExpectClosePrompt(first.caption(), Answer::kNo, [&] {
+    Type(last, "late");
+    Type(*unchanged, "late");
+  });
+  ExpectClosePrompt(last.caption(), Answer::kNo);
+  ExpectClosePrompt(unchanged->caption(), Answer::kCancel);
+  EXPECT_FALSE(program().frame().RequestClose());
+  EXPECT_EQ(Showing(At("a.txt").native()), unchanged);
+}
+
+TEST_F(PendingEventsTest, WhatIsOpenedWhileTheEndIsAskedAboutStays) {
+  New();
+  Put("b.txt", "text");
+  ExpectClosePrompt("Untitled:1", Answer::kNo, [&] { table().LoadIntoWindow(At("b.txt").native()); });
+  EXPECT_FALSE(program().frame().RequestClose());
+  EXPECT_TRUE(Showing(At("b.txt").native()));
+}
+
 TEST_F(PendingEventsTest, DocumentsThatAppearWhileAllAreClosedStay) {
   for (const char* name : {"a.txt", "b.txt", "c.txt"}) Open(Put(name, ""));
   int made = 0;

@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
+#include <exception>
 #include <fcntl.h>
 #include <iterator>
 #include <unistd.h>
@@ -30,10 +31,19 @@ void OnSignal(int) {
   errno = before;
 }
 
+// Neither the toolkit nor exit() lets an exception through.
+void CallGuarded(const std::function<void()>& call) {
+  try {
+    call();
+  } catch (const std::exception& failure) {
+    qCritical("%s", failure.what());
+  }
+}
+
 // The toolkit calls exit() in the middle of whatever runs when its display has gone. What is on the stack was not
 // taken down, so it is all still there.
 void OnExit() {
-  if (auto* keep = std::exchange(keepAtExit, nullptr)) (*keep)();
+  if (auto* keep = std::exchange(keepAtExit, nullptr)) CallGuarded(*keep);
 }
 
 }  // namespace
@@ -41,7 +51,8 @@ void OnExit() {
 class EndRequests::Receiver : public QObject {
  public:
   Receiver(std::function<void()> keep, std::function<void()> end) : keep_(std::move(keep)), end_(std::move(end)) {
-    QObject::connect(qGuiApp, &QGuiApplication::commitDataRequest, this, [this](QSessionManager&) { keep_(); });
+    QObject::connect(qGuiApp, &QGuiApplication::commitDataRequest, this,
+                     [this](QSessionManager&) { CallGuarded(keep_); });
     qGuiApp->installEventFilter(this);
     ListenToSignals();
     static const bool registered = std::atexit(OnExit) == 0;
@@ -87,7 +98,7 @@ class EndRequests::Receiver : public QObject {
   // The end may show a message, and while it is open be asked for again.
   void End() {
     if (std::exchange(ending_, true)) return;
-    end_();
+    CallGuarded(end_);
     ending_ = false;
   }
 

@@ -5,6 +5,8 @@
 #include <QApplication>
 #include <QTimer>
 
+#include <exception>
+
 namespace ui {
 
 Program::Program(const char* name, const char* version) {
@@ -22,15 +24,26 @@ Program::Program(const char* name, const char* version) {
 
 Program::~Program() = default;
 
-void Program::Run() {
-  QApplication::exec();
+int Program::Run() {
+  if (!status_) status_ = QApplication::exec();
+  return *status_;
 }
-void Program::Quit() { QApplication::exit(0); }
+
+// An event loop that has not begun does not hear of it.
+void Program::Quit(int status) {
+  status_ = status;
+  QApplication::exit(status);
+}
 
 void Program::AfterPainting(std::function<void()> call) {
-  QTimer::singleShot(0, application_.get(), [call = std::move(call)] {
-    QApplication::processEvents();
-    call();
+  QTimer::singleShot(0, application_.get(), [this, call = std::move(call)] {
+    try {
+      QApplication::processEvents();
+      call();
+    } catch (const std::exception& failure) {
+      qCritical("%s", failure.what());
+      Quit(1);
+    }
   });
 }
 

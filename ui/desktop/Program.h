@@ -3,6 +3,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 
 class QApplication;
 
@@ -16,9 +17,10 @@ class Program {
   Program(const Program&) = delete;
   Program& operator=(const Program&) = delete;
 
-  void Run();  // until Quit
-  void Quit();
-  // Runs the call when all that is waiting to be painted has been.
+  // Until Quit, and not at all when that came before. Gives its status back.
+  int Run();
+  void Quit(int status = 0);
+  // Runs the call when all that is waiting to be painted has been. An exception out of it ends the program, status 1.
   void AfterPainting(std::function<void()> call);
 
  private:
@@ -26,6 +28,7 @@ class Program {
   char name_[16] = "quillmark";
   char* argv_[2] = {name_, nullptr};
   std::unique_ptr<QApplication> application_;
+  std::optional<int> status_;
 };
 
 }  // namespace ui
