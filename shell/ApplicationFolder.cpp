@@ -31,7 +31,9 @@ bool IsForTheUser(const files::Path& path) {
 
 bool CopyFile(const files::Path& from, const files::Path& to, const files::Path& stateFolder) {
   std::error_code error;
-  if (fs::symlink_status(to, error).type() != fs::file_type::not_found) return true;
+  const fs::file_type there = fs::symlink_status(to, error).type();
+  if (there == fs::file_type::none) return false;  // nobody can tell
+  if (there != fs::file_type::not_found) return true;
   auto file = files::OpenForReading(from);
   if (!file) return false;
   const auto bytes = files::ReadAll(file.value());

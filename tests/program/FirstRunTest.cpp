@@ -155,13 +155,50 @@ TEST_F(FirstRunTest, AFolderThatCannotBeWrittenIsNoError) {
     const bool first = shell::FirstRunSetup(application, At("home/state"), directory, store);
     const bool kept =
         store.Find("Quillmark", "General", "NotesFile") == (application.path / "Templates/Notes.txt").native();
-    const bool again = shell::FirstRunSetup(application, At("home/state"), directory, store);
-    _exit(first && kept && again && directory.path() == At("work") ? 0 : 1);
+    _exit(first && kept && directory.path() == At("work") ? 0 : 1);
   }
   int status = -1;
   ASSERT_EQ(waitpid(child, &status, 0), child);
   EXPECT_EQ(status, 0);
   EXPECT_TRUE(fs::is_empty(At("home")));
+}
+
+TEST_F(FirstRunTest, AFolderThatCannotBeWrittenIsSetUpOnce) {
+  chmod(folder().c_str(), 0755);
+  fs::create_directories(At("home/data/quillmark"));
+  for (const char* name : {"home/config", "home/state"}) {
+    fs::create_directories(At(name));
+    ASSERT_EQ(chown(At(name).c_str(), 65534, 65534), 0);
+  }
+  const pid_t child = fork();
+  if (child == 0) {
+    if (setgid(65534) != 0 || setuid(65534) != 0) _exit(2);
+    if (!SetUp(Find())) _exit(3);
+    shell::SettingsFile(Find().settings, At("home/state")).SaveSetting("Quillmark", "General", "QuoteFile", "/mine");
+    if (SetUp(Find())) _exit(4);
+    if (Setting(Find(), "QuoteFile") != "/mine") _exit(5);
+    // The record is of this folder only.
+    folders_.data = At("home/elsewhere");
+    _exit(SetUp(Find()) ? 0 : 6);
+  }
+  int status = -1;
+  ASSERT_EQ(waitpid(child, &status, 0), child);
+  EXPECT_EQ(WEXITSTATUS(status), 0);
+  EXPECT_TRUE(fs::is_empty(At("home/data/quillmark")));
+}
+
+TEST_F(FirstRunTest, ARepeatedOneLeavesWhatTheUserHas) {
+  const ApplicationFolder application = Find();
+  EXPECT_TRUE(SetUp(application));
+  fs::remove(application.path / ".first-run");
+  fs::remove(application.path / "Templates/Templates.prj");
+  Put("home/data/quillmark/Welcome.prj", "mine");
+  shell::SettingsFile(application.settings, At("home/state")).SaveSetting("Quillmark", "General", "QuoteFile", "/mine");
+  EXPECT_TRUE(SetUp(application));
+  EXPECT_EQ(Bytes(application.path / "Welcome.prj"), "mine");
+  EXPECT_TRUE(Exists(application.path / "Templates/Templates.prj"));
+  EXPECT_EQ(Setting(application, "QuoteFile"), "/mine");
+  EXPECT_EQ(Setting(application, "NotesFile"), (application.path / "Templates/Notes.txt").native());
 }
 
 TEST_F(FirstRunTest, WhatCouldNotBeCopiedIsTriedAtTheNextStart) {
