@@ -26,11 +26,18 @@ struct PanelStyle {
 };
 
 constexpr PanelStyle kPanels[] = {
-    {Panel::stsDate, "stsDate", "", 0},        {Panel::stsTime, "stsTime", "", 0},
-    {Panel::stsCaps, "stsCaps", "CAPS", 0},    {Panel::stsNum, "stsNum", "NUM", 0},
-    {Panel::stsInsert, "stsInsert", "INS", 0}, {Panel::stsScroll, "stsScroll", "SCRL", 0},
+    {Panel::stsDate, "stsDate", "", 0},
+    {Panel::stsTime, "stsTime", "", 0},
+    {Panel::stsCaps, "stsCaps", QT_TRANSLATE_NOOP("StatusBar", "CAPS"), 0},
+    {Panel::stsNum, "stsNum", QT_TRANSLATE_NOOP("StatusBar", "NUM"), 0},
+    {Panel::stsInsert, "stsInsert", QT_TRANSLATE_NOOP("StatusBar", "INS"), 0},
+    {Panel::stsScroll, "stsScroll", QT_TRANSLATE_NOOP("StatusBar", "SCRL"), 0},
     {Panel::stsFont, "stsFont", "", 1},
 };
+
+QString Tr(const char* text) {
+  return *text ? QCoreApplication::translate("StatusBar", text) : QString();
+}
 
 bool IsLockKey(int key) {
   return key == Qt::Key_CapsLock || key == Qt::Key_NumLock || key == Qt::Key_ScrollLock;
@@ -40,7 +47,7 @@ bool IsLockKey(int key) {
 
 StatusBar::StatusBar(QStatusBar& bar) : QObject(&bar), clock_(new QTimer(this)), keys_(new QTimer(this)) {
   for (const PanelStyle& style : kPanels) {
-    auto* label = new QLabel(QLatin1String(style.text), &bar);
+    auto* label = new QLabel(Tr(style.text), &bar);
     label->setObjectName(QLatin1String(style.name));
     label->setTextFormat(Qt::PlainText);
     label->setMargin(3);
@@ -70,6 +77,10 @@ QString StatusBar::text(Panel panel) const {
 // The state is the widget's enabled state: the style knows how "off" looks, in dark palettes too.
 void StatusBar::SetOn(Panel panel, bool on) {
   label(panel).setEnabled(on);
+  // A disabled label alone does not say what it is.
+  const QString name = (on ? Tr(QT_TRANSLATE_NOOP("StatusBar", "%1 on")) : Tr(QT_TRANSLATE_NOOP("StatusBar", "%1 off")))
+                           .arg(text(panel));
+  if (label(panel).accessibleName() != name) label(panel).setAccessibleName(name);
 }
 
 bool StatusBar::isOn(Panel panel) const {
