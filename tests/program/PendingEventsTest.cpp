@@ -3,6 +3,8 @@
 
 #include <QTimer>
 
+#include <new>
+
 namespace {
 
 using documents::frmText;
@@ -42,6 +44,29 @@ class PendingEventsTest : public ProgramTest {
     }
     EXPECT_EQ(program().forms().count(), windows + 1);
     EXPECT_EQ(table().Active() != nullptr, windows > 0);
+  }
+  void LoadProject() {
+    program().project().ProjectFile = At("p.prj").native();
+    program().project().LoadProject();
+  }
+  void RemoveFirst() {
+    program().frame().leftPane().List1().SelectOnly(1);
+    Q_EMIT program().frame().leftPane().List1().Deleted(true);
+  }
+  void OpenFromList() {
+    ui::ListBox& List1 = program().frame().leftPane().List1();
+    List1.SelectOnly(1);
+    List1.Select(2, true);
+    Q_EMIT List1.Opened();
+  }
+  // Every entry is on one line, and every line has one.
+  void ExpectSoundProject() {
+    ui::ListBox& List1 = program().frame().leftPane().List1();
+    const project::ItemTable& items = program().project().ProjectItems();
+    ASSERT_EQ(static_cast<size_t>(List1.count()), items.Highest() + 1);
+    std::vector<bool> shown(items.Highest() + 1);
+    for (int line = 0; line < List1.count(); ++line) shown.at(static_cast<size_t>(List1.line(line).data)) = true;
+    EXPECT_EQ(std::count(shown.begin(), shown.end(), true), List1.count());
   }
   void TearDown() override {
     stop_ = true;
@@ -173,6 +198,11 @@ TEST_F(PendingEventsTest, SaveAllPassesOverWindowsThatHaveGone) {
   EXPECT_EQ(Bytes(At("b.txt")), "+b");
 }
 
+TEST_F(PendingEventsTest, AReportThatFailsGoesNoFurther) {
+  program().forms().SetFailureReport([](const QString&) { throw std::bad_alloc(); });
+  EXPECT_FALSE(program().forms().Guarded([] { throw std::bad_alloc(); }));
+}
+
 TEST_F(PendingEventsTest, TheEndOfTheProgramIsRememberedToo) {
   Open(Put("a.txt", ""));
   {
@@ -193,12 +223,20 @@ TEST_F(PendingEventsTest, AnythingAtAnyPoint) {
       {"save all", [&] { program().commands().mnuSaveAll_Click(); }},
       {"close all", [&] { program().commands().mnuCloseAll_Click(); }},
       {"minimise all", [&] { program().commands().mnuMinRest_Click(); }},
+      {"remove", [&] { RemoveFirst(); }},
+      {"open from list", [&] { OpenFromList(); }},
+      {"load project", [&] { LoadProject(); }},
       {"end", [&] { program().frame().RequestClose(); }},
   };
   const std::pair<const char*, std::function<void()>> events[] = {
       {"close request", [&] { CloseRequests(); }},
       {"close", [&] { CloseOne(); }},
       {"load", [&] { table().LoadIntoWindow(At("c.txt").native()); }},
+      {"drop",
+       [&] {
+         Q_EMIT program().frame().leftPane().List1().FilesDropped({At("d.txt").native(), "/no/e"});
+       }},
+      {"load project", [&] { LoadProject(); }},
       {"file goes", [&] { std::filesystem::remove(At("b.txt")); }},
       {"texts are kept", [&] { EXPECT_FALSE(program().KeepTexts()); }},
   };
@@ -207,6 +245,8 @@ TEST_F(PendingEventsTest, AnythingAtAnyPoint) {
       SCOPED_TRACE(std::string(command) + ", " + event);
       Restart();
       for (const char* name : {"a.txt", "b.txt", "c.txt"}) Open(Put(name, "text"));
+      Put("p.prj", At("a.txt").native() + "\r\n" + At("c.txt").native() + "\r\n/no/z\r\n");
+      LoadProject();
       int times = 0;
       stop_ = false;
       AtEveryPoint([&, &act = happens] {
@@ -216,6 +256,8 @@ TEST_F(PendingEventsTest, AnythingAtAnyPoint) {
       stop_ = true;
       Settle();
       ExpectSound();
+      ExpectSoundProject();
+      program().project().ProjectSaved = true;
       for (int slot = 1; slot <= table().UpperBound(); ++slot)
         if (table().Document(slot)) table().Document(slot)->SetUnchanged();
       program().commands().mnuCloseAll_Click();

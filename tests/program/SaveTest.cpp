@@ -158,6 +158,27 @@ TEST_F(SaveTest, AReadOnlyFileIsReplacedAfterYes) {
   EXPECT_EQ(status.st_mode & 0777, 0644u);
 }
 
+TEST_F(SaveTest, AReadOnlyFileThatIsNotReplacedStaysReadOnly) {
+  const files::Path path = Put("a.txt", "old");
+  frmText& document = Edited(path);
+  ASSERT_EQ(chmod(path.c_str(), 0444), 0);
+  Question(path, kReadOnly, Buttons::kYesNo, Icon::kInformation, Answer::kYes);
+  dialogs.CancelNextWork();
+  EXPECT_EQ(document.mnuSaveFile_Click(), SaveOutcome::kCancelled);
+  struct stat status;
+  ASSERT_EQ(stat(path.c_str(), &status), 0);
+  EXPECT_EQ(status.st_mode & 0777, 0444u);
+  EXPECT_EQ(Bytes(path), "old");
+}
+
+TEST_F(SaveTest, CancelEndsTheLookAtTheCharactersToo) {
+  const files::Path path = Put("a.txt", "caf\xE9 na\xEFve \xFC");
+  frmText& document = Edited(path);
+  dialogs.CancelNextWork();
+  EXPECT_EQ(document.mnuSaveFile_Click(), SaveOutcome::kCancelled);
+  EXPECT_EQ(Bytes(path), "caf\xE9 na\xEFve \xFC");
+}
+
 TEST_F(SaveTest, AReadOnlyFileLeadsToSaveAsAfterNo) {
   const files::Path path = Put("a.txt", "text");
   frmText& document = Edited(path);
@@ -467,6 +488,17 @@ TEST_F(RescueTest, TheTextIsOfferedAtTheNextStart) {
   EXPECT_EQ(document->mnuSaveFile_Click(), SaveOutcome::kSaved);
   EXPECT_EQ(Bytes(At("saved.txt")), "precious");
   EXPECT_TRUE(std::filesystem::is_empty(program().recoveryFolder()));
+}
+
+TEST_F(RescueTest, WhenKeepingTheTextIsCancelledTheWindowStays) {
+  frmText& document = New();
+  Type(document, "text");
+  ExpectClosePrompt(document.caption(), Answer::kYes);
+  dialogs.File(std::nullopt);
+  dialogs.CancelNextWork();
+  EXPECT_FALSE(document.Close());
+  EXPECT_EQ(document.RichTextBox1().Text(), "text");
+  EXPECT_TRUE(files::ListRecovery(program().recoveryFolder()).value().empty());
 }
 
 TEST_F(RescueTest, NoDeletesTheText) {

@@ -234,6 +234,18 @@ TEST_F(StartUpTest, ADamagedStoreIsToldOfOnceTheWindowIsThere) {
   EXPECT_EQ(Bytes(kept), "{\"cut");
 }
 
+TEST_F(StartUpTest, AStoreThatIsDamagedMeanwhileIsWrittenAnew) {
+  Put("config/settings.json", "{\"cut");
+  const files::Path kept = At("config/settings.damaged.json");
+  const QString reason =
+      "The file was damaged while the program ran, and has been written anew.\r\nparse error at line 1, column 6: "
+      "syntax error while parsing object key - invalid string: missing closing quote; last read: '\"cut'; expected "
+      "string literal";
+  ExpectError(File(At("config/settings.json"), reason + "\r\nThe file is kept as\r\n" + kept.c_str()));
+  EXPECT_TRUE(End());
+  EXPECT_EQ(Stored("WindowSize"), "0");
+}
+
 TEST_F(StartUpTest, TheToolbarsLayoutComesBack) {
   ui::ToolBar& toolbar = program().frame().toolbar();
   ASSERT_GT(toolbar.count(), 2u);
