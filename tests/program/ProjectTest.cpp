@@ -154,6 +154,69 @@ TEST_F(ProjectTest, WhatAnotherProgramWroteIsNotReplacedUnasked) {
   EXPECT_FALSE(Model().ProjectSaved);
 }
 
+TEST_F(ProjectTest, AProjectThatCouldNotBeSavedStays) {
+  Model().AddNewDocOrLink("/no/a");
+  Model().ProjectFile = At("missing/p.prj").native();
+  ExpectChanged(At("missing/p.prj"), Answer::kYes);
+  ExpectError(Error(At("missing/p.prj"), "No such file or directory"));
+  program().commands().mnuNewProject_Click();
+  EXPECT_THAT(Entries(), ElementsAre("/no/a"));
+  EXPECT_EQ(Model().ProjectFile, At("missing/p.prj"));
+  ExpectChanged(At("missing/p.prj"), Answer::kYes);
+  ExpectError(Error(At("missing/p.prj"), "No such file or directory"));
+  EXPECT_FALSE(program().frame().Close());
+  Model().ProjectSaved = true;
+}
+
+TEST_F(ProjectTest, WhoDoesNotReplaceAFileChoosesAnotherName) {
+  Load(PutProject("p.prj", {"/no/a"}));
+  Model().AddNewDocOrLink("/no/b");
+  PutProject("p.prj", {"/no/somebody else's"});
+  ExpectChanged(At("p.prj"), Answer::kYes);
+  dialogs.Message(
+      File(At("p.prj"), "has been changed by another program since it was opened.  Do you want to replace it?"),
+      ui::Buttons::kYesNo, ui::Icon::kQuestion, Answer::kNo);
+  dialogs.File(At("q.prj"));
+  program().commands().mnuNewProject_Click();
+  EXPECT_EQ(Bytes(At("q.prj")), "/no/a\r\n/no/b\r\n\r\n");
+}
+
+TEST_F(ProjectTest, AFileThatCouldNotBeReadIsNotReplacedUnasked) {
+  {
+    const auto path = PutProject("p.prj", {"/no/secret"});
+    const Unprivileged user;
+    chmod(path.c_str(), 0);
+    ExpectError(Error(path, "Permission denied"));
+    Load(path);
+    chmod(path.c_str(), 0600);
+  }
+  Model().AddNewDocOrLink("/no/a");
+  dialogs.Message(File(At("p.prj"), "could not be read when it was opened.  Do you want to replace it?"),
+                  ui::Buttons::kYesNo, ui::Icon::kQuestion, Answer::kNo);
+  dialogs.File(std::nullopt);
+  Model().mnuSaveProject_Click();
+  EXPECT_EQ(Bytes(At("p.prj")), "/no/secret\r\n\r\n");
+  Model().ProjectSaved = true;
+}
+
+TEST_F(ProjectTest, AnEntryOfMegabytesIsShownShortAndKeptWhole) {
+  const std::string entry = "/no/" + std::string(4 << 20, 'x');
+  Load(PutProject("p.prj", {entry}));
+  EXPECT_LE(List().ToolTipOf(1).size(), 1001);
+  EXPECT_LE(List1().model()->index(1, 0).data().toString().size(), 1001);
+  Model().mnuSaveProject_Click();
+  EXPECT_EQ(Bytes(At("p.prj")), entry + "\r\n\r\n");
+}
+
+TEST_F(ProjectTest, EditingAProjectWithoutANameSavesItFirst) {
+  dialogs.File(std::nullopt);
+  List().mnuListEditPrj_Click();
+  EXPECT_FALSE(table().AnyDocumentOpen());
+  dialogs.File(At("p.prj"));
+  List().mnuListEditPrj_Click();
+  EXPECT_NE(Showing(At("p.prj").native()), nullptr);
+}
+
 TEST_F(ProjectTest, RecentFilesKeepTheOrderInWhichTheyWereEntered) {
   EXPECT_TRUE(program().recentFiles().empty());
   for (const char* name : {"A.prj", "B.prj", "C.prj", "B.prj", "c.PRJ"}) Load(At(name));
@@ -242,6 +305,7 @@ TEST_F(ProjectTest, AShortcutWithoutAnyApplicationAsksForAProgramUntilCancelled)
   EXPECT_EQ(path, "/d/letter.RTF");
   EXPECT_THAT(desktop.asked, ElementsAre("open /d/letter.RTF.lnk", "open /d/letter.RTF",
                                          "run Wordpad.exe [/d/letter.RTF]", "run viewer [/d/letter.RTF]"));
+  EXPECT_EQ(desktop.ranIn, program().MakeAbsolute("."));
   path = "/x/unlnk";
   dialogs.Modal([](ui::ModalForm& form) { form.close(); });
   program().OpenDocument(path);
@@ -292,7 +356,7 @@ TEST_F(ProjectTest, CopiesPathsAddsDocumentsAndShortcuts) {
 
   const auto manual = Put("manual.pdf", "");
   for (const Answer answer : {Answer::kNo, Answer::kYes, Answer::kYes}) {
-    dialogs.File(manual);
+    dialogs.File(manual, [](const ui::FileRequest& request) { EXPECT_TRUE(request.keepLinks); });
     dialogs.Message("Add a read-only shortcut to the project for\r\n" + ui::DisplayText(manual.native()) + ".lnk ?",
                     ui::Buttons::kYesNo, ui::Icon::kInformation, answer);
     List().mnuLinkAdd_Click();

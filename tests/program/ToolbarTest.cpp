@@ -298,6 +298,26 @@ TEST_F(ToolbarTest, StyleByMenuAndByTheRightButton) {
   EXPECT_EQ(States(), "bius left") << "the right button presses nothing";
 }
 
+TEST_F(ToolbarTest, TheListsToolbarAddsADocumentAndItsPictureChangesTheFont) {
+  ui::LeftPane& pane = program().frame().leftPane();
+  ExpectError(kNoDocument);
+  Q_EMIT pane.Toolbar2().Clicked(*pane.Toolbar2().Find("listAdd"));
+  EXPECT_EQ(dialogs.left(), 0u);
+  pane.SetListFontSize(12);
+  for (const double size : {13, 8, 9}) {
+    Q_EMIT pane.Picture1().Pressed(true);
+    EXPECT_EQ(pane.List1().fontSize(), size);
+  }
+  const auto picture = [&] {
+    return pane.Toolbar2().button(*pane.Toolbar2().Find("listAdd")).icon().pixmap(24).toImage();
+  };
+  const QImage first = picture();
+  Q_EMIT pane.Picture1().Pressed(false);
+  EXPECT_NE(picture(), first);
+  Q_EMIT pane.Picture1().Pressed(false);
+  EXPECT_EQ(picture(), first);
+}
+
 TEST_F(ToolbarTest, TheStatusBarDescribesTheButtonUnderThePointer) {
   ui::StatusBar& status = program().frame().statusBar();
   status.ShowDate();

@@ -15,14 +15,17 @@ class ScriptedShell final : public ui::Shell {
     asked.push_back("open " + pathOrAddress);
     return opens ? opens(pathOrAddress) : kStarted;
   }
-  int Run(const std::string& program, const std::vector<std::string>& arguments, const files::Path&) override {
+  int Run(const std::string& program, const std::vector<std::string>& arguments,
+          const files::Path& directory) override {
     std::string call = "run " + program;
     for (const std::string& argument : arguments) call += " [" + argument + "]";
     asked.push_back(call);
+    ranIn = directory;
     return kStarted;
   }
 
   std::vector<std::string> asked;
+  files::Path ranIn;  // where the last program was started
   std::function<int(const std::string&)> opens;
 };
 

@@ -1,4 +1,5 @@
 // The real dialogs, answered by their own buttons.
+#include "ui/Hourglass.h"
 #include "ui/dialogs/FontForm.h"
 #include "ui/dialogs/ProgressForm.h"
 #include "ui/dialogs/QtDialogs.h"
@@ -61,6 +62,20 @@ TEST(QtDialogs, MessageBoxes) {
     });
     EXPECT_EQ(dialogs.ShowMessage(nullptr, {"File: <b>a & b</b>\r\nsecond", c.buttons, Icon::kExclamation}), c.answer);
   }
+}
+
+TEST(QtDialogs, NoHourglassStandsOverAQuestion) {
+  ui::QtDialogs dialogs;
+  {
+    const ui::Hourglass outer, inner;
+    WhenOpen<QMessageBox>([](QMessageBox& box) {
+      EXPECT_FALSE(QApplication::overrideCursor());
+      box.reject();
+    });
+    dialogs.ShowMessage(nullptr, {"text", Buttons::kOk, Icon::kExclamation});
+    EXPECT_TRUE(QApplication::overrideCursor());
+  }
+  EXPECT_FALSE(QApplication::overrideCursor());
 }
 
 TEST(QtDialogs, EscapeIsCancel) {

@@ -1,3 +1,4 @@
+#include "ui/PendingEvents.h"
 #include "ui/controls/ListBox.h"
 #include "ui/desktop/DroppedFiles.h"
 
@@ -104,6 +105,77 @@ TEST_F(ListBoxTest, APressWithAModifierIsAClickUnlessItIsDragged) {
   EXPECT_EQ(asked, 1);
   Mouse(QEvent::MouseButtonRelease, At(1), Qt::ControlModifier);
   EXPECT_THAT(list.SelectedLines(), ElementsAre(0, 2, 3));
+}
+
+TEST_F(ListBoxTest, APlainPressForgetsTheDragThatWasArmed) {
+  int asked = 0;
+  list.SetDragFiles([&asked] {
+    ++asked;
+    return std::vector<std::string>{};
+  });
+  Mouse(QEvent::MouseButtonPress, At(2), Qt::ControlModifier);  // whose release went elsewhere
+  Mouse(QEvent::MouseButtonPress, At(1));
+  Mouse(QEvent::MouseMove, At(1) + QPoint(0, QApplication::startDragDistance() + 1));
+  EXPECT_EQ(asked, 0);
+}
+
+TEST_F(ListBoxTest, WhatComesInTheMiddleOfACommandWaitsForItsEnd) {
+  int opened = 0, dropped = 0;
+  QObject::connect(&list, &ui::ListBox::Opened, [&] { ++opened; });
+  QObject::connect(&list, &ui::ListBox::FilesDropped, [&](const auto&) { ++dropped; });
+  QMimeData data;
+  data.setData("text/uri-list", "file:///a\r\n");
+  {
+    const ui::CommandScope command;
+    Mouse(QEvent::MouseButtonDblClick, At(1));
+    QDragEnterEvent enter(At(1), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(list.viewport(), &enter);
+    QDropEvent event(At(1), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(list.viewport(), &event);
+    ui::LetPendingEventsRun();
+    EXPECT_EQ(opened + dropped, 0);
+  }
+  for (int i = 0; i < 3; ++i) QApplication::processEvents();
+  EXPECT_EQ(opened, 1);
+  EXPECT_EQ(dropped, 1);
+}
+
+TEST_F(ListBoxTest, TheFocusIsToldOfUnlessAPressOrAMenuMovedIt) {
+  int gained = 0, lost = 0;
+  QObject::connect(&list, &ui::ListBox::FocusGained, [&] { ++gained; });
+  QObject::connect(&list, &ui::ListBox::FocusLost, [&] { ++lost; });
+  const struct {
+    Qt::FocusReason reason;
+    int gained, lost;
+  } kRows[] = {{Qt::TabFocusReason, 1, 1},
+               {Qt::MouseFocusReason, 0, 1},
+               {Qt::PopupFocusReason, 1, 0},
+               {Qt::MenuBarFocusReason, 1, 0},
+               {Qt::ActiveWindowFocusReason, 1, 0}};
+  for (const auto& row : kRows) {
+    gained = lost = 0;
+    for (const auto type : {QEvent::FocusIn, QEvent::FocusOut}) {
+      QFocusEvent event(type, row.reason);
+      QApplication::sendEvent(&list, &event);
+    }
+    EXPECT_EQ(gained, row.gained) << row.reason;
+    EXPECT_EQ(lost, row.lost) << row.reason;
+  }
+}
+
+TEST_F(ListBoxTest, ARightPressKeepsWhatIsSelected) {
+  list.SelectOnly(1);
+  QContextMenuEvent menu(QContextMenuEvent::Mouse, At(3), list.viewport()->mapToGlobal(At(3)));
+  QApplication::sendEvent(list.viewport(), &menu);
+  EXPECT_THAT(list.SelectedLines(), ElementsAre(1, 3));
+  EXPECT_EQ(list.ListIndex(), 3);
+}
+
+TEST_F(ListBoxTest, OfALongLineTheEndsAreShown) {
+  list.SetText(1, std::string(4 << 20, 'a') + "\xD7\xA2");
+  const QString shown = list.model()->index(1, 0).data().toString();
+  EXPECT_EQ(shown.size(), 1001);
+  EXPECT_TRUE(shown.endsWith(u"a\u05E2"));
 }
 
 TEST_F(ListBoxTest, DropsAreTakenWhenTheyAreFilesToCopy) {
