@@ -24,6 +24,7 @@ class EndToEndTest(unittest.TestCase):
     def setUp(self):
         begin = time.monotonic()
         self.addCleanup(lambda: print(f"{time.monotonic() - begin:.1f} s ", end="", flush=True))
+        SESSION.release_keys()
         self.home = self.new_home()
 
     def new_home(self):

@@ -75,7 +75,7 @@ class Session:
     def _start_display(self):
         ours, theirs = os.pipe()
         self.display = self._start("Xvfb", "-displayfd", str(theirs), "-screen", "0", "1280x960x24", "-nolisten", "tcp",
-                                   "-noreset", pass_fds=[theirs])
+                                   "-noreset", "-r", pass_fds=[theirs])
         os.close(theirs)
         with os.fdopen(ours) as pipe:
             number = pipe.readline().strip()
@@ -93,6 +93,10 @@ class Session:
         return run(*command, check=check, env=self.environment)
 
     # --- The user's hands
+
+    def release_keys(self):
+        """A tool that was killed in the middle of a key leaves it pressed."""
+        self.tool("xdotool", "keyup", "ctrl", "shift", "alt", "x", "y", "Return", "F4", "F6", check=True)
 
     def keys(self, *names):
         self.tool("xdotool", "key", "--delay", "15", *names, check=True)
