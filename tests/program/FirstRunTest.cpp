@@ -85,11 +85,11 @@ TEST_F(FirstRunTest, AFreshOne) {
                                                          "/Quillmark readme.txt\r\n" + path + "/Welcome.rtf\r\n\r\n");
   EXPECT_EQ(Bytes(application.path / "Templates/Templates.prj"),
             templates + "/\r\n" + templates + "/HTMTemplate.htm\r\n" + templates + "/LetterTemplate.rtf\r\n\r\n");
-  const std::pair<const char*, const char*> paths[] = {{"QuoteFile", "/Quotes.txt"},
-                                                       {"NotesFile", "/Notes.txt"},
-                                                       {"TextBlocks", "/Often Used Text Blocks.txt"},
-                                                       {"AutoTagFile", "/AutoComplete.txt"}};
-  for (const auto& [key, name] : paths) EXPECT_EQ(Setting(application, key), templates + name);
+  const std::pair<const char*, const char*> kStored[] = {{"QuoteFile", "/Quotes.txt"},
+                                                         {"NotesFile", "/Notes.txt"},
+                                                         {"TextBlocks", "/Often Used Text Blocks.txt"},
+                                                         {"AutoTagFile", "/AutoComplete.txt"}};
+  for (const auto& [key, name] : kStored) EXPECT_EQ(Setting(application, key), templates + name);
 }
 
 TEST_F(FirstRunTest, TheSecondTimeNothingHappens) {

@@ -243,10 +243,10 @@ TEST_F(MenuTest, TilesFillTheAreaWithoutGapsOrOverlaps) {
     const QSize area = program().frame().area().viewport()->size();
     int next = 0;
     for (frmText* document : documents) {
-      const QRect place = document->widget()->geometry();
-      EXPECT_EQ(tile.rows ? place.top() : place.left(), next);
-      EXPECT_EQ(tile.rows ? place.width() : place.height(), tile.rows ? area.width() : area.height());
-      next = tile.rows ? place.bottom() + 1 : place.right() + 1;
+      const QRect window = document->widget()->geometry();
+      EXPECT_EQ(tile.rows ? window.top() : window.left(), next);
+      EXPECT_EQ(tile.rows ? window.width() : window.height(), tile.rows ? area.width() : area.height());
+      next = tile.rows ? window.bottom() + 1 : window.right() + 1;
     }
     EXPECT_EQ(next, tile.rows ? area.height() : area.width());
   }
