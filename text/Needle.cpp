@@ -161,37 +161,26 @@ void Needle::ChooseAnchor() {
 // --- Comparing
 
 std::optional<ByteMatch> Needle::Next(const Window& window, const char*& p, int64_t* compared) const {
-  int64_t work = 0;
   const bool literal = !literal_.empty() && window.barriers->empty();
-  const auto match = literal ? NextLiteral(window, p, &work) : NextElements(window, p, &work);
+  const char* const start = p;
+  int64_t work = 0;
+  std::optional<ByteMatch> match;
+  for (; (p = scan_.Next(p, window.until, window.end)) < window.until; ++p) {
+    if (literal) {
+      const bool found = window.end - p >= static_cast<ptrdiff_t>(literal_.size()) && IsLiteral(p);
+      if (found) match = ByteMatch{p, p + literal_.size()};
+      work += static_cast<int64_t>(elements_.size());
+    } else {
+      match = Compare(window, p, &work);
+    }
+    if (match || work > kFree + kFreePerByte * (p - start)) break;
+  }
+  if (!match && p < window.until) {
+    ++p;
+    match = literal ? NextByLibrary(window, p) : NextByFallbacks(window, p, &work);
+  }
   if (compared) *compared += work;
   return match;
-}
-
-std::optional<ByteMatch> Needle::NextLiteral(const Window& window, const char*& p, int64_t* compared) const {
-  const char* const start = p;
-  const auto size = static_cast<ptrdiff_t>(literal_.size());
-  int64_t work = 0;
-  for (; (p = scan_.Next(p, window.until, window.end)) < window.until; ++p) {
-    if (window.end - p >= size && IsLiteral(p)) return ByteMatch{p, p + size};
-    work += size;
-    if (work <= kFree + kFreePerByte * (p - start)) continue;
-    *compared += work;
-    ++p;
-    return NextByLibrary(window, p);
-  }
-  return std::nullopt;
-}
-
-std::optional<ByteMatch> Needle::NextElements(const Window& window, const char*& p, int64_t* compared) const {
-  const char* const start = p;
-  for (; (p = scan_.Next(p, window.until, window.end)) < window.until; ++p) {
-    if (const auto match = Compare(window, p, compared)) return match;
-    if (*compared <= kFree + kFreePerByte * (p - start)) continue;
-    ++p;
-    return NextByFallbacks(window, p, compared);
-  }
-  return std::nullopt;
 }
 
 // p is followed by as many bytes as the needle has. Short needles are not worth a call.

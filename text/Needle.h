@@ -57,8 +57,6 @@ class Needle {
   std::vector<AnchorScan::Test> TestsFrom(size_t element) const;
 
   bool IsLiteral(const char* p) const;
-  std::optional<ByteMatch> NextLiteral(const Window& window, const char*& p, int64_t* compared) const;
-  std::optional<ByteMatch> NextElements(const Window& window, const char*& p, int64_t* compared) const;
   std::optional<ByteMatch> NextByLibrary(const Window& window, const char*& p) const;
   std::optional<ByteMatch> Compare(const Window& window, const char* place, int64_t* compared) const;
   // NeedleLinear.cpp
