@@ -17,7 +17,10 @@ std::vector<ui::MenuRow> MenuRows(std::span<const Row> rows) {
 }  // namespace
 
 Menus::Menus(ui::FrameForm& frame, Commands& commands, services::Services& services, documents::DocumentTable& table)
-    : commands_(commands), services_(services), table_(table), bar_(frame, MenuRows(MenuTable())),
+    : commands_(commands),
+      services_(services),
+      table_(table),
+      bar_(frame, MenuRows(MenuTable())),
       windowList_(ListRow("mnuWindowList")),
       recentFiles_(ListRow("mnuRecentFile")) {
   QObject::connect(&bar_, &ui::MenuBar::Triggered, &bar_, [this](size_t row) { Run(row); });

@@ -1,8 +1,9 @@
 #include "documents/DocumentReader.h"
 
+#include "files/AnyCase.h"
+
 #include <cerrno>
 #include <stdexcept>
-#include <strings.h>
 
 namespace documents {
 namespace {
@@ -42,8 +43,7 @@ void ReadRich(ReadDocument& read, files::InputFile& file, const files::Path& pat
 }  // namespace
 
 bool IsRichName(std::string_view path) {
-  const size_t dot = path.rfind('.');
-  return dot != std::string_view::npos && path.size() - dot == 4 && strncasecmp(path.data() + dot, ".rtf", 4) == 0;
+  return files::EndsWithAnyCase(path, ".rtf");
 }
 
 ReadDocument ReadDocumentFile(const files::Path& path, bool rich, const text::Progress& progress) noexcept {

@@ -1,5 +1,6 @@
 // Save and Save As.
 #include "documents/frmText.h"
+#include "files/AnyCase.h"
 #include "files/Attributes.h"
 #include "services/Messages.h"
 #include "ui/PathText.h"
@@ -9,14 +10,9 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <strings.h>
 
 namespace documents {
 namespace {
-
-bool EndsWithRtf(std::string_view path) {
-  return path.size() >= 3 && strncasecmp(path.data() + path.size() - 3, "rtf", 3) == 0;
-}
 
 bool IsRtfExtension(std::string_view extension) {
   return extension.size() == 4 && IsRichName(extension);
@@ -292,7 +288,7 @@ SaveOutcome frmText::mnuSaveFileAs_Click() {
   if (chosen.empty() || unloaded_) return SaveOutcome::kCancelled;
   // Whether to replace this file has been asked by the dialog.
   const auto agreed = files::StampOf(chosen);
-  if (IsRtfExtension(filter.extension) && !EndsWithRtf(chosen.native())) {
+  if (IsRtfExtension(filter.extension) && !files::EndsWithAnyCase(chosen.native(), "rtf")) {
     const QString text =
         tr("Warning: If you change the extension from .RTF, the saved file will lose any special "
            "formatting.\r\nShall I continue?");

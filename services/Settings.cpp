@@ -77,7 +77,7 @@ std::optional<T> Parse(std::string_view text, Format... format) {
   return value;
 }
 
-// The parts before and behind the first comma.
+// What stands before and behind the first comma.
 std::optional<std::pair<std::string_view, std::string_view>> SplitAtComma(std::string_view text) {
   const size_t comma = text.find(',');
   if (comma == std::string_view::npos) return std::nullopt;

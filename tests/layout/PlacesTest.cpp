@@ -186,7 +186,7 @@ TEST(Ranges, RectanglesCoverTheirCharacters) {
   const Document document = MakeDocument(text);
   TestView view(document, 260, 400);
   const Content& content = document.content();
-  // The parts' widths add up to the whole's, wherever it is cut.
+  // The widths of two pieces add up to the whole's, wherever it is cut.
   const auto widthOf = [&](Range range) {
     double width = 0;
     for (const QRectF& rect : view.RangeRects(range)) width += rect.width();

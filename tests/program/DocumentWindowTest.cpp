@@ -196,18 +196,6 @@ TEST_F(DocumentWindowTest, FormattingCommands) {
   EXPECT_EQ(box.SelAlignment(), 0);
 }
 
-TEST_F(DocumentWindowTest, AMixedSelectionLeavesTheCheckMark) {
-  frmText* document = Open(Put("a.rtf", "{\\rtf1 {\\b bold} plain}"));
-  ui::RichTextBox& box = document->RichTextBox1();
-  box.SetSelStart(1);
-  box.SetSelLength(2);
-  EXPECT_TRUE(document->checks().Bold);
-  box.SetSelStart(1);
-  box.SetSelLength(6);
-  EXPECT_EQ(box.SelBold(), std::nullopt);
-  EXPECT_TRUE(document->checks().Bold);
-}
-
 TEST_F(DocumentWindowTest, TheFontDialogChangesWhatTheUserChanged) {
   frmText* document = Open(Put("a.txt", "text"));
   ui::RichTextBox& box = document->RichTextBox1();

@@ -70,17 +70,17 @@ TEST_F(ProjectTest, BeginsEmptyAndUnnamed) {
 }
 
 TEST_F(ProjectTest, LoadsShowsAndSavesEveryKindOfEntryVerbatim) {
-  const std::vector<std::string> entries = {"/home/me/work/",    At("a.txt").native(), "notes.txt",
+  const std::vector<std::string> entries = {"/home/me/texts/",   At("a.txt").native(), "notes.txt",
                                             "/d/manual.pdf.lnk", "C:\\Work\\b.txt",    "/x/<b>&\n\xFF"};
   const auto path = Put("odd & <b>.prj", "\r\n" + entries[0] + "\r\n\r\n" + entries[1] + "\r" + entries[2] + "\r\n" +
                                              entries[3] + "\r\n" + entries[4] + "\r\n" + entries[5]);
   Load(path);
   EXPECT_EQ(Entries(), entries);
-  EXPECT_THAT(Shown(), ElementsAre("/home/me/work/", "a.txt", "notes.txt", "manual.pdf.lnk", "b.txt", "<b>&\n\xFF"));
+  EXPECT_THAT(Shown(), ElementsAre("/home/me/texts/", "a.txt", "notes.txt", "manual.pdf.lnk", "b.txt", "<b>&\n\xFF"));
   EXPECT_EQ(program().frame().caption(), "Quillmark - " + path.native());
   EXPECT_THAT(List1().SelectedLines(), ElementsAre(0));
   EXPECT_EQ(List().ToolTipOf(0), "Select this line to open a new document");
-  EXPECT_EQ(List().ToolTipOf(1), "/home/me/work/ [Folder shortcut]");
+  EXPECT_EQ(List().ToolTipOf(1), "/home/me/texts/ [Folder shortcut]");
   EXPECT_EQ(List().ToolTipOf(3), "notes.txt");
   EXPECT_EQ(List().ToolTipOf(4), "/d/manual.pdf.lnk [Read only shortcut]");
   List().mnuListSort_Click();
@@ -275,6 +275,33 @@ TEST_F(ProjectTest, AnEntryThatCannotBeOpenedMayBePointedAtItsNewPlace) {
   EXPECT_THAT(Entries(), ElementsAre(first.native(), moved.native(), third.native()));
   EXPECT_EQ(List1().line(2).text, "moved.txt");
   EXPECT_FALSE(Model().ProjectSaved);
+}
+
+TEST_F(ProjectTest, AnEntryIsNotPointedAtANameThatCannotBeOne) {
+  const auto odd = Put("new\rplace.txt", "");
+  Load(PutProject("p.prj", {At("gone.txt").native()}));
+  List1().SelectOnly(1);
+  ExpectError(Error(At("gone.txt"), "No such file or directory"));
+  dialogs.File(odd);
+  ExpectError(File(odd, "A project cannot hold a name with a carriage return."));
+  List().mnuOpenFromList_Click();
+  EXPECT_THAT(Entries(), ElementsAre(At("gone.txt").native()));
+  EXPECT_TRUE(Model().ProjectSaved);
+}
+
+TEST_F(ProjectTest, AProgramThatIsBrowsedForKeepsTheBytesOfItsName) {
+  desktop.opens = [](const std::string&) { return ui::Shell::kNoApplication; };
+  const auto viewer = Put("view\xFF", "");
+  dialogs.Modal([&](ui::ModalForm& form) {
+    dialogs.File(viewer);
+    form.findChild<ui::Button*>("Command1(2)")->click();
+    form.findChild<ui::Button*>("Command1(0)")->click();
+  });
+  std::string path = "/d/letter.lnk";
+  // The program asks again until it is told to stop, which is announced when it has run once.
+  desktop.runs = [&] { dialogs.Modal([](ui::ModalForm& form) { form.close(); }); };
+  program().OpenDocument(path);
+  EXPECT_EQ(desktop.asked.back(), "run " + viewer.native() + " [/d/letter]");
 }
 
 TEST_F(ProjectTest, TheFirstLineOffersAnyDocumentAndChangesNoEntry) {

@@ -125,14 +125,6 @@ TEST_F(SaveTest, LeavingRichTextWarns) {
   EXPECT_EQ(Bytes(plain), "+text");
 }
 
-TEST_F(SaveTest, GoingToRichTextDoesNotWarn) {
-  frmText& document = Edited(Put("a.txt", "text"));
-  dialogs.File(At("a.rtf"));
-  EXPECT_EQ(document.mnuSaveFileAs_Click(), SaveOutcome::kSaved);
-  EXPECT_TRUE(Bytes(At("a.rtf")).starts_with("{\\rtf1"));
-  EXPECT_EQ(Bytes(At("a.txt")), "text");
-}
-
 TEST_F(SaveTest, ReplacingAnotherFileIsAskedOnce) {
   frmText& document = Edited(Put("a.txt", "text"));
   const files::Path other = Put("b.txt", "other");

@@ -43,15 +43,6 @@ TEST_F(StartUpTest, AnEmptyStoreGivesTheDefaults) {
   }
 }
 
-TEST_F(StartUpTest, WithoutADocumentOnlyLeftIsPressed) {
-  const ui::ToolBar& toolbar = program().frame().toolbar();
-  for (size_t row = 0; row < toolbar.count(); ++row) {
-    const bool left = std::string_view(toolbar.row(row).key) == "Align left";
-    EXPECT_EQ(toolbar.state(row), left ? ui::ButtonState::kPressed : ui::ButtonState::kReleased)
-        << toolbar.row(row).key;
-  }
-}
-
 TEST_F(StartUpTest, SettingsTakeEffect) {
   Store({{"Extensions", ".abc,.rtf"},
          {"Font", "DejaVu Sans,12.5"},

@@ -18,7 +18,7 @@ TEST(ProjectFile, EntriesAreWhatTheirTextSays) {
     EntryKind kind;
     const char* shown;
   } kRows[] = {
-      {"/home/me/work/", EntryKind::kFolder, "/home/me/work/"},
+      {"/home/me/texts/", EntryKind::kFolder, "/home/me/texts/"},
       {"/home/me/a.txt", EntryKind::kDocument, "a.txt"},
       {"notes.txt", EntryKind::kDocument, "notes.txt"},
       {"/home/me/manual.pdf.lnk", EntryKind::kReadOnlyShortcut, "manual.pdf.lnk"},

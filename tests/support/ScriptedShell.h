@@ -21,12 +21,14 @@ class ScriptedShell final : public ui::Shell {
     for (const std::string& argument : arguments) call += " [" + argument + "]";
     asked.push_back(call);
     ranIn = directory;
+    if (runs) runs();
     return kStarted;
   }
 
   std::vector<std::string> asked;
   files::Path ranIn;  // where the last program was started
   std::function<int(const std::string&)> opens;
+  std::function<void()> runs;
 };
 
 }  // namespace support

@@ -1,6 +1,7 @@
 #include "ui/dialogs/ProgressForm.h"
 
 #include "ui/Hourglass.h"
+
 #include <QEventLoop>
 #include <QGuiApplication>
 #include <QLabel>

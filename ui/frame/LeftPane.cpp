@@ -30,10 +30,9 @@ LeftPane::LeftPane(QWidget* parent)
   const int icon = style()->pixelMetric(QStyle::PM_SmallIconSize, nullptr, this);
   for (ToolBar* bar : {Toolbar2_, Toolbar3_}) bar->setIconSize({icon, icon});
   Label1_->setBuddy(TreeView1_);
-  const std::pair<QWidget*, const char*> names[] = {{List1_, "List1"},         {Toolbar2_, "Toolbar2"},
-                                                    {Picture1_, "Picture1"},
-                                                    {Label1_, "Label1"},       {Drive1_, "Drive1"},
-                                                    {TreeView1_, "TreeView1"}, {Toolbar3_, "Toolbar3"}};
+  const std::pair<QWidget*, const char*> names[] = {
+      {List1_, "List1"},   {Toolbar2_, "Toolbar2"},   {Picture1_, "Picture1"}, {Label1_, "Label1"},
+      {Drive1_, "Drive1"}, {TreeView1_, "TreeView1"}, {Toolbar3_, "Toolbar3"}};
   for (const auto& [widget, name] : names) widget->setObjectName(QLatin1String(name));
   List1_->setAccessibleName(tr("Project list"));
   Toolbar2_->setAccessibleName(tr("Project list toolbar"));
@@ -81,9 +80,8 @@ void LeftPane::LayOut() {
   put(Toolbar2_, places.Toolbar2Top, metrics.Toolbar2Height);
   const QSize picture = Picture1_->sizeHint();
   Toolbar2_->resize(Toolbar2_->width() - picture.width(), Toolbar2_->height());
-  Picture1_->setGeometry(QRect(QPoint(Toolbar2_->geometry().right() + 1,
-                                      Toolbar2_->geometry().center().y() - picture.height() / 2),
-                               picture));
+  Picture1_->setGeometry(QRect(
+      QPoint(Toolbar2_->geometry().right() + 1, Toolbar2_->geometry().center().y() - picture.height() / 2), picture));
   put(Label1_, places.Label1Top, metrics.Label1Height);
   put(Drive1_, places.Drive1Top, metrics.Drive1Height);
   put(TreeView1_, places.TreeView1Top, places.TreeView1Height);
