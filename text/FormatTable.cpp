@@ -22,18 +22,35 @@ size_t Hash(const Font& f) {
 }
 
 size_t Hash(const CharFormat& f) {
-  return HashOf(f.font, f.halfPoints, f.flags, f.color.rgb, f.background.rgb, f.offset, f.object, f.kept);
+  return HashOf(f.font, f.halfPoints, f.flags, f.color.rgb, f.background.rgb, f.offset, f.object, f.link);
 }
 
 size_t Hash(const ParaFormat& f) {
   return HashOf(f.alignment, f.bullet, f.rightToLeft, f.leftIndent, f.firstIndent, f.rightIndent, f.spaceBefore,
-                f.spaceAfter, f.lineSpacing, f.lineSpacingMultiple, f.tabs, f.kept);
+                f.spaceAfter, f.lineSpacing, f.lineSpacingMultiple, f.tabs, f.list, f.listLevel, f.row, f.rowEnd);
 }
 
 size_t Hash(const Tabs& tabs) {
   size_t seed = tabs.size();
   for (int32_t tab : tabs) seed = Mix(seed, static_cast<size_t>(tab));
   return seed;
+}
+
+size_t Hash(const List& list) {
+  size_t seed = HashOf(list.identity, list.levels.size());
+  for (const ListLevel& level : list.levels)
+    seed = Mix(seed, HashOf(level.style, level.start, std::hash<std::string>()(level.label), level.font));
+  return seed;
+}
+
+size_t Hash(const TableRow& row) {
+  size_t seed = HashOf(row.left, row.gap, row.height, row.level, std::hash<std::string>()(row.words));
+  for (const TableCell& cell : row.cells) seed = Mix(seed, HashOf(cell.right, cell.borders, cell.shading.rgb));
+  return seed;
+}
+
+size_t Hash(const std::string& link) {
+  return std::hash<std::string>()(link);
 }
 
 template <class T>
@@ -54,6 +71,10 @@ FormatTable::FormatTable() {
   Intern(CharFormat{});
   Intern(ParaFormat{});
   Intern(Tabs{});
+  Intern(List{});
+  Intern(TableRow{});
+  InternLink({});
+  Add({});
 }
 
 FontId FormatTable::Intern(const Font& font) {
@@ -78,6 +99,26 @@ TabsId FormatTable::Intern(const Tabs& tabs) {
   if (sorted.size() > kMaxTabs) sorted.resize(kMaxTabs);
   std::lock_guard lock(mutex_);
   return static_cast<TabsId>(InternIn(tabs_, tabsIndex_, sorted));
+}
+
+ListId FormatTable::Intern(const List& list) {
+  std::lock_guard lock(mutex_);
+  return static_cast<ListId>(InternIn(lists_, listIndex_, list));
+}
+
+RowId FormatTable::Intern(const TableRow& row) {
+  std::lock_guard lock(mutex_);
+  return static_cast<RowId>(InternIn(rows_, rowIndex_, row));
+}
+
+LinkId FormatTable::InternLink(const std::string& target) {
+  std::lock_guard lock(mutex_);
+  return static_cast<LinkId>(InternIn(links_, linkIndex_, target));
+}
+
+ObjectId FormatTable::Add(EmbeddedObject object) {
+  std::lock_guard lock(mutex_);
+  return static_cast<ObjectId>(objects_.Append(std::move(object)));
 }
 
 }  // namespace text

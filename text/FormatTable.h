@@ -1,7 +1,7 @@
-// Interns fonts, formats and tab lists; append-only, so an id stays good for the life of the store.
+// Interns fonts, formats and what they refer to; append-only, so an id stays good for the life of the store.
 #pragma once
 
-#include "text/Formats.h"
+#include "text/Objects.h"
 
 #include <array>
 #include <atomic>
@@ -55,11 +55,19 @@ class FormatTable {
   CharFormatId Intern(const CharFormat& format);
   ParaFormatId Intern(const ParaFormat& format);
   TabsId Intern(const Tabs& tabs);  // sorted, repeats and those past kMaxTabs dropped
+  ListId Intern(const List& list);
+  RowId Intern(const TableRow& row);
+  LinkId InternLink(const std::string& target);  // the empty one is kNone
+  ObjectId Add(EmbeddedObject object);           // every object is one of its own
 
   const Font& operator[](FontId id) const { return fonts_[static_cast<size_t>(id)]; }
   const CharFormat& operator[](CharFormatId id) const { return chars_[static_cast<size_t>(id)]; }
   const ParaFormat& operator[](ParaFormatId id) const { return paras_[static_cast<size_t>(id)]; }
   const Tabs& operator[](TabsId id) const { return tabs_[static_cast<size_t>(id)]; }
+  const List& operator[](ListId id) const { return lists_[static_cast<size_t>(id)]; }
+  const TableRow& operator[](RowId id) const { return rows_[static_cast<size_t>(id)]; }
+  const std::string& operator[](LinkId id) const { return links_[static_cast<size_t>(id)]; }
+  const EmbeddedObject& operator[](ObjectId id) const { return objects_[static_cast<size_t>(id)]; }
 
  private:
   std::mutex mutex_;  // guards the appending and the maps
@@ -67,7 +75,12 @@ class FormatTable {
   StableVector<CharFormat> chars_;
   StableVector<ParaFormat> paras_;
   StableVector<Tabs> tabs_;
-  std::unordered_multimap<size_t, uint32_t> fontIndex_, charIndex_, paraIndex_, tabsIndex_;
+  StableVector<List> lists_;
+  StableVector<TableRow> rows_;
+  StableVector<std::string> links_;
+  StableVector<EmbeddedObject> objects_;
+  std::unordered_multimap<size_t, uint32_t> fontIndex_, charIndex_, paraIndex_, tabsIndex_, listIndex_, rowIndex_,
+      linkIndex_;
 };
 
 }  // namespace text

@@ -13,9 +13,11 @@ enum class FontId : uint32_t { kDefault = 0 };
 enum class CharFormatId : uint32_t { kDefault = 0 };
 enum class ParaFormatId : uint32_t { kDefault = 0 };
 enum class TabsId : uint32_t { kNone = 0 };
+// What these four refer to is in Objects.h; a link is its target, UTF-8, as it was written.
 enum class ObjectId : uint32_t { kNone = 0 };
-// An ordered list of control words that the editor does not model but gives back on saving.
-enum class KeptId : uint32_t { kNone = 0 };
+enum class ListId : uint32_t { kNone = 0 };
+enum class RowId : uint32_t { kNone = 0 };
+enum class LinkId : uint32_t { kNone = 0 };
 
 // A font as a document names it. The empty name is "the document's default font".
 struct Font {
@@ -40,8 +42,9 @@ enum CharFlag : uint16_t {
   kStrikeThru = 8,
   kProtected = 16,
   kHidden = 32,
+  kCellEnd = 64,  // on a tab that ends a table's cell; only whole rows of cells come and go
 };
-constexpr uint16_t kAllCharFlags = 63;
+constexpr uint16_t kAllCharFlags = 63;  // those that a user sets
 
 struct CharFormat {
   FontId font = FontId::kDefault;
@@ -51,7 +54,7 @@ struct CharFormat {
   Color background;                   // highlight; automatic = none
   int32_t offset = 0;                 // twips; positive raises, negative lowers
   ObjectId object = ObjectId::kNone;  // set only on U+FFFC
-  KeptId kept = KeptId::kNone;
+  LinkId link = LinkId::kNone;
   bool operator==(const CharFormat&) const = default;
 };
 
@@ -70,7 +73,10 @@ struct ParaFormat {
   int32_t lineSpacing = 0;           // RTF \sl; 0 = automatic
   bool lineSpacingMultiple = false;  // RTF \slmult1: lineSpacing is in 240ths of a line
   TabsId tabs = TabsId::kNone;
-  KeptId kept = KeptId::kNone;
+  ListId list = ListId::kNone;  // with `bullet`: whose bullets they are, none = the usual one; else its label's
+  uint8_t listLevel = 0;        // 0 .. 8
+  RowId row = RowId::kNone;     // the table's row that the paragraph is in
+  bool rowEnd = false;          // its break ends the row, and the row's last cell
   bool operator==(const ParaFormat&) const = default;
 };
 

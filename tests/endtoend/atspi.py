@@ -72,7 +72,7 @@ def texts(pid):
 
 def _dialog(pid):
     for window in reversed(_windows(pid)):
-        if not window or window.get_role_name() != "alert":
+        if not window or window.get_role_name() not in ("alert", "dialog"):
             continue
         if _showing(window):
             labels = [text for role, text in _texts_of(window) if role == "label"]
@@ -81,7 +81,7 @@ def _dialog(pid):
 
 
 def dialog(pid):
-    """The text of the message box that is open; its lines end in LF."""
+    """What the labels of the open dialog say; lines end in LF."""
     return _steady(lambda: _dialog(pid), None)
 
 
@@ -117,3 +117,27 @@ def _editors(pid):
 def editors(pid):
     """The texts of all documents."""
     return _steady(lambda: _editors(pid), [])
+
+
+def _selected_lines(pid, name):
+    for window in _windows(pid):
+        for node in _walk(window) if window else []:
+            if node.get_role_name() == "list" and node.get_name() == name:
+                lines = [node.get_child_at_index(i) for i in range(node.get_child_count())]
+                return [(line.get_name(), line.get_state_set().contains(Atspi.StateType.SELECTED)) for line in lines]
+    return []
+
+
+def list_lines(pid, name):
+    """(text, whether it is selected) of each line of the list called so."""
+    return _steady(lambda: _selected_lines(pid, name), [])
+
+
+def _menu_items(pid):
+    return [node.get_name() for window in _windows(pid) if window and window.get_role_name() == "popup menu"
+            for node in _walk(window) if node.get_role_name() in ("menu item", "check menu item") and _showing(node)]
+
+
+def menu_items(pid):
+    """The captions of the open menus."""
+    return _steady(lambda: _menu_items(pid), [])

@@ -11,7 +11,10 @@
 namespace text::rtf {
 
 // Properties of the document that belong to no character or paragraph.
+struct Source;
 struct DocumentProperties {
+  // The file that was read. While it is known, saving copies from it all that is still as it was.
+  std::shared_ptr<const Source> source;
   int codePage = 1252;      // \ansicpg
   int defaultTab = 720;     // \deftab, twips
   int defaultLanguage = 0;  // \deflang; 0 = not said
@@ -19,6 +22,12 @@ struct DocumentProperties {
   // Given back on saving as they were read: words of the page (\paperw12240\margl1800) and whole groups ({\info ...}).
   std::string headerWords;
   std::string headerGroups;
+};
+
+// A file as it was read and what came of it. Both together tell at saving what was edited.
+struct Source {
+  std::shared_ptr<const std::string> bytes;
+  Content content;
 };
 
 struct ReadResult {

@@ -57,7 +57,7 @@ std::string WithLineEnds(std::string_view bytes, LineEnd lineEnd) {
   return result;
 }
 
-// Formats of one table interned in another. Kept control words and objects belong to their own store.
+// Formats of one table interned in another.
 class FormatMapper {
  public:
   FormatMapper(const text::FormatTable& from, text::FormatTable& to) : from_(from), to_(to) {}
@@ -67,8 +67,8 @@ class FormatMapper {
     if (added) {
       CharFormat format = from_[id];
       format.font = to_.Intern(from_[format.font]);
-      format.object = text::ObjectId::kNone;
-      format.kept = text::KeptId::kNone;
+      format.object = format.object == text::ObjectId::kNone ? format.object : to_.Add(from_[format.object]);
+      format.link = to_.InternLink(from_[format.link]);
       entry->second = to_.Intern(format);
     }
     return entry->second;
@@ -78,13 +78,20 @@ class FormatMapper {
     if (added) {
       ParaFormat format = from_[id];
       format.tabs = to_.Intern(text::Tabs(from_[format.tabs]));
-      format.kept = text::KeptId::kNone;
+      format.list = to_.Intern(ListOf(format.list));
+      format.row = to_.Intern(text::TableRow(from_[format.row]));
       entry->second = to_.Intern(format);
     }
     return entry->second;
   }
 
  private:
+  text::List ListOf(text::ListId id) {
+    text::List list = from_[id];
+    for (text::ListLevel& level : list.levels) level.font = to_.Intern(from_[level.font]);
+    return list;
+  }
+
   const text::FormatTable& from_;
   text::FormatTable& to_;
   std::map<CharFormatId, CharFormatId> chars_;
@@ -170,7 +177,7 @@ std::optional<Content> RichFragment(const QMimeData& data, const text::Document&
   if (const auto* own = qobject_cast<const EditorMimeData*>(&data)) {
     // Bytes that are no characters survive only this way.
     if (own->content().store() == target.content().store()) return own->content().Slice(own->range());
-    if (!own->content().Summarize(own->range()).anyObject) return Rebuilt(own->content(), own->range(), target);
+    return Rebuilt(own->content(), own->range(), target);
   }
   for (const QString& type : kRtfTypes) {
     if (!data.hasFormat(type)) continue;

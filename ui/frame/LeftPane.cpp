@@ -23,13 +23,12 @@ LeftPane::LeftPane(QWidget* parent)
       List1_(new ListBox(this)),
       Toolbar2_(new ToolBar(this)),
       Picture1_(new PictureBox("font-size", this)),
-      Label1_(new QLabel(tr("Fo&lder tree"), this)),
+      Label1_(new QLabel(tr("Folder tree"), this)),
       Drive1_(new DriveBox(this)),
       TreeView1_(new TreeView(this)),
       Toolbar3_(new ToolBar(this)) {
   const int icon = style()->pixelMetric(QStyle::PM_SmallIconSize, nullptr, this);
   for (ToolBar* bar : {Toolbar2_, Toolbar3_}) bar->setIconSize({icon, icon});
-  Label1_->setBuddy(TreeView1_);
   const std::pair<QWidget*, const char*> names[] = {
       {List1_, "List1"},   {Toolbar2_, "Toolbar2"},   {Picture1_, "Picture1"}, {Label1_, "Label1"},
       {Drive1_, "Drive1"}, {TreeView1_, "TreeView1"}, {Toolbar3_, "Toolbar3"}};
