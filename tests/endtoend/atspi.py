@@ -133,11 +133,18 @@ def list_lines(pid, name):
     return _steady(lambda: _selected_lines(pid, name), [])
 
 
+def _children(node):
+    return [child for child in (node.get_child_at_index(i) for i in range(node.get_child_count())) if child]
+
+
 def _menu_items(pid):
-    return [node.get_name() for window in _windows(pid) if window and window.get_role_name() == "popup menu"
-            for node in _walk(window) if node.get_role_name() in ("menu item", "check menu item") and _showing(node)]
+    bars = [node for window in _windows(pid) if window for node in _children(window)
+            if node.get_role_name() == "menu bar"]
+    menus = [menu for bar in bars for title in _children(bar) for menu in _children(title) if _showing(menu)]
+    return [item.get_name().split("\t")[0] for menu in menus for item in _children(menu)
+            if item.get_role_name() != "separator" and _showing(item)]
 
 
 def menu_items(pid):
-    """The captions of the open menus."""
+    """The captions in the open menu of the menu bar."""
     return _steady(lambda: _menu_items(pid), [])

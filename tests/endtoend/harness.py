@@ -327,6 +327,8 @@ class Program:
                     fields = file.read().rpartition(b")")[2].split()
             except OSError:
                 continue
+            if fields[0] == b"Z" and fields[1] == b"1":
+                continue  # has ended; the first process of a container may be slow to notice
             if int(fields[3]) == self.pid and int(name) != self.pid:
                 found.append(int(name))
         return found
