@@ -1,6 +1,7 @@
 #include "text/rtf/RtfWriter.h"
 
 #include "text/rtf/RtfCharacters.h"
+#include "text/rtf/RtfCodePages.h"
 #include "text/rtf/RtfLimits.h"
 
 #include <algorithm>
@@ -13,36 +14,15 @@ namespace {
 constexpr size_t kSendAt = 1 << 16;
 constexpr std::string_view kGenerator = "Quillmark 0.1.0";
 
-struct FlagWord {
-  uint16_t flag;
-  std::string_view on, off;
-};
-constexpr FlagWord kFlagWords[] = {
-    {text::kBold, "b", "b0"},
-    {text::kItalic, "i", "i0"},
-    {text::kUnderline, "ul", "ulnone"},
-    {text::kStrikeThru, "strike", "strike0"},
-    {text::kProtected, "protect", "protect0"},
-    {text::kHidden, "v", "v0"},
-};
-
 constexpr std::string_view kFamilies[] = {"fnil", "froman", "fswiss", "fmodern", "fscript", "fdecor", "ftech", "fbidi"};
-
-// By Alignment.
-constexpr std::string_view kAlignments[] = {"ql", "qr", "qc", "qj"};
-
-// What RTF can hold of a format, so that a change too small to be written is none.
-CharFormat Writable(CharFormat format) {
-  format.halfPoints = static_cast<uint16_t>(std::clamp<int32_t>(format.halfPoints, 1, kMaxHalfPoints));
-  const int32_t steps = std::min((std::abs(ClampLength(format.offset)) + 5) / 10, kMaxHalfPoints);
-  format.offset = format.offset < 0 ? -steps * 10 : steps * 10;
-  return format;
-}
 
 }  // namespace
 
 RtfWriter::RtfWriter(const Content& content, const DocumentProperties& properties, const ByteSink& sink)
-    : content_(content), formats_(content.formats()), properties_(properties), sink_(sink) {}
+    : content_(content), formats_(content.formats()), properties_(properties), sink_(sink) {
+  numbers_.font = [this](FontId id) { return FontNumber(id); };
+  numbers_.color = [this](Color color) { return ColorNumber(color); };
+}
 
 bool RtfWriter::Run(Range range, bool wholeDocument) {
   CollectFormats(range);
@@ -51,7 +31,7 @@ bool RtfWriter::Run(Range range, bool wholeDocument) {
   const bool openEnd = wholeDocument || !paragraph_.empty();
   if (openEnd && !refused_)
     Paragraph(content_.ParaFormatOf(content_.ParagraphAt(range.end)), wholeDocument, std::nullopt);
-  Raw(wholeDocument ? "}\r\n" : "}");
+  words_.Raw(wholeDocument ? "}\r\n" : "}");
   if (!refused_ && !sink_(out_)) refused_ = true;
   return !refused_;
 }
@@ -72,7 +52,7 @@ void RtfWriter::CollectFormats(Range range) {
   });
   if (formats_[content_.ParaFormatOf(content_.ParagraphAt(range.end))].bullet) anyBullet_ = true;
   if (!anyBullet_) return;
-  symbolFont_ = NumberFont({"Symbol", 2, 0}).value_or(0);
+  numbers_.symbolFont = NumberFont({"Symbol", 2, 0}).value_or(0);
 }
 
 // The font without a name is the document's default, whatever its number.
@@ -102,6 +82,8 @@ void RtfWriter::CollectColor(Color color) {
 }
 
 int32_t RtfWriter::FontNumber(FontId id) const {
+  if (id == kUnknownFont) return -1;
+  if (id == FontId::kDefault) id = properties_.defaultFont;
   const auto found = fontNumbers_.find(id);
   return found == fontNumbers_.end() ? 0 : found->second;
 }
@@ -113,58 +95,58 @@ int32_t RtfWriter::ColorNumber(Color color) const {
 }
 
 void RtfWriter::Header(bool wholeDocument) {
-  Raw("{\\rtf1\\ansi");
-  Word("ansicpg", properties_.codePage);
-  Raw("\\deff0\\nouicompat");
-  if (properties_.defaultLanguage != 0) Word("deflang", properties_.defaultLanguage);
+  words_.Raw("{\\rtf1\\ansi");
+  words_.Word("ansicpg", properties_.codePage);
+  words_.Raw("\\deff0\\nouicompat");
+  if (properties_.defaultLanguage != 0) words_.Word("deflang", properties_.defaultLanguage);
   FontTable();
   ColorTable();
-  Raw("{\\*\\generator ");
-  Raw(kGenerator);
-  Raw(";}");
+  words_.Raw("{\\*\\generator ");
+  words_.Raw(kGenerator);
+  words_.Raw(";}");
   if (wholeDocument) KeptGroups();
-  Raw("\\viewkind4\\uc1");
-  if (properties_.defaultTab != 720) Word("deftab", std::clamp(properties_.defaultTab, 1, kMaxLength));
-  if (wholeDocument) Raw(properties_.headerWords);
-  Raw("\r\n");
+  words_.Raw("\\viewkind4\\uc1");
+  if (properties_.defaultTab != 720) words_.Word("deftab", std::clamp(properties_.defaultTab, 1, kMaxLength));
+  if (wholeDocument) words_.Raw(properties_.headerWords);
+  words_.Raw("\r\n");
 }
 
 void RtfWriter::FontTable() {
-  Raw("{\\fonttbl");
+  words_.Raw("{\\fonttbl");
   for (size_t i = 0; i < fonts_.size(); ++i) {
-    Raw("{");
-    Word("f", static_cast<int64_t>(i));
-    Word(kFamilies[fonts_[i].family]);
-    Word("fcharset", fonts_[i].charset);
-    Raw(" ");
-    Name(fonts_[i].name);
-    Raw(";}");
+    words_.Raw("{");
+    words_.Word("f", static_cast<int64_t>(i));
+    words_.Word(kFamilies[fonts_[i].family]);
+    words_.Word("fcharset", fonts_[i].charset);
+    words_.Raw(" ");
+    words_.Name(fonts_[i].name);
+    words_.Raw(";}");
   }
-  Raw("}\r\n");
+  words_.Raw("}\r\n");
 }
 
 void RtfWriter::ColorTable() {
   if (colors_.empty()) return;
-  Raw("{\\colortbl ;");
+  words_.Raw("{\\colortbl ;");
   for (const Color color : colors_) {
-    Word("red", color.rgb & 0xFF);
-    Word("green", color.rgb >> 8 & 0xFF);
-    Word("blue", color.rgb >> 16 & 0xFF);
-    Raw(";");
+    words_.Word("red", color.rgb & 0xFF);
+    words_.Word("green", color.rgb >> 8 & 0xFF);
+    words_.Word("blue", color.rgb >> 16 & 0xFF);
+    words_.Raw(";");
   }
-  Raw("}\r\n");
+  words_.Raw("}\r\n");
 }
 
 void RtfWriter::KeptGroups() {
   for (char c : properties_.headerGroups) {
     const auto byte = static_cast<uint8_t>(c);
     if (byte >= 0x80) {
-      Hex(byte);
+      words_.Hex(byte);
     } else {
       out_ += byte == 0 ? '\n' : c;  // either ends a word and is no text
     }
   }
-  if (!properties_.headerGroups.empty()) Raw("\r\n");
+  if (!properties_.headerGroups.empty()) words_.Raw("\r\n");
 }
 
 void RtfWriter::Body(Range range) {
@@ -188,7 +170,7 @@ void RtfWriter::SplitParagraphs(const PieceView& piece) {
 
 void RtfWriter::Paragraph(ParaFormatId format, bool close, std::optional<CharFormatId> breakFormat) {
   if ((anyParagraph_ && format == currentParagraph_) || !ParagraphFormat(formats_[format])) {
-    if (formats_[format].bullet) Bullet();
+    if (formats_[format].bullet) words_.Bullet(numbers_);
   }
   anyParagraph_ = true;
   currentParagraph_ = format;
@@ -200,42 +182,17 @@ void RtfWriter::Paragraph(ParaFormatId format, bool close, std::optional<CharFor
   paragraph_.clear();
   if (!close) return;
   if (breakFormat) Chars(*breakFormat);
-  Raw("\\par\r\n");
+  words_.Raw("\\par\r\n");
   SendIfLarge();
-}
-
-void RtfWriter::Bullet() {
-  Raw("{"), Word("pntext"), Word("f", symbolFont_), Raw("\\'B7\\tab}");
 }
 
 bool RtfWriter::ParagraphFormat(const ParaFormat& format) {
   const size_t begin = out_.size();
-  Word("pard");
-  if (format.bullet) {
-    Bullet();
-    Raw("{\\*\\pn\\pnlvlblt"), Word("pnf", symbolFont_), Raw("\\pnindent0{\\pntxtb\\'B7}}");
-  }
-  if (format.rightToLeft) Word("rtlpar");
-  const auto length = [this](std::string_view word, int32_t twips) {
-    if (twips != 0) Word(word, ClampLength(twips));
-  };
-  length("fi", format.firstIndent);
-  length("li", format.leftIndent);
-  length("ri", format.rightIndent);
-  length("sb", format.spaceBefore);
-  length("sa", format.spaceAfter);
-  if (format.lineSpacing != 0 || format.lineSpacingMultiple) {
-    Word("sl", ClampLength(format.lineSpacing));
-    Word("slmult", format.lineSpacingMultiple ? 1 : 0);
-  }
-  for (int32_t tab : formats_[format.tabs])
-    if (tab >= 0) Word("tx", ClampLength(tab));
-  if (format.alignment != Alignment::kLeft) Word(kAlignments[static_cast<size_t>(format.alignment)]);
+  words_.Paragraph(format, formats_, numbers_);
   // Formats may differ in what RTF cannot hold.
   const std::string_view words = std::string_view(out_).substr(begin);
   if (words == paragraphWords_) {
-    out_.resize(begin);
-    needsDelimiter_ = false;
+    words_.CutTo(begin);
     return false;
   }
   paragraphWords_ = words;
@@ -244,27 +201,20 @@ bool RtfWriter::ParagraphFormat(const ParaFormat& format) {
 
 void RtfWriter::Chars(CharFormatId id) {
   if (anyChars_ && id == currentId_) return;
-  const CharFormat next = Writable(formats_[id]);
-  const FontId fontId = next.font == FontId::kDefault ? properties_.defaultFont : next.font;
-  const int32_t font = FontNumber(fontId);
-  for (const FlagWord& word : kFlagWords)
-    if ((next.flags ^ current_.flags) & word.flag) Word(next.flags & word.flag ? word.on : word.off);
-  if (!anyChars_ || font != currentFont_) Word("f", font);
-  if (!anyChars_ || next.halfPoints != current_.halfPoints) Word("fs", next.halfPoints);
-  if (next.color != current_.color) ChangeColor("cf", ColorNumber(next.color), currentColor_);
-  if (next.background != current_.background)
-    ChangeColor("highlight", ColorNumber(next.background), currentBackground_);
-  if (next.offset != current_.offset) Word(next.offset < 0 ? "dn" : "up", std::abs(next.offset) / 10);
+  const CharFormat& next = formats_[id];
+  words_.Chars(current_, next, numbers_);
   anyChars_ = true;
   currentId_ = id;
   current_ = next;
-  currentFont_ = font;
-  charset_ = fonts_[static_cast<size_t>(font)].charset;
+  const auto font = static_cast<size_t>(FontNumber(next.font));
+  coding_.codePage = CodePageOfCharset(fonts_[font].charset, properties_.codePage);
 }
 
-void RtfWriter::ChangeColor(std::string_view word, int32_t number, int32_t& current) {
-  if (number != current) Word(word, number);
-  current = number;
+void RtfWriter::Text(std::string_view bytes) {
+  while (!bytes.empty() && !refused_) {
+    bytes = words_.Text(bytes, coding_, kSendAt);
+    SendIfLarge();
+  }
 }
 
 void RtfWriter::SendIfLarge() {

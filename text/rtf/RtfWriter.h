@@ -2,6 +2,7 @@
 #pragma once
 
 #include "text/rtf/Rtf.h"
+#include "text/rtf/RtfWords.h"
 
 #include <map>
 #include <optional>
@@ -45,19 +46,8 @@ class RtfWriter {
   void Paragraph(ParaFormatId format, bool close, std::optional<CharFormatId> breakFormat);
   // False, and nothing written, when the format is written like the one in force.
   bool ParagraphFormat(const ParaFormat& format);
-  void Bullet();
   void Chars(CharFormatId id);
-  void ChangeColor(std::string_view word, int32_t number, int32_t& current);
   void Text(std::string_view bytes);
-  void Special(char32_t character);
-
-  // --- Bytes
-  void Word(std::string_view word) { out_ += '\\', out_ += word, needsDelimiter_ = true; }
-  void Word(std::string_view word, int64_t number);
-  void Raw(std::string_view bytes) { out_ += bytes, needsDelimiter_ = false; }
-  void Hex(uint8_t byte);
-  void UnicodeWord(char32_t unit);
-  void Name(std::string_view utf8);
   void SendIfLarge();
 
   const Content& content_;
@@ -65,8 +55,9 @@ class RtfWriter {
   const DocumentProperties& properties_;
   const ByteSink& sink_;
   std::string out_;
+  RtfWords words_{out_};
+  TableNumbers numbers_;
   bool refused_ = false;
-  bool needsDelimiter_ = false;  // the last thing was a control word without its space
 
   std::vector<bool> seenChars_;
   std::map<FontId, int32_t> fontNumbers_;
@@ -74,7 +65,6 @@ class RtfWriter {
   std::vector<Font> fonts_;
   std::map<uint32_t, int32_t> colorNumbers_;
   std::vector<Color> colors_;
-  int32_t symbolFont_ = 0;  // of bullets
   bool anyBullet_ = false;
 
   std::vector<Stretch> paragraph_;
@@ -83,10 +73,8 @@ class RtfWriter {
   std::string paragraphWords_;  // as written for it
   bool anyChars_ = false;
   CharFormatId currentId_ = CharFormatId::kDefault;
-  CharFormat current_;  // as written
-  int32_t currentFont_ = 0;
-  int32_t currentColor_ = 0, currentBackground_ = 0;
-  uint8_t charset_ = 0;  // of the current font
+  CharFormat current_ = UnknownChars();
+  TextCoding coding_;  // of the current font
 };
 
 }  // namespace text::rtf

@@ -1,0 +1,77 @@
+// The words and escapes that formats and text are written with, at the end of a string that grows.
+#pragma once
+
+#include "text/FormatTable.h"
+
+#include <cstdint>
+#include <functional>
+#include <limits>
+#include <string>
+#include <string_view>
+
+namespace text::rtf {
+
+// The places of fonts and colours in the tables of the file that is written.
+struct TableNumbers {
+  std::function<int32_t(FontId)> font;
+  std::function<int32_t(Color)> color;  // the automatic one too
+  int32_t symbolFont = 0;               // of bullets
+};
+
+// How characters past ASCII are written: as \'hh where `codePage`, that of the font in force, is 1252, or 42 for a
+// symbol font, else as \uN with `fallbackCount` (\uc) question marks.
+struct TextCoding {
+  int codePage = 0;
+  int32_t fallbackCount = 1;
+};
+
+class RtfWords {
+ public:
+  explicit RtfWords(std::string& out) : out_(out) {}
+
+  // --- Tokens
+  void Word(std::string_view word) { out_ += '\\', out_ += word, needsDelimiter_ = true; }
+  void Word(std::string_view word, int64_t number);
+  // Anything that is no word; behind a word it must not begin with what would belong to that.
+  void Raw(std::string_view bytes) { out_ += bytes, needsDelimiter_ = false; }
+  void Hex(uint8_t byte);
+  // Takes back what was written from `size` on, a whole number of tokens after something that is no word.
+  void CutTo(size_t size) { out_.resize(size), needsDelimiter_ = false; }
+  // The next thing is preceded by something that is no control word, or by nothing.
+  void Begin() { needsDelimiter_ = false; }
+  // A space, if plain text that follows needs one after a word.
+  void Delimit() { out_ += needsDelimiter_ ? " " : "", needsDelimiter_ = false; }
+
+  // --- Text without line breaks. Stops when about `most` bytes are written and returns the rest.
+  std::string_view Text(std::string_view utf8, const TextCoding& coding,
+                        size_t most = std::numeric_limits<size_t>::max());
+  void Character(char32_t character, const TextCoding& coding);
+  // A font's name, as ASCII.
+  void Name(std::string_view utf8);
+
+  // --- Formats. Links, objects and ends of cells have no words here.
+  // The words that lead from one character format to another; nothing when both are written alike.
+  void Chars(const CharFormat& from, const CharFormat& to, const TableNumbers& numbers);
+  // The words that lead from one paragraph format to another without \pard. False, and nothing written, when only \pard
+  // can: stops to take away, labels or rows that differ.
+  bool ParagraphChange(const ParaFormat& from, const ParaFormat& to, const FormatTable& formats);
+  // \pard and the whole format.
+  void Paragraph(const ParaFormat& format, const FormatTable& formats, const TableNumbers& numbers);
+  // The bullet as readers show it that know no {\*\pn}; belongs before every paragraph's text.
+  void Bullet(const TableNumbers& numbers);
+
+ private:
+  void UnicodeWord(char32_t unit, int32_t fallbackCount);
+
+  std::string& out_;
+  bool needsDelimiter_ = false;  // the last thing was a control word without its space
+};
+
+// In front of everything: no flags and colours, but a font and a size that differ from any other.
+CharFormat UnknownChars();
+constexpr FontId kUnknownFont{0xFFFFFFFF};  // numbers.font must give it none of its numbers
+
+// What RTF can hold of a format, so that a change too small to be written is none.
+CharFormat Writable(CharFormat format);
+
+}  // namespace text::rtf
