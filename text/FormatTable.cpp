@@ -27,7 +27,7 @@ size_t Hash(const CharFormat& f) {
 
 size_t Hash(const ParaFormat& f) {
   return HashOf(f.alignment, f.bullet, f.rightToLeft, f.leftIndent, f.firstIndent, f.rightIndent, f.spaceBefore,
-                f.spaceAfter, f.lineSpacing, f.lineSpacingMultiple, f.tabs, f.list, f.listLevel, f.row, f.rowEnd);
+                f.spaceAfter, f.lineSpacing, f.lineSpacingMultiple, f.tabs, f.list, f.listLevel, f.row, f.rowMark);
 }
 
 size_t Hash(const Tabs& tabs) {

@@ -42,9 +42,8 @@ enum CharFlag : uint16_t {
   kStrikeThru = 8,
   kProtected = 16,
   kHidden = 32,
-  kCellEnd = 64,  // on a tab that ends a table's cell; only whole rows of cells come and go
 };
-constexpr uint16_t kAllCharFlags = 63;  // those that a user sets
+constexpr uint16_t kAllCharFlags = 63;
 
 struct CharFormat {
   FontId font = FontId::kDefault;
@@ -61,6 +60,10 @@ struct CharFormat {
 // The numbers are those that SelAlignment gives.
 enum class Alignment : uint8_t { kLeft = 0, kRight = 1, kCenter = 2, kJustify = 3 };
 
+// What a paragraph's break ends besides it. Each cell of a row has at least one paragraph, the last one's break ends
+// the cell, that of the last cell the row too. As plain text kCellEnd is a tab.
+enum class RowMark : uint8_t { kNone, kCellEnd, kRowEnd };
+
 struct ParaFormat {
   Alignment alignment = Alignment::kLeft;
   bool bullet = false;
@@ -76,7 +79,7 @@ struct ParaFormat {
   ListId list = ListId::kNone;  // with `bullet`: whose bullets they are, none = the usual one; else its label's
   uint8_t listLevel = 0;        // 0 .. 8
   RowId row = RowId::kNone;     // the table's row that the paragraph is in
-  bool rowEnd = false;          // its break ends the row, and the row's last cell
+  RowMark rowMark = RowMark::kNone;
   bool operator==(const ParaFormat&) const = default;
 };
 
