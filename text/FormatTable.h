@@ -66,6 +66,7 @@ class FormatTable {
   const Tabs& operator[](TabsId id) const { return tabs_[static_cast<size_t>(id)]; }
   const List& operator[](ListId id) const { return lists_[static_cast<size_t>(id)]; }
   const TableRow& operator[](RowId id) const { return rows_[static_cast<size_t>(id)]; }
+  bool hasRows() const { return rows_.size() > 1; }  // false: no paragraph is in a table
   const std::string& operator[](LinkId id) const { return links_[static_cast<size_t>(id)]; }
   const EmbeddedObject& operator[](ObjectId id) const { return objects_[static_cast<size_t>(id)]; }
 
