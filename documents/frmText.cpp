@@ -32,6 +32,7 @@ frmText::frmText(services::Services& services, DocumentTable& table, int slot)
 frmText::~frmText() = default;
 
 void frmText::ConnectEditor() {
+  RichTextBox1_->SavesFormatsWhen([this] { return !SavesAsPlain(); });
   connect(RichTextBox1_, &ui::RichTextBox::Change, this, [this] {
     // A window that has gone for the program still exists for a while; its slot may be another's.
     if (!unloaded_) table_.DocInfo(slot_).Changed = RichTextBox1_->document().changed();

@@ -219,7 +219,7 @@ DocumentBytes frmText::BytesToSave(const text::TextProperties& properties) const
   DocumentBytes bytes;
   bytes.content = RichTextBox1_->document().content();
   bytes.plainProperties = properties;
-  bytes.plainOptions.softBreaksAsLineEnds = RichTextBox1_->isRichText();
+  bytes.plainOptions.fromRichText = RichTextBox1_->isRichText();
   bytes.rtfProperties = RichTextBox1_->rtfProperties();
   if (SavesAsPlain()) return bytes;
   bytes.form = DocumentBytes::Form::kRtf;

@@ -88,7 +88,7 @@ class Conversion {
   bool WriteRich(const text::rtf::ReadResult& read, Format to, const files::ByteSink& sink) const {
     switch (to) {
       case Format::kText:
-        return text::WritePlainText(read.content, {}, sink, {.softBreaksAsLineEnds = true});
+        return text::WritePlainText(read.content, {}, sink, {.fromRichText = true});
       case Format::kRtf:
         return text::rtf::Write(read.content, read.properties, sink);
       case Format::kHtml:

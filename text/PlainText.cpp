@@ -67,14 +67,22 @@ bool ForEachWritten(const Content& content, std::string_view lineEnd, WriteOptio
   bool good = true;
   content.ForEachPiece(content.all(), [&](const PieceView& piece) {
     const bool objects = formats[piece.charFormat].object != ObjectId::kNone;
+    const bool cells = options.fromRichText && piece.sums.breaks > Breaks(0) &&
+                       formats[piece.paraFormat].rowMark == RowMark::kCellEnd;
     std::string_view rest = piece.bytes;
     while (good && !rest.empty()) {
       const size_t object = objects ? rest.find(kObject) : std::string_view::npos;
-      const size_t softBreak = options.softBreaksAsLineEnds ? rest.find(kSoftBreak) : std::string_view::npos;
-      const size_t stop = std::min({object, softBreak, rest.size()});
+      const size_t softBreak = options.fromRichText ? rest.find(kSoftBreak) : std::string_view::npos;
+      const size_t cellEnd = cells ? rest.find_first_of("\r\n") : std::string_view::npos;
+      const size_t stop = std::min({object, softBreak, cellEnd, rest.size()});
       good = stop == 0 || put(rest.substr(0, stop));
+      size_t taken = stop == rest.size() ? 0 : kObject.size();
       if (good && stop == softBreak) good = put(lineEnd);
-      rest.remove_prefix(std::min(rest.size(), stop == rest.size() ? stop : stop + kObject.size()));
+      if (stop == cellEnd) {
+        good = good && put("\t");
+        taken = rest.substr(stop).starts_with("\r\n") ? 2 : 1;
+      }
+      rest.remove_prefix(stop + taken);
     }
     return good;
   });
@@ -129,7 +137,7 @@ bool WritePlainText(const Content& content, const TextProperties& properties, co
   const Encoding encoding = properties.encoding;
   if (properties.byteOrderMark && encoding != Encoding::kWindows1252) gatherer.PutEncoded("\xEF\xBB\xBF", encoding);
   bool good = true;
-  if (encoding == Encoding::kUtf8 && !options.softBreaksAsLineEnds && !content.Summarize(content.all()).anyObject) {
+  if (encoding == Encoding::kUtf8 && !options.fromRichText && !content.Summarize(content.all()).anyObject) {
     content.ForEachSpan(content.all(), [&](std::string_view span) { return good = gatherer.Put(span); });
   } else {
     good = ForEachWritten(content, Spelling(properties.lineEnd), options,
@@ -149,7 +157,7 @@ std::optional<Units> FirstUnencodable(const Content& content, Encoding encoding,
     std::string_view rest = piece.bytes;
     const auto skippable = [&] {
       return (formats[piece.charFormat].object != ObjectId::kNone && rest.starts_with(kObject)) ||
-             (options.softBreaksAsLineEnds && rest.starts_with(kSoftBreak));
+             (options.fromRichText && rest.starts_with(kSoftBreak));
     };
     while (!found) {
       const size_t bad = AppendEncoded(ignored, rest, encoding);

@@ -33,9 +33,9 @@ LoadedText ReadPlainText(int descriptor, const Progress& progress = {});
 LoadedText ReadPlainText(std::string_view bytes);
 
 struct WriteOptions {
-  // Rich content written as plain text: a soft break (U+2028) is written as a line end. A plain file's own U+2028 is
-  // text and stays.
-  bool softBreaksAsLineEnds = false;
+  // Rich content written as plain text: a soft break (U+2028) is written as a line end, the end of a table's cell as a
+  // tab. A plain file's own U+2028 is text and stays.
+  bool fromRichText = false;
 };
 
 // Every character as the engine's plain text, an object as nothing, converted to the encoding of `properties`.

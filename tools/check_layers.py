@@ -37,6 +37,7 @@ POSIX_FOLDERS = ("sys/", "linux/")
 
 LIBRARIES = {
     "icu": ("unicode/",),
+    "xml": ("libxml/",),
     "gio": ("gio/", "glib.h", "glib-object.h", "glib/", "gobject/"),
     "xkb": ("xkbcommon/", "X11/", "xcb/"),
     "chm": ("chm_lib.h",),
@@ -57,7 +58,7 @@ def room(folders, libraries, sentence):
 ROOMS = {
     "text": room([], ["icu"], "the engine knows the standard library, POSIX and ICU"),
     "text/rtf": room(["text"], ["icu"], "RTF is built on the engine and knows the standard library, POSIX and ICU"),
-    "text/html": room(["text"], ["icu"], "HTML is built on the engine and knows the standard library, POSIX and ICU"),
+    "text/html": room(["text"], ["icu", "xml"], "HTML is built on the engine and knows the standard library, POSIX, ICU and libxml2"),
     "files": room([], [], "files/ knows the standard library and POSIX"),
     "text/layout": room(["text"], ["QtCore", "QtGui"], "the layout knows the engine, QtCore and QtGui, but no widget"),
     "ui": room(WINDOW, ANY_QT, "the window layer knows the engine, files/, the layout and Qt"),

@@ -1,10 +1,14 @@
 #include "ui/editor/EditorClipboard.h"
 
+#include "text/TextStore.h"
+#include "text/html/HtmlReader.h"
 #include "ui/editor/EditorController.h"
 #include "ui/editor/EditorOperation.h"
 #include "ui/editor/Guarded.h"
 
+#include <QBuffer>
 #include <QDebug>
+#include <QImage>
 
 #include <map>
 
@@ -120,8 +124,27 @@ Content Rebuilt(const Content& source, Range range, const text::Document& target
 
 // --- Given to others
 
+namespace {
+
+// The ends of a table's cells, which are breaks, become tabs.
+void PutTabsBetweenCells(const Content& content, Range range, QString& shown) {
+  if (!content.formats().hasRows()) return;
+  qsizetype begin = 0;
+  content.ForEachPiece(range, [&](const PieceView& piece) {
+    const auto end = begin + static_cast<qsizetype>(piece.sums.units.value());
+    const bool cells = content.formats()[piece.paraFormat].rowMark == text::RowMark::kCellEnd;
+    for (qsizetype i = begin; cells && i < end; ++i)
+      if (shown.at(i) == u'\n') shown[i] = u'\t';
+    begin = end;
+    return true;
+  });
+}
+
+}  // namespace
+
 QString PlainTextForOthers(const Content& content, Range range) {
   QString result = QString::fromStdU16String(content.Utf16(range, text::BreakAs::kLf));
+  PutTabsBetweenCells(content, range, result);
   for (qsizetype i = 0; i < result.size(); ++i) {
     if (result.at(i).isHighSurrogate() && i + 1 < result.size() && result.at(i + 1).isLowSurrogate()) {
       ++i;
@@ -162,7 +185,7 @@ bool HasRichText(const QMimeData& data) {
 }
 
 bool HasAnyText(const QMimeData& data) {
-  return HasRichText(data) || data.hasText() || data.hasHtml();
+  return HasRichText(data) || data.hasText() || data.hasHtml() || data.hasImage();
 }
 
 std::optional<Content> RichFragment(std::string_view rtf, const text::Document& target) {
@@ -189,6 +212,39 @@ std::optional<Content> RichFragment(const QMimeData& data, const text::Document&
   return std::nullopt;
 }
 
+std::optional<Content> HtmlFragment(const QMimeData& data, const text::Document& target) {
+  if (!data.hasHtml()) return std::nullopt;
+  const Content page = text::html::Read(data.html().toUtf8().toStdString(), target.content().store(),
+                                        target.formats()[target.emptyCharFormat()]);
+  if (page.size() == text::Units(0)) return std::nullopt;
+  return target.properties().lineEnd == LineEnd::kCrLf ? page : Rebuilt(page, page.all(), target);
+}
+
+std::optional<Content> PictureFragment(const QMimeData& data, const text::Document& target) {
+  if (!data.hasImage() || data.hasText()) return std::nullopt;
+  constexpr qsizetype kMaxBytes = 64 << 20;
+  text::EmbeddedObject object;
+  QByteArray bytes = data.data(QStringLiteral("image/jpeg"));
+  object.type = text::PictureType::kJpeg;
+  if (bytes.isEmpty()) {
+    bytes = data.data(QStringLiteral("image/png"));
+    object.type = text::PictureType::kPng;
+  }
+  if (bytes.isEmpty()) {
+    QBuffer buffer(&bytes);
+    if (!buffer.open(QIODevice::WriteOnly) || !data.imageData().value<QImage>().save(&buffer, "PNG")) {
+      return std::nullopt;
+    }
+  }
+  if (bytes.size() > kMaxBytes) return std::nullopt;
+  object.picture = text::SharedBytes(bytes.toStdString());
+  CharFormat format = target.formats()[target.emptyCharFormat()];
+  format.object = target.formats().Add(std::move(object));
+  ContentBuilder builder(target.content().store());
+  builder.Append("\xEF\xBF\xBC", target.formats().Intern(format));
+  return builder.Finish();
+}
+
 std::optional<std::string> PlainBytes(const QMimeData& data, LineEnd lineEnd) {
   if (const auto* own = qobject_cast<const EditorMimeData*>(&data)) {
     return WithLineEnds(own->content().ByteString(own->range()), lineEnd);
@@ -197,7 +253,8 @@ std::optional<std::string> PlainBytes(const QMimeData& data, LineEnd lineEnd) {
   if (data.hasText()) {
     plain = data.text();
   } else if (data.hasHtml()) {
-    plain = TextOfHtml(data.html());
+    const Content page = text::html::Read(data.html().toUtf8().toStdString(), std::make_shared<text::TextStore>());
+    plain = PlainTextForOthers(page, page.all());
   }
   if (plain.isEmpty()) return std::nullopt;
   return text::BytesOfUtf16({reinterpret_cast<const char16_t*>(plain.utf16()), static_cast<size_t>(plain.size())},
@@ -228,7 +285,13 @@ void EditorController::Insert(const QMimeData& data, bool plain) {
   const Operation operation(*this);
   if (!HasAnyText(data) || !UserMayChange(range())) return;
   document_.SealStep();
-  if (const auto fragment = plain ? std::nullopt : RichFragment(data, document_)) {
+  std::optional<Content> fragment;
+  if (!plain) fragment = RichFragment(data, document_);
+  if (!plain && !fragment && (!savesFormats_ || savesFormats_())) {
+    fragment = HtmlFragment(data, document_);
+    if (!fragment) fragment = PictureFragment(data, document_);
+  }
+  if (fragment) {
     Replace(range(), *fragment);
   } else if (const auto bytes = PlainBytes(data, document_.properties().lineEnd)) {
     Replace(range(), *bytes);

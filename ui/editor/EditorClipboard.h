@@ -1,4 +1,4 @@
-// Text to and from the clipboard and drags: text/plain, text/rtf and application/rtf; text/html comes in as plain text.
+// Text to and from the clipboard and drags: text/plain, text/rtf and application/rtf; text/html comes in.
 #pragma once
 
 #include "text/Document.h"
@@ -44,10 +44,10 @@ bool HasAnyText(const QMimeData& data);
 std::optional<text::Content> RichFragment(const QMimeData& data, const text::Document& target);
 // The same for RTF bytes; nothing when they are not RTF.
 std::optional<text::Content> RichFragment(std::string_view rtf, const text::Document& target);
+// The data's page, if it has one with any text, or its picture.
+std::optional<text::Content> HtmlFragment(const QMimeData& data, const text::Document& target);
+std::optional<text::Content> PictureFragment(const QMimeData& data, const text::Document& target);
 // The data's text as engine bytes with those line ends; nothing when it has none.
 std::optional<std::string> PlainBytes(const QMimeData& data, text::LineEnd lineEnd);
-
-// The text of an HTML page: blocks and <br> become line breaks, scripts and styles are left out. Linear, opens nothing.
-QString TextOfHtml(const QString& html);
 
 }  // namespace ui

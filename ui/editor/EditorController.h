@@ -93,6 +93,9 @@ class EditorController {
   void SetRtfProperties(const text::rtf::DocumentProperties& properties) { rtfProperties_ = properties; }
   const text::rtf::DocumentProperties& rtfProperties() const { return rtfProperties_; }
 
+  // Asked at every paste: only what is saved with its formats takes those of an HTML page, and pictures. Not set: yes.
+  void SavesFormatsWhen(std::function<bool()> wanted) { savesFormats_ = std::move(wanted); }
+
   text::Document& document() { return document_; }
   const text::Document& document() const { return document_; }
   text::layout::ViewLayout& layout() { return layout_; }
@@ -159,6 +162,7 @@ class EditorController {
   std::optional<double> goalX_;                 // of a run of vertical moves
   std::optional<text::CharFormat> remembered_;  // for the text typed next
   text::rtf::DocumentProperties rtfProperties_;
+  std::function<bool()> savesFormats_;
   text::Revision seenRevision_ = 0;  // selection_ is of this revision
   Told told_;
   int depth_ = 0;  // of nested operations

@@ -231,6 +231,10 @@ const text::rtf::DocumentProperties& RichTextBox::rtfProperties() const {
   return impl_->controller.rtfProperties();
 }
 
+void RichTextBox::SavesFormatsWhen(std::function<bool()> wanted) {
+  impl_->controller.SavesFormatsWhen(std::move(wanted));
+}
+
 void RichTextBox::SetDefaultFormat(const QString& fontName, double points) {
   impl_->defaultFont = QFont(fontName);
   impl_->defaultFontName = fontName.toStdString();

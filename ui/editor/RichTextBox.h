@@ -9,6 +9,7 @@
 
 #include <QAbstractScrollArea>
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -104,6 +105,8 @@ class RichTextBox : public QAbstractScrollArea {
   void LoadRtf(text::rtf::ReadResult read);
   bool isRichText() const;  // the content came from RTF
   const text::rtf::DocumentProperties& rtfProperties() const;
+  void SavesFormatsWhen(
+      std::function<bool()> saves);  // asked at every paste: pages' formats and pictures come in only then
   // The font of an empty control and of plain text loaded into it afterwards: no undo step, no change.
   void SetDefaultFormat(const QString& fontName, double points);
   // Tab stops of the view for paragraphs without (enough) stops of their own, in twips: neither edit nor undo step.

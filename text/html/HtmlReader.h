@@ -1,0 +1,17 @@
+// Rich text out of HTML, as browsers and mail programs put it on the clipboard.
+#pragma once
+
+#include "text/Content.h"
+
+#include <memory>
+#include <string_view>
+
+namespace text::html {
+
+// Never throws on bad input and opens nothing: pictures count only when they are in the page itself (data:), styles
+// only as attributes. Elements nested more than 1000 deep end the reading, and the text so far is the result. Text that
+// says nothing of its look has the base format. Paragraphs end in CR LF, <br> is U+2028; the last paragraph has no
+// break unless it ends a table's row. Of a table in a table only the text stays. O(size).
+Content Read(std::string_view utf8, const std::shared_ptr<TextStore>& store, const CharFormat& base = {});
+
+}  // namespace text::html
