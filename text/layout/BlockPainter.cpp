@@ -31,8 +31,8 @@ bool Contains(const std::vector<int>& offsets, int offset) {
 }  // namespace
 
 BlockPainter::BlockPainter(QPainter& painter, const QRectF& clip, double x, const PaintOptions& options,
-                           const FormatTable& formats)
-    : painter_(painter), clip_(clip), x_(x), options_(options), formats_(formats) {
+                           const FormatTable& formats, PictureCache& pictures)
+    : painter_(painter), clip_(clip), x_(x), options_(options), formats_(formats), pictures_(pictures) {
   const QPalette& palette = options.palette;
   const auto group = options.selectionActive ? QPalette::Active : QPalette::Inactive;
   text_ = palette.color(QPalette::Text);
@@ -45,33 +45,81 @@ QColor BlockPainter::ColorOf(const FormatLook& look) const {
   return look.source.color.isAuto() ? text_ : Rgb(look.source.color);
 }
 
-BlockPainter::Selected BlockPainter::SelectedIn(const PlacedBlock& placed) const {
+BlockPainter::Selected BlockPainter::SelectedIn(const PlacedPart& part) const {
   const Range range = options_.selection.range();
-  const Range span = placed.span.range;
-  if (range.empty() || range.end < span.begin || range.begin > span.end) return {};
-  return {placed.ShownOffset(std::max(range.begin, span.begin)), placed.ShownOffset(std::min(range.end, span.end)),
-          placed.span.endsParagraph() && range.end > span.end};
+  if (range.empty() || range.end < part.range.begin || range.begin > part.range.end) return {};
+  return {part.ShownOffset(range.begin), part.ShownOffset(range.end),
+          part.block->text().endsParagraph && range.end > part.range.end};
 }
 
 void BlockPainter::Paint(const PlacedBlock& placed) {
-  const LayoutBlock& block = *placed.block;
-  const QPointF origin(x_, placed.top);
-  const Selected selected = SelectedIn(placed);
-  const size_t count = block.lines().size();
-  // With exact line spacing text may reach into the lines beside its own.
-  size_t first = block.LineAtY(clip_.top() - placed.top), last = block.LineAtY(clip_.bottom() - placed.top);
-  first -= first > 0 ? 1 : 0;
-  last += last + 1 < count ? 1 : 0;
+  PaintShading(placed, placed.top, placed.bottom());
+  for (size_t i = 0; i < placed.row->parts().size(); ++i) {
+    const PlacedPart part = placed.Part(i);
+    const LayoutBlock& block = *part.block;
+    if (part.top > clip_.bottom() || part.top + block.height() < clip_.top()) continue;
+    // With exact line spacing text may reach into the lines beside its own.
+    size_t first = block.LineAtY(clip_.top() - part.top), last = block.LineAtY(clip_.bottom() - part.top);
+    first -= first > 0 ? 1 : 0;
+    last += last + 1 < block.lines().size() ? 1 : 0;
+    PaintLines(part, first, last);
+  }
+  PaintBorders(placed, placed.top, placed.bottom());
+}
+
+void BlockPainter::PaintLines(const PlacedPart& part, size_t first, size_t last) {
+  const LayoutBlock& block = *part.block;
+  const QPointF origin(x_ + part.x, part.top);
+  const Selected selected = SelectedIn(part);
   for (size_t line = first; line <= last; ++line) {
     PaintBackgrounds(block, line, origin);
     PaintSelection(block, line, selected, origin);
   }
-  if (!block.bulletRect().isEmpty()) PaintBullet(block, origin);
+  if (first == 0 && !block.labelRect().isEmpty()) PaintLabel(block, origin);
   for (size_t line = first; line <= last; ++line) {
     PaintText(block, line, selected, origin);
     PaintMarks(block, line, selected, origin);
   }
 }
+
+// --- Tables
+
+void BlockPainter::PaintShading(const PlacedBlock& placed, double from, double to) {
+  for (const CellFrame& frame : placed.row->frames()) {
+    if (frame.shading.isAuto()) continue;
+    QRectF rect = frame.rect.translated(x_, placed.top);
+    rect.setTop(std::max(rect.top(), from));
+    rect.setBottom(std::min(rect.bottom(), to));
+    if (rect.height() > 0) painter_.fillRect(OnPixels(rect), Rgb(frame.shading));
+  }
+}
+
+// A line lies on the pixels to the right of and below its edge; neighbours draw the same ones.
+void BlockPainter::PaintBorders(const PlacedBlock& placed, double from, double to) {
+  const auto line = [&](const QPointF& a, const QPointF& b, bool guide) {
+    const double top = std::max(a.y(), from), bottom = std::min(b.y(), to);
+    if (bottom < top) return;
+    QPen pen(guide ? faint_ : text_, 1, guide ? Qt::DotLine : Qt::SolidLine, Qt::FlatCap);
+    painter_.setPen(pen);
+    painter_.drawLine(QPointF(a.x() + 0.5, top + 0.5), QPointF(b.x() + 0.5, bottom + 0.5));
+  };
+  for (const CellFrame& frame : placed.row->frames()) {
+    const QRectF rect = OnPixels(frame.rect.translated(x_, placed.top));
+    const auto side = [&](TableCell::Side which, const QPointF& a, const QPointF& b) {
+      if (frame.borders & which) {
+        line(a, b, false);
+      } else if (frame.guides & which && !options_.printing) {
+        line(a, b, true);
+      }
+    };
+    side(TableCell::kLeft, rect.topLeft(), rect.bottomLeft());
+    side(TableCell::kRight, rect.topRight(), rect.bottomRight());
+    side(TableCell::kTop, rect.topLeft(), rect.topRight());
+    side(TableCell::kBottom, rect.bottomLeft(), rect.bottomRight());
+  }
+}
+
+// --- Text
 
 void BlockPainter::PaintBackgrounds(const LayoutBlock& block, size_t line, QPointF origin) {
   const auto& runs = block.text().runs;
@@ -107,9 +155,9 @@ void BlockPainter::PaintText(const LayoutBlock& block, size_t line, const Select
   QRegion inside;
   for (const QRectF& rect : rects) inside += OnPixels(rect.translated(origin));
   if (from > geometry.begin || to < geometry.end) {
-    const QRect around =
-        QRectF(0, origin.y() + geometry.top - geometry.height, x_ * 2 + block.width(), 3 * geometry.height)
-            .toAlignedRect();
+    const QRect around = QRectF(origin.x() - x_, origin.y() + geometry.top - geometry.height, x_ * 2 + block.width(),
+                                3 * geometry.height)
+                             .toAlignedRect();
     painter_.save();
     painter_.setClipRegion(QRegion(around) - inside, Qt::IntersectClip);
     qt.draw(&painter_, position);
@@ -156,10 +204,9 @@ void BlockPainter::PaintMarks(const LayoutBlock& block, size_t line, const Selec
   const auto& objects = block.text().objects;
   for (auto at = std::lower_bound(objects.begin(), objects.end(), geometry.begin);
        at != objects.end() && *at < geometry.end; ++at) {
-    const bool on = *at >= selected.from && *at < selected.to;
-    PaintObject(block, line, *at, origin, on ? highlightedText_ : ColorOf(block.LookAt(*at)));
+    PaintObject(block, line, *at, origin, *at >= selected.from && *at < selected.to);
   }
-  if (geometry.wraps() || !Contains(block.text().pageBreaks, geometry.end)) return;
+  if (options_.printing || geometry.wraps() || !Contains(block.text().pageBreaks, geometry.end)) return;
   const double from = block.XAt(line, geometry.end),
                y = std::round(origin.y() + geometry.top + geometry.height / 2) + 0.5;
   const double to = block.rightToLeft() ? 0 : block.width();
@@ -168,14 +215,65 @@ void BlockPainter::PaintMarks(const LayoutBlock& block, size_t line, const Selec
   painter_.drawLine(QPointF(origin.x() + from + gap, y), QPointF(origin.x() + to, y));
 }
 
-void BlockPainter::PaintObject(const LayoutBlock& block, size_t line, int offset, QPointF origin, const QColor& color) {
+// --- Objects
+
+void BlockPainter::PaintObject(const LayoutBlock& block, size_t line, int offset, QPointF origin, bool selected) {
   std::vector<QRectF> rects;
   block.AddRects(line, offset, offset + 1, &rects);
   if (rects.empty()) return;
   const FormatLook& look = block.LookAt(offset);
+  const QColor color = selected ? highlightedText_ : ColorOf(look);
   const double baseline = block.lines()[line].baseline - look.raise;
-  QRectF box(rects[0].left(), baseline - look.ascent, rects[0].width(), look.ascent + look.descent);
-  box = box.translated(origin).adjusted(1.5, 1.5, -1.5, -1.5);
+  if (look.source.object == ObjectId::kNone) {
+    const QRectF box(rects[0].left(), baseline - look.ascent, rects[0].width(), look.ascent + look.descent);
+    return PaintStandIn(box.translated(origin).adjusted(1.5, 1.5, -1.5, -1.5), color);
+  }
+  const QSizeF size = block.ObjectSize(offset);
+  const QRectF box = QRectF(QPointF(rects[0].left(), baseline - size.height()), size).translated(origin);
+  if (formats_[look.source.object].kind == ObjectKind::kNote) {
+    QFont font = look.font;
+    font.setPointSizeF(std::max(1.0, font.pointSizeF() * 0.75));
+    painter_.setFont(font);
+    painter_.setPen(color);
+    return painter_.drawText(box, Qt::AlignHCenter | Qt::AlignTop | Qt::TextDontClip, QStringLiteral("*"));
+  }
+  if (!PaintPicture(look, box)) return PaintNamedFrame(look, box, color);
+  if (!selected) return;
+  QColor veil = highlight_;
+  veil.setAlpha(110);
+  painter_.fillRect(box, veil);
+}
+
+bool BlockPainter::PaintPicture(const FormatLook& look, const QRectF& box) {
+  const QTransform& transform = painter_.deviceTransform();
+  constexpr double kMost = 16384;
+  const QSizeF pixels(std::min(kMost, box.width() * std::abs(transform.m11())),
+                      std::min(kMost, box.height() * std::abs(transform.m22())));
+  const QImage image = pictures_.Get(formats_, look.source.object, pixels.toSize());
+  if (image.isNull()) return false;
+  painter_.save();
+  painter_.setRenderHint(QPainter::SmoothPixmapTransform);
+  painter_.drawImage(box, image);
+  painter_.restore();
+  return true;
+}
+
+void BlockPainter::PaintNamedFrame(const FormatLook& look, const QRectF& box, const QColor& color) {
+  painter_.save();
+  painter_.setPen(QPen(color, 1));
+  painter_.setBrush(Qt::NoBrush);
+  painter_.drawRect(box.adjusted(0.5, 0.5, -0.5, -0.5));
+  QFont font = look.font;
+  font.setUnderline(false);
+  painter_.setFont(font);
+  const QRectF inside = box.adjusted(3, 1, -3, -1);
+  painter_.setClipRect(inside, Qt::IntersectClip);
+  painter_.drawText(inside, Qt::AlignCenter | Qt::TextWordWrap, NameOf(formats_[look.source.object]));
+  painter_.restore();
+}
+
+// A character that refers to nothing.
+void BlockPainter::PaintStandIn(const QRectF& box, const QColor& color) {
   painter_.setPen(QPen(color, 1));
   painter_.setBrush(Qt::NoBrush);
   painter_.drawRect(box);
@@ -184,27 +282,34 @@ void BlockPainter::PaintObject(const LayoutBlock& block, size_t line, int offset
       {box.topRight() + QPointF(-fold, 0), box.topRight() + QPointF(-fold, fold), box.topRight() + QPointF(0, fold)}));
 }
 
-void BlockPainter::PaintBullet(const LayoutBlock& block, QPointF origin) {
-  const FormatLook& look = block.LookAt(0);
-  QFont font = look.font;
-  font.setUnderline(false);
-  font.setStrikeOut(false);
-  painter_.setFont(font);
-  painter_.setPen(ColorOf(look));
-  painter_.drawText(origin + QPointF(block.bulletRect().left(), block.lines().front().baseline),
-                    QString(QChar(0x2022)));
+// --- What is not text
+
+void BlockPainter::PaintLabel(const LayoutBlock& block, QPointF origin) {
+  painter_.setFont(block.labelFont());
+  painter_.setPen(ColorOf(block.LookAt(0)));
+  const QFontMetricsF metrics(block.labelFont());
+  const double baseline = origin.y() + block.lines().front().baseline;
+  const QRectF rect(origin.x() + block.labelRect().left(), baseline - metrics.ascent(), block.labelRect().width(),
+                    metrics.height());
+  painter_.save();
+  painter_.setLayoutDirection(block.rightToLeft() ? Qt::RightToLeft : Qt::LeftToRight);
+  QTextOption option(Qt::AlignLeft | Qt::AlignAbsolute);
+  option.setWrapMode(QTextOption::NoWrap);
+  option.setTextDirection(block.rightToLeft() ? Qt::RightToLeft : Qt::LeftToRight);
+  painter_.drawText(rect, block.text().label, option);
+  painter_.restore();
 }
 
-void BlockPainter::PaintCaret(const CaretShape& shape, double top, const FormatLook& look, const QRectF& cell) {
+void BlockPainter::PaintCaret(const CaretShape& shape, QPointF origin, const FormatLook& look, const QRectF& cell) {
   QColor color = text_;
   if (!cell.isEmpty()) {
     color.setAlpha(110);
-    painter_.fillRect(cell.translated(x_, top), color);
+    painter_.fillRect(cell.translated(origin + QPointF(x_, 0)), color);
     return;
   }
-  const double baseline = top + shape.baseline;
+  const double baseline = origin.y() + shape.baseline;
   const double from = baseline - std::ceil(look.ascent), to = baseline + std::ceil(look.descent);
-  const double x = x_ + shape.rect.left();
+  const double x = x_ + origin.x() + shape.rect.left();
   const double width = to - from > 40 ? 2 : 1;
   if (!look.font.italic()) {
     painter_.fillRect(QRectF(x, from, width, to - from), color);

@@ -1,6 +1,7 @@
-// Draws one laid-out block: backgrounds, selection, text, and what stands for objects and page breaks.
+// Draws laid-out text: backgrounds, selection, text, cells' borders, objects and what stands for page breaks.
 #pragma once
 
+#include "text/layout/Pictures.h"
 #include "text/layout/View.h"
 
 class QPainter;
@@ -10,26 +11,33 @@ namespace text::layout {
 class BlockPainter {
  public:
   // x is where the blocks' left edges are; both live as long as the painter does.
-  BlockPainter(QPainter& painter, const QRectF& clip, double x, const PaintOptions& options,
-               const FormatTable& formats);
+  BlockPainter(QPainter& painter, const QRectF& clip, double x, const PaintOptions& options, const FormatTable& formats,
+               PictureCache& pictures);
 
   void Paint(const PlacedBlock& placed);
+  // Some lines of a part alone, and the frames of a row cut to a stretch of its height (in the viewport).
+  void PaintLines(const PlacedPart& part, size_t first, size_t last);
+  void PaintShading(const PlacedBlock& placed, double from, double to);
+  void PaintBorders(const PlacedBlock& placed, double from, double to);
   // The look is that of the text typed next; in overtype `cell` is the character under the block caret.
-  void PaintCaret(const CaretShape& shape, double top, const FormatLook& look, const QRectF& cell);
+  void PaintCaret(const CaretShape& shape, QPointF origin, const FormatLook& look, const QRectF& cell);
 
  private:
   struct Selected {
     int from = 0, to = 0;    // shown offsets
-    bool lastBreak = false;  // the one behind the block too
+    bool lastBreak = false;  // the one behind the part too
   };
-  Selected SelectedIn(const PlacedBlock& placed) const;
+  Selected SelectedIn(const PlacedPart& part) const;
   void PaintBackgrounds(const LayoutBlock& block, size_t line, QPointF origin);
   void PaintSelection(const LayoutBlock& block, size_t line, const Selected& selected, QPointF origin);
   void PaintText(const LayoutBlock& block, size_t line, const Selected& selected, QPointF origin);
   void PaintGlyphs(const LayoutBlock& block, size_t line, int from, int to, QPointF linePosition);
   void PaintMarks(const LayoutBlock& block, size_t line, const Selected& selected, QPointF origin);
-  void PaintObject(const LayoutBlock& block, size_t line, int offset, QPointF origin, const QColor& color);
-  void PaintBullet(const LayoutBlock& block, QPointF origin);
+  void PaintObject(const LayoutBlock& block, size_t line, int offset, QPointF origin, bool selected);
+  bool PaintPicture(const FormatLook& look, const QRectF& box);
+  void PaintNamedFrame(const FormatLook& look, const QRectF& box, const QColor& color);
+  void PaintStandIn(const QRectF& box, const QColor& color);
+  void PaintLabel(const LayoutBlock& block, QPointF origin);
   QColor ColorOf(const FormatLook& look) const;
 
   QPainter& painter_;
@@ -37,6 +45,7 @@ class BlockPainter {
   double x_;
   const PaintOptions& options_;
   const FormatTable& formats_;
+  PictureCache& pictures_;
   QColor text_, highlight_, highlightedText_, faint_;
 };
 

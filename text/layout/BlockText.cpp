@@ -156,11 +156,12 @@ bool IsParagraphRightToLeft(const Content& content, Range paragraph, const ParaF
   return false;
 }
 
-BlockText ReadBlockText(const Document& document, const BlockSpan& span, const Preedit* preedit) {
+BlockText ReadBlockText(const Document& document, const BlockSpan& span, const Preedit* preedit, const QString& label) {
   const Content& content = document.content();
   const FormatTable& formats = content.formats();
   BlockText block;
   block.paragraph = formats[content.ParaFormatOf(span.paragraphNumber)];
+  block.label = label;
   block.startsParagraph = span.startsParagraph();
   block.endsParagraph = span.endsParagraph();
   std::u16string text = content.Utf16(span.range);

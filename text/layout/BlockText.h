@@ -29,6 +29,7 @@ struct BlockText {
   std::vector<int> pageBreaks;                      // offsets of form feeds, shown as line separators
   CharFormatId endFormat = CharFormatId::kDefault;  // for a text without any character
   ParaFormat paragraph;
+  QString label;  // of the list, in the indent; not text
   bool startsParagraph = true;
   bool endsParagraph = true;
   bool rightToLeft = false;  // the paragraph's direction
@@ -39,7 +40,8 @@ struct BlockText {
   QList<QTextLayout::FormatRange> preeditFormats;  // offsets into the shown text
 };
 
-BlockText ReadBlockText(const Document& document, const BlockSpan& span, const Preedit* preedit);
+BlockText ReadBlockText(const Document& document, const BlockSpan& span, const Preedit* preedit,
+                        const QString& label = {});
 
 // By the format, else by the first strong character within the first units of the paragraph.
 bool IsParagraphRightToLeft(const Content& content, Range paragraph, const ParaFormat& format);

@@ -1,5 +1,6 @@
 #include "text/layout/FormatFonts.h"
 
+#include "text/layout/Pictures.h"
 #include "text/layout/ViewLayout.h"
 
 #include <QFontMetricsF>
@@ -48,7 +49,7 @@ QFont FontOf(const FormatTable& formats, const CharFormat& format, const QFont& 
   font.setPointSizeF(pixels * 72 / 96 * PointScale());
   font.setBold(format.flags & kBold);
   font.setItalic(format.flags & kItalic);
-  font.setUnderline(format.flags & kUnderline);
+  font.setUnderline((format.flags & kUnderline) || format.link != LinkId::kNone);
   font.setStrikeOut(format.flags & kStrikeThru);
   return font;
 }
@@ -78,9 +79,12 @@ FormatLook FormatFonts::Make(const FormatTable& formats, const CharFormat& forma
   if (!format.color.isAuto()) {
     const uint32_t rgb = format.color.rgb;
     look.format.setForeground(QColor(rgb & 255, rgb >> 8 & 255, rgb >> 16 & 255));
+  } else if (format.link != LinkId::kNone) {
+    look.format.setForeground(linkColor_);
   }
+  if (format.object != ObjectId::kNone) look.object = ShownSize(formats[format.object], look, zoom_);
   if (look.raise != 0) look.format.setBaselineOffset(100 * look.raise / (look.ascent + look.descent));
-  look.fontOnly = format.color.isAuto() && look.raise == 0;
+  look.fontOnly = format.color.isAuto() && format.link == LinkId::kNone && look.raise == 0;
   return look;
 }
 

@@ -3,7 +3,9 @@
 
 #include "text/FormatTable.h"
 
+#include <QColor>
 #include <QFont>
+#include <QSizeF>
 #include <QTextCharFormat>
 
 #include <unordered_map>
@@ -24,12 +26,18 @@ struct FormatLook {
   double raise = 0;        // pixels, positive upwards
   QTextCharFormat format;  // font, colour, lines and offset; no background: the painter draws that behind the selection
   bool fontOnly = true;    // the format says nothing but the font
+  QSizeF object;           // pixels, of what stands for an embedded object
 };
 
 class FormatFonts {
  public:
   void Set(const QFont& defaultFont, double zoom);
   void Forget() { looks_.clear(); }
+  void SetLinkColor(const QColor& color) {
+    linkColor_ = color;
+    Forget();
+  }
+  const QColor& linkColor() const { return linkColor_; }
   // The reference stays good until Set or Forget.
   const FormatLook& Of(const FormatTable& formats, CharFormatId id);
   FormatLook Make(const FormatTable& formats, const CharFormat& format) const;
@@ -38,6 +46,7 @@ class FormatFonts {
 
  private:
   QFont defaultFont_;
+  QColor linkColor_ = Qt::blue;
   double zoom_ = 1;
   std::unordered_map<uint32_t, FormatLook> looks_;
 };

@@ -1,5 +1,7 @@
 #include "text/layout/LayoutBlock.h"
 
+#include "text/layout/ViewLayout.h"
+
 #include <QFontMetricsF>
 
 #include <algorithm>
@@ -10,7 +12,7 @@ namespace {
 
 // Text is never squeezed into less than this, whatever the indents say.
 constexpr double kMinTextPixels = 24;
-constexpr double kBulletGap = 6;
+constexpr double kLabelGap = 6;
 
 double Pixels(int32_t twips, double zoom) {
   return std::clamp(twips / kTwipsPerPixel * zoom, -1e6, 1e6);
@@ -34,22 +36,6 @@ Qt::Alignment AlignmentOf(const ParaFormat& format, bool rightToLeft) {
   return rightToLeft && !format.rightToLeft ? Qt::AlignRight : Qt::AlignLeft;
 }
 
-double ObjectSize(const FormatLook& look) {
-  return std::round(look.ascent + look.descent);
-}
-
-// The stand-in is made as wide as the object by the spacing behind it.
-QTextCharFormat ObjectFormat(const FormatLook& look, QChar standIn) {
-  QTextCharFormat format = look.format;
-  QFont font = look.font;
-  font.setUnderline(false);
-  font.setStrikeOut(false);
-  font.setLetterSpacing(QFont::AbsoluteSpacing, ObjectSize(look) - QFontMetricsF(look.font).horizontalAdvance(standIn));
-  format.setFont(font);
-  format.setForeground(Qt::transparent);
-  return format;
-}
-
 }  // namespace
 
 LayoutBlock::LayoutBlock(BlockText text, const BlockStyle& style) : text_(std::move(text)), width_(style.width) {
@@ -57,10 +43,42 @@ LayoutBlock::LayoutBlock(BlockText text, const BlockStyle& style) : text_(std::m
   for (const BlockRun& run : text_.runs) looks_.push_back(&style.fonts->Of(*style.formats, run.format));
   raises_ = std::any_of(looks_.begin(), looks_.end(), [](const FormatLook* look) { return look->raise != 0; });
   endLook_ = text_.runs.empty() ? &style.fonts->Of(*style.formats, text_.endFormat) : looks_.back();
+  if (!text_.label.isEmpty()) MeasureLabel(style);
+  if (!text_.objects.empty()) LimitObjects(style);
   SetUpLayout(style);
   PlaceLines(style);
   if (text_.mixed) FindLevels();
-  PlaceBullet(style.fonts->zoom());
+  PlaceLabel(style.fonts->zoom());
+}
+
+// --- Objects
+
+// Within the narrower of the paragraph's lines.
+void LayoutBlock::LimitObjects(const BlockStyle& style) {
+  const double zoom = style.fonts->zoom();
+  const Edges first = EdgesOf(true, zoom), others = EdgesOf(false, zoom);
+  const double widest = width_ - std::max(first.left + first.right, others.left + others.right);
+  objectLimit_ = {std::min(widest, kMaxPixels), std::min(style.objectHeight, kMaxPixels)};
+}
+
+QSizeF LayoutBlock::ObjectSizeOf(const FormatLook& look) const {
+  QSizeF size = look.object;
+  if (size.isEmpty()) size = QSizeF(look.ascent + look.descent, look.ascent + look.descent);
+  const double scale = std::min({1.0, objectLimit_.width() / size.width(), objectLimit_.height() / size.height()});
+  return {std::max(1.0, std::floor(size.width() * scale)), std::max(1.0, std::round(size.height() * scale))};
+}
+
+// The stand-in is made as wide as the object by the spacing behind it.
+QTextCharFormat LayoutBlock::ObjectFormat(const FormatLook& look, QChar standIn) const {
+  QTextCharFormat format = look.format;
+  QFont font = look.font;
+  font.setUnderline(false);
+  font.setStrikeOut(false);
+  const double advance = QFontMetricsF(look.font).horizontalAdvance(standIn);
+  font.setLetterSpacing(QFont::AbsoluteSpacing, ObjectSizeOf(look).width() - advance);
+  format.setFont(font);
+  format.setForeground(Qt::transparent);
+  return format;
 }
 
 QList<QTextLayout::FormatRange> LayoutBlock::FormatRanges() const {
@@ -113,7 +131,8 @@ LayoutBlock::Edges LayoutBlock::EdgesOf(bool firstLine, double zoom) const {
   double lead = Pixels(format.leftIndent, zoom);
   if (firstLine) {
     const double first = lead + Pixels(format.firstIndent, zoom);
-    lead = format.bullet ? std::max(lead, std::max(0.0, first) + bulletRect_.width() + kBulletGap * zoom) : first;
+    const bool labelled = labelRect_.width() > 0;
+    lead = labelled ? std::max(lead, std::max(0.0, first) + labelRect_.width() + kLabelGap * zoom) : first;
   }
   const double room = std::max(0.0, width_ - std::min(width_, kMinTextPixels));
   lead = std::clamp(lead, 0.0, room);
@@ -162,6 +181,12 @@ void LayoutBlock::MeasureLine(const QTextLine& line, double zoom, BlockLine* mea
     up = std::max(up, looks_[i]->ascent + looks_[i]->raise);
     down = std::max(down, looks_[i]->descent - looks_[i]->raise);
   }
+  for (auto object = std::lower_bound(text_.objects.begin(), text_.objects.end(), measured->begin);
+       object != text_.objects.end() && *object < measured->next; ++object) {
+    const FormatLook& look = LookAt(*object);
+    if (look.object.isEmpty()) continue;
+    up = std::max(up, ObjectSizeOf(look).height() + look.raise);
+  }
   *ascent = std::ceil(up);
   *descent = std::ceil(down);
   const double natural = std::clamp(*ascent + *descent + std::ceil(leading), 1.0, 2 * kMaxPixels);
@@ -178,9 +203,6 @@ void LayoutBlock::MeasureLine(const QTextLine& line, double zoom, BlockLine* mea
 
 void LayoutBlock::PlaceLines(const BlockStyle& style) {
   const double zoom = style.fonts->zoom();
-  if (text_.paragraph.bullet && text_.startsParagraph) {
-    bulletRect_.setWidth(QFontMetricsF(LookAt(0).font).horizontalAdvance(QChar(0x2022)));
-  }
   double y = text_.startsParagraph ? Space(text_.paragraph.spaceBefore, zoom) : 0;
   layout_.beginLayout();
   for (QTextLine line = layout_.createLine(); line.isValid(); line = layout_.createLine()) {
@@ -209,13 +231,30 @@ void LayoutBlock::PlaceLines(const BlockStyle& style) {
   height_ = y + (text_.endsParagraph ? Space(text_.paragraph.spaceAfter, zoom) : 0);
 }
 
-void LayoutBlock::PlaceBullet(double zoom) {
-  if (bulletRect_.width() == 0) return;
-  const double width = bulletRect_.width();
+// The label is written as the paragraph begins, but in the list's font if that names one.
+void LayoutBlock::MeasureLabel(const BlockStyle& style) {
+  const ParaFormat& format = text_.paragraph;
+  CharFormat chars = LookAt(0).source;
+  chars.flags &= static_cast<uint16_t>(~(kUnderline | kStrikeThru | kHidden));
+  chars.link = LinkId::kNone;
+  if (format.list != ListId::kNone) {
+    const auto& levels = (*style.formats)[format.list].levels;
+    const size_t level = std::min<size_t>(format.listLevel, levels.empty() ? 0 : levels.size() - 1);
+    const FontId font = levels.empty() ? FontId::kDefault : levels[level].font;
+    // What a symbol font has is shown by its Unicode character instead.
+    if (font != FontId::kDefault && (*style.formats)[font].charset != kSymbolCharset) chars.font = font;
+  }
+  labelFont_ = FontOf(*style.formats, chars, style.fonts->defaultFont(), style.fonts->zoom());
+  labelRect_.setWidth(std::ceil(QFontMetricsF(labelFont_).horizontalAdvance(text_.label)));
+}
+
+void LayoutBlock::PlaceLabel(double zoom) {
+  if (labelRect_.width() == 0) return;
+  const double width = labelRect_.width();
   const double lead = std::clamp(Pixels(text_.paragraph.leftIndent + text_.paragraph.firstIndent, zoom), 0.0,
                                  std::max(0.0, width_ - kMinTextPixels));
   const BlockLine& line = lines_.front();
-  bulletRect_ = QRectF(text_.rightToLeft ? width_ - lead - width : lead, line.top, width, line.height);
+  labelRect_ = QRectF(text_.rightToLeft ? width_ - lead - width : lead, line.top, width, line.height);
 }
 
 size_t LayoutBlock::RunBehind(int shown) const {

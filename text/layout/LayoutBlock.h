@@ -20,6 +20,7 @@ namespace text::layout {
 
 struct BlockStyle {
   double width = 0;
+  double objectHeight = kMaxPixels;                // the most
   int defaultTab = 720;                            // twips
   const std::vector<int>* defaultStops = nullptr;  // twips, ascending
   const FormatTable* formats = nullptr;
@@ -91,8 +92,11 @@ class LayoutBlock {
   std::optional<Hit> MoveVisually(Hit from, bool right) const;
   // Behind the character at a shown offset.
   int NextShown(int shown) const { return layout_.nextCursorPosition(shown); }
-  // Where a paragraph's bullet stands, an empty rectangle without one.
-  QRectF bulletRect() const { return bulletRect_; }
+  // Where a list paragraph's label stands, an empty rectangle without one, and its font.
+  QRectF labelRect() const { return labelRect_; }
+  const QFont& labelFont() const { return labelFont_; }
+  // What stands for the object at a shown offset.
+  QSizeF ObjectSize(int shown) const { return ObjectSizeOf(LookAt(shown)); }
 
  private:
   struct Edges {
@@ -105,7 +109,11 @@ class LayoutBlock {
   QList<QTextOption::Tab> TabsFrom(const BlockStyle& style, double lead) const;
   void UseTabs(bool ofFirstLine) const;
   void MeasureLine(const QTextLine& line, double zoom, BlockLine* measured, double* ascent, double* descent) const;
-  void PlaceBullet(double zoom);
+  void MeasureLabel(const BlockStyle& style);
+  void PlaceLabel(double zoom);
+  void LimitObjects(const BlockStyle& style);
+  QSizeF ObjectSizeOf(const FormatLook& look) const;
+  QTextCharFormat ObjectFormat(const FormatLook& look, QChar standIn) const;
   void FindLevels();
   bool IsMixed(const BlockLine& line) const;
   LineOrder OrderOf(const BlockLine& line) const;
@@ -130,7 +138,9 @@ class LayoutBlock {
   bool tabsDiffer_ = false;
   std::vector<BlockLine> lines_;
   std::vector<uint8_t> levels_;  // of each shown unit, if some may run to the left
-  QRectF bulletRect_;
+  QRectF labelRect_;
+  QFont labelFont_;
+  QSizeF objectLimit_;
   double width_ = 0;
   double height_ = 0;
 };

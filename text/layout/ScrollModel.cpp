@@ -35,7 +35,7 @@ void ScrollModel::MeasureAll() {
   for (; span; span = SpanAfter(blocks_.content(), *span)) {
     spans_.push_back(*span);
     heights_.push_back(total_);
-    total_ += blocks_.Get(*span)->height();
+    total_ += blocks_.GetRoughly(*span)->height();
   }
 }
 
@@ -60,7 +60,7 @@ double ScrollModel::HeightAtTop(const std::deque<PlacedBlock>& blocks) {
   const auto found =
       std::find_if(blocks.begin(), blocks.end(), [&](const PlacedBlock& b) { return b.bottom() > margin_; });
   const PlacedBlock& block = found == blocks.end() ? blocks.back() : *found;
-  const double part = std::clamp((margin_ - block.top) / std::max(1.0, block.block->height()), 0.0, 1.0);
+  const double part = std::clamp((margin_ - block.top) / std::max(1.0, block.row->height()), 0.0, 1.0);
   const double before = HeightBefore(block.span.range.begin);
   return before + part * (HeightBehind(block.span) - before);
 }

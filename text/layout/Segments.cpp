@@ -1,5 +1,7 @@
 #include "text/layout/Segments.h"
 
+#include "text/layout/TableRows.h"
+
 #include <QString>
 #include <QTextBoundaryFinder>
 
@@ -97,9 +99,13 @@ Range SegmentAt(const Content& content, Range paragraph, Units position, Bias bi
 }
 
 BlockSpan SpanIn(const Content& content, Breaks number, Units position, Bias bias) {
+  if (const auto row = RowOf(content, number)) {
+    const Range range{content.ParagraphStart(row->first), content.ParagraphEnd(row->last)};
+    return {range, range, row->first, row->last - row->first, true};
+  }
   const Range paragraph{content.ParagraphStart(number), content.ParagraphEnd(number)};
-  if (BorderCount(paragraph) == 0) return {paragraph, paragraph, number};
-  return {SegmentAt(content, paragraph, position, bias), paragraph, number};
+  if (BorderCount(paragraph) == 0) return {paragraph, paragraph, number, Breaks(0)};
+  return {SegmentAt(content, paragraph, position, bias), paragraph, number, Breaks(0)};
 }
 
 }  // namespace
@@ -112,17 +118,27 @@ BlockSpan SpanAt(const Content& content, Units position, Bias bias) {
 std::optional<BlockSpan> SpanAfter(const Content& content, const BlockSpan& span) {
   if (!span.endsParagraph())
     return BlockSpan{SegmentAt(content, span.paragraph, span.range.end, Bias::kRight), span.paragraph,
-                     span.paragraphNumber};
-  if (span.paragraphNumber == content.breaks()) return std::nullopt;
-  return SpanIn(content, span.paragraphNumber + Breaks(1), span.range.end + Units(1), Bias::kRight);
+                     span.paragraphNumber, Breaks(0)};
+  const Breaks last = span.paragraphNumber + span.inner;
+  if (last == content.breaks()) return std::nullopt;
+  return SpanIn(content, last + Breaks(1), span.range.end + Units(1), Bias::kRight);
 }
 
 std::optional<BlockSpan> SpanBefore(const Content& content, const BlockSpan& span) {
   if (!span.startsParagraph())
     return BlockSpan{SegmentAt(content, span.paragraph, span.range.begin, Bias::kLeft), span.paragraph,
-                     span.paragraphNumber};
+                     span.paragraphNumber, Breaks(0)};
   if (span.paragraphNumber == Breaks(0)) return std::nullopt;
   return SpanIn(content, span.paragraphNumber - Breaks(1), span.range.begin - Units(1), Bias::kLeft);
+}
+
+std::vector<BlockSpan> SegmentsOf(const Content& content, Range part, Breaks paragraphNumber) {
+  if (BorderCount(part) == 0) return {{part, part, paragraphNumber, Breaks(0)}};
+  std::vector<BlockSpan> segments;
+  for (Units at = part.begin; at < part.end; at = segments.back().range.end) {
+    segments.push_back({SegmentAt(content, part, at, Bias::kRight), part, paragraphNumber, Breaks(0)});
+  }
+  return segments;
 }
 
 Units NextStart(const BlockSpan& span, Units size) {

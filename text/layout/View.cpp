@@ -18,6 +18,25 @@ bool PlacedBlock::Holds(CaretPlace place) const {
   return true;
 }
 
+PlacedPart PlacedBlock::Part(size_t index) const {
+  const RowPart& part = row->parts()[index];
+  const Range range{span.range.begin + Units(part.begin), span.range.begin + Units(part.end)};
+  return {part.block.get(), range, part.x, top + part.y, index};
+}
+
+PlacedPart PlacedBlock::PartOf(CaretPlace place) const {
+  return Part(row->PartOf(static_cast<int>((place.position - span.range.begin).value()), place.affinity));
+}
+
+RowLine PlacedBlock::LineOf(CaretPlace place) const {
+  const PlacedPart part = PartOf(place);
+  return {part.index, part.block->LineOf(part.ShownOffset(place.position), place.affinity)};
+}
+
+Units PlacedBlock::BeginOf(RowLine line) const {
+  return Part(line.part).PositionOf(row->LineAt(line).begin);
+}
+
 void View::SetSize(QSizeF size, double margin) {
   size_ = size;
   margin_ = margin;
@@ -29,7 +48,7 @@ void View::FillUp() {
     const auto before = SpanBefore(blocks_.content(), placed_.front().span);
     if (!before) return;
     PlacedBlock block = Place(*before, 0);
-    block.top = placed_.front().top - block.block->height();
+    block.top = placed_.front().top - block.row->height();
     placed_.push_front(std::move(block));
     while (placed_.size() > 1 && placed_.back().top >= height()) placed_.pop_back();
   }
@@ -56,8 +75,8 @@ void View::Arrange() {
   if (anchor_.atTop) anchor_.position = Units(0);
   placed_.push_back(Place(SpanAt(content, anchor_.position, Bias::kRight), 0));
   PlacedBlock& start = placed_.front();
-  const size_t line = start.block->LineOf(start.ShownOffset(content.Snap(anchor_.position, Bias::kLeft)), Bias::kRight);
-  start.top = anchor_.atTop ? margin_ : anchor_.y - start.block->lines()[line].top;
+  const RowLine line = start.LineOf({content.Snap(anchor_.position, Bias::kLeft), Bias::kRight});
+  start.top = anchor_.atTop ? margin_ : anchor_.y - start.row->TopOf(line);
   FillUp();
   FillDown();
   if (placed_.back().bottom() + margin_ < height() && placed_.back().span.range.end == content.size()) {
@@ -70,7 +89,9 @@ void View::Arrange() {
   }
   while (placed_.size() > 1 && placed_.front().bottom() <= 0) placed_.pop_front();
   while (placed_.size() > 1 && placed_.back().top >= height()) placed_.pop_back();
-  blocks_.SetCapacity(2 * placed_.size());
+  size_t parts = 0;
+  for (const PlacedBlock& block : placed_) parts += block.row->parts().size();
+  blocks_.SetCapacity(2 * placed_.size(), 2 * parts);
   KeepAnchor();
   arranged_ = true;
 }
@@ -79,12 +100,11 @@ void View::Arrange() {
 // a window made wider and narrower again would end up elsewhere.
 void View::KeepAnchor() {
   const PlacedBlock& front = placed_.front();
-  const size_t line = front.block->LineAtY(-front.top);
-  const BlockLine& geometry = front.block->lines()[line];
-  const bool same = front.Holds({anchor_.position, Bias::kRight}) &&
-                    front.block->LineOf(front.ShownOffset(anchor_.position), Bias::kRight) == line;
-  if (!same) anchor_.position = front.PositionOf(geometry.begin);
-  anchor_.y = front.top + geometry.top;
+  const RowLine line = front.row->LineBelow(-front.top);
+  const bool same =
+      front.Holds({anchor_.position, Bias::kRight}) && front.LineOf({anchor_.position, Bias::kRight}) == line;
+  if (!same) anchor_.position = front.BeginOf(line);
+  anchor_.y = front.top + front.row->TopOf(line);
   anchor_.atTop = front.span.range.begin == Units(0) && front.top == margin_;
 }
 
@@ -116,7 +136,7 @@ PlacedBlock View::BlockAt(double y) {
     const auto before = SpanBefore(blocks_.content(), block.span);
     if (!before) break;
     PlacedBlock next = Place(*before, 0);
-    next.top = block.top - next.block->height();
+    next.top = block.top - next.row->height();
     block = std::move(next);
   }
   while (y >= block.bottom()) {
@@ -136,14 +156,13 @@ double View::ScrollBy(double pixels) {
 }
 
 void View::PlaceBlock(const BlockSpan& span, double top) {
-  anchor_ = {span.range.begin, top + blocks_.Get(span)->lines().front().top, false};
+  anchor_ = {span.range.begin, top + blocks_.Get(span)->TopOf({}), false};
   Invalidate();
 }
 
 void View::PlaceLine(CaretPlace place, double top) {
   const PlacedBlock block = Place(SpanAt(blocks_.content(), place.position, place.affinity), 0);
-  const size_t line = block.block->LineOf(block.ShownOffset(place.position), place.affinity);
-  anchor_ = {block.PositionOf(block.block->lines()[line].begin), top, false};
+  anchor_ = {block.BeginOf(block.LineOf(place)), top, false};
   Invalidate();
 }
 
@@ -158,13 +177,14 @@ void View::ToBottom() {
 }
 
 std::deque<PlacedBlock> View::LastScreen() {
-  std::deque<PlacedBlock> blocks{Place(SpanAt(blocks_.content(), blocks_.content().size(), Bias::kRight), 0)};
-  blocks.front().top = height() - margin_ - blocks.front().block->height();
+  const auto measured = [this](const BlockSpan& span) { return PlacedBlock{span, blocks_.GetRoughly(span), 0}; };
+  std::deque<PlacedBlock> blocks{measured(SpanAt(blocks_.content(), blocks_.content().size(), Bias::kRight))};
+  blocks.front().top = height() - margin_ - blocks.front().row->height();
   while (blocks.front().top > 0) {
     const auto before = SpanBefore(blocks_.content(), blocks.front().span);
     if (!before) break;
-    PlacedBlock block = Place(*before, 0);
-    block.top = blocks.front().top - block.block->height();
+    PlacedBlock block = measured(*before);
+    block.top = blocks.front().top - block.row->height();
     blocks.push_front(std::move(block));
   }
   return blocks;

@@ -12,16 +12,30 @@
 
 namespace text::layout {
 
+// One part of a block: text that is laid out by itself. Its left edge counts from the text area's.
+struct PlacedPart {
+  const LayoutBlock* block = nullptr;
+  Range range;  // of its text
+  double x = 0, top = 0;
+  size_t index = 0;  // among the row's parts
+  int ShownOffset(Units position) const {
+    const Units inside = std::clamp(position, range.begin, range.end);
+    return block->ToShown(static_cast<int>((inside - range.begin).value()));
+  }
+  Units PositionOf(int shown) const { return range.begin + Units(block->FromShown(shown)); }
+};
+
 struct PlacedBlock {
   BlockSpan span;
-  std::shared_ptr<const LayoutBlock> block;
+  std::shared_ptr<const LayoutRow> row;
   double top = 0;  // in the viewport
-  double bottom() const { return top + block->height(); }
+  double bottom() const { return top + row->height(); }
   bool Holds(CaretPlace place) const;
-  int ShownOffset(Units position) const {
-    return block->ToShown(static_cast<int>((position - span.range.begin).value()));
-  }
-  Units PositionOf(int shown) const { return span.range.begin + Units(block->FromShown(shown)); }
+  PlacedPart Part(size_t index) const;
+  PlacedPart PartOf(CaretPlace place) const;
+  // The topmost line below a height, the one of a place, and what a line begins with.
+  RowLine LineOf(CaretPlace place) const;
+  Units BeginOf(RowLine line) const;
 };
 
 class View {

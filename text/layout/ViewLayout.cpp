@@ -1,6 +1,7 @@
 #include "text/layout/ViewLayout.h"
 
 #include "text/layout/BlockPainter.h"
+#include "text/layout/Pictures.h"
 #include "text/layout/ScrollModel.h"
 
 #include <QPainter>
@@ -27,19 +28,23 @@ struct ViewLayout::Impl {
   CaretPlace Valid(CaretPlace place) const { return {content().Snap(place.position, Bias::kLeft), place.affinity}; }
   // A block of the place, not necessarily visible; its top is 0 then.
   PlacedBlock BlockOf(CaretPlace place);
-  int ShownOffset(const PlacedBlock& block, CaretPlace place) const;
-  CaretPlace PlaceAt(const PlacedBlock& block, size_t line, double x) const;
-  bool StepLine(PlacedBlock& block, size_t& line, bool down);
+  int ShownOffset(const PlacedPart& part, CaretPlace place) const;
+  CaretPlace PlaceAt(const PlacedBlock& block, RowLine line, double x) const;
+  bool StepLine(PlacedBlock& block, RowLine& line, bool down, double x);
   std::optional<PlacedBlock> Neighbour(const PlacedBlock& block, bool after);
 
   Blocks blocks;
   View view;
   ScrollModel scroll;
+  PictureCache pictures;
 };
 
 void ViewLayout::Impl::Update() {
   const uint64_t before = blocks.generation();
-  if (!blocks.Update([this](const Change& change) { view.Map(change); })) view.Clamp();
+  if (!blocks.Update([this](const Change& change) { view.Map(change); })) {
+    view.Clamp();
+    pictures.Clear();
+  }
   if (blocks.generation() != before) view.Invalidate();
 }
 
@@ -50,18 +55,19 @@ PlacedBlock ViewLayout::Impl::BlockOf(CaretPlace place) {
 }
 
 // The caret of an input method stands within its text.
-int ViewLayout::Impl::ShownOffset(const PlacedBlock& block, CaretPlace place) const {
+int ViewLayout::Impl::ShownOffset(const PlacedPart& part, CaretPlace place) const {
   const auto& preedit = blocks.preedit();
-  const int shown = block.ShownOffset(place.position);
-  const bool within = preedit && preedit->position == place.position && block.block->text().preeditBegin >= 0;
-  return within ? shown + std::clamp(preedit->cursor, 0, block.block->text().preeditLength) : shown;
+  const int shown = part.ShownOffset(place.position);
+  const bool within = preedit && preedit->position == place.position && part.block->text().preeditBegin >= 0;
+  return within ? shown + std::clamp(preedit->cursor, 0, part.block->text().preeditLength) : shown;
 }
 
-CaretPlace ViewLayout::Impl::PlaceAt(const PlacedBlock& block, size_t line, double x) const {
-  const LayoutBlock::Hit hit = block.block->HitLine(line, x - margin());
-  CaretPlace place{content().Snap(block.PositionOf(hit.shown), Bias::kLeft), hit.bias};
+CaretPlace ViewLayout::Impl::PlaceAt(const PlacedBlock& block, RowLine line, double x) const {
+  const PlacedPart part = block.Part(line.part);
+  const LayoutBlock::Hit hit = part.block->HitLine(line.line, x - margin() - part.x);
+  CaretPlace place{content().Snap(part.PositionOf(hit.shown), Bias::kLeft), hit.bias};
   // The last line of a segment wraps into the next one.
-  if (place.position == block.span.range.end && !block.span.endsParagraph()) place.affinity = Bias::kLeft;
+  if (place.position == part.range.end && !part.block->text().endsParagraph) place.affinity = Bias::kLeft;
   return place;
 }
 
@@ -71,15 +77,22 @@ std::optional<PlacedBlock> ViewLayout::Impl::Neighbour(const PlacedBlock& block,
   return PlacedBlock{*span, blocks.Get(*span), 0};
 }
 
-bool ViewLayout::Impl::StepLine(PlacedBlock& block, size_t& line, bool down) {
-  if (down ? line + 1 < block.block->lines().size() : line > 0) {
-    line = down ? line + 1 : line - 1;
+// Within a table's row to what stands below in the same cell, else to the next row.
+bool ViewLayout::Impl::StepLine(PlacedBlock& block, RowLine& line, bool down, double x) {
+  const auto lines = [&](size_t part) { return block.row->parts()[part].block->lines().size(); };
+  if (down ? line.line + 1 < lines(line.part) : line.line > 0) {
+    line.line = down ? line.line + 1 : line.line - 1;
     return true;
   }
-  auto next = Neighbour(block, down);
-  if (!next) return false;
-  block = std::move(*next);
-  line = down ? 0 : block.block->lines().size() - 1;
+  if (const auto beside = block.row->Beside(line.part, x - margin(), down)) {
+    line.part = *beside;
+  } else {
+    auto next = Neighbour(block, down);
+    if (!next) return false;
+    block = std::move(*next);
+    line.part = block.row->PartAt({x - margin(), down ? -kFarAway : kFarAway});
+  }
+  line.line = down ? 0 : lines(line.part) - 1;
   return true;
 }
 
@@ -132,6 +145,12 @@ void ViewLayout::SetDefaultTabStops(std::vector<int> twips) {
   impl_->view.Invalidate();
 }
 
+void ViewLayout::SetLinkColor(const QColor& color) {
+  Update();
+  impl_->blocks.SetLinkColor(color);
+  impl_->view.Invalidate();
+}
+
 QSizeF ViewLayout::viewport() const {
   return {impl_->view.width(), impl_->view.height()};
 }
@@ -179,7 +198,7 @@ bool ViewLayout::EnsureVisible(CaretPlace place, double contextPixels) {
   }
   const bool above = place.position <= view.Visible().front().span.range.begin;
   const PlacedBlock block = impl_->BlockOf(place);
-  const BlockLine& line = block.block->lines()[block.block->LineOf(block.ShownOffset(place.position), place.affinity)];
+  const BlockLine& line = block.row->LineAt(block.LineOf(place));
   view.PlaceLine(place, above ? context : view.height() - context - line.height);
   view.Visible();
   return true;
@@ -189,10 +208,20 @@ Range ViewLayout::VisibleRange() {
   Update();
   const auto& blocks = impl_->view.Visible();
   const PlacedBlock &first = blocks.front(), &last = blocks.back();
-  const size_t firstLine = first.block->LineAtY(-first.top);
+  Range range{first.span.range.end, last.span.range.begin};
+  for (size_t i = 0; i < first.row->parts().size(); ++i) {
+    const PlacedPart part = first.Part(i);
+    if (i + 1 < first.row->parts().size() && part.top + part.block->height() <= 0) continue;
+    range.begin = std::min(range.begin, part.PositionOf(part.block->lines()[part.block->LineAtY(-part.top)].begin));
+  }
   // The line that begins exactly at the lower edge is not seen.
-  const size_t lastLine = last.block->LineAtY(std::nextafter(impl_->view.height(), 0) - last.top);
-  return {first.PositionOf(first.block->lines()[firstLine].begin), last.PositionOf(last.block->lines()[lastLine].end)};
+  const double lowest = std::nextafter(impl_->view.height(), 0);
+  for (size_t i = 0; i < last.row->parts().size(); ++i) {
+    const PlacedPart part = last.Part(i);
+    if (i > 0 && part.top > lowest) continue;
+    range.end = std::max(range.end, part.PositionOf(part.block->lines()[part.block->LineAtY(lowest - part.top)].end));
+  }
+  return range;
 }
 
 // --- Geometry
@@ -201,25 +230,42 @@ QRectF ViewLayout::CaretRect(CaretPlace place) {
   Update();
   place = impl_->Valid(place);
   const PlacedBlock block = impl_->BlockOf(place);
-  const CaretShape shape = block.block->CaretAt(impl_->ShownOffset(block, place), place.affinity);
-  double top = block.top;
+  const PlacedPart part = block.PartOf(place);
+  const CaretShape shape = part.block->CaretAt(impl_->ShownOffset(part, place), place.affinity);
+  double top = part.top;
   if (!impl_->view.FindVisible(place)) {
     top = place.position < impl_->view.Visible().front().span.range.begin ? -kFarAway : kFarAway;
   }
-  return shape.rect.translated(impl_->margin(), top);
+  return shape.rect.translated(impl_->margin() + part.x, top);
 }
 
 CaretPlace ViewLayout::HitTest(QPointF point) {
   Update();
   const PlacedBlock block = impl_->view.BlockAt(point.y());
-  return impl_->PlaceAt(block, block.block->LineAtY(point.y() - block.top), point.x());
+  const QPointF inside(point.x() - impl_->margin(), point.y() - block.top);
+  const size_t part = block.row->PartAt(inside);
+  const RowPart& text = block.row->parts()[part];
+  return impl_->PlaceAt(block, {part, text.block->LineAtY(inside.y() - text.y)}, point.x());
 }
 
 bool ViewLayout::IsOnText(QPointF point) {
   Update();
   const PlacedBlock block = impl_->view.BlockAt(point.y());
   const QPointF inside = point - QPointF(impl_->margin(), block.top);
-  return block.block->LineTextRect(block.block->LineAtY(inside.y())).contains(inside);
+  const RowPart& part = block.row->parts()[block.row->PartAt(inside)];
+  const QPointF within = inside - QPointF(part.x, part.y);
+  return part.block->LineTextRect(part.block->LineAtY(within.y())).contains(within);
+}
+
+std::optional<Units> ViewLayout::CharacterAt(QPointF point) {
+  const Units place = HitTest(point).position;
+  const Content& content = impl_->content();
+  for (const Units from : {content.Snap(place - Units(1), Bias::kLeft), place}) {
+    for (const QRectF& rect : RangeRects({from, content.Snap(from + Units(1), Bias::kRight)})) {
+      if (rect.contains(point)) return from;
+    }
+  }
+  return std::nullopt;
 }
 
 std::vector<QRectF> ViewLayout::RangeRects(Range range) {
@@ -227,15 +273,18 @@ std::vector<QRectF> ViewLayout::RangeRects(Range range) {
   std::vector<QRectF> rects;
   for (const PlacedBlock& block : impl_->view.Visible()) {
     if (range.end <= block.span.range.begin || range.begin >= block.span.range.end) continue;
-    const int from = block.ShownOffset(std::max(range.begin, block.span.range.begin));
-    const int to = block.ShownOffset(std::min(range.end, block.span.range.end));
-    const size_t first = block.block->LineOf(from, Bias::kRight), last = block.block->LineOf(to, Bias::kLeft);
-    for (size_t line = first; line <= last; ++line) {
-      std::vector<QRectF> inLine;
-      block.block->AddRects(line, from, to, &inLine);
-      for (const QRectF& rect : inLine) {
-        const QRectF placed = rect.translated(impl_->margin(), block.top);
-        if (placed.bottom() > 0 && placed.top() < impl_->view.height()) rects.push_back(placed);
+    for (size_t i = 0; i < block.row->parts().size(); ++i) {
+      const PlacedPart part = block.Part(i);
+      if (range.end <= part.range.begin || range.begin >= part.range.end) continue;
+      const int from = part.ShownOffset(range.begin), to = part.ShownOffset(range.end);
+      const size_t first = part.block->LineOf(from, Bias::kRight), last = part.block->LineOf(to, Bias::kLeft);
+      for (size_t line = first; line <= last; ++line) {
+        std::vector<QRectF> inLine;
+        part.block->AddRects(line, from, to, &inLine);
+        for (const QRectF& rect : inLine) {
+          const QRectF placed = rect.translated(impl_->margin() + part.x, part.top);
+          if (placed.bottom() > 0 && placed.top() < impl_->view.height()) rects.push_back(placed);
+        }
       }
     }
   }
@@ -248,16 +297,18 @@ Range ViewLayout::LineAt(CaretPlace place) {
   Update();
   place = impl_->Valid(place);
   const PlacedBlock block = impl_->BlockOf(place);
-  const BlockLine& line = block.block->lines()[block.block->LineOf(block.ShownOffset(place.position), place.affinity)];
-  return {block.PositionOf(line.begin), block.PositionOf(line.end)};
+  const RowLine at = block.LineOf(place);
+  const PlacedPart part = block.Part(at.part);
+  const BlockLine& line = block.row->LineAt(at);
+  return {part.PositionOf(line.begin), part.PositionOf(line.end)};
 }
 
 CaretPlace ViewLayout::MoveByLines(CaretPlace place, int64_t lines, double x) {
   Update();
   place = impl_->Valid(place);
   PlacedBlock block = impl_->BlockOf(place);
-  size_t line = block.block->LineOf(block.ShownOffset(place.position), place.affinity);
-  for (int64_t left = std::abs(lines); left > 0 && impl_->StepLine(block, line, lines > 0); --left) {
+  RowLine line = block.LineOf(place);
+  for (int64_t left = std::abs(lines); left > 0 && impl_->StepLine(block, line, lines > 0, x); --left) {
   }
   return impl_->PlaceAt(block, line, x);
 }
@@ -266,22 +317,30 @@ CaretPlace ViewLayout::MoveVisually(CaretPlace place, bool right) {
   Update();
   place = impl_->Valid(place);
   const PlacedBlock block = impl_->BlockOf(place);
-  const auto placeOf = [&](const PlacedBlock& in, LayoutBlock::Hit hit) {
+  const PlacedPart part = block.PartOf(place);
+  const auto placeOf = [&](const PlacedPart& in, LayoutBlock::Hit hit) {
     const Units position = in.PositionOf(hit.shown);
     return CaretPlace{impl_->content().Snap(position, position > place.position ? Bias::kRight : Bias::kLeft),
                       hit.bias};
   };
-  const bool forward = right != block.block->rightToLeft();
-  const LayoutBlock::Hit from{block.ShownOffset(place.position), place.affinity};
-  if (const auto moved = block.block->MoveVisually(from, right)) return placeOf(block, *moved);
-  const auto next = impl_->Neighbour(block, forward);
-  if (!next) return place;
-  const Units edge = forward ? next->span.range.begin : next->span.range.end;
+  const bool forward = right != part.block->rightToLeft();
+  const LayoutBlock::Hit from{part.ShownOffset(place.position), place.affinity};
+  if (const auto moved = part.block->MoveVisually(from, right)) return placeOf(part, *moved);
+  std::optional<PlacedBlock> nextBlock;
+  PlacedPart next;
+  if (forward ? part.index + 1 < block.row->parts().size() : part.index > 0) {
+    next = block.Part(forward ? part.index + 1 : part.index - 1);
+  } else {
+    nextBlock = impl_->Neighbour(block, forward);
+    if (!nextBlock) return place;
+    next = nextBlock->Part(forward ? 0 : nextBlock->row->parts().size() - 1);
+  }
+  const Units edge = forward ? next.range.begin : next.range.end;
   if (edge != place.position) return {edge, Bias::kRight};
   // On the border of two segments the same position is the edge of both.
-  const LayoutBlock::Hit border{next->ShownOffset(edge), forward ? Bias::kRight : Bias::kLeft};
-  const auto moved = next->block->MoveVisually(border, right);
-  return moved ? placeOf(*next, *moved) : CaretPlace{edge};
+  const LayoutBlock::Hit border{next.ShownOffset(edge), forward ? Bias::kRight : Bias::kLeft};
+  const auto moved = next.block->MoveVisually(border, right);
+  return moved ? placeOf(next, *moved) : CaretPlace{edge};
 }
 
 bool ViewLayout::IsRightToLeft(Breaks paragraph) {
@@ -311,7 +370,7 @@ void ViewLayout::Paint(QPainter& painter, const QRectF& clip, const PaintOptions
   painter.save();
   painter.setClipRect(clip, Qt::IntersectClip);
   const FormatTable& formats = impl_->content().formats();
-  BlockPainter blockPainter(painter, clip, impl_->margin(), options, formats);
+  BlockPainter blockPainter(painter, clip, impl_->margin(), options, formats, impl_->pictures);
   for (const PlacedBlock& block : impl_->view.Visible()) {
     if (block.bottom() > clip.top() && block.top < clip.bottom()) blockPainter.Paint(block);
   }
@@ -325,14 +384,15 @@ void ViewLayout::PaintCaret(BlockPainter& painter, const PaintOptions& options) 
   const auto& preedit = impl_->blocks.preedit();
   const bool hidden = preedit && preedit->position == place.position && preedit->cursor < 0;
   if (!block || hidden) return;
-  const int shown = impl_->ShownOffset(*block, place);
-  CaretShape shape = block->block->CaretAt(shown, place.affinity);
-  const size_t line = block->block->LineOf(shown, place.affinity);
+  const PlacedPart part = block->PartOf(place);
+  const int shown = impl_->ShownOffset(part, place);
+  CaretShape shape = part.block->CaretAt(shown, place.affinity);
+  const size_t line = part.block->LineOf(shown, place.affinity);
   std::vector<QRectF> cell;
-  if (options.overtype) block->block->AddRects(line, shown, block->block->NextShown(shown), &cell);
+  if (options.overtype) part.block->AddRects(line, shown, part.block->NextShown(shown), &cell);
   const FormatLook look = impl_->blocks.fonts().Make(impl_->content().formats(), options.caretFormat);
-  shape.baseline = block->block->lines()[line].baseline - look.raise;
-  painter.PaintCaret(shape, block->top, look, cell.empty() ? QRectF() : cell.front());
+  shape.baseline = part.block->lines()[line].baseline - look.raise;
+  painter.PaintCaret(shape, {part.x, part.top}, look, cell.empty() ? QRectF() : cell.front());
 }
 
 size_t ViewLayout::cachedBlocks() const {

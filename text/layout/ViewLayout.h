@@ -13,6 +13,7 @@
 #include <QTextLayout>
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 class QPainter;
@@ -44,6 +45,7 @@ struct PaintOptions {
   bool showCaret = false;
   Bias caretAffinity = Bias::kRight;
   bool overtype = false;   // block caret
+  bool printing = false;   // without what only helps while editing
   CharFormat caretFormat;  // of the text typed next; the caret leans when italic
 };
 
@@ -61,6 +63,7 @@ class ViewLayout {
   void SetDefaultTab(int twips);           // between tab stops that no format sets; 720 at first
   // Stops behind a paragraph's own; behind the last of them the regular distance goes on. Any order; at most 1000.
   void SetDefaultTabStops(std::vector<int> twips);
+  void SetLinkColor(const QColor& color);  // of links whose format has no colour
   QSizeF viewport() const;
   double zoom() const;
 
@@ -85,6 +88,8 @@ class ViewLayout {
   QRectF CaretRect(CaretPlace place);  // far outside the viewport for a place that is not near it
   CaretPlace HitTest(QPointF point);   // always a valid place, the nearest one
   bool IsOnText(QPointF point);        // the point is really over a character
+  // The character really under a point, or nothing.
+  std::optional<Units> CharacterAt(QPointF point);
   // The rectangles that the range covers within the viewport.
   std::vector<QRectF> RangeRects(Range range);
 

@@ -1,0 +1,19 @@
+// Puts the texts of a table's row side by side.
+#pragma once
+
+#include "text/layout/LayoutRow.h"
+#include "text/layout/TableRows.h"
+
+#include <functional>
+#include <memory>
+
+namespace text::layout {
+
+// What the layout of a row asks for: a stretch of a cell's text in a width.
+using LayPart = std::function<std::shared_ptr<const LayoutBlock>(const BlockSpan& span, double width)>;
+
+// `width` is the text area's, in pixels. A row that is wider is made as narrow as that.
+std::shared_ptr<const LayoutRow> LayTableRow(const Content& content, const BlockSpan& span, double width, double zoom,
+                                             const LayPart& lay);
+
+}  // namespace text::layout
