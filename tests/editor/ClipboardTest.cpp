@@ -13,12 +13,15 @@ TEST(Clipboard, OffersTextAndRtfThatOthersCanRead) {
   Editor editor("x[a\r\nb\xFF\U0001F600|y");
   editor.Press("Ctrl+C");
   const QMimeData& data = *editor.host.data[QClipboard::Clipboard];
-  EXPECT_EQ(data.formats(), (QStringList{"text/rtf", "application/rtf", "text/plain"}));
+  EXPECT_EQ(data.formats(), (QStringList{"text/rtf", "application/rtf", "text/html", "text/plain"}));
   EXPECT_EQ(data.text(), QStringLiteral("a\nb\uFFFD\U0001F600"));
   EXPECT_EQ(data.data(QStringLiteral("text/plain")), QByteArray("a\nb\xEF\xBF\xBD\xF0\x9F\x98\x80"));
   EXPECT_TRUE(data.data(QStringLiteral("text/rtf")).startsWith("{\\rtf1"));
   EXPECT_EQ(data.data(QStringLiteral("text/rtf")), data.data(QStringLiteral("application/rtf")));
-  EXPECT_FALSE(data.hasHtml());
+  EXPECT_TRUE(data.html().contains("<p>b\uFFFD\U0001F600</p>")) << data.html().toStdString();
+  editor.controller.SavesFormatsWhen([] { return false; });
+  editor.Press("Ctrl+C");
+  EXPECT_FALSE(editor.host.data[QClipboard::Clipboard]->hasHtml());
 }
 
 // What is offered is the text as it was when it was copied.

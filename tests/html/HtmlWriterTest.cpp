@@ -1,5 +1,6 @@
 // What rich text becomes in HTML.
 #include "text/TextStore.h"
+#include "text/html/HtmlReader.h"
 #include "text/html/HtmlWriter.h"
 #include "text/rtf/Rtf.h"
 
@@ -54,6 +55,38 @@ TEST(HtmlWriter, LinesParagraphsAndPages) {
     std::string body = Between(Html("{\\rtf1\\fs24" + row.rtf + "}"), "<body>\n", "</body>");
     std::erase(body, '\n');
     EXPECT_EQ(body, row.body) << row.rtf;
+  }
+}
+
+// Pages that are read and written again.
+TEST(HtmlWriter, ListsTablesLinksAndPictures) {
+  const std::string png = "iVBORw0KGgoAAA==";
+  const std::pair<std::string, std::string> rows[] = {
+      {"<a href='https://example.com/?a&amp;b'>x</a>", "<p><a href=\"https://example.com/?a&amp;b\">x</a></p>"},
+      {"<a href='JavaScript:alert(1)'>x</a>", "<p>x</p>"},
+      {"<img src='data:image/png;base64," + png + "' alt='a\"b' width=10 height=20>",
+       "<p><img alt=\"a&quot;b\" style=\"width:7.5pt;height:15pt\" src=\"data:image/png;base64," + png + "\"></p>"},
+      {"<ul><li>a<ul><li>b</ul><li>c</ul>d", "<ul><li>a<ul><li>b</li></ul></li><li>c</li></ul><p>d</p>"},
+      {"<ol type=A><li>a<li>b</ol>", "<ol type=\"A\"><li>a</li><li>b</li></ol>"},
+      {"<ol start=3><li>a</ol>", "<ol start=\"3\"><li>a</li></ol>"},
+      {"<ol><li>a<div>b</div><li>c</ol>",
+       "<ol><li>a</li></ol><p style=\"margin-left:36pt\">b</p><ol start=\"2\"><li>c</li></ol>"},
+      {"<table><tr><td>1<td><p>2</table>",
+       "<table><tr><td style=\"border:1px solid\"><p>1</p></td><td style=\"border:1px solid\">"
+       "<p style=\"margin-bottom:8pt\">2</p></td></tr></table>"},
+      {"<table><tr><td colspan=2>1<td><li>2</table>",
+       "<table><tr><td colspan=\"2\" style=\"border:1px solid\"><p>1</p></td><td style=\"border:1px solid\">"
+       "<p>2</p></td></tr></table>"},
+  };
+  for (const auto& [page, body] : rows) {
+    std::string html;
+    EXPECT_TRUE(Write(Read(page, std::make_shared<TextStore>()), {}, [&](std::string_view part) {
+      html += part;
+      return true;
+    }));
+    html = Between(html, "<body>\n", "</body>");
+    std::erase(html, '\n');
+    EXPECT_EQ(html, body) << page;
   }
 }
 

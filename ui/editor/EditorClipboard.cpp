@@ -2,6 +2,7 @@
 
 #include "text/TextStore.h"
 #include "text/html/HtmlReader.h"
+#include "text/html/HtmlWriter.h"
 #include "ui/editor/EditorController.h"
 #include "ui/editor/EditorOperation.h"
 #include "ui/editor/Guarded.h"
@@ -156,12 +157,28 @@ QString PlainTextForOthers(const Content& content, Range range) {
   return result;
 }
 
-EditorMimeData::EditorMimeData(Content content, Range range, text::rtf::DocumentProperties properties)
-    : content_(std::move(content)), range_(range), properties_(std::move(properties)) {}
+namespace {
+
+QByteArray HtmlOf(const Content& content, const text::rtf::DocumentProperties& properties) {
+  QByteArray html;
+  const std::string& font = content.formats()[properties.defaultFont].name;
+  text::html::Write(content, {.title = {}, .defaultFont = font}, [&](std::string_view part) {
+    html.append(part.data(), static_cast<qsizetype>(part.size()));
+    return true;
+  });
+  return html;
+}
+
+}  // namespace
+
+EditorMimeData::EditorMimeData(Content content, Range range, text::rtf::DocumentProperties properties, bool html)
+    : content_(std::move(content)), range_(range), properties_(std::move(properties)), html_(html) {}
 
 // What somebody added to a drag (files, for instance) comes behind our own.
 QStringList EditorMimeData::formats() const {
-  return QStringList{kRtfTypes[0], kRtfTypes[1], kPlainType} + QMimeData::formats();
+  QStringList own{kRtfTypes[0], kRtfTypes[1], kPlainType};
+  if (html_) own.insert(2, kHtmlType);
+  return own + QMimeData::formats();
 }
 
 bool EditorMimeData::hasFormat(const QString& mimeType) const {
@@ -172,6 +189,7 @@ QVariant EditorMimeData::retrieveData(const QString& mimeType, QMetaType type) c
   const auto convert = [&]() -> QVariant {
     if (mimeType == kPlainType) return PlainTextForOthers(content_, range_);
     if (IsRtfType(mimeType)) return QByteArray::fromStdString(WriteFragment(content_, range_, properties_));
+    if (mimeType == kHtmlType && html_) return HtmlOf(content_.Slice(range_), properties_);
     return QMimeData::retrieveData(mimeType, type);
   };
   // Another program asks, perhaps long after the copying: it gets nothing.
@@ -263,10 +281,13 @@ std::optional<std::string> PlainBytes(const QMimeData& data, LineEnd lineEnd) {
 
 // --- The controller's commands
 
+std::unique_ptr<EditorMimeData> EditorController::CopyOfSelection() const {
+  return std::make_unique<EditorMimeData>(document_.content(), range(), rtfProperties_, SavesFormats());
+}
+
 void EditorController::Copy() {
   if (range().empty()) return;
-  host_.SetClipboardData(QClipboard::Clipboard,
-                         std::make_unique<EditorMimeData>(document_.content(), range(), rtfProperties_));
+  host_.SetClipboardData(QClipboard::Clipboard, CopyOfSelection());
 }
 
 void EditorController::Cut() {
@@ -287,7 +308,7 @@ void EditorController::Insert(const QMimeData& data, bool plain) {
   document_.SealStep();
   std::optional<Content> fragment;
   if (!plain) fragment = RichFragment(data, document_);
-  if (!plain && !fragment && (!savesFormats_ || savesFormats_())) {
+  if (!plain && !fragment && SavesFormats()) {
     fragment = HtmlFragment(data, document_);
     if (!fragment) fragment = PictureFragment(data, document_);
   }
@@ -301,8 +322,7 @@ void EditorController::Insert(const QMimeData& data, bool plain) {
 
 void EditorController::PublishPrimarySelection() {
   if (range().empty() || !host_.HasPrimarySelection()) return;
-  host_.SetClipboardData(QClipboard::Selection,
-                         std::make_unique<EditorMimeData>(document_.content(), range(), rtfProperties_));
+  host_.SetClipboardData(QClipboard::Selection, CopyOfSelection());
 }
 
 }  // namespace ui

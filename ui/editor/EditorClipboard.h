@@ -1,4 +1,4 @@
-// Text to and from the clipboard and drags: text/plain, text/rtf and application/rtf; text/html comes in.
+// Text to and from the clipboard and drags: text/plain, text/rtf and application/rtf, text/html; pictures come in.
 #pragma once
 
 #include "text/Document.h"
@@ -18,7 +18,8 @@ class EditorMimeData : public QMimeData {
   Q_OBJECT
 
  public:
-  EditorMimeData(text::Content content, text::Range range, text::rtf::DocumentProperties properties);
+  // With `html` the text is offered as a page too.
+  EditorMimeData(text::Content content, text::Range range, text::rtf::DocumentProperties properties, bool html);
   QStringList formats() const override;
   bool hasFormat(const QString& mimeType) const override;
 
@@ -32,6 +33,7 @@ class EditorMimeData : public QMimeData {
   text::Content content_;
   text::Range range_;
   text::rtf::DocumentProperties properties_;
+  bool html_;
 };
 
 // As other programs get it: breaks as LF, U+FFFD for a stray byte, an object as nothing.

@@ -14,6 +14,7 @@
 #include <QVariant>
 
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string_view>
 
@@ -28,6 +29,8 @@ constexpr double kTextMargin = 4;
 // A bullet hangs by that many twips; the first line's position stays.
 text::ParaFormat WithBullet(text::ParaFormat format, int bulletIndent);
 text::ParaFormat WithoutBullet(text::ParaFormat format);
+
+class EditorMimeData;
 
 class EditorController {
  public:
@@ -94,7 +97,8 @@ class EditorController {
   const text::rtf::DocumentProperties& rtfProperties() const { return rtfProperties_; }
 
   // Asked at every paste: only what is saved with its formats takes those of an HTML page, and pictures. Not set: yes.
-  void SavesFormatsWhen(std::function<bool()> wanted) { savesFormats_ = std::move(wanted); }
+  void SavesFormatsWhen(std::function<bool()> saves) { savesFormats_ = std::move(saves); }
+  std::unique_ptr<EditorMimeData> CopyOfSelection() const;  // for clipboards and drags
 
   text::Document& document() { return document_; }
   const text::Document& document() const { return document_; }
@@ -162,6 +166,8 @@ class EditorController {
   std::optional<double> goalX_;                 // of a run of vertical moves
   std::optional<text::CharFormat> remembered_;  // for the text typed next
   text::rtf::DocumentProperties rtfProperties_;
+  bool SavesFormats() const { return !savesFormats_ || savesFormats_(); }
+
   std::function<bool()> savesFormats_;
   text::Revision seenRevision_ = 0;  // selection_ is of this revision
   Told told_;

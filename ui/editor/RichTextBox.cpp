@@ -317,7 +317,7 @@ void RichTextBox::Impl::ResetComposition() {
 }
 
 void RichTextBox::Impl::StartDrag() {
-  auto data = std::make_unique<EditorMimeData>(document.content(), controller.range(), controller.rtfProperties());
+  auto data = controller.CopyOfSelection();
   Q_EMIT box.DragStarting(data.get());
   auto* drag = new QDrag(&box);
   drag->setMimeData(data.release());
