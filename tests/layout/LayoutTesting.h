@@ -22,6 +22,51 @@ inline Content MakeContent(std::string_view bytes) {
   return builder.Finish();
 }
 
+// Paragraph by paragraph, each with formats of its own; the last one added has no break.
+class RichText {
+ public:
+  RichText() : store_(Content().store()), formats_(Content(store_).formats()), builder_(store_) {}
+  FormatTable& formats() { return formats_; }
+  RichText& Add(std::string_view text, const ParaFormat& paragraph = {}, const CharFormat& chars = {}) {
+    if (any_) builder_.Append("\n", CharFormatId::kDefault, last_);
+    any_ = true;
+    last_ = formats_.Intern(paragraph);
+    builder_.Append(text, formats_.Intern(chars));
+    return *this;
+  }
+  // The cells of a row, "|" between paragraphs of one.
+  RichText& AddRow(const std::vector<std::string>& cells, const TableRow& row) {
+    ParaFormat format;
+    format.row = formats_.Intern(row);
+    for (const std::string& cell : cells) {
+      for (size_t at = 0; at <= cell.size();) {
+        const size_t end = std::min(cell.find('|', at), cell.size());
+        const bool last = &cell == &cells.back();
+        format.rowMark = end < cell.size() ? RowMark::kNone : last ? RowMark::kRowEnd : RowMark::kCellEnd;
+        Add(std::string_view(cell).substr(at, end - at), format);
+        at = end + 1;
+      }
+    }
+    return *this;
+  }
+  Document Finish() { return Document(builder_.Finish(last_)); }
+
+ private:
+  std::shared_ptr<TextStore> store_;
+  FormatTable& formats_;
+  ContentBuilder builder_;
+  ParaFormatId last_ = ParaFormatId::kDefault;
+  bool any_ = false;
+};
+
+inline TableRow MakeRow(std::initializer_list<int> rights, int left = 0) {
+  TableRow row;
+  row.left = left;
+  row.gap = 75;
+  for (const int right : rights) row.cells.push_back({right, TableCell::kLeft | TableCell::kTop, {}});
+  return row;
+}
+
 inline Document MakeDocument(std::string_view bytes) {
   return Document(MakeContent(bytes));
 }

@@ -1,0 +1,229 @@
+// Pictures, notes and labels of lists in the text.
+#include "LayoutTesting.h"
+#include "text/layout/ListNumbers.h"
+#include "text/layout/Pictures.h"
+
+#include <QBuffer>
+
+#include <sstream>
+
+namespace text::layout {
+namespace {
+
+std::string Encoded(const QImage& image, const char* format) {
+  QByteArray bytes;
+  QBuffer buffer(&bytes);
+  buffer.open(QIODevice::WriteOnly);
+  image.save(&buffer, format);
+  return bytes.toStdString();
+}
+
+std::string RedAndBlue(const char* format) {
+  QImage image(40, 20, QImage::Format_RGB32);
+  image.fill(Qt::red);
+  for (int y = 0; y < 20; ++y) {
+    for (int x = 20; x < 40; ++x) image.setPixelColor(x, y, Qt::blue);
+  }
+  return Encoded(image, format);
+}
+
+EmbeddedObject Picture(PictureType type, std::string bytes, int width = 0, int height = 0) {
+  EmbeddedObject object;
+  object.type = type;
+  object.picture = SharedBytes(std::move(bytes));
+  object.width = width;
+  object.height = height;
+  return object;
+}
+
+Document WithObject(EmbeddedObject object) {
+  RichText text;
+  CharFormat chars;
+  chars.object = text.formats().Add(std::move(object));
+  return text.Add("\uFFFC", {}, chars).Add("next").Finish();
+}
+
+struct Shown {
+  const char* name;
+  EmbeddedObject object;
+  double width, height;  // pixels
+  bool drawn = true;
+};
+
+TEST(Pictures, AreAsLargeAsTheySay) {
+  const std::string png = RedAndBlue("png");
+  EmbeddedObject cropped = Picture(PictureType::kPng, png);
+  cropped.cropRight = 5000;
+  EmbeddedObject note;
+  note.kind = ObjectKind::kNote;
+  const Shown cases[] = {
+      {"own size", Picture(PictureType::kPng, png), 40, 20},
+      {"said", Picture(PictureType::kPng, png, 1500, 600), 100, 40},
+      {"jpeg", Picture(PictureType::kJpeg, RedAndBlue("jpeg")), 40, 20},
+      {"dib", Picture(PictureType::kDib, RedAndBlue("bmp").substr(14)), 40, 20},
+      {"cropped", cropped, 20, 20},
+      {"wider than the text", Picture(PictureType::kPng, png, 15 * 1000, 15 * 500), 292, 146},
+      {"damaged", Picture(PictureType::kPng, "\x89PNG and no more", 900, 900), 60, 60, false},
+      {"undrawable", Picture(PictureType::kWmf, "not drawn", 1500, 450), 100, 30, false},
+  };
+  for (const Shown& shown : cases) {
+    Document document = WithObject(shown.object);
+    TestView view(document, 300, 400);
+    const double width = view.CaretRect({Units(1)}).left() - view.CaretRect({Units(0)}).left();
+    EXPECT_NEAR(width, shown.width, 1.5) << shown.name;
+    const double line = view.TopOf(Units(2)) - 4;
+    EXPECT_GE(line, shown.height) << shown.name;
+    EXPECT_LE(line, shown.height + 12) << shown.name;
+    EXPECT_LT(view.CaretRect({Units(0)}).height(), 25) << "a caret is as high as text: " << shown.name;
+    const QImage image = PaintToImage(view);
+    const QColor left = image.pixelColor(4 + static_cast<int>(shown.width / 4), 4 + static_cast<int>(shown.height / 2));
+    EXPECT_EQ(left.red() > 200 && left.green() < 60, shown.drawn) << shown.name;
+    EXPECT_EQ(view.CharacterAt({4 + shown.width / 2, 4 + shown.height / 2}), Units(0)) << shown.name;
+  }
+}
+
+TEST(Pictures, LyingOrHugeOnesAreFrames) {
+  // A head that promises more pixels than are read, with the bytes of a small picture.
+  std::string png = RedAndBlue("png");
+  png[16] = png[20] = 0x7F;
+  FormatTable formats;
+  PictureCache cache;
+  EXPECT_TRUE(cache.Get(formats, formats.Add(Picture(PictureType::kPng, png)), {100, 100}).isNull());
+  EXPECT_TRUE(cache.Get(formats, formats.Add(Picture(PictureType::kJpeg, RedAndBlue("png"))), {9, 9}).isNull())
+      << "of another type than it says";
+  EXPECT_FALSE(cache.Get(formats, formats.Add(Picture(PictureType::kPng, RedAndBlue("png"))), {9, 9}).isNull());
+}
+
+TEST(Pictures, SelectedOnesShowIt) {
+  Document document = WithObject(Picture(PictureType::kPng, RedAndBlue("png")));
+  TestView view(document, 300, 100);
+  PaintOptions options;
+  const QImage plain = PaintToImage(view, options);
+  options.selection = {Units(0), Units(1)};
+  EXPECT_NE(PaintToImage(view, options).pixelColor(10, 10), plain.pixelColor(10, 10));
+}
+
+// --- Lists
+
+struct Number {
+  NumberStyle style;
+  int32_t number;
+  const char* text;
+};
+
+TEST(Lists, NumbersInEveryStyle) {
+  for (const Number& c : {Number{NumberStyle::kDecimal, 12, "12"},
+                          {NumberStyle::kUpperRoman, 1994, "MCMXCIV"},
+                          {NumberStyle::kLowerRoman, 4, "iv"},
+                          {NumberStyle::kLowerRoman, 5000, "5000"},
+                          {NumberStyle::kUpperLetter, 27, "AA"},
+                          {NumberStyle::kLowerLetter, 26, "z"},
+                          {NumberStyle::kLowerLetter, 0, "0"},
+                          {NumberStyle::kOrdinal, 11, "11th"},
+                          {NumberStyle::kOrdinal, 22, "22nd"},
+                          {NumberStyle::kNone, 3, ""}}) {
+    EXPECT_EQ(NumberText(c.style, c.number), c.text);
+  }
+}
+
+using namespace std::string_literals;
+
+// A paragraph per word: "-" none, else the list's letter and the level. Old style lists are in capitals.
+std::vector<std::string> LabelsOf(const std::string& words) {
+  RichText text;
+  List list;
+  list.levels = {{NumberStyle::kDecimal, 1, "\0."s},
+                 {NumberStyle::kDecimal, 1, "\0.\1"s},
+                 {NumberStyle::kLowerLetter, 3, "(\2)"s}};
+  std::istringstream in(words);
+  std::string word;
+  int64_t paragraphs = 0;
+  for (; in >> word; ++paragraphs) {
+    ParaFormat format;
+    if (word != "-") {
+      list.identity = word[0] >= 'a' ? word[0] : 0;
+      format.list = text.formats().Intern(list);
+      format.listLevel = static_cast<uint8_t>(word[1] - '0');
+    }
+    text.Add("p", format);
+  }
+  Document document = text.Finish();
+  ListNumbers numbers;
+  numbers.Update(document.content(), std::nullopt);
+  std::vector<std::string> labels;
+  for (int64_t i = 0; i < paragraphs; ++i) {
+    const ParaFormat& format = document.formats()[document.content().ParaFormatOf(Breaks(i))];
+    labels.push_back(numbers.LabelOf(document.content(), Breaks(i), format).toStdString());
+  }
+  return labels;
+}
+
+TEST(Lists, AreCountedByListAndLevel) {
+  using Labels = std::vector<std::string>;
+  EXPECT_EQ(LabelsOf("a0 a0 - a0"), (Labels{"1.", "2.", "", "3."}));
+  EXPECT_EQ(LabelsOf("a0 a1 a1 a0 a1"), (Labels{"1.", "1.1", "1.2", "2.", "2.1"}));
+  EXPECT_EQ(LabelsOf("a0 b0 a0 b0"), (Labels{"1.", "1.", "2.", "2."}));
+  EXPECT_EQ(LabelsOf("A0 A0 - A0"), (Labels{"1.", "2.", "", "1."}));
+  EXPECT_EQ(LabelsOf("a1 a2 a2 a0"), (Labels{"1.1", "(c)", "(d)", "1."}));
+}
+
+// Far down a long list the numbers are right after edits anywhere, as if counted anew.
+TEST(Lists, NumbersFollowEdits) {
+  RichText text;
+  List list{1, {{NumberStyle::kDecimal, 1, "\0."s}}};
+  ParaFormat item;
+  item.list = text.formats().Intern(list);
+  for (int i = 0; i < 3000; ++i) text.Add("x", i % 50 == 49 ? ParaFormat{} : item);
+  Document document = text.Finish();
+  ListNumbers numbers;
+  numbers.Update(document.content(), std::nullopt);
+  const auto label = [&](ListNumbers& of, int64_t paragraph) {
+    const ParaFormat& format = document.formats()[document.content().ParaFormatOf(Breaks(paragraph))];
+    return of.LabelOf(document.content(), Breaks(paragraph), format).toStdString();
+  };
+  EXPECT_EQ(label(numbers, 2998), "2940.");
+  uint32_t state = 7;
+  for (int edit = 0; edit < 200; ++edit) {
+    state = state * 1664525u + 1013904223u;
+    const Revision before = document.revision();
+    const Units at(state / 65536 % static_cast<uint32_t>(document.content().size().value() - 2));
+    if (edit % 4 == 0) {
+      Insert(document, at, "\n");
+    } else if (edit % 4 == 1) {
+      Remove(document, {at, at + Units(2)});
+    } else if (edit % 4 == 2) {
+      Insert(document, at, "yy");
+    } else {
+      document.Undo();
+    }
+    numbers.Update(document.content(), document.ChangesSince(before));
+    ListNumbers anew;
+    anew.Update(document.content(), std::nullopt);
+    for (const int64_t paragraph : {2900, 1500 + edit, 10, 700}) {
+      ASSERT_EQ(label(numbers, paragraph), label(anew, paragraph)) << "edit " << edit << " paragraph " << paragraph;
+    }
+  }
+}
+
+TEST(Lists, LabelsStandInTheIndentAndChangeWithEditsAbove) {
+  RichText text;
+  ParaFormat item;
+  item.list = text.formats().Intern(List{1, {{NumberStyle::kDecimal, 1, "\0."s}}});
+  item.leftIndent = 720;
+  item.firstIndent = -360;
+  for (int i = 0; i < 12; ++i) text.Add("item", item);
+  Document document = text.Finish();
+  TestView view(document, 300, 400);
+  EXPECT_NEAR(view.CaretRect({Units(0)}).left() - 4, 48, 1);
+  const auto ink = [&](int paragraph) {
+    const QRectF caret = view.CaretRect({Units(5 * paragraph)});
+    return PaintToImage(view).copy(QRect(4, static_cast<int>(caret.top()), 44, static_cast<int>(caret.height())));
+  };
+  const QImage second = ink(1), third = ink(2);
+  EXPECT_NE(second, third);
+  Remove(document, {Units(0), Units(5)});
+  EXPECT_EQ(ink(1), second) << "what was the third item is the second";
+}
+
+}  // namespace
+}  // namespace text::layout
