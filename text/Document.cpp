@@ -75,9 +75,13 @@ Range Document::Replace(Range range, const Content& fragment, EditKind kind, Sel
 
 Range Document::Replace(Range range, std::string_view bytes, CharFormatId format, EditKind kind, Selection before) {
   ContentBuilder builder(content_.store());
-  const bool breaks = bytes.find_first_of("\r\n") != std::string_view::npos;
-  builder.Append(bytes, format,
-                 breaks ? content_.ParaFormatOf(content_.ParagraphAt(range.begin)) : ParaFormatId::kDefault);
+  ParaFormatId paragraph = ParaFormatId::kDefault;
+  if (bytes.find_first_of("\r\n") != std::string_view::npos) {
+    ParaFormat like = formats()[content_.ParaFormatOf(content_.ParagraphAt(range.begin))];
+    like.rowMark = RowMark::kNone;
+    paragraph = formats().Intern(like);
+  }
+  builder.Append(bytes, format, paragraph);
   return Replace(range, builder.Finish(), kind, before);
 }
 

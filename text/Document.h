@@ -62,7 +62,7 @@ class Document {
   // to. Returns where the inserted text stands afterwards (after CR|LF merging).
   Range Replace(Range range, const Content& fragment, EditKind kind, Selection before);
   // Text as engine bytes in one character format; breaks in it take the paragraph format of the range's first
-  // paragraph.
+  // paragraph, but end no cell.
   Range Replace(Range range, std::string_view bytes, CharFormatId format, EditKind kind, Selection before);
   void PatchChars(Range range, const CharFormatPatch& patch, Selection before);
   void PatchParagraphs(Range range, const ParaFormatPatch& patch, Selection before);

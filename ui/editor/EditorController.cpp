@@ -83,7 +83,7 @@ void EditorController::Settle() {
 // --- Edits
 
 bool EditorController::Replace(Range range, std::string_view bytes, text::EditKind kind) {
-  if (!MayChange(range)) return false;
+  if (!MayChange(range) || !KeepsTables(range)) return false;
   const Operation operation(*this);
   DropComposition();
   const text::CharFormatId format = document_.formats().Intern(FormatFor(range));
@@ -94,11 +94,12 @@ bool EditorController::Replace(Range range, std::string_view bytes, text::EditKi
 }
 
 bool EditorController::Replace(Range range, const text::Content& fragment) {
-  if (!MayChange(range)) return false;
+  if (!MayChange(range) || !KeepsTables(range)) return false;
   const Operation operation(*this);
   DropComposition();
   remembered_.reset();
-  const Range inserted = document_.Replace(range, fragment, text::EditKind::kCommand, selection_);
+  const Range inserted =
+      document_.Replace(range, FittedToTables(range, fragment), text::EditKind::kCommand, selection_);
   PlaceCaret({inserted.end, inserted.end}, Bias::kRight);
   return true;
 }

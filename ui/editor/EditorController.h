@@ -26,7 +26,7 @@ namespace ui {
 // Pixels around the text; so much also stays free around the caret, so that the ends of the text come into view whole.
 constexpr double kTextMargin = 4;
 
-// A bullet hangs by that many twips; the first line's position stays.
+// A bullet hangs by that many twips; the first line's position stays. Without: no number either.
 text::ParaFormat WithBullet(text::ParaFormat format, int bulletIndent);
 text::ParaFormat WithoutBullet(text::ParaFormat format);
 
@@ -63,6 +63,13 @@ class EditorController {
   void Erase(bool forward, bool word);
   void Undo() { Swap(false); }
   void Redo() { Swap(true); }
+  // To the next or previous cell of a table, whose text is then selected; behind the last one a row is added. False
+  // outside of tables.
+  bool MoveToCell(bool forward);
+  // Tells the host of the link at the caret; false without one.
+  bool FollowLink();
+  // The target of the link at a place, empty without one.
+  std::string LinkAt(text::Units position) const;
   void Cut();
   void Copy();
   void Paste(bool plain);
@@ -127,6 +134,8 @@ class EditorController {
   bool MayChange(text::Range range) const;
   bool UserMayChange(text::Range range);
   text::CharFormat FormatFor(text::Range range) const;
+  static text::CharFormat ForNewText(text::CharFormat format);
+  bool IsWithinLink(text::Units position) const;
   text::Range OvertypeRange(const QString& text) const;
   void StayBesideWhatIsBefore();
   void DropComposition();
@@ -134,6 +143,11 @@ class EditorController {
   bool EmptiesParagraph(text::Range erased) const;
   bool LeaveList();
   bool BackspaceRemovesBullet();
+
+  // EditorTables.cpp
+  bool KeepsTables(text::Range range) const;
+  text::Content FittedToTables(text::Range range, const text::Content& fragment) const;
+  void AddRow(text::Breaks first, text::Breaks last);
 
   // EditorMovement.cpp
   text::layout::CaretPlace Target(EditorMove move);

@@ -23,6 +23,10 @@ bool IsProtectedAt(const Content& content, Units position) {
   return (content.formats()[content.CharFormatAt(position)].flags & text::kProtected) != 0;
 }
 
+bool HasLabel(const text::ParaFormat& format) {
+  return format.bullet || format.list != text::ListId::kNone;
+}
+
 int64_t GraphemesIn(std::u16string_view units) {
   text::ContentBuilder builder(Content().store());
   builder.Append(text::BytesOfUtf16(units));
@@ -45,12 +49,26 @@ bool EditorController::MayChange(Range range) const {
 }
 
 bool EditorController::UserMayChange(Range range) {
-  if (!readOnly_ && MayChange(range)) return true;
+  if (!readOnly_ && MayChange(range) && KeepsTables(range)) return true;
   host_.Refused();
   return false;
 }
 
 // New text is never itself protected, hidden or an object, whatever it stands beside.
+text::CharFormat EditorController::ForNewText(text::CharFormat format) {
+  format.flags &= static_cast<uint16_t>(~(text::kProtected | text::kHidden));
+  format.object = text::ObjectId::kNone;
+  return format;
+}
+
+// Between two characters of one link.
+bool EditorController::IsWithinLink(Units position) const {
+  const Content& content = document_.content();
+  if (position == Units(0) || position == content.size()) return false;
+  const auto linkAt = [&](Units at) { return content.formats()[content.CharFormatAt(at)].link; };
+  return linkAt(position) == linkAt(position - Units(1));
+}
+
 text::CharFormat EditorController::FormatFor(Range range) const {
   if (remembered_) return *remembered_;
   const Content& content = document_.content();
@@ -60,9 +78,12 @@ text::CharFormat EditorController::FormatFor(Range range) const {
     const bool fromBefore = range.empty() && range.begin > paragraphStart;
     id = content.CharFormatAt(fromBefore ? range.begin - Units(1) : range.begin);
   }
-  text::CharFormat format = document_.formats()[id];
-  format.flags &= static_cast<uint16_t>(~(text::kProtected | text::kHidden));
-  format.object = text::ObjectId::kNone;
+  text::CharFormat format = ForNewText(document_.formats()[id]);
+  if (format.link == text::LinkId::kNone || !range.empty() || IsWithinLink(range.begin)) return format;
+  // Beside a link it is ordinary text, without the looks that links are given.
+  format.link = text::LinkId::kNone;
+  format.flags &= static_cast<uint16_t>(~text::kUnderline);
+  format.color = {};
   return format;
 }
 
@@ -123,13 +144,12 @@ void EditorController::BreakParagraph() {
 
 // --- Deleting
 
-// In an empty bulleted paragraph Enter ends the list.
+// In an empty paragraph of a list Enter ends the list.
 bool EditorController::LeaveList() {
   const Content& content = document_.content();
   const text::Breaks paragraph = content.ParagraphAt(selection_.caret);
   const bool isEmpty = content.ParagraphStart(paragraph) == content.ParagraphEnd(paragraph);
-  const bool bulleted = document_.formats()[content.ParaFormatOf(paragraph)].bullet;
-  if (!range().empty() || !isEmpty || !bulleted) return false;
+  if (!range().empty() || !isEmpty || !HasLabel(document_.formats()[content.ParaFormatOf(paragraph)])) return false;
   return MapParagraphs([](text::ParaFormat format) { return WithoutBullet(format); });
 }
 
@@ -164,7 +184,7 @@ bool EditorController::BackspaceRemovesBullet() {
   const Content& content = document_.content();
   const text::Breaks paragraph = content.ParagraphAt(selection_.caret);
   if (selection_.caret != content.ParagraphStart(paragraph)) return false;
-  if (!document_.formats()[content.ParaFormatOf(paragraph)].bullet) return false;
+  if (!HasLabel(document_.formats()[content.ParaFormatOf(paragraph)])) return false;
   if (readOnly_ || !MapParagraphs([](text::ParaFormat format) { return WithoutBullet(format); })) host_.Refused();
   return true;
 }

@@ -13,6 +13,8 @@ using text::Units;
 text::ParaFormat WithBullet(text::ParaFormat format, int bulletIndent) {
   const int start = format.leftIndent + format.firstIndent;
   format.bullet = true;
+  format.list = text::ListId::kNone;
+  format.listLevel = 0;
   format.firstIndent = -bulletIndent;
   format.leftIndent = start + bulletIndent;
   return format;
@@ -20,9 +22,25 @@ text::ParaFormat WithBullet(text::ParaFormat format, int bulletIndent) {
 
 text::ParaFormat WithoutBullet(text::ParaFormat format) {
   format.bullet = false;
+  format.list = text::ListId::kNone;
+  format.listLevel = 0;
   format.leftIndent += format.firstIndent;
   format.firstIndent = 0;
   return format;
+}
+
+std::string EditorController::LinkAt(Units position) const {
+  const Content& content = document_.content();
+  if (position >= content.size()) return {};
+  return content.formats()[content.formats()[content.CharFormatAt(position)].link];
+}
+
+// The one behind the caret, else the one before it.
+bool EditorController::FollowLink() {
+  std::string target = LinkAt(selection_.caret);
+  if (target.empty() && selection_.caret > Units(0)) target = LinkAt(selection_.caret - Units(1));
+  if (!target.empty()) host_.FollowLink(target);
+  return !target.empty();
 }
 
 text::CharFormat EditorController::InsertFormat() const {

@@ -4,6 +4,7 @@
 #include <QClipboard>
 
 #include <memory>
+#include <string>
 
 class QMimeData;
 
@@ -22,9 +23,10 @@ class EditorHost {
 
   virtual void OvertypeChanged(bool on) = 0;
   virtual void ZoomBy(double factor) = 0;
-  virtual void Refused() = 0;           // protected or read-only text was in the way of the user
-  virtual void ResetComposition() = 0;  // the input method's pending text is no longer wanted
-  virtual void StartDrag() = 0;         // of the selection; returns when it is over
+  virtual void Refused() = 0;                              // protected or read-only text was in the way of the user
+  virtual void ResetComposition() = 0;                     // the input method's pending text is no longer wanted
+  virtual void FollowLink(const std::string& target) = 0;  // the user asks for it; UTF-8
+  virtual void StartDrag() = 0;                            // of the selection; returns when it is over
 
   virtual const QMimeData* ClipboardData(QClipboard::Mode mode) = 0;  // null when there is none
   virtual void SetClipboardData(QClipboard::Mode mode, std::unique_ptr<QMimeData> data) = 0;

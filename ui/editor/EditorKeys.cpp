@@ -102,9 +102,13 @@ bool EditorController::IsOwnKey(const QKeyEvent& event) {
 
 bool EditorController::HandleKey(QKeyEvent& event) {
   const KeyBinding* binding = FindBinding(event);
+  const bool returns = event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
+  if (returns && event.modifiers().testFlag(Qt::ControlModifier)) return FollowLink();
+  if (event.key() == Qt::Key_Backtab) return MoveToCell(false);
   if (!binding && !IsText(event)) return false;
   const Operation operation(*this);
   NoteTypingPause(event);
+  if (!binding && event.text() == QStringLiteral("\t") && MoveToCell(true)) return true;
   if (!binding) {
     Type(event.text());
   } else if (binding->command) {

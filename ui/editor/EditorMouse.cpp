@@ -87,9 +87,20 @@ void EditorMouse::Click(QPointF point, Qt::KeyboardModifiers modifiers) {
     last_ = point;
     origin_ = {controller_.selection().anchor, controller_.selection().anchor};
     ExtendTo(point);
+  } else if (const auto object = ObjectUnder(point)) {
+    SelectUnit(Unit::kCharacter, point);
+    controller_.Select({*object, *object + Units(1)});
   } else {
     SelectUnit(Unit::kCharacter, point);
   }
+}
+
+std::optional<Units> EditorMouse::ObjectUnder(QPointF point) {
+  const auto character = controller_.layout().CharacterAt(point);
+  if (!character) return std::nullopt;
+  const text::Content& content = controller_.document().content();
+  const auto& format = content.formats()[content.CharFormatAt(*character)];
+  return format.object == text::ObjectId::kNone ? std::nullopt : character;
 }
 
 bool EditorMouse::IsThirdClick(const QMouseEvent& event) const {
@@ -147,7 +158,21 @@ void EditorMouse::Release(const QMouseEvent& event) {
     Click(pressed_, pressedModifiers_);
     state_ = State::kIdle;
   }
+  if (state != State::kIdle && pressedModifiers_ == Qt::ControlModifier && FollowsLink(event.position())) return;
   if (state != State::kIdle) controller_.PublishPrimarySelection();
+}
+
+// A click is a press and a release on one link.
+bool EditorMouse::FollowsLink(QPointF released) {
+  const std::string target = LinkUnder(pressed_);
+  if (target.empty() || target != LinkUnder(released)) return false;
+  controller_.host().FollowLink(target);
+  return true;
+}
+
+std::string EditorMouse::LinkUnder(QPointF point) {
+  const auto character = controller_.layout().CharacterAt(point);
+  return character ? controller_.LinkAt(*character) : std::string();
 }
 
 void EditorMouse::PastePrimary(QPointF point) {

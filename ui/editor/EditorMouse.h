@@ -24,6 +24,9 @@ class EditorMouse {
   // A right press outside the selection moves the caret there, so that the menu means what was clicked.
   void PrepareContextMenu(QPointF point);
 
+  // The target of the link under a point, empty without one.
+  std::string LinkUnder(QPointF point);
+
   // While true the pointer is held outside the viewport and AutoScroll is to be called every kAutoScrollInterval.
   bool wantsAutoScroll() const;
   void AutoScroll();
@@ -53,6 +56,8 @@ class EditorMouse {
   void SelectUnit(Unit unit, QPointF point);
   void ExtendTo(QPointF point);
   void Click(QPointF point, Qt::KeyboardModifiers modifiers);
+  bool FollowsLink(QPointF released);
+  std::optional<text::Units> ObjectUnder(QPointF point);
   void PastePrimary(QPointF point);
   bool IsThirdClick(const QMouseEvent& event) const;
 

@@ -41,12 +41,14 @@ RichTextBox::RichTextBox(QWidget* parent) : QAbstractScrollArea(parent), impl_(s
   setAcceptDrops(true);
   setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
   viewport()->setCursor(Qt::IBeamCursor);
+  viewport()->setMouseTracking(true);
   viewport()->setAttribute(Qt::WA_OpaquePaintEvent);
   viewport()->setAutoFillBackground(false);
   impl_->defaultFont = font();
   impl_->layout.SetMargins(kTextMargin);
   impl_->layout.SetDefaultFont(impl_->defaultFont);
   impl_->layout.SetViewport(viewport()->size());
+  impl_->UpdateLinkColor();
   connect(verticalScrollBar(), &QScrollBar::actionTriggered, this,
           [this](int action) { impl_->Guard([&] { impl_->ScrollBarAction(action); }); });
   connect(QGuiApplication::styleHints(), &QStyleHints::cursorFlashTimeChanged, this,
@@ -254,6 +256,7 @@ void RichTextBox::SetDefaultTabStops(std::vector<int> twips) {
 
 void RichTextBox::SetBackgroundColor(const QColor& color) {
   impl_->background = color;
+  impl_->UpdateLinkColor();
   viewport()->update();
 }
 void RichTextBox::SetBackgroundColor(int64_t color) {

@@ -126,6 +126,8 @@ class RichTextBox : public QAbstractScrollArea {
   void Change();     // every change of text or format
   void SelChange();  // the selection moved, or the format at it changed
   void OvertypeChanged(bool on);
+  // Control and a click, or Control and Enter, on a link. Nothing opens it but who hears this.
+  void LinkActivated(const QString& target);
   void ContextMenuRequested(const QPoint& globalPosition);  // right button or menu key
   void DragStarting(QMimeData* data);                       // a drag of the selection; more formats may be added
   void EditFailed(const QString& reason);  // an event could not be carried out (out of memory); nothing was lost

@@ -6,6 +6,8 @@
 #include <QDropEvent>
 #include <QMimeData>
 #include <QPainter>
+#include <QTextDocument>
+#include <QToolTip>
 
 #include <algorithm>
 
@@ -25,6 +27,7 @@ QPalette ReadableOn(QPalette palette, const QColor& background) {
     palette.setColor(group, QPalette::Base, background);
     if (std::abs(lightness(palette.color(group, QPalette::Text)) - ground) >= kEnough) continue;
     palette.setColor(group, QPalette::Text, ground > 0.5 ? Qt::black : Qt::white);
+    palette.setColor(group, QPalette::Link, ground > 0.5 ? QColor(Qt::darkBlue) : QColor(0x8AB4F8));
   }
   return palette;
 }
@@ -51,6 +54,7 @@ bool RichTextBox::DispatchViewportEvent(QEvent& event) {
     Q_EMIT ContextMenuRequested(menu.globalPos());
     return true;
   }
+  if (event.type() == QEvent::ToolTip) return impl_->ShowToolTip(static_cast<QHelpEvent&>(event));
   if (event.type() == QEvent::DragLeave) {
     impl_->mouse.DragLeave();
     return true;
@@ -62,6 +66,13 @@ bool RichTextBox::DispatchEvent(QEvent& event) {
   if (event.type() == QEvent::ShortcutOverride && EditorController::IsOwnKey(static_cast<QKeyEvent&>(event))) {
     event.accept();
     return true;
+  }
+  if (event.type() == QEvent::KeyPress || event.type() == QEvent::KeyRelease) {
+    const auto& key = static_cast<QKeyEvent&>(event);
+    if (key.key() == Qt::Key_Control) {
+      const bool held = event.type() == QEvent::KeyPress;
+      impl_->UpdateCursor(viewport()->mapFromGlobal(QCursor::pos()), held ? Qt::ControlModifier : Qt::NoModifier);
+    }
   }
   if (event.type() == QEvent::ContextMenu) {
     const QRect caret = impl_->layout.CaretRect(impl_->controller.caret()).toRect();
@@ -109,6 +120,7 @@ void RichTextBox::resizeEvent(QResizeEvent*) {
 
 void RichTextBox::changeEvent(QEvent* event) {
   QAbstractScrollArea::changeEvent(event);
+  impl_->UpdateLinkColor();
   viewport()->update();
 }
 
@@ -122,6 +134,32 @@ void RichTextBox::timerEvent(QTimerEvent* event) {
   } else {
     QAbstractScrollArea::timerEvent(event);
   }
+}
+
+// --- Links
+
+void RichTextBox::Impl::UpdateLinkColor() {
+  layout.SetLinkColor(ReadableOn(box.palette(), background).color(QPalette::Link));
+}
+
+void RichTextBox::Impl::UpdateCursor(QPointF point, Qt::KeyboardModifiers modifiers) {
+  const bool follows = modifiers == Qt::ControlModifier && box.viewport()->rect().contains(point.toPoint()) &&
+                       !mouse.LinkUnder(point).empty();
+  box.viewport()->setCursor(follows ? Qt::PointingHandCursor : Qt::IBeamCursor);
+}
+
+// As plain text, whatever it looks like.
+bool RichTextBox::Impl::ShowToolTip(const QHelpEvent& event) {
+  const std::string target = mouse.LinkUnder(event.pos());
+  if (target.empty()) {
+    QToolTip::hideText();
+    return true;
+  }
+  constexpr qsizetype kMost = 500;
+  const QString shown = QString::fromStdString(target).left(kMost);
+  QToolTip::showText(event.globalPos(), Qt::convertFromPlainText(RichTextBox::tr("Ctrl+click: %1").arg(shown)),
+                     box.viewport());
+  return true;
 }
 
 // --- Keyboard and input methods
@@ -190,7 +228,9 @@ void RichTextBox::mouseDoubleClickEvent(QMouseEvent* event) {
 void RichTextBox::mouseMoveEvent(QMouseEvent* event) {
   const QPointer<RichTextBox> alive(this);
   impl_->mouse.Move(*event);
-  if (alive) impl_->UpdateAutoScroll();
+  if (!alive) return;
+  impl_->UpdateAutoScroll();
+  if (event->buttons() == Qt::NoButton) impl_->UpdateCursor(event->position(), event->modifiers());
 }
 
 void RichTextBox::mouseReleaseEvent(QMouseEvent* event) {

@@ -8,6 +8,7 @@
 
 #include <QBasicTimer>
 #include <QFont>
+#include <QHelpEvent>
 
 namespace ui {
 
@@ -22,6 +23,7 @@ struct RichTextBox::Impl : EditorHost {
   void ZoomBy(double factor) override { box.SetZoom(layout.zoom() * factor); }
   void Refused() override;
   void ResetComposition() override;
+  void FollowLink(const std::string& target) override { Q_EMIT box.LinkActivated(QString::fromStdString(target)); }
   void StartDrag() override;
   const QMimeData* ClipboardData(QClipboard::Mode mode) override;
   void SetClipboardData(QClipboard::Mode mode, std::unique_ptr<QMimeData> data) override;
@@ -38,6 +40,9 @@ struct RichTextBox::Impl : EditorHost {
   void RestartBlinking();
   void RepaintCaret();
   void UpdateAutoScroll();
+  void UpdateLinkColor();
+  void UpdateCursor(QPointF point, Qt::KeyboardModifiers modifiers);
+  bool ShowToolTip(const QHelpEvent& event);
   double LineHeight() const;
   text::CharFormat DefaultFormat(text::FormatTable& formats) const;
   void SetPlainProperties();
