@@ -47,8 +47,7 @@ void Project::Remove(const std::vector<bool>& marked) {
 // As AddToProject for every entry would leave it, but for the selection.
 void Project::FillList() {
   std::vector<ui::ListLine> lines = {FirstLine()};
-  for (size_t i = 1; i <= ProjectItems_.Highest(); ++i)
-    lines.push_back({std::string(ShownPart(ProjectItems_[i])), static_cast<int64_t>(i)});
+  for (size_t i = 1; i <= ProjectItems_.Highest(); ++i) lines.push_back(LineFor(i));
   List1_.SetLines(std::move(lines));
 }
 
@@ -191,21 +190,28 @@ bool Project::fncconfirm(std::string_view what) {
   return !error;
 }
 
-void Project::AddToProject(size_t index) {
-  List1_.Append({std::string(ShownPart(ProjectItems_[index])), static_cast<int64_t>(index)});
-  SelectListItem(List1_.count() - 1, true);
+// The first line of those that are the same path; count() = none.
+int Project::LineOfPath(const std::string& path) const {
+  int line = List1_.count();
+  for (const size_t index : ProjectItems_.Find(path)) line = std::min(line, List1_.LineOf(static_cast<int64_t>(index)));
+  return line;
 }
 
 int Project::FindPathInList(const std::string& path) {
-  const std::vector<size_t> found = ProjectItems_.Find(path);
-  // Sorting moves lines, so the entry's line is looked for, but only when there is one.
-  for (int line = 1; !found.empty() && line < List1_.count(); ++line) {
-    if (!std::ranges::binary_search(found, static_cast<size_t>(List1_.line(line).data))) continue;
-    List1_.Select(line, true);
-    List1_.SetListIndex(line);
-    return line;
-  }
-  return List1_.count();
+  const int line = LineOfPath(path);
+  if (line >= List1_.count()) return line;
+  List1_.Select(line, true);
+  List1_.SetListIndex(line);
+  return line;
+}
+
+ui::ListLine Project::LineFor(size_t index) const {
+  return {std::string(ShownPart(ProjectItems_[index])), static_cast<int64_t>(index)};
+}
+
+void Project::AddToProject(size_t index) {
+  List1_.Append(LineFor(index));
+  SelectListItem(List1_.count() - 1, true);
 }
 
 // By value: the window whose name it is may close meanwhile.
@@ -218,6 +224,31 @@ void Project::AddNewDocOrLink(std::string path) {
   ProjectItems_.Append(std::move(path));
   AddToProject(ProjectItems_.Highest());
   ProjectSaved = false;
+}
+
+// Selecting lays out and paints the whole list, so it is done once.
+void Project::AddNewDocsOrLinks(const std::vector<std::string>& paths) {
+  const ui::CommandScope scope;
+  ui::PendingEventsInLoop events;
+  std::optional<int> added;
+  std::vector<int> found;  // since then
+  for (const std::string& path : paths) {
+    const int line = LineOfPath(path);
+    if (line < List1_.count()) {
+      found.push_back(line);
+    } else if (MayBeEntry(path)) {
+      ProjectItems_.Append(path);
+      List1_.Append(LineFor(ProjectItems_.Highest()));
+      ProjectSaved = false;
+      added = line;
+      found.clear();
+    }
+    events.LetRun();
+  }
+  if (added) SelectListItem(*added, true);
+  if (found.empty()) return;
+  List1_.SelectToo(found);
+  List1_.SetListIndex(found.back());
 }
 
 bool Project::MayBeEntry(const std::string& path) {

@@ -32,6 +32,8 @@ class Project {
   void LoadProject();
   void AddToProject(size_t index);
   void AddNewDocOrLink(std::string path);
+  // As AddNewDocOrLink for one after the other would leave it.
+  void AddNewDocsOrLinks(const std::vector<std::string>& paths);
   int FindPathInList(const std::string& path);
   void SelectListItem(int index, bool focus);
   // False: the user pressed Cancel, or the project could not be saved.
@@ -61,6 +63,8 @@ class Project {
   std::string FileBytes() const;
   void ForgetKept();
   bool MayReplaceFile();
+  int LineOfPath(const std::string& path) const;
+  ui::ListLine LineFor(size_t index) const;
   bool MayBeEntry(const std::string& path);
   void FillList();
   void ShowCaption();

@@ -12,6 +12,7 @@
 
 #include <QCoreApplication>
 
+#include <algorithm>
 #include <numeric>
 #include <utility>
 
@@ -190,7 +191,7 @@ void ProjectList::RemoveFromProject(bool confirm) {
   SelectFocusLineIfNone();
   std::vector<std::pair<size_t, std::string>> agreed;
   for (const int line : List1_.SelectedLines()) {
-    if (line < 1 || line >= List1_.count() || !List1_.Selected(line)) continue;
+    if (line < 1 || line >= List1_.count()) continue;
     const auto index = static_cast<size_t>(List1_.line(line).data);
     const std::string entry = project_.EntryOf(line);
     const int answer = services_.fncYesNoAll(tr("Remove %1\r\nfrom the project?").arg(ui::ShortDisplayText(entry)));
@@ -205,15 +206,16 @@ void ProjectList::RemoveFromProject(bool confirm) {
   project_.Remove(marked);
 }
 
-void ProjectList::TakeDropped(const std::vector<std::string>& paths) {
+void ProjectList::TakeDropped(std::vector<std::string> paths) {
   const ui::CommandScope scope;
   const ui::Hourglass hourglass;
-  for (std::string path : paths) {
+  ui::PendingEventsInLoop events;
+  for (std::string& path : paths) {
     const auto attributes = files::GetAttributes(path);
     if (attributes && attributes.value() & files::kDirectory && !path.ends_with('/')) path += '/';
-    project_.AddNewDocOrLink(path);
-    ui::LetPendingEventsRun();
+    events.LetRun();
   }
+  project_.AddNewDocsOrLinks(paths);
 }
 
 // --- The selection and the order of the lines
@@ -249,13 +251,24 @@ std::vector<size_t> SortedOrder(const std::vector<std::string>& texts) {
   for (const std::string& text : texts) keys.push_back(files::PathKey(text));
   std::vector<size_t> order(texts.size());
   std::iota(order.begin(), order.end(), size_t{0});
+  std::ranges::sort(order, {}, [&](size_t i) -> const std::string& { return keys[i]; });
+  // Only equal texts show how they were sorted. The shell sort may take many steps, so it compares numbers.
+  std::vector<size_t> rank(texts.size());
+  bool distinct = true;
+  for (size_t i = 0; i < order.size(); ++i) {
+    const bool again = i > 0 && keys[order[i]] == keys[order[i - 1]];
+    rank[order[i]] = again ? rank[order[i - 1]] : i;
+    if (again) distinct = false;
+  }
+  if (distinct) return order;
+  std::iota(order.begin(), order.end(), size_t{0});
   // The gap begins at half the number of lines, the one that never moves included.
   for (size_t gap = (texts.size() + 1) / 2; gap > 0; gap /= 2) {
     size_t limit = texts.size() - std::min(gap, texts.size());
     for (size_t last = 1; last != 0;) {
       last = 0;
       for (size_t i = 1; i <= limit; ++i) {
-        if (keys[order[i - 1]] <= keys[order[i - 1 + gap]]) continue;
+        if (rank[order[i - 1]] <= rank[order[i - 1 + gap]]) continue;
         std::swap(order[i - 1], order[i - 1 + gap]);
         last = i;
       }

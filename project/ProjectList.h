@@ -45,7 +45,7 @@ class ProjectList : public QObject {
   void RemoveFromProject(bool confirm);
   std::vector<std::string> SelectedEntries();
   std::vector<std::string> FilesOfDrag();
-  void TakeDropped(const std::vector<std::string>& paths);
+  void TakeDropped(std::vector<std::string> paths);
 
   services::Services& services_;
   Project& project_;

@@ -57,6 +57,12 @@ void LetPendingEventsRun() {
   QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
 }
 
+void PendingEventsInLoop::LetRun() {
+  if (std::chrono::steady_clock::now() - last_ < std::chrono::milliseconds(50)) return;
+  LetPendingEventsRun();
+  last_ = std::chrono::steady_clock::now();
+}
+
 void AfterCommand(QObject* context, std::function<void()> call) {
   if (InsideCommand()) {
     Loop().deferred.push_back({context, std::move(call)});

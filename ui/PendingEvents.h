@@ -3,6 +3,7 @@
 
 #include <QObject>
 
+#include <chrono>
 #include <functional>
 
 namespace ui {
@@ -22,6 +23,15 @@ bool InsideCommand();
 // ends; a modal dialog's own Cancel and Escape work while it is open. Anything may have been closed or opened on
 // return: look it up again.
 void LetPendingEventsRun();
+
+// For a loop over many things: lets events run when the window has not been served for a while.
+class PendingEventsInLoop {
+ public:
+  void LetRun();
+
+ private:
+  std::chrono::steady_clock::time_point last_ = std::chrono::steady_clock::now();
+};
 
 // Runs the call at once, or, inside a command, from the event loop after the outermost command has ended. Dropped when
 // `context` is gone by then.

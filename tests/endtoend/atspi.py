@@ -148,3 +148,17 @@ def _menu_items(pid):
 def menu_items(pid):
     """The captions in the open menu of the menu bar."""
     return _steady(lambda: _menu_items(pid), [])
+
+
+def _extents(pid, role, name):
+    for window in _windows(pid):
+        for node in _walk(window) if window else []:
+            for found in [node, *(_children(node) if node.get_role_name() == "list" else [])]:
+                if found.get_role_name() == role and name in (None, found.get_name()) and _showing(found):
+                    return found.get_component_iface().get_extents(Atspi.CoordType.SCREEN)
+    return None
+
+
+def extents(pid, role, name=None):
+    """Where on the display the first of that role (and name) is."""
+    return _steady(lambda: _extents(pid, role, name), None)

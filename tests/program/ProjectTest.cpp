@@ -400,6 +400,25 @@ TEST_F(ProjectTest, TakesDroppedFilesAndFolders) {
   EXPECT_THAT(Entries(), ElementsAre((At("folder") / "").native(), "/no/a b\xFF"));
 }
 
+TEST_F(ProjectTest, ManyDroppedAtOnceAreAsIfAddedOneAfterTheOther) {
+  const std::vector<std::string> drops[] = {{"/no/new", "/no/NEW", "/no/b", "/no/newer"},
+                                            {"/no/new", "/no/c", "/no/A", "/no/a"},
+                                            {"/no/c", "/no/d"},
+                                            {"/no/e", "/no/a", "/no/E", "/no/b"}};
+  for (const std::vector<std::string>& dropped : drops) {
+    const auto leaves = [&](const std::function<void()>& add) {
+      Load(PutProject("p.prj", {"/no/d", "/no/c", "/no/a", "/no/b", "/no/c"}));
+      List().mnuListSort_Click();
+      add();
+      return std::tuple(Entries(), Shown(), List1().SelectedLines(), List1().ListIndex(), Model().ProjectSaved);
+    };
+    const auto one = leaves([&] {
+      for (const std::string& path : dropped) Model().AddNewDocOrLink(path);
+    });
+    EXPECT_EQ(leaves([&] { Q_EMIT List1().FilesDropped(dropped); }), one) << testing::PrintToString(dropped);
+  }
+}
+
 TEST_F(ProjectTest, TheFocusLineIsSelectedWhileTheListIsUsed) {
   Load(PutProject("p.prj", {"/no/a", "/no/b"}));
   Q_EMIT List1().FocusLost();

@@ -14,6 +14,7 @@
 #include <QToolTip>
 
 #include <algorithm>
+#include <unordered_map>
 #include <utility>
 
 namespace ui {
@@ -32,6 +33,8 @@ class ListBox::Model : public QAbstractListModel {
   void Replace(std::vector<ListLine> with) {
     beginResetModel();
     lines = std::move(with);
+    rows_.clear();
+    known_ = 0;
     endResetModel();
   }
   void Append(ListLine line) {
@@ -44,7 +47,17 @@ class ListBox::Model : public QAbstractListModel {
     Q_EMIT dataChanged(index(row), index(row));
   }
 
+  int RowOf(int64_t data) const {
+    for (; known_ < lines.size(); ++known_) rows_.emplace(lines[known_].data, static_cast<int>(known_));
+    const auto found = rows_.find(data);
+    return found == rows_.end() ? rowCount() : found->second;
+  }
+
   std::vector<ListLine> lines;
+
+ private:
+  mutable std::unordered_map<int64_t, int> rows_;  // of the lines before known_, by their data
+  mutable size_t known_ = 0;
 };
 
 ListBox::ListBox(QWidget* parent) : QListView(parent), model_(new Model(this)) {
@@ -65,6 +78,9 @@ int ListBox::count() const {
 }
 const ListLine& ListBox::line(int index) const {
   return model_->lines[static_cast<size_t>(index)];
+}
+int ListBox::LineOf(int64_t number) const {
+  return model_->RowOf(number);
 }
 void ListBox::SetLines(std::vector<ListLine> lines) {
   model_->Replace(std::move(lines));
@@ -88,6 +104,16 @@ bool ListBox::Selected(int index) const {
 }
 void ListBox::Select(int index, bool on) {
   selectionModel()->select(model_->index(index), on ? QItemSelectionModel::Select : QItemSelectionModel::Deselect);
+}
+void ListBox::SelectToo(std::vector<int> lines) {
+  std::sort(lines.begin(), lines.end());
+  QItemSelection stretches;
+  for (size_t first = 0, next; first < lines.size(); first = next) {
+    next = first + 1;
+    while (next < lines.size() && lines[next] <= lines[next - 1] + 1) ++next;
+    stretches.append({model_->index(lines[first]), model_->index(lines[next - 1])});
+  }
+  selectionModel()->select(stretches, QItemSelectionModel::Select);
 }
 int ListBox::SelCount() const {
   int selected = 0;
@@ -235,25 +261,27 @@ void ListBox::StartDrag() {
   dragging_ = false;
 }
 
-bool ListBox::AcceptsDrop(const QDropEvent& event) const {
-  return !dragging_ && event.source() != this && (event.possibleActions() & Qt::CopyAction) &&
-         HoldsFiles(*event.mimeData());
+void ListBox::Answer(QDropEvent& event) const {
+  event.setDropAction(Qt::CopyAction);
+  event.setAccepted(holdsFiles_ && !dragging_ && event.source() != this && event.possibleActions() & Qt::CopyAction);
 }
 
+// The source is asked for its data once, not at each move.
 void ListBox::dragEnterEvent(QDragEnterEvent* event) {
-  dragMoveEvent(event);
+  holdsFiles_ = HoldsFiles(*event->mimeData());
+  Answer(*event);
 }
 
 void ListBox::dragMoveEvent(QDragMoveEvent* event) {
-  event->setDropAction(Qt::CopyAction);
-  event->setAccepted(AcceptsDrop(*event));
+  Answer(*event);
 }
 
 void ListBox::dropEvent(QDropEvent* event) {
-  event->setDropAction(Qt::CopyAction);
-  event->setAccepted(AcceptsDrop(*event));
+  const std::vector<std::string> files = FilesOf(*event->mimeData());
+  holdsFiles_ = !files.empty();
+  Answer(*event);
   if (!event->isAccepted()) return;
-  AfterThisEvent([this, files = FilesOf(*event->mimeData())] { Q_EMIT FilesDropped(files); });
+  AfterThisEvent([this, files] { Q_EMIT FilesDropped(files); });
 }
 
 // The event may have come in the middle of a command.

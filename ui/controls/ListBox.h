@@ -26,6 +26,7 @@ class ListBox : public QListView {
 
   int count() const;
   const ListLine& line(int index) const;
+  int LineOf(int64_t number) const;              // the first line known by it, count() = none; O(1) but after SetLines
   void SetLines(std::vector<ListLine> lines);  // instead of all there are; nothing is selected, the focus on line 0
   void Append(ListLine line);
   void SetText(int index, std::string text);
@@ -34,6 +35,7 @@ class ListBox : public QListView {
   void SetListIndex(int index);
   bool Selected(int index) const;
   void Select(int index, bool on);
+  void SelectToo(std::vector<int> lines);  // O(lines), in one step
   int SelCount() const;
   std::vector<int> SelectedLines() const;  // in rising order
   void SelectOnly(int index);              // and make it the focus line
@@ -80,7 +82,7 @@ class ListBox : public QListView {
  private:
   class Model;
 
-  bool AcceptsDrop(const QDropEvent& event) const;
+  void Answer(QDropEvent& event) const;
   void StartDrag();
   bool ShowToolTip(const QHelpEvent& event);
   void AfterThisEvent(std::function<void()> call);
@@ -90,6 +92,7 @@ class ListBox : public QListView {
   std::function<std::vector<std::string>()> dragFiles_;
   std::unique_ptr<QMouseEvent> armed_;  // the press with a modifier that may become a drag
   bool dragging_ = false;
+  bool holdsFiles_ = false;  // what is dragged over it
 };
 
 }  // namespace ui

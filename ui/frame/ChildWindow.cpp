@@ -4,6 +4,7 @@
 
 #include <QApplication>
 #include <QCloseEvent>
+#include <QDragMoveEvent>
 #include <QStyle>
 
 namespace ui {
@@ -11,6 +12,7 @@ namespace ui {
 ChildWindow::ChildWindow(ChildForm& form, ChildArea& area, QWidget* content)
     : owner_(form), formId_(form.id()), area_(area) {
   setWidget(content);
+  setAcceptDrops(true);
   setWindowIcon(style()->standardIcon(QStyle::SP_FileIcon));
   // Closing is the form's decision; the window is taken out by it.
   setAttribute(Qt::WA_DeleteOnClose, false);
@@ -40,6 +42,15 @@ void ChildWindow::ActivateForm() {
 void ChildWindow::closeEvent(QCloseEvent* event) {
   event->ignore();
   owner_.RequestClose();
+}
+
+// What the content does not take is taken by nobody: the frame behind the documents would open it. So the drag ends its
+// way here, and is refused in the moves, which follow even an accepted beginning.
+void ChildWindow::dragEnterEvent(QDragEnterEvent* event) {
+  event->accept();
+}
+void ChildWindow::dragMoveEvent(QDragMoveEvent* event) {
+  event->ignore();
 }
 
 ChildForm::ChildForm(Forms& forms, std::string_view name, ChildArea& area, QWidget* content)

@@ -24,6 +24,8 @@ class ChildWindow : public QMdiSubWindow {
 
  protected:
   void closeEvent(QCloseEvent* event) override;
+  void dragEnterEvent(QDragEnterEvent* event) override;
+  void dragMoveEvent(QDragMoveEvent* event) override;
 
  private:
   ChildForm& owner_;

@@ -63,21 +63,26 @@ class FrameForm::Window : public QMainWindow {
     QMainWindow::keyPressEvent(event);
   }
   void closeEvent(QCloseEvent* event) override { event->setAccepted(owner_.RequestClose()); }
-  void dragEnterEvent(QDragEnterEvent* event) override { AcceptDrop(*event); }
-  void dragMoveEvent(QDragMoveEvent* event) override { AcceptDrop(*event); }
+  void dragEnterEvent(QDragEnterEvent* event) override {
+    holdsFiles_ = HoldsFiles(*event->mimeData());  // the source is asked once, not at each move
+    Answer(*event);
+  }
+  void dragMoveEvent(QDragMoveEvent* event) override { Answer(*event); }
   void dropEvent(QDropEvent* event) override {
-    AcceptDrop(*event);
+    const std::vector<std::string> files = FilesOf(*event->mimeData());
+    holdsFiles_ = !files.empty();
+    Answer(*event);
     if (!event->isAccepted()) return;
     // The drop may have come in the middle of a command.
-    QTimer::singleShot(0, this, [this, files = FilesOf(*event->mimeData())] {
+    QTimer::singleShot(0, this, [this, files] {
       AfterCommand(this, [this, files] { owner_.forms().Guarded([&] { takeDrop_(files); }); });
     });
   }
 
  private:
-  void AcceptDrop(QDropEvent& event) const {
+  void Answer(QDropEvent& event) const {
     event.setDropAction(Qt::CopyAction);
-    event.setAccepted(takeDrop_ && event.possibleActions() & Qt::CopyAction && HoldsFiles(*event.mimeData()));
+    event.setAccepted(takeDrop_ && holdsFiles_ && event.possibleActions() & Qt::CopyAction);
   }
   void MoveFocus(int step);
   void ActivateDocument() {
@@ -90,6 +95,7 @@ class FrameForm::Window : public QMainWindow {
   ChildArea* area_;
   std::function<void()> painted_;
   std::function<void(const std::vector<std::string>&)> takeDrop_;
+  bool holdsFiles_ = false;  // what is dragged over it
 };
 
 // From the document to the panes and the toolbar, and round again.
