@@ -31,7 +31,7 @@ void ReadRich(ReadDocument& read, files::InputFile& file, const files::Path& pat
     read.rich = read.rtf.isRtf = true;
     return;
   }
-  read.rtf = text::rtf::Read(*read.rtfBytes, text::Content().store(), progress);
+  read.rtf = text::rtf::Read(read.rtfBytes, text::Content().store(), progress);
   read.cancelled = read.rtf.cancelled;
   read.rich = read.rtf.isRtf;
   if (read.rich || read.cancelled) return;

@@ -4,6 +4,7 @@
 #include "text/PlainText.h"
 #include "text/html/HtmlWriter.h"
 #include "text/rtf/Rtf.h"
+#include "ui/desktop/Pdf.h"
 
 #include <algorithm>
 #include <array>
@@ -15,7 +16,7 @@
 namespace shell {
 namespace {
 
-enum class Format { kText, kHtml, kRtf };
+enum class Format { kText, kHtml, kRtf, kPdf };
 constexpr uint16_t kPlainHalfPoints = 20;
 constexpr const char* kPlainFont = "Courier New";
 
@@ -26,6 +27,7 @@ std::optional<Format> FormatOf(const files::Path& path) {
   if (extension == ".txt") return Format::kText;
   if (extension == ".html" || extension == ".htm") return Format::kHtml;
   if (extension == ".rtf") return Format::kRtf;
+  if (extension == ".pdf") return Format::kPdf;
   return std::nullopt;
 }
 
@@ -63,22 +65,22 @@ class Conversion {
 
   std::string Run() {
     const auto from = FormatOf(in_), to = FormatOf(out_);
-    if (!from) return Line(in_, "cannot read this format (.txt, .html and .rtf)");
-    if (!to) return Line(out_, "cannot write this format (.txt, .html and .rtf)");
+    if (!from || *from == Format::kPdf) return Line(in_, "cannot read this format (.txt, .html and .rtf)");
+    if (!to) return Line(out_, "cannot write this format (.txt, .html, .rtf and .pdf)");
     auto file = files::OpenForReading(in_);
     if (!file) return Line(in_, file.error().text);
     if (*from == Format::kRtf) return FromRtf(file.value(), *to);
-    if (*to == Format::kRtf) return PlainToRtf(file.value());
+    if (*to == Format::kRtf || *to == Format::kPdf) return FromPlain(file.value(), *to);
     return Save([&](const files::ByteSink& sink) { return CopyBytes(file.value().descriptor(), sink, readError_); });
   }
 
  private:
   std::string FromRtf(files::InputFile& file, Format to) {
-    const auto bytes = files::ReadAll(file);
+    auto bytes = files::ReadAll(file);
     if (!bytes) return Line(in_, bytes.error().text);
     text::rtf::ReadResult read;
     if (!bytes.value().empty()) {
-      read = text::rtf::Read(bytes.value(), text::Content().store());
+      read = text::rtf::Read(std::move(bytes.value()), text::Content().store());
       if (!read.isRtf) return Line(in_, "is not rich text, although its name says so");
       if (read.limited) return Line(in_, "holds more than this program reads");
     }
@@ -91,6 +93,8 @@ class Conversion {
         return text::WritePlainText(read.content, {}, sink, {.fromRichText = true});
       case Format::kRtf:
         return text::rtf::Write(read.content, read.properties, sink);
+      case Format::kPdf:
+        return WritePages(read.content, read.properties, sink);
       case Format::kHtml:
         break;
     }
@@ -98,12 +102,19 @@ class Conversion {
     return text::html::Write(read.content, {.title = in_.stem().native(), .defaultFont = font}, sink);
   }
 
-  std::string PlainToRtf(files::InputFile& file) {
+  bool WritePages(const text::Content& content, const text::rtf::DocumentProperties& properties,
+                  const files::ByteSink& sink) const {
+    return ui::WritePdf(text::Document(content), properties, in_.stem().native(), sink);
+  }
+
+  std::string FromPlain(files::InputFile& file, Format to) {
     const text::LoadedText loaded = text::ReadPlainText(file.descriptor());
     if (loaded.error) return Line(in_, files::SystemError(loaded.error, in_).text);
     text::rtf::DocumentProperties properties;
     const text::Content content = InPlainFont(loaded.content, properties);
-    return Save([&](const files::ByteSink& sink) { return text::rtf::Write(content, properties, sink); });
+    return Save([&](const files::ByteSink& sink) {
+      return to == Format::kPdf ? WritePages(content, properties, sink) : text::rtf::Write(content, properties, sink);
+    });
   }
 
   std::string Save(const files::ByteProducer& write) {

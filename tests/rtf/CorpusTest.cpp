@@ -72,7 +72,7 @@ TEST(RtfCorpus, TextsAgree) {
   const std::vector<CorpusFile> files = Manifest(corpus);
   ASSERT_FALSE(files.empty());
   for (const CorpusFile& file : files) {
-    const ReadResult result = Read(FileBytes(file.path), NewStore());
+    const ReadResult result = ReadNew(FileBytes(file.path));
     const std::string text = PlainLines(result.content);
     if (out && result.isRtf)
       std::ofstream(fs::path(out) / (file.path.stem().string() + ".txt"), std::ios::binary) << text;
@@ -85,7 +85,7 @@ TEST(RtfCorpus, TextsAgree) {
     if (score < 0.95) std::cout << file.path.filename().string() << ": " << score << "\n";
     result.content.CheckInvariants();
     const std::string written = Written(result);
-    EXPECT_EQ(Written(Read(written, NewStore())), written) << file.path;
+    EXPECT_EQ(Written(ReadNew(written)), written) << file.path;
   }
   EXPECT_GE(static_cast<double>(passed), 0.9 * static_cast<double>(files.size()));
 }

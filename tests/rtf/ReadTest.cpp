@@ -115,7 +115,7 @@ const Row kParagraphs[] = {
     {"\\rtlpar a\\par\\ltrpar b", "a\n[rtl]b"},
     {"{\\pntext x\\tab}{\\*\\pn\\pnlvlblt\\pnf1{\\pntxtb\\'B7}}a\\par{\\pntext x}b\\par\\pard c",
      "a\n[bullet]b\n[bullet]c"},
-    {"{\\pntext 1.}{\\*\\pn\\pnlvlbody\\pndec{\\pntxta.}}a", "a"},
+    {"{\\pntext 1.}{\\*\\pn\\pnlvlbody\\pndec{\\pntxta.}}a", "a$[list0/0/1@1'%1.']"},
     {"{\\*\\pnseclvl1\\pndec{\\pntxta .}}a", "a"},
     {"{\\*\\listtable{\\list{\\listlevel\\levelnfc0}{\\listlevel\\levelnfc23{\\leveltext\\'01\\'b7;}}\\listid-7}}"
      "{\\*\\listoverridetable{\\listoverride\\listid-7\\listoverridecount0\\ls2}}"
@@ -124,7 +124,7 @@ const Row kParagraphs[] = {
 };
 
 const Row kGroups[] = {
-    {"{\\info{\\title t}}{\\stylesheet{\\s1 h;}}a{\\*\\unknown{b}}{\\footnote c}d", "ad"},
+    {"{\\info{\\title t}}{\\stylesheet{\\s1 h;}}a{\\*\\unknown{b}}{\\footnote c}d", "a<note/'c'>\uFFFC<>d"},
     {"{\\unknown a}", "a"},
     {" a\\*\\b b} c", "a"},
     {" a{b\\*\\x c}d", "abd"},
@@ -133,10 +133,10 @@ const Row kGroups[] = {
     {"{\\*{a}}b", "b"},
     {"{\\*\\b a}b", "b"},
     {" a\\footnote b", "ab"},
-    {"{\\pict\\pngblip 0011\\bin4 {{{{}a", "a"},
-    {"{\\*\\shppict{\\pict 00}}{\\nonshppict{\\pict 11}}a", "a"},
+    {"{\\pict\\pngblip 0011\\bin4 {{{{}a", "<picture>\uFFFC<>a"},
+    {"{\\*\\shppict{\\pict 00}}{\\nonshppict{\\pict 11}}a", "<picture>\uFFFC<>a"},
     {"{\\object\\objemb{\\*\\objclass P}{\\*\\objdata 00}{\\result{b}}}", "b"},
-    {"{\\field{\\*\\fldinst HYPERLINK \"x\"}{\\fldrslt a}}b", "ab"},
+    {"{\\field{\\*\\fldinst HYPERLINK \"x\"}{\\fldrslt a}}b", "<->x>a<>b"},
     {"{\\field{\\*\\fldinst PAGE}}b", "b"},
     {"{\\field{\\*\\fldinst X {\\field{\\*\\fldinst Y}{\\fldrslt q}}}{\\fldrslt a}}", "a"},
     {"{\\field{\\*\\fldinst SYMBOL 183 \\\\f \"Symbol\" \\\\s 10}{\\fldrslt}}", "<Symbol/2/0>\uF0B7"},
@@ -144,11 +144,12 @@ const Row kGroups[] = {
     {"{\\field{\\*\\fldinst SYMBOL 8364 \\\\u}}", "€"},
     {"a{\\field{\\*\\fldinst SYMBOL 10 \\\\u}}b{\\field{\\*\\fldinst SYMBOL 0xD \\\\u}}\\qc c", "a\nb\nc$[center]"},
     {"{\\field{\\*\\fldinst SYMBOL \"}}x", "x"},
-    {"\\trowd\\cellx1 a\\cell b\\cell\\row c", "a\tb\nc"},
-    {"\\trowd a\\cell\\cell\\row\\row b", "a\t\n\nb"},
-    {" a\\cell b\\par c\\cell", "a\tb\nc"},
-    {"\\trowd a{\\*\\nesttableprops\\trowd}b\\nestcell c\\nestcell\\nestrow d\\cell\\row", "ab\tc\nd"},
-    {"{{{\\NeXTGraphic x.tiff }}}a", "a"},
+    {"\\trowd\\cellx1 a\\cell b\\cell\\row c", "a|[row1/0/1]b||[row1/0/1]c"},
+    {"\\trowd a\\cell\\cell\\row\\row b", "a|[row1/0/4500/9000]||[row1/0/4500/9000]||[row1/0/9000]b"},
+    {" a\\cell b\\par c\\cell", "a|[row1/0/4500/9000]b\n[row1/0/4500/9000]c||[row1/0/4500/9000]"},
+    {"\\trowd a{\\*\\nesttableprops\\trowd}b\\nestcell c\\nestcell\\nestrow d\\cell\\row",
+     "ab|[row2/0/4500/9000]c||[row2/0/4500/9000]d||[row1/0/9000]"},
+    {"{{{\\NeXTGraphic x.tiff }}}a", "<picture/'x.tiff'>\uFFFC<>a"},
 };
 
 INSTANTIATE_TEST_SUITE_P(Characters, RtfReading, testing::ValuesIn(kCharacters));
@@ -187,44 +188,6 @@ TEST(RtfReader, RecognisesRtfAndItsEnd) {
     EXPECT_EQ(result.isRtf, row.isRtf) << row.bytes;
     EXPECT_EQ(TextOf(result.content), row.text) << row.bytes;
   }
-}
-
-struct DroppedRow {
-  std::string rtf;
-  std::vector<std::string> dropped;
-};
-
-TEST(RtfReader, NamesWhatASaveWouldLose) {
-  const DroppedRow rows[] = {
-      {"{\\stylesheet{\\s1 Heading;}}{\\*\\generator x;}{\\info{\\title t}}\\paperw1 a\\lang1033\\protect b", {}},
-      {"{\\pict 00}{\\pict 11}", {"pictures"}},
-      {"a{\\footnote b}\\trowd c\\cell\\row{\\header d}{\\pict 0}",
-       {"footnotes", "tables", "headers and footers", "pictures"}},
-      {"\\s0 a\\s3 b", {"styles"}},
-      {"{\\field{\\*\\fldinst HYPERLINK \"x\"}{\\fldrslt y}}", {"links"}},
-      {"{\\field{\\*\\fldinst{ PAGE }}{\\fldrslt 1}}", {"fields"}},
-      {"{\\*\\pn\\pnlvlbody\\pndec}a\\par", {"list numbering"}},
-      {"\\caps0 a\\expnd0 b\\caps c", {"special character effects"}},
-      {"\\tqr\\tx5 a", {"tab alignment and leaders"}},
-      {"{\\*\\wholly{x}}", {"content of unknown kinds"}},
-      {" kept {\\b one \\* two} three \\* four", {"content of unknown kinds"}},
-      {" a{\\* lost text}b", {"content of unknown kinds"}},
-      {" a{\\*{lost}}b", {"content of unknown kinds"}},
-      {" a{\\*\\'e4}b", {"content of unknown kinds"}},
-      {" a{\\*}{b\\*}{\\upr{\\* x}{\\*\\ud{c}}}{\\fonttbl{\\f0 A\\* b;}}", {}},
-      {"a\\par\\sectd\\landscape b", {"page layout"}},
-      {"{\\object{\\*\\objdata 0}{\\result a}}", {"embedded objects"}},
-      {"{\\*\\bkmkstart x}a{\\*\\bkmkend x}", {"bookmarks"}},
-      {"{\\revised a}", {"tracked changes"}},
-  };
-  for (const DroppedRow& row : rows) EXPECT_EQ(ReadNew("{\\rtf1" + row.rtf + "}").dropped, row.dropped) << row.rtf;
-}
-
-TEST(RtfReader, PutsTheNamesIntoWords) {
-  EXPECT_EQ(InWords({}), "");
-  EXPECT_EQ(InWords({"tables"}), "tables");
-  EXPECT_EQ(InWords({"tables", "pictures"}), "tables and pictures");
-  EXPECT_EQ(InWords({"tables", "pictures", "styles"}), "tables, pictures and styles");
 }
 
 TEST(RtfReader, FragmentsKeepTheirClosingBreak) {

@@ -13,6 +13,19 @@ std::string Hex(Color color) {
   return digits;
 }
 
+std::string DescribeObject(const EmbeddedObject& object) {
+  constexpr const char* kKinds[] = {"picture", "embedded", "note"};
+  constexpr const char* kTypes[] = {"", "/png", "/jpeg", "/dib", "/wmf", "/emf", "/mac"};
+  std::string words = kKinds[static_cast<size_t>(object.kind)];
+  words += kTypes[static_cast<size_t>(object.type)];
+  if (object.width || object.height) words += "/" + std::to_string(object.width) + "x" + std::to_string(object.height);
+  if (object.cropLeft || object.cropTop || object.cropRight || object.cropBottom)
+    words += "/crop" + std::to_string(object.cropLeft) + "," + std::to_string(object.cropTop) + "," +
+             std::to_string(object.cropRight) + "," + std::to_string(object.cropBottom);
+  if (!object.name.empty()) words += "/'" + object.name + "'";
+  return words + " ";
+}
+
 std::string DescribeChars(const FormatTable& formats, const CharFormat& format) {
   constexpr std::pair<CharFlag, const char*> kFlags[] = {{text::kBold, "b "},         {text::kItalic, "i "},
                                                          {text::kUnderline, "ul "},   {text::kStrikeThru, "strike "},
@@ -26,8 +39,36 @@ std::string DescribeChars(const FormatTable& formats, const CharFormat& format) 
   if (!format.color.isAuto()) words += "cf" + Hex(format.color) + " ";
   if (!format.background.isAuto()) words += "bg" + Hex(format.background) + " ";
   if (format.offset != 0) words += "up" + std::to_string(format.offset) + " ";
+  if (format.link != LinkId::kNone) words += "->" + formats[format.link] + " ";
+  if (format.object != ObjectId::kNone) words += DescribeObject(formats[format.object]);
   if (!words.empty()) words.pop_back();
   return "<" + words + ">";
+}
+
+std::string DescribeList(const FormatTable& formats, const ParaFormat& format) {
+  constexpr const char* kStyles[] = {"1", "I", "i", "A", "a", "1st", "-"};
+  const List& list = formats[format.list];
+  std::string words = "list" + std::to_string(list.identity) + "/" + std::to_string(format.listLevel);
+  for (const ListLevel& level : list.levels) {
+    words += "/" + std::string(kStyles[static_cast<size_t>(level.style)]) + "@" + std::to_string(level.start) + "'";
+    for (const char c : level.label) words += c >= 0 && c < 9 ? "%" + std::to_string(c + 1) : std::string(1, c);
+    words += "'" + formats[level.font].name;
+  }
+  return words + " ";
+}
+
+std::string DescribeRow(const TableRow& row) {
+  std::string words = "row" + std::to_string(row.level) + "/" + std::to_string(row.left);
+  if (row.gap != 0) words += "/gap" + std::to_string(row.gap);
+  if (row.height != 0) words += "/high" + std::to_string(row.height);
+  for (const TableCell& cell : row.cells) {
+    words += "/" + std::to_string(cell.right);
+    if (cell.borders != 0) words += "b" + std::to_string(cell.borders);
+    if (!cell.shading.isAuto()) words += "#" + Hex(cell.shading);
+    if (cell.joinsLeft) words += "<";
+    if (cell.joinsAbove) words += "^";
+  }
+  return words + " ";
 }
 
 std::string DescribeParagraph(const FormatTable& formats, const ParaFormat& format) {
@@ -45,6 +86,8 @@ std::string DescribeParagraph(const FormatTable& formats, const ParaFormat& form
   number("sa", format.spaceAfter);
   number(format.lineSpacingMultiple ? "slm" : "sl", format.lineSpacing);
   for (int32_t tab : formats[format.tabs]) words += "tx" + std::to_string(tab) + " ";
+  if (format.list != ListId::kNone) words += DescribeList(formats, format);
+  if (format.row != RowId::kNone) words += DescribeRow(formats[format.row]);
   if (words.empty()) return {};
   words.back() = ']';
   return "[" + words;
@@ -62,7 +105,12 @@ std::string Describe(const Content& content) {
     for (size_t i = 0; i < piece.bytes.size(); ++i) {
       const char c = piece.bytes[i];
       if (c == '\r' && piece.bytes.substr(i).starts_with("\r\n")) continue;
-      line += c;
+      const RowMark mark = formats[piece.paraFormat].rowMark;
+      if (c == '\n' && mark != RowMark::kNone) {
+        line += mark == RowMark::kCellEnd ? "|" : "||";
+      } else {
+        line += c;
+      }
       if (c == '\r' || c == '\n') line += DescribeParagraph(formats, formats[piece.paraFormat]);
     }
     return true;
@@ -72,9 +120,14 @@ std::string Describe(const Content& content) {
 }
 
 std::string PlainLines(const Content& content) {
-  std::string lines = TextOf(content);
-  for (const std::string_view end : {"\r\n", "\xE2\x80\xA8"})
-    for (size_t at = 0; (at = lines.find(end, at)) != std::string::npos; ++at) lines.replace(at, end.size(), "\n");
+  std::string lines;
+  WritePlainText(content, {.lineEnd = LineEnd::kLf},
+                 [&](std::string_view part) {
+                   lines += part;
+                   return true;
+                 },
+                 {.fromRichText = true});
+  std::erase(lines, '\r');
   return lines;
 }
 
@@ -88,7 +141,9 @@ std::string Written(const Content& content, const DocumentProperties& properties
 }
 
 std::string Written(const ReadResult& result) {
-  return Written(result.content, result.properties);
+  DocumentProperties properties = result.properties;
+  properties.source = nullptr;
+  return Written(result.content, properties);
 }
 
 }  // namespace text::rtf

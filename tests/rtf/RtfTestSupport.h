@@ -15,7 +15,7 @@ inline std::shared_ptr<TextStore> NewStore() {
 }
 
 inline ReadResult ReadNew(std::string_view bytes) {
-  return Read(bytes, NewStore());
+  return Read(std::string(bytes), NewStore());
 }
 
 inline std::string TextOf(const Content& content) {
@@ -24,11 +24,12 @@ inline std::string TextOf(const Content& content) {
 
 // A whole content as one line, so that contents of different stores compare: "<b fs20>" before text whose character
 // format differs from that before it, "<>" for the default one, "\n" with "[center li720]" behind each break and "$"
-// with the last paragraph's format at the end; a default format gives no brackets.
+// with the last paragraph's format at the end; a default format gives no brackets. A cell's end is "|", a row's "||".
 std::string Describe(const Content& content);
 
-// The text with LF for every break, a soft one too.
+// The text with LF for every break, a soft one too, a tab for a cell's end and nothing for an object.
 std::string PlainLines(const Content& content);
+// As written without the file that was read.
 std::string Written(const ReadResult& result);
 std::string Written(const Content& content, const DocumentProperties& properties = {});
 

@@ -48,10 +48,12 @@ std::string InWords(const std::vector<std::string>& dropped);
 bool LooksLikeRtf(std::string_view bytes);
 
 // Reads a whole file. Never throws on bad input, never recurses, time linear in the input. No bytes at all are an empty
-// document. A paragraph's end becomes CR LF, \line U+2028, \page U+000C; no byte of the text is a stray one. The end of
-// a table's cell becomes a tab, that of a row a paragraph's end. One \par that closes the document adds no empty
-// paragraph.
-ReadResult Read(std::string_view bytes, std::shared_ptr<TextStore> store, const Progress& progress = {});
+// document. A paragraph's end becomes CR LF, \line U+2028, \page U+000C; no byte of the text is a stray one. The ends
+// of a table's cells and rows become breaks too. One \par that closes the document adds
+// no empty paragraph. The objects and the source share the bytes.
+ReadResult Read(std::shared_ptr<const std::string> bytes, std::shared_ptr<TextStore> store,
+                const Progress& progress = {});
+ReadResult Read(std::string bytes, std::shared_ptr<TextStore> store, const Progress& progress = {});
 // The same for a piece to insert: here the closing \par is kept.
 ReadResult ReadFragment(std::string_view bytes, std::shared_ptr<TextStore> store);
 

@@ -1,94 +1,127 @@
 // Destinations: what a group holds, and what to do at its end.
+#include "text/rtf/RtfFields.h"
+#include "text/rtf/RtfPictures.h"
 #include "text/rtf/RtfReader.h"
 
 #include <algorithm>
-#include <charconv>
+#include <utility>
 
 namespace text::rtf {
 
-namespace {
-
-std::string_view Trimmed(std::string_view text) {
-  const size_t begin = text.find_first_not_of(" \t");
-  return begin == std::string_view::npos ? std::string_view() : text.substr(begin);
-}
-
-bool StartsWithName(std::string_view instruction, std::string_view name) {
-  return instruction.size() >= name.size() &&
-         std::equal(name.begin(), name.end(), instruction.begin(),
-                    [](char a, char b) { return a == (b >= 'a' && b <= 'z' ? b - 'a' + 'A' : b); });
-}
-
-struct SymbolField {
-  char32_t character = 0;  // 0: the instruction is no complete SYMBOL
-  std::string font;        // empty: that of the text around
-};
-
-// SYMBOL 183 \f "Symbol" \s 10, the number also as 0xB7; with \u it is a Unicode character.
-SymbolField ParseSymbol(std::string_view instruction) {
-  SymbolField field;
-  if (!StartsWithName(instruction, "SYMBOL")) return field;
-  std::string_view rest = Trimmed(instruction.substr(6));
-  const bool hexadecimal = rest.starts_with("0x") || rest.starts_with("0X");
-  if (hexadecimal) rest.remove_prefix(2);
-  uint32_t number = 0;
-  const auto parsed = std::from_chars(rest.data(), rest.data() + rest.size(), number, hexadecimal ? 16 : 10);
-  if (parsed.ec != std::errc()) return field;
-  const bool unicode = rest.find("\\u") != std::string_view::npos;
-  field.character = unicode || number > 0xFF ? number : 0xF000 + number;
-  if (const size_t at = rest.find("\\f"); at != std::string_view::npos) {
-    const std::string_view name = Trimmed(rest.substr(at + 2));
-    if (name.starts_with('"')) field.font = name.substr(1, name.find('"', 1) - 1);
-  }
-  return field;
-}
-
-}  // namespace
-
 void RtfReader::Destination(const Keyword& word) {
-  const auto what = static_cast<Dropped>(word.value);
-  const bool data = what == Dropped::kPictures || what == Dropped::kObjects;
-  if (word.op == Op::kSkipGroup) return firstWord_ || data ? Skip(what) : void();
+  if (word.op == Op::kSkipGroup) return Skip();
   if (word.op == Op::kKeepGroup) return KeepGroup();
-  if (tooDeep_ > 0) return;
-  if (word.op == Op::kTransparent) return Report(what);
-  OpenDestination(word.op);
+  if (word.op == Op::kPicture) return Picture();
+  if (word.op == Op::kNextGraphic) return Attachment();
+  if (tooDeep_ > 0 || word.op == Op::kTransparent) return;
+  if (!OpenTable(word.op) && !OpenList(word.op)) OpenText(word.op);
 }
 
-void RtfReader::OpenDestination(Op op) {
+// Fonts, colours, lists.
+bool RtfReader::OpenTable(Op op) {
   const Mode mode = state().mode;
   const bool inText = mode == Mode::kBody || mode == Mode::kMuted;
   switch (op) {
     case Op::kOpenFonts:
-      return inText ? Enter(Mode::kFonts, Opened::kFonts) : void();
+      if (inText) Enter(Mode::kFonts, Opened::kFonts);
+      return true;
     case Op::kOpenColors:
-      return inText ? Enter(Mode::kColors, Opened::kNothing) : void();
+      if (inText) Enter(Mode::kColors, Opened::kNothing);
+      return true;
     case Op::kOpenLists:
-      return inText ? Enter(Mode::kLists, Opened::kNothing) : void();
+      if (inText) Enter(Mode::kLists, Opened::kNothing);
+      return true;
     case Op::kOpenOverrides:
-      return inText ? Enter(Mode::kOverrides, Opened::kNothing) : void();
-    case Op::kOpenList:
-      return mode == Mode::kLists ? Enter(mode, Opened::kList) : void();
-    case Op::kOpenListLevel:
-      if (mode == Mode::kLists) ++list_.levelCount;
-      return;
-    case Op::kOpenOverride:
-      return mode == Mode::kOverrides ? Enter(mode, Opened::kOverride) : void();
-    case Op::kOpenNumbering:
-      if (mode != Mode::kBody) return Skip(Dropped::kNothing);
-      numbering_ = ListKind::kNone;
-      return Enter(Mode::kNumbering, Opened::kNumbering);
-    case Op::kOpenField:
-      return mode == Mode::kBody ? OpenField() : void();
-    case Op::kOpenInstruction:
-      if (mode != Mode::kBody || fields_.empty()) return Skip(Dropped::kNothing);
-      return Enter(Mode::kInstruction, Opened::kInstruction);
-    case Op::kOpenAlternative:
-      return Enter(mode == Mode::kBody ? Mode::kMuted : mode, Opened::kAlternative);
-    case Op::kOpenUnicode:
-      return OpenUnicodeAlternative();
+      if (inText) Enter(Mode::kOverrides, Opened::kNothing);
+      return true;
     default:
-      return;
+      return false;
+  }
+}
+
+// What is inside the tables of lists, and the numbering of single paragraphs.
+bool RtfReader::OpenList(Op op) {
+  const Mode mode = state().mode;
+  const bool overrides = mode == Mode::kOverrides;
+  switch (op) {
+    case Op::kOpenList:
+      if (mode == Mode::kLists) Enter(mode, Opened::kList);
+      return true;
+    case Op::kOpenListLevel:
+      if (mode == Mode::kLists || overrides) LimitUnless(lists_.BeginLevel(overrides));
+      return true;
+    case Op::kOpenLevelText:
+      if (mode == Mode::kLists || overrides) Enter(Mode::kLevelText, Opened::kNothing);
+      return true;
+    case Op::kOpenOverride:
+      if (overrides) Enter(mode, Opened::kOverride);
+      return true;
+    case Op::kOpenOverrideLevel:
+      if (overrides) lists_.BeginOverrideLevel();
+      return true;
+    case Op::kOpenNumbering:
+      if (mode != Mode::kBody) {
+        Skip();
+      } else {
+        Enter(Mode::kNumbering, Opened::kNumbering);
+      }
+      return true;
+    case Op::kOpenLabelBefore:
+    case Op::kOpenLabelAfter:
+      if (mode == Mode::kNumbering)
+        Enter(op == Op::kOpenLabelBefore ? Mode::kLabelBefore : Mode::kLabelAfter, Opened::kNothing);
+      return true;
+    default:
+      return false;
+  }
+}
+
+bool RtfReader::OpenText(Op op) {
+  const Mode mode = state().mode;
+  switch (op) {
+    case Op::kOpenField:
+      if (mode == Mode::kBody) OpenField();
+      return true;
+    case Op::kOpenInstruction:
+      if (mode != Mode::kBody || fields_.empty()) {
+        Skip();
+      } else {
+        Enter(Mode::kInstruction, Opened::kNothing);
+      }
+      return true;
+    case Op::kOpenResult:
+      if (mode == Mode::kBody && !fields_.empty()) OpenResult();
+      return true;
+    case Op::kOpenNote:
+      OpenNote();
+      return true;
+    case Op::kObject:
+      Object();
+      return true;
+    case Op::kOpenShapePicture:
+      sawShapePicture_ = true;
+      return true;
+    case Op::kOpenOldPicture:
+      if (std::exchange(sawShapePicture_, false)) Skip();
+      return true;
+    case Op::kOpenShapeProperty:
+      shapeName_.clear();
+      SetMode(mode == Mode::kBody ? Mode::kShape : Mode::kMuted);
+      return true;
+    case Op::kOpenShapeName:
+      SetMode(mode == Mode::kShape ? Mode::kShapeName : Mode::kMuted);
+      return true;
+    case Op::kOpenNestedRow:
+      state().nestedRow = true;
+      return true;
+    case Op::kOpenAlternative:
+      Enter(mode == Mode::kBody ? Mode::kMuted : mode, Opened::kAlternative);
+      return true;
+    case Op::kOpenUnicode:
+      OpenUnicodeAlternative();
+      return true;
+    default:
+      return false;
   }
 }
 
@@ -96,31 +129,33 @@ void RtfReader::Enter(Mode mode, Opened opened) {
   SetMode(mode);
   state().opened = opened;
   if (mode == Mode::kColors) tables_.colors.clear(), color_ = Color{};
-  if (opened == Opened::kList) list_ = ListEntry{}, listId_.reset();
-  if (opened == Opened::kOverride) listId_.reset(), overrideNumber_.reset();
+  if (opened == Opened::kList) lists_.BeginList();
+  if (opened == Opened::kOverride) lists_.BeginOverride();
+  if (opened == Opened::kNumbering) lists_.BeginNumbering();
   if (opened == Opened::kFonts) fontNumber_.reset(), font_ = FontEntry{};
-}
-
-void RtfReader::Skip(Dropped what) {
-  Report(what);
-  tokenizer_.SkipGroup();
 }
 
 // The group's own bytes, closing brace included, unless the file's end cuts it off or raw data makes it unfit for
 // 7-bit writing.
 void RtfReader::KeepGroup() {
   const bool whole = firstWord_ && state().mode == Mode::kBody;
-  tokenizer_.SkipGroup();
-  const size_t end = tokenizer_.position();
-  if (!whole || end >= bytes_.size()) return;
+  Skip();
+  if (!whole) return;
+  const std::string_view group = WholeGroup().bytes;
   std::string& kept = result_.properties.headerGroups;
-  const std::string_view group = bytes_.substr(groupBegin_, end + 1 - groupBegin_);
-  if (group.find("\\bin") != std::string_view::npos) return;
+  if (group.empty() || group.find("\\bin") != std::string_view::npos) return;
   if (kept.size() + group.size() > kMaxKeptHeader) {
     result_.limited = true;
     return;
   }
   kept += group;
+}
+
+// From the brace that opened the innermost group to the one that is about to close it; empty when either is missing.
+SharedBytes RtfReader::WholeGroup() const {
+  const size_t end = tokenizer_.position();
+  if (end >= bytes_.size()) return {};
+  return {owner_, bytes_.substr(groupBegin_, end + 1 - groupBegin_)};
 }
 
 // {\upr{old}{\*\ud{new}}}: the text of the second is that of the place where \upr stands.
@@ -131,16 +166,15 @@ void RtfReader::OpenUnicodeAlternative() {
 
 void RtfReader::OpenField() {
   state().opened = Opened::kField;
-  fields_.push_back({{}, output_.count()});
+  fields_.push_back({{}, false, output_.count()});
 }
 
-void RtfReader::CloseInstruction() {
-  const std::string_view instruction = Trimmed(fields_.back().instruction);
-  if (StartsWithName(instruction, "HYPERLINK")) {
-    Report(Dropped::kLinks);
-  } else if (!StartsWithName(instruction, "SYMBOL")) {
-    Report(Dropped::kFields);
-  }
+void RtfReader::OpenResult() {
+  const Field& field = fields_.back();
+  const std::string target = field.tooLong ? std::string() : LinkTarget(field.instruction);
+  if (target.empty()) return;
+  state().link = formats_.InternLink(target);
+  state().charIdGood = false;
 }
 
 // A field shows its result; only SYMBOL means something without one.
@@ -148,7 +182,7 @@ void RtfReader::CloseField() {
   const Field field = std::move(fields_.back());
   fields_.pop_back();
   if (output_.count() != field.textBefore) return;
-  const SymbolField symbol = ParseSymbol(Trimmed(field.instruction));
+  const SymbolField symbol = ParseSymbol(field.instruction);
   if (symbol.character == 0) return;
   CurrentChars();
   if (!symbol.font.empty()) {
@@ -159,10 +193,52 @@ void RtfReader::CloseField() {
   Character(symbol.character);
 }
 
-void RtfReader::CloseNumbering() {
-  GroupState& around = stack_[stack_.size() - 2];
-  around.numbering = numbering_;
-  around.paragraphIdGood = false;
+// A note within a note, or in what is no text, is passed over.
+void RtfReader::OpenNote() {
+  if (state().mode != Mode::kBody) return Skip();
+  Enter(Mode::kNote, Opened::kNote);
+  noteText_.clear();
+  noteBegin_ = groupBegin_;
+}
+
+void RtfReader::CloseNote() {
+  EmbeddedObject note;
+  note.kind = ObjectKind::kNote;
+  const size_t begin = noteText_.find_first_not_of(" \t\n");
+  if (begin != std::string::npos) note.name = noteText_.substr(begin, noteText_.find_last_not_of(" \t\n") + 1 - begin);
+  const size_t end = tokenizer_.position();
+  if (!cut_) note.rtf = {owner_, bytes_.substr(noteBegin_, end - noteBegin_)};
+  Anchor(std::move(note));
+}
+
+void RtfReader::Picture() {
+  const bool ofShape = state().mode == Mode::kShape && shapeName_ == "pib";
+  if (tooDeep_ > 0 || (state().mode != Mode::kBody && !ofShape)) return Skip();
+  const bool whole = firstWord_;
+  EmbeddedObject picture = ReadPicture(tokenizer_, owner_);
+  if (whole) picture.rtf = WholeGroup();
+  Anchor(std::move(picture));
+}
+
+// An object is one character, unless its result is text that wants to be read.
+void RtfReader::Object() {
+  if (state().mode != Mode::kBody || state().inObject) return;
+  ScannedObject scanned = ScanObject(tokenizer_, owner_);
+  if (scanned.showsText) {
+    state().inObject = true;
+    return;
+  }
+  Skip();
+  scanned.object.rtf = WholeGroup();
+  Anchor(std::move(scanned.object));
+}
+
+void RtfReader::Attachment() {
+  if (tooDeep_ > 0 || state().mode != Mode::kBody) return Skip();
+  const bool whole = firstWord_;
+  EmbeddedObject picture = ReadAttachment(tokenizer_);
+  if (whole) picture.rtf = WholeGroup();
+  Anchor(std::move(picture));
 }
 
 }  // namespace text::rtf

@@ -11,6 +11,7 @@ enum class Kind : uint8_t {
   kToggle,       // on without a parameter or with any but 0
   kValue,        // a number
   kSymbol,       // a character or the end of something
+  kRow,          // part of the definition of a table's row
   kDestination,  // as the first word of a group: says what the group holds
 };
 
@@ -27,7 +28,6 @@ enum class Op : uint8_t {
   // Characters
   kPlain,
   kCharFlag,
-  kCharEffectFlag,  // a flag whose exact form is lost
   kUnderlineOff,
   kFont,
   kFontSize,
@@ -50,11 +50,8 @@ enum class Op : uint8_t {
   kTab,
   kListOverride,
   kListLevel,
-  // What is lost: always, when on, when not 0, a bar tab
-  kReport,
-  kReportToggle,
-  kReportValue,
-  kReportTab,
+  kInTable,
+  kTableLevel,
   // Inside the header's tables
   kFontFamily,
   kFontCharset,
@@ -63,8 +60,28 @@ enum class Op : uint8_t {
   kGreen,
   kBlue,
   kLevelKind,
+  kLevelStart,
   kListId,
   kNumbering,
+  kNumberStyle,
+  kNumberStart,
+  kNumberFont,
+  // Definitions of rows
+  kRowDefault,
+  kRowLeft,
+  kRowGap,
+  kRowHeight,
+  kRowBorder,
+  kRowPassing,  // counts rows or refers to tables of the file
+  kCellEdge,
+  kCellBorder,
+  kCellColor,
+  kCellPattern,
+  kCellPatternColor,
+  kCellJoinsLeft,
+  kCellJoinsAbove,
+  kOtherBorder,
+  kBorderStyle,
   // Symbols
   kCharacter,
   kParagraph,
@@ -80,45 +97,34 @@ enum class Op : uint8_t {
   kOpenLists,
   kOpenList,
   kOpenListLevel,
+  kOpenLevelText,
   kOpenOverrides,
   kOpenOverride,
+  kOpenOverrideLevel,
   kOpenNumbering,
+  kOpenLabelBefore,
+  kOpenLabelAfter,
   kOpenField,
   kOpenInstruction,
+  kOpenResult,
+  kOpenNote,
+  kOpenNestedRow,
+  kOpenShapePicture,
+  kOpenOldPicture,
+  kOpenShapeProperty,
+  kOpenShapeName,
+  kPicture,
+  kObject,
+  kNextGraphic,
   kOpenAlternative,
   kOpenUnicode,
 };
 
-// What a save loses, in the words of DroppedName.
-enum class Dropped : uint8_t {
-  kNothing,
-  kTables,
-  kPictures,
-  kObjects,
-  kDrawings,
-  kFootnotes,
-  kHeadersFooters,
-  kComments,
-  kRevisions,
-  kLinks,
-  kFields,
-  kNumbering,
-  kStyles,
-  kBookmarks,
-  kIndexEntries,
-  kFormulas,
-  kPageLayout,
-  kBorders,
-  kTabKinds,
-  kEffects,
-  kMarkup,
-  kUnknown,
-  kCount,
-};
-std::string_view DroppedName(Dropped what);
+// What {\*\pn} makes of a paragraph.
+enum class PnKind : uint8_t { kNone, kBullet, kNumber };
 
-// How a paragraph is numbered.
-enum class ListKind : uint8_t { kNone, kBullet, kNumber };
+// With those of TableCell, the sides of a row's borders: between its rows, between its cells.
+constexpr int32_t kInnerAcross = 16, kInnerDown = 32;
 
 struct Keyword {
   std::string_view word;

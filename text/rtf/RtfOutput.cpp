@@ -1,26 +1,55 @@
 #include "text/rtf/RtfOutput.h"
 
+#include "text/TextStore.h"
+
+#include <algorithm>
+
 namespace text::rtf {
 
+namespace {
+
+// The content with other rows for some of its breaks; the number past the last is the last paragraph.
+Content Fixed(const Content& content, const std::vector<RtfRows::Given>& fixes) {
+  FormatTable& formats = content.formats();
+  ContentBuilder builder(content.store());
+  int64_t number = 0;
+  auto next = fixes.begin();
+  const auto format = [&](ParaFormatId given) {
+    if (next == fixes.end() || next->number != number) return given;
+    ParaFormat changed = formats[given];
+    changed.row = next->row;
+    changed.rowMark = (next++)->mark;
+    return formats.Intern(changed);
+  };
+  content.ForEachPiece(content.all(), [&](const PieceView& piece) {
+    const char* at = piece.bytes.data();
+    const char* const end = at + piece.bytes.size();
+    for (int64_t breaks = piece.sums.breaks.value(); breaks > 0;) {
+      if (next == fixes.end() || next->number >= number + breaks) {
+        number += breaks;
+        break;
+      }
+      const char* const behind = std::find(at, end, '\n') + 1;
+      builder.AppendCommitted(at, behind, piece.charFormat, format(piece.paraFormat));
+      at = behind;
+      ++number, --breaks;
+    }
+    if (at < end) builder.AppendCommitted(at, end, piece.charFormat, piece.paraFormat);
+    return true;
+  });
+  return builder.Finish(format(content.lastParaFormat()));
+}
+
+}  // namespace
+
+RtfOutput::RtfOutput(const std::shared_ptr<TextStore>& store) : builder_(store), formats_(store->formats()) {}
+
 void RtfOutput::Break(CharFormatId format, ParaFormatId paragraph) {
-  if (owed_) PayOwed(format);
-  owed_ = held_ = true;
+  if (held_) PutHeldBreak();
+  held_ = true;
   heldChar_ = format;
   heldParagraph_ = paragraph;
-}
-
-void RtfOutput::Row(CharFormatId format, ParaFormatId paragraph) {
-  if (cells_ > 0) --cells_;
-  Break(format, paragraph);
-}
-
-void RtfOutput::PayOwed(CharFormatId format) {
-  owed_ = false;
-  PutHeldBreak();
-  for (; cells_ > 0; --cells_) {
-    if (format != char_ || pending_.size() > kFlushAt) StartRun(format);
-    pending_ += '\t';
-  }
+  ++breaks_;
 }
 
 void RtfOutput::StartRun(CharFormatId format) {
@@ -29,7 +58,6 @@ void RtfOutput::StartRun(CharFormatId format) {
 }
 
 void RtfOutput::PutHeldBreak() {
-  if (!held_) return;
   held_ = false;
   if (heldChar_ != char_ || pending_.size() > kFlushAt) StartRun(heldChar_);
   if (heldParagraph_ != paragraph_) {
@@ -49,14 +77,15 @@ void RtfOutput::Flush() {
   breaksEnd_ = 0;
 }
 
-Content RtfOutput::Finish(bool keepBreak, ParaFormatId lastParagraph) {
-  if (held_ && !keepBreak) {
+Content RtfOutput::Finish(bool keepBreak, ParaFormatId lastParagraph, const std::vector<RtfRows::Given>& fixes) {
+  if (held_ && !keepBreak && formats_[heldParagraph_].rowMark == RowMark::kNone) {
     lastParagraph = heldParagraph_;
     held_ = false;
   }
-  PutHeldBreak();
+  if (held_) PutHeldBreak();
   Flush();
-  return builder_.Finish(lastParagraph);
+  const Content content = builder_.Finish(lastParagraph);
+  return fixes.empty() ? content : Fixed(content, fixes);
 }
 
 }  // namespace text::rtf

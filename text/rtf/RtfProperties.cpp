@@ -46,8 +46,10 @@ void ResetChars(GroupState& s) {
 
 void ResetParagraph(GroupState& s) {
   s.paragraph = ParaFormat{};
-  s.numbering = ListKind::kNone;
+  s.numbering = {};
   s.listOverride = s.listLevel = 0;
+  s.inTable = false;
+  s.tableLevel = 0;
   s.tabs.reset();
 }
 
@@ -57,6 +59,7 @@ size_t SlotOf(const CharFormat& format, size_t slots) {
   hash = hash * 31 + (format.color.rgb ^ format.color.rgb >> 12);
   hash = hash * 31 + (format.background.rgb ^ format.background.rgb >> 12);
   hash = hash * 31 + static_cast<uint32_t>(format.offset);
+  hash = hash * 31 + static_cast<uint32_t>(format.link);
   return (hash ^ hash >> 7) % slots;
 }
 
@@ -65,6 +68,7 @@ size_t SlotOf(const CharFormat& format, size_t slots) {
 void RtfReader::Property(const Keyword& word, const Token& token) {
   if (tooDeep_ > 0) return;
   const bool on = !token.hasParameter || token.parameter != 0;
+  const int32_t number = token.hasParameter || word.kind != Kind::kValue ? token.parameter : word.value;
   switch (state().mode) {
     case Mode::kFonts:
       return FontWord(word, token.parameter);
@@ -72,24 +76,21 @@ void RtfReader::Property(const Keyword& word, const Token& token) {
       return ColorWord(word, token.parameter);
     case Mode::kLists:
     case Mode::kOverrides:
-      return ListWord(word, token.parameter);
+      return lists_.Word(word, number, state().mode == Mode::kOverrides);
     case Mode::kNumbering:
-      if (word.op == Op::kNumbering) numbering_ = static_cast<ListKind>(word.value);
-      return;
+      return lists_.NumberingWord(word, number);
     default:
       break;
   }
-  const int32_t number = token.hasParameter || word.kind != Kind::kValue ? token.parameter : word.value;
-  if (CharacterProperty(word, on, number) || ParagraphProperty(word, number) || DocumentProperty(word, token)) return;
-  ReportingWord(word, on, token.parameter);
+  if (word.kind == Kind::kRow) return RowWord(word, number);
+  if (CharacterProperty(word, on, number) || ParagraphProperty(word, number)) return;
+  DocumentProperty(word, token);
 }
 
 bool RtfReader::CharacterProperty(const Keyword& word, bool on, int32_t number) {
   GroupState& s = state();
   switch (word.op) {
-    case Op::kCharEffectFlag:
     case Op::kCharFlag:
-      if (on && word.op == Op::kCharEffectFlag) Report(Dropped::kEffects);
       s.chars.flags = WithFlag(s.chars.flags, word.value, on);
       break;
     case Op::kUnderlineOff:
@@ -151,6 +152,12 @@ bool RtfReader::ParagraphProperty(const Keyword& word, int32_t number) {
     case Op::kTab:
       AddTab(number);
       break;
+    case Op::kInTable:
+      s.inTable = true;
+      return true;
+    case Op::kTableLevel:
+      s.tableLevel = static_cast<uint8_t>(std::clamp<int32_t>(number, 0, kMaxTableLevel));
+      return true;
     case Op::kParagraphDefault:
       ResetParagraph(s);
       break;
@@ -161,12 +168,12 @@ bool RtfReader::ParagraphProperty(const Keyword& word, int32_t number) {
   return true;
 }
 
-bool RtfReader::DocumentProperty(const Keyword& word, const Token& token) {
+void RtfReader::DocumentProperty(const Keyword& word, const Token& token) {
   const int32_t number = token.hasParameter ? token.parameter : word.value;
   switch (word.op) {
     case Op::kFallbackCount:
       state().fallbackCount = static_cast<uint8_t>(std::clamp(number, 0, 255));
-      return true;
+      return;
     case Op::kAnsiCodePage:
       ansiCodePage_ = number;
       break;
@@ -178,41 +185,46 @@ bool RtfReader::DocumentProperty(const Keyword& word, const Token& token) {
       break;
     case Op::kDefaultTab:
       result_.properties.defaultTab = std::clamp(number, 1, kMaxLength);
-      return true;
+      return;
     case Op::kDefaultLanguage:
       result_.properties.defaultLanguage = std::clamp(number, 0, 0xFFFF);
-      return true;
+      return;
     case Op::kHeaderWord:
       KeepHeaderWord(word, token);
-      return true;
+      return;
     default:
-      return false;
+      return;
   }
   ++tables_.fontGeneration;
-  return true;
+  return;
 }
 
 void RtfReader::KeepHeaderWord(const Keyword& word, const Token& token) {
   std::string& words = result_.properties.headerWords;
-  if (sawText_) return Report(Dropped::kPageLayout);
-  if (stack_.size() != 1 || words.size() > kMaxHeaderWords) return;
+  if (sawText_ || stack_.size() != 1 || words.size() > kMaxHeaderWords) return;
   words += '\\';
   words += word.word;
   if (token.hasParameter) words += std::to_string(token.parameter);
 }
 
-void RtfReader::ReportingWord(const Keyword& word, bool on, int32_t number) {
-  const auto what = static_cast<Dropped>(word.value);
-  switch (word.op) {
-    case Op::kReport:
-    case Op::kReportTab:
-      return Report(what);
-    case Op::kReportToggle:
-      return on ? Report(what) : void();
-    case Op::kReportValue:
-      return number != 0 ? Report(what) : void();
-    default:
-      return;
+void RtfReader::RowWord(const Keyword& word, int32_t number) {
+  if (state().mode != Mode::kBody) return;
+  RowDefinition& row = rows_.definition(state().nestedRow);
+  if (word.op != Op::kRowDefault) return row.Word(word, number, number == 0 ? Color{} : ColorAt(number));
+  row.Begin();
+  recordingRow_ = true;
+}
+
+// Words that nothing here understands belong to the definition as long as no others come between.
+void RtfReader::RecordRow(const Keyword* word, const Token& token) {
+  if (state().mode != Mode::kBody || tooDeep_ > 0) return;
+  const bool inTable = word && (word->op == Op::kInTable || word->op == Op::kTableLevel);
+  const bool colors = word && (word->op == Op::kCellColor || word->op == Op::kCellPatternColor ||
+                               word->op == Op::kCellPattern || word->op == Op::kRowPassing);
+  if (word && word->kind != Kind::kRow && !inTable) {
+    recordingRow_ = false;
+  } else if (!inTable && !colors && !(word && word->op == Op::kRowDefault)) {
+    rows_.definition(state().nestedRow).Record(token);
   }
 }
 
@@ -238,14 +250,13 @@ void RtfReader::LookUpFont() {
   GroupState& s = state();
   auto found = s.fontNumber < 0 ? tables_.fonts.end() : tables_.fonts.find(s.fontNumber);
   if (found == tables_.fonts.end()) found = tables_.fonts.find(defaultFont_);
-  const int ansi = ansiCodePage_ > 0 ? ansiCodePage_ : characterSet_;
-  int page = ansi;
+  int page = ansiCodePage_ > 0 ? ansiCodePage_ : characterSet_;
   s.chars.font = FontId::kDefault;
   if (found != tables_.fonts.end()) {
     FontEntry& entry = found->second;
     if (!entry.id) entry.id = formats_.Intern(entry.font);
     s.chars.font = *entry.id;
-    page = entry.codePage > 0 ? entry.codePage : CodePageOfCharset(entry.charset, ansi);
+    page = PageOf(entry);
   }
   s.codePage = &pages_[page];
   s.fontGeneration = tables_.fontGeneration;
@@ -262,6 +273,7 @@ CharFormatId RtfReader::CurrentChars() {
   if (s.fontGeneration != tables_.fontGeneration) LookUpFont();
   if (s.charIdGood) return s.charId;
   CharFormat format = s.chars;
+  format.link = s.link;
   if (s.script != 0) {
     // As word processors draw it: two thirds of the size, raised by a third or lowered by a sixth.
     const int32_t size = format.halfPoints;
@@ -275,21 +287,27 @@ CharFormatId RtfReader::CurrentChars() {
   return s.charId;
 }
 
-ListKind RtfReader::ListKindOf(const GroupState& group) const {
+CharFormatId RtfReader::CharsOfBreak() {
+  const CharFormatId current = CurrentChars();
+  if (state().link == LinkId::kNone) return current;
+  CharFormat format = formats_[current];
+  format.link = LinkId::kNone;
+  return formats_.Intern(format);
+}
+
+ListUse RtfReader::ListOf(const GroupState& group) {
   if (group.listOverride == 0) return group.numbering;
-  const auto listId = tables_.listOverrides.find(group.listOverride);
-  if (listId == tables_.listOverrides.end()) return group.numbering;
-  const auto list = tables_.lists.find(listId->second);
-  if (list == tables_.lists.end()) return group.numbering;
-  return list->second.levels[static_cast<size_t>(group.listLevel)];
+  return lists_.Find(group.listOverride, group.listLevel, [this](int32_t f) { return LabelFontOf(f); })
+      .value_or(group.numbering);
 }
 
 ParaFormatId RtfReader::CurrentParagraph() {
   GroupState& s = state();
   if (s.paragraphIdGood) return s.paragraphId;
-  const ListKind list = ListKindOf(s);
-  if (list == ListKind::kNumber) Report(Dropped::kNumbering);
-  s.paragraph.bullet = list == ListKind::kBullet;
+  const ListUse use = ListOf(s);
+  s.paragraph.bullet = use.bullet;
+  s.paragraph.list = use.list;
+  s.paragraph.listLevel = use.level;
   s.paragraph.tabs = s.tabs ? formats_.Intern(*s.tabs) : TabsId::kNone;
   s.paragraphId = formats_.Intern(s.paragraph);
   s.paragraphIdGood = true;

@@ -14,8 +14,9 @@ constexpr char kLowestTrail = 0x30;  // of a second byte, in any double-byte cod
 
 }  // namespace
 
-RtfReader::RtfReader(std::string_view bytes, const std::shared_ptr<TextStore>& store)
-    : bytes_(bytes), tokenizer_(bytes), output_(store), formats_(store->formats()) {
+RtfReader::RtfReader(std::shared_ptr<const std::string> owner, std::string_view bytes,
+                     const std::shared_ptr<TextStore>& store)
+    : owner_(std::move(owner)), bytes_(bytes), tokenizer_(bytes), output_(store), formats_(store->formats()) {
   result_.isRtf = true;
 }
 
@@ -36,9 +37,11 @@ ReadResult RtfReader::Run(bool fragment, const Progress& progress) {
       return std::move(result_);
     }
   }
+  cut_ = !done_;
   while (!done_) CloseGroup();
   FlushSurrogate();
-  result_.content = output_.Finish(fragment, tailParagraph_);
+  if (output_.inParagraph()) tailParagraph_ = rows_.AtBreak(tailParagraph_, tailLevel_, output_.breaks());
+  result_.content = output_.Finish(fragment, tailParagraph_, rows_.Finish());
   const int page = ansiCodePage_ > 0 ? ansiCodePage_ : characterSet_;
   result_.properties.codePage = IsKnownCodePage(page) ? page : 1252;
   if (const auto found = tables_.fonts.find(defaultFont_); found != tables_.fonts.end())
@@ -49,10 +52,10 @@ ReadResult RtfReader::Run(bool fragment, const Progress& progress) {
 void RtfReader::Handle(const Token& token) {
   const bool first = firstWord_;
   if (starred_ && token.kind != TokenKind::kWord && tooDeep_ == 0) {
-    if (token.kind != TokenKind::kClose) ReportLostText();
     SetMode(Mode::kMuted);
   }
   if (token.kind != TokenKind::kText && token.kind != TokenKind::kBytes && token.kind != TokenKind::kHex) FlushBytes();
+  if (token.kind != TokenKind::kWord) recordingRow_ = false;
   switch (token.kind) {
     case TokenKind::kText:
       Text(token.text);
@@ -76,7 +79,7 @@ void RtfReader::Handle(const Token& token) {
       break;
     case TokenKind::kSymbol:
       if (token.text == "*" && skipUnits_ == 0) {
-        if (!first) return SkipRest();
+        if (!first) return Skip();
         starred_ = true;
         return;
       }
@@ -86,24 +89,6 @@ void RtfReader::Handle(const Token& token) {
       break;
   }
   firstWord_ = starred_ = false;
-}
-
-void RtfReader::Report(Dropped what) {
-  if (what == Dropped::kNothing || reported_[static_cast<size_t>(what)]) return;
-  reported_[static_cast<size_t>(what)] = true;
-  result_.dropped.emplace_back(DroppedName(what));
-}
-
-// What stands behind a \* without a word may be text.
-void RtfReader::ReportLostText() {
-  if (state().mode == Mode::kBody) Report(Dropped::kUnknown);
-}
-
-// Behind a \* that is not the first thing in its group.
-void RtfReader::SkipRest() {
-  const size_t begin = tokenizer_.position();
-  tokenizer_.SkipGroup();
-  if (tokenizer_.position() > begin) ReportLostText();
 }
 
 // Half a surrogate belongs to what was read before.
@@ -140,21 +125,20 @@ void RtfReader::CloseGroup() {
       FinishFont();
       break;
     case Opened::kList:
-      FinishList();
+      LimitUnless(lists_.FinishList());
       break;
     case Opened::kOverride:
-      FinishOverride();
+      LimitUnless(lists_.FinishOverride());
       break;
     case Opened::kField:
       CloseField();
       break;
-    case Opened::kInstruction:
-      CloseInstruction();
-      break;
     case Opened::kNumbering:
-      CloseNumbering();
+      stack_[stack_.size() - 2].numbering = lists_.FinishNumbering([this](int32_t f) { return LabelFontOf(f); });
+      stack_[stack_.size() - 2].paragraphIdGood = false;
       break;
     case Opened::kNothing:
+    case Opened::kNote:
     case Opened::kAlternative:
       break;
   }
@@ -162,12 +146,15 @@ void RtfReader::CloseGroup() {
     done_ = true;
     return;
   }
+  const bool note = state().opened == Opened::kNote;
   stack_.pop_back();
+  if (note) CloseNote();
 }
 
 // A paragraph format ends with its group; a last paragraph without \par keeps the one its last text had.
 void RtfReader::RememberTail() {
   tailParagraph_ = CurrentParagraph();
+  tailLevel_ = state().level();
   tailDepth_ = 0;
 }
 
@@ -181,12 +168,13 @@ void RtfReader::Word(const Token& token) {
     // Any other word is worth more than the fallback that some writers leave out.
     skipUnits_ = 0;
   }
+  if (recordingRow_ || (word && word->kind == Kind::kRow)) RecordRow(word, token);
   const bool destination = word && word->kind == Kind::kDestination;
-  if (starred_ && !destination) return Skip(Dropped::kUnknown);
+  if (starred_ && !destination) return Skip();
   if (!word) return;
   if (destination) {
-    // Picture data is no text wherever its word stands.
-    if (firstWord_ || word->op == Op::kSkipGroup) return Destination(*word);
+    // The data of pictures and objects is no text wherever its word stands.
+    if (firstWord_ || word->op == Op::kPicture || word->op == Op::kNextGraphic || word->value != 0) Destination(*word);
     return;
   }
   if (word->kind == Kind::kSymbol) return Symbol(*word);
@@ -242,6 +230,7 @@ void RtfReader::Hex(int32_t value) {
     return;
   }
   if (value < 0) return;
+  if (state().mode == Mode::kLevelText) return lists_.LevelByte(static_cast<uint8_t>(value));
   if (value < 0x20) {
     FlushBytes();
     if (value == '\r' || value == '\n') return Paragraph();
@@ -252,11 +241,14 @@ void RtfReader::Hex(int32_t value) {
 }
 
 const CodePage& RtfReader::Page() {
-  const int ansi = ansiCodePage_ > 0 ? ansiCodePage_ : characterSet_;
-  if (state().mode == Mode::kFonts) {
-    const int page = font_.codePage > 0 ? font_.codePage : CodePageOfCharset(font_.charset, ansi);
-    return pages_[page == kSymbolCodePage ? ansi : page];  // names of symbol fonts are no symbols
+  const Mode mode = state().mode;
+  if (mode == Mode::kFonts) {
+    const int page = PageOf(font_);
+    // Names of symbol fonts are no symbols.
+    return pages_[page != kSymbolCodePage ? page : ansiCodePage_ > 0 ? ansiCodePage_ : characterSet_];
   }
+  if (mode == Mode::kLabelBefore || mode == Mode::kLabelAfter)
+    if (const CodePage* page = LabelFontOf(lists_.numberingFont()).codePage) return *page;
   if (state().fontGeneration != tables_.fontGeneration) LookUpFont();
   return *state().codePage;
 }
@@ -298,10 +290,22 @@ void RtfReader::Emit(std::string_view utf8) {
       return;
     }
     case Mode::kInstruction: {
-      std::string& instruction = fields_.back().instruction;
-      if (instruction.size() + utf8.size() <= kMaxInstructionBytes) instruction += utf8;
+      Field& field = fields_.back();
+      field.tooLong |= field.instruction.size() + utf8.size() > kMaxInstructionBytes;
+      if (!field.tooLong) field.instruction += utf8;
       return;
     }
+    case Mode::kNote:
+      if (noteText_.size() + utf8.size() <= kMaxNoteBytes) noteText_ += utf8;
+      return;
+    case Mode::kShapeName:
+      if (shapeName_.size() + utf8.size() <= kMaxNameBytes) shapeName_ += utf8;
+      return;
+    case Mode::kLevelText:
+      return lists_.LevelText(utf8);
+    case Mode::kLabelBefore:
+    case Mode::kLabelAfter:
+      return lists_.NumberingText(utf8, state().mode == Mode::kLabelBefore);
     default:
       return;
   }
@@ -315,19 +319,32 @@ void RtfReader::EmitBody(std::string_view utf8) {
   sawText_ = true;
 }
 
+// One character that stands for the object.
+void RtfReader::Anchor(EmbeddedObject object) {
+  FlushSurrogate();
+  CharFormat format = formats_[CurrentChars()];
+  format.object = formats_.Add(std::move(object));
+  output_.Text("\uFFFC", formats_.Intern(format));
+  tailDepth_ = stack_.size();
+  sawText_ = true;
+}
+
 bool LooksLikeRtf(std::string_view bytes) {
   if (bytes.starts_with("\xEF\xBB\xBF")) bytes.remove_prefix(3);
   const size_t begin = bytes.find_first_not_of(std::string_view(" \t\r\n\f\v\0", 7));
   if (begin == std::string_view::npos) return false;
   bytes.remove_prefix(begin);
-  if (!bytes.starts_with("{\\rtf")) return false;
-  const char next = bytes.size() > 5 ? bytes[5] : ' ';
+  if (!bytes.starts_with("{\\rtf") && !bytes.starts_with("{\\urtf")) return false;
+  const size_t behind = bytes.find('f') + 1;
+  const char next = bytes.size() > behind ? bytes[behind] : ' ';
   return !((next >= 'a' && next <= 'z') || (next >= 'A' && next <= 'Z'));
 }
 
 namespace {
 
-ReadResult ReadAny(std::string_view bytes, std::shared_ptr<TextStore> store, bool fragment, const Progress& progress) {
+ReadResult ReadAny(std::shared_ptr<const std::string> owner, std::shared_ptr<TextStore> store, bool fragment,
+                   const Progress& progress) {
+  std::string_view bytes = *owner;
   if (!LooksLikeRtf(bytes)) {
     ReadResult result;
     result.isRtf = bytes.empty();
@@ -335,17 +352,24 @@ ReadResult ReadAny(std::string_view bytes, std::shared_ptr<TextStore> store, boo
     return result;
   }
   bytes.remove_prefix(bytes.find('{'));
-  return RtfReader(bytes, store).Run(fragment, progress);
+  return RtfReader(std::move(owner), bytes, store).Run(fragment, progress);
 }
 
 }  // namespace
 
-ReadResult Read(std::string_view bytes, std::shared_ptr<TextStore> store, const Progress& progress) {
-  return ReadAny(bytes, std::move(store), false, progress);
+ReadResult Read(std::shared_ptr<const std::string> bytes, std::shared_ptr<TextStore> store, const Progress& progress) {
+  ReadResult result = ReadAny(bytes, std::move(store), false, progress);
+  if (result.isRtf && !result.cancelled)
+    result.properties.source = std::make_shared<const Source>(Source{std::move(bytes), result.content});
+  return result;
+}
+
+ReadResult Read(std::string bytes, std::shared_ptr<TextStore> store, const Progress& progress) {
+  return Read(std::make_shared<const std::string>(std::move(bytes)), std::move(store), progress);
 }
 
 ReadResult ReadFragment(std::string_view bytes, std::shared_ptr<TextStore> store) {
-  return ReadAny(bytes, std::move(store), true, {});
+  return ReadAny(std::make_shared<const std::string>(bytes), std::move(store), true, {});
 }
 
 }  // namespace text::rtf

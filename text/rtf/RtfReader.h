@@ -3,30 +3,30 @@
 
 #include "text/rtf/Rtf.h"
 #include "text/rtf/RtfCodePages.h"
+#include "text/rtf/RtfLists.h"
 #include "text/rtf/RtfOutput.h"
+#include "text/rtf/RtfRows.h"
 #include "text/rtf/RtfState.h"
 #include "text/rtf/RtfTables.h"
 #include "text/rtf/RtfTokenizer.h"
-
-#include <bitset>
 
 namespace text::rtf {
 
 class RtfReader {
  public:
-  // The bytes begin at the first brace.
-  RtfReader(std::string_view bytes, const std::shared_ptr<TextStore>& store);
+  // The bytes begin at the first brace and belong to the owner.
+  RtfReader(std::shared_ptr<const std::string> owner, std::string_view bytes, const std::shared_ptr<TextStore>& store);
   ReadResult Run(bool fragment, const Progress& progress);
 
  private:
   struct Field {
     std::string instruction;
+    bool tooLong = false;
     int64_t textBefore = 0;  // the output's count at its beginning
   };
 
   // --- RtfReader.cpp: groups and text
   void Handle(const Token& token);
-  void ReportLostText();
   void SkipRest();
   void SetMode(Mode mode);
   void OpenGroup();
@@ -41,28 +41,31 @@ class RtfReader {
   void FlushSurrogate();
   void Emit(std::string_view utf8);
   void EmitBody(std::string_view utf8);
+  void Anchor(EmbeddedObject object);
   void RememberTail();
   GroupState& state() { return stack_.back(); }
-  void Report(Dropped what);
 
   // --- RtfProperties.cpp: flags, toggles and values
   void Property(const Keyword& word, const Token& token);
-  bool DocumentProperty(const Keyword& word, const Token& token);
+  void DocumentProperty(const Keyword& word, const Token& token);
   bool CharacterProperty(const Keyword& word, bool on, int32_t number);
   bool ParagraphProperty(const Keyword& word, int32_t number);
-  void ReportingWord(const Keyword& word, bool on, int32_t number);
+  void RowWord(const Keyword& word, int32_t number);
+  void RecordRow(const Keyword* word, const Token& token);
   void KeepHeaderWord(const Keyword& word, const Token& token);
   void AddTab(int32_t position);
   void LookUpFont();
   Color ColorAt(int32_t index) const;
-  ListKind ListKindOf(const GroupState& group) const;
+  ListUse ListOf(const GroupState& group);
   CharFormatId CurrentChars();
+  CharFormatId CharsOfBreak();  // never a link
   ParaFormatId CurrentParagraph();
 
   // --- RtfSymbols.cpp: symbols and \u
   void ControlSymbol(char symbol);
-  bool ProducesCharacter(const Token& token) const;
   void Symbol(const Keyword& word);
+  void EndCell(uint8_t level);
+  void EndRow(uint8_t level);
   void Character(char32_t character);
   void Paragraph();
   void Unicode(int32_t number);
@@ -70,13 +73,21 @@ class RtfReader {
   // --- RtfDestinations.cpp: what groups hold
   void Destination(const Keyword& word);
   void OpenDestination(Op op);
-  void Skip(Dropped what);
+  bool OpenTable(Op op);
+  bool OpenList(Op op);
+  bool OpenText(Op op);
+  void Skip() { tokenizer_.SkipGroup(); }
   void KeepGroup();
   void Enter(Mode mode, Opened opened);
   void OpenField();
+  void OpenResult();
   void CloseField();
-  void CloseInstruction();
-  void CloseNumbering();
+  void OpenNote();
+  void CloseNote();
+  void Picture();
+  void Object();
+  void Attachment();
+  SharedBytes WholeGroup() const;
   void OpenUnicodeAlternative();
 
   // --- RtfTables.cpp: the header's tables
@@ -85,25 +96,27 @@ class RtfReader {
   void FinishFont();
   void ColorWord(const Keyword& word, int32_t number);
   void ColorText(std::string_view text);
-  void ListWord(const Keyword& word, int32_t number);
-  void FinishList();
-  void FinishOverride();
+  void LimitUnless(bool whole);
+  LabelFont LabelFontOf(int32_t number);
+  int PageOf(const FontEntry& entry) const;
 
+  std::shared_ptr<const std::string> owner_;
   std::string_view bytes_;
   RtfTokenizer tokenizer_;
   RtfOutput output_;
   FormatTable& formats_;
   CodePages pages_;
   ReadResult result_;
-  std::bitset<static_cast<size_t>(Dropped::kCount)> reported_;
 
   // --- Groups
   std::vector<GroupState> stack_;
-  size_t tooDeep_ = 0;      // open groups past kMaxDepth
-  size_t groupBegin_ = 0;   // of the innermost group just opened
-  bool firstWord_ = false;  // nothing but \* has come in this group
-  bool starred_ = false;    // \* has
+  size_t tooDeep_ = 0;         // open groups past kMaxDepth
+  size_t groupBegin_ = 0;      // of the innermost group just opened
+  bool firstWord_ = false;     // nothing but \* has come in this group
+  bool starred_ = false;       // \* has
+  bool recordingRow_ = false;  // only words since \trowd
   bool done_ = false;
+  bool cut_ = false;  // the file ended before its groups
 
   // --- Text under way
   std::string pendingBytes_;  // of a multi-byte code page
@@ -114,9 +127,12 @@ class RtfReader {
   char32_t highSurrogate_ = 0;
   size_t tailDepth_ = 0;  // where the last text stood; 0 = its paragraph format is remembered
   ParaFormatId tailParagraph_ = ParaFormatId::kDefault;
+  uint8_t tailLevel_ = 0;  // of tables
 
   // --- Document
   Tables tables_;
+  RtfLists lists_{formats_};
+  RtfRows rows_{formats_};
   int32_t ansiCodePage_ = 0;  // 0: not said
   int32_t characterSet_ = 1252;
   int32_t defaultFont_ = 0;
@@ -126,10 +142,10 @@ class RtfReader {
   std::optional<int32_t> fontNumber_;
   FontEntry font_;
   Color color_;
-  ListEntry list_;
-  std::optional<int32_t> listId_, overrideNumber_;
-  ListKind numbering_ = ListKind::kNone;
   std::vector<Field> fields_;
+  std::string noteText_, shapeName_;
+  size_t noteBegin_ = 0;
+  bool sawShapePicture_ = false;  // {\*\shppict}, whose like for old readers is to follow
 
   struct CachedFormat {
     CharFormat format;

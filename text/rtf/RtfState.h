@@ -2,34 +2,50 @@
 #pragma once
 
 #include "text/Formats.h"
-#include "text/rtf/RtfKeywords.h"
+#include "text/rtf/RtfLists.h"
 
 #include <cstdint>
 #include <memory>
 
 namespace text::rtf {
 
-class CodePage;
-
 // Where a group's text goes. Inherited by the groups inside.
 enum class Mode : uint8_t {
   kBody,
   kMuted,        // nowhere: the first half of \upr
   kInstruction,  // of a field
+  kNote,         // what the anchor of a footnote says
+  kShape,        // nowhere: a property of a drawing
+  kShapeName,    // the name of one
   kFonts,
   kColors,
   kLists,
   kOverrides,
+  kLevelText,  // the label of a list's level
   kNumbering,  // {\*\pn}
+  kLabelBefore,
+  kLabelAfter,
 };
 
 // What ends with the group itself.
-enum class Opened : uint8_t { kNothing, kFonts, kList, kOverride, kNumbering, kField, kInstruction, kAlternative };
+enum class Opened : uint8_t {
+  kNothing,
+  kFonts,
+  kList,
+  kOverride,
+  kNumbering,
+  kField,
+  kNote,
+  kAlternative,
+};
 
 struct GroupState {
   Mode mode = Mode::kBody;
   Opened opened = Opened::kNothing;
   uint8_t fallbackCount = 1;  // \uc
+  bool inObject = false;      // in the result of an object, shown as text
+  bool nestedRow = false;     // in {\*\nesttableprops}
+  LinkId link = LinkId::kNone;
 
   // --- Characters. chars.font and codePage follow from fontNumber; -1 = the document's default font.
   CharFormat chars;
@@ -40,14 +56,18 @@ struct GroupState {
   uint32_t fontGeneration = 0;  // of the font table when chars.font and codePage were looked up
   const CodePage* codePage = nullptr;
 
-  // --- Paragraphs. bullet and tabs of `paragraph` follow from what is below it.
+  // --- Paragraphs. Tabs and label of `paragraph` follow from what is below it.
   ParaFormat paragraph;
   bool paragraphIdGood = false;
   ParaFormatId paragraphId = ParaFormatId::kDefault;
-  ListKind numbering = ListKind::kNone;  // from {\*\pn}
-  int32_t listOverride = 0;              // \ls; 0 = none
+  ListUse numbering;         // from {\*\pn}
+  int32_t listOverride = 0;  // \ls; 0 = none
   int32_t listLevel = 0;
+  bool inTable = false;        // \intbl
+  uint8_t tableLevel = 0;      // \itap
   std::shared_ptr<Tabs> tabs;  // shared with the groups around until one of them adds a tab
+
+  uint8_t level() const { return tableLevel > 0 ? tableLevel : inTable ? 1 : 0; }
 };
 
 }  // namespace text::rtf

@@ -3,6 +3,8 @@
 #include "text/rtf/RtfCharacters.h"
 #include "text/rtf/RtfReader.h"
 
+#include <algorithm>
+
 namespace text::rtf {
 
 namespace {
@@ -58,22 +60,47 @@ void RtfReader::Character(char32_t character) {
 
 void RtfReader::Symbol(const Keyword& word) {
   if (word.op == Op::kCharacter) return Character(static_cast<char32_t>(word.value));
-  if (word.op == Op::kParagraph) return Paragraph();
+  if (word.op == Op::kParagraph || state().mode == Mode::kNote) return Paragraph();
   if (state().mode != Mode::kBody) return;
-  Report(Dropped::kTables);
   FlushSurrogate();
-  if (word.op == Op::kCell) return output_.Cell();
+  const bool nested = word.value > 1;
+  const uint8_t level = nested ? std::max<uint8_t>(state().tableLevel, 2) : 1;
+  if (word.op == Op::kCell) {
+    EndCell(level);
+  } else {
+    EndRow(level);
+  }
   tailParagraph_ = CurrentParagraph();
-  output_.Row(CurrentChars(), tailParagraph_);
+  tailLevel_ = state().level();
   tailDepth_ = 0;
   sawText_ = true;
 }
 
+void RtfReader::EndCell(uint8_t level) {
+  const ParaFormatId format = rows_.AtCell(CurrentParagraph(), level, output_.breaks(), state().level() > 0);
+  output_.Break(CharsOfBreak(), format);
+}
+
+// The row's last cell ends with it.
+void RtfReader::EndRow(uint8_t level) {
+  if (output_.atCellEnd()) {
+    ParaFormatId& cell = output_.heldParagraph();
+    cell = rows_.AtRow(cell, level, output_.breaks() - 1);
+  } else {
+    const ParaFormatId format = rows_.AtRow(CurrentParagraph(), level, output_.breaks());
+    output_.Break(CharsOfBreak(), format);
+  }
+}
+
 void RtfReader::Paragraph() {
+  if (state().mode == Mode::kNote) return Character('\n');
   if (state().mode != Mode::kBody) return;
   FlushSurrogate();
   tailParagraph_ = CurrentParagraph();
-  output_.Break(CurrentChars(), tailParagraph_);
+  tailLevel_ = state().level();
+  const bool inTable = rows_.any() || tailLevel_ > 0;
+  const ParaFormatId format = inTable ? rows_.AtBreak(tailParagraph_, tailLevel_, output_.breaks()) : tailParagraph_;
+  output_.Break(CharsOfBreak(), format);
   tailDepth_ = 0;
   sawText_ = true;
 }

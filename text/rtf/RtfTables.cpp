@@ -1,4 +1,4 @@
-// Fonts, colours and lists as the header's tables give them.
+// Fonts and colours as the header's tables give them.
 #include "text/rtf/RtfCharacters.h"
 #include "text/rtf/RtfReader.h"
 
@@ -72,43 +72,21 @@ void RtfReader::ColorText(std::string_view text) {
   }
 }
 
-void RtfReader::ListWord(const Keyword& word, int32_t number) {
-  switch (word.op) {
-    case Op::kListId:
-      listId_ = number;
-      return;
-    case Op::kListOverride:
-      overrideNumber_ = number;
-      return;
-    case Op::kLevelKind:
-      if (list_.levelCount == 0 || list_.levelCount > kMaxListLevels) return;
-      // 23 is a bullet, 255 no number at all.
-      list_.levels[list_.levelCount - 1] = number == 23    ? ListKind::kBullet
-                                           : number == 255 ? ListKind::kNone
-                                                           : ListKind::kNumber;
-      return;
-    default:
-      return;
-  }
+void RtfReader::LimitUnless(bool whole) {
+  if (!whole) result_.limited = true;
 }
 
-void RtfReader::FinishList() {
-  if (list_.levelCount > kMaxListLevels) result_.limited = true;
-  if (!listId_) return;
-  if (tables_.lists.size() == kMaxLists) {
-    result_.limited = true;
-    return;
-  }
-  tables_.lists.insert_or_assign(*listId_, list_);
+LabelFont RtfReader::LabelFontOf(int32_t number) {
+  const auto found = tables_.fonts.find(number);
+  if (found == tables_.fonts.end()) return {};
+  FontEntry& entry = found->second;
+  if (!entry.id) entry.id = formats_.Intern(entry.font);
+  return {*entry.id, entry.charset == 2, &pages_[PageOf(entry)]};
 }
 
-void RtfReader::FinishOverride() {
-  if (!listId_ || !overrideNumber_) return;
-  if (tables_.listOverrides.size() == kMaxLists) {
-    result_.limited = true;
-    return;
-  }
-  tables_.listOverrides.insert_or_assign(*overrideNumber_, *listId_);
+int RtfReader::PageOf(const FontEntry& entry) const {
+  const int ansi = ansiCodePage_ > 0 ? ansiCodePage_ : characterSet_;
+  return entry.codePage > 0 ? entry.codePage : CodePageOfCharset(entry.charset, ansi);
 }
 
 }  // namespace text::rtf

@@ -1,11 +1,10 @@
-// The numbered tables at the beginning of a document: fonts, colours, lists.
+// The numbered tables at the beginning of a document: fonts and colours.
 #pragma once
 
 #include "text/Formats.h"
 #include "text/rtf/RtfKeywords.h"
 #include "text/rtf/RtfLimits.h"
 
-#include <array>
 #include <cstdint>
 #include <map>
 #include <optional>
@@ -21,19 +20,11 @@ struct FontEntry {
   std::optional<FontId> id;
 };
 
-struct ListEntry {
-  std::array<ListKind, kMaxListLevels> levels{};
-  size_t levelCount = 0;
-};
-
 struct Tables {
   std::map<int32_t, FontEntry> fonts;
   uint32_t fontGeneration = 1;  // grows when the table or what its meaning depends on changes
 
   std::vector<Color> colors;
-
-  std::map<int32_t, ListEntry> lists;        // by \listid
-  std::map<int32_t, int32_t> listOverrides;  // \ls to \listid
 };
 
 }  // namespace text::rtf

@@ -59,6 +59,11 @@ size_t PlainLength(const char* const begin, const char* const end) {
 
 }  // namespace
 
+bool RtfTokenizer::AtClose() {
+  while (position_ < bytes_.size() && ClassOf(bytes_[position_]) == kIgnored) ++position_;
+  return position_ == bytes_.size() || bytes_[position_] == '}';
+}
+
 Token RtfTokenizer::Next() {
   while (position_ < bytes_.size() && ClassOf(bytes_[position_]) == kIgnored) ++position_;
   if (position_ == bytes_.size()) return {};

@@ -35,6 +35,8 @@ class RtfTokenizer {
   // Goes to the brace that closes the group in which the reading stands, without reading what is between. The brace is
   // the next token; without one the end is.
   void SkipGroup();
+  // True when the next token closes a group or is the end.
+  bool AtClose();
   // Offset of the next unread byte.
   size_t position() const { return position_; }
 

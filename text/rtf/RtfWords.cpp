@@ -179,24 +179,18 @@ bool RtfWords::ParagraphChange(const ParaFormat& from, const ParaFormat& to, con
 
 void RtfWords::Paragraph(const ParaFormat& format, const FormatTable& formats, const TableNumbers& numbers) {
   Word("pard");
-  if (const TableRow& row = formats[format.row]; format.row != RowId::kNone) {
+  if (format.row != RowId::kNone) {
     Word("intbl");
-    if (row.level > 1) Word("itap", row.level);
+    if (formats[format.row].level > 1) Word("itap", formats[format.row].level);
   }
-  if (format.bullet) {
-    Bullet(numbers);
-    Raw("{\\*\\pn\\pnlvlblt"), Word("pnf", numbers.symbolFont), Raw("\\pnindent0{\\pntxtb\\'B7}}");
-  }
+  Label(format, formats, numbers);
+  ListOf(format, formats, numbers);
   ParaFormat unset;
   unset.bullet = format.bullet;
   unset.list = format.list;
   unset.listLevel = format.listLevel;
   unset.row = format.row;
   ParagraphChange(unset, format, formats);
-}
-
-void RtfWords::Bullet(const TableNumbers& numbers) {
-  Raw("{"), Word("pntext"), Word("f", numbers.symbolFont), Raw("\\'B7\\tab}");
 }
 
 }  // namespace text::rtf

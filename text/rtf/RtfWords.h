@@ -16,6 +16,7 @@ struct TableNumbers {
   std::function<int32_t(FontId)> font;
   std::function<int32_t(Color)> color;  // the automatic one too
   int32_t symbolFont = 0;               // of bullets
+  std::function<int32_t(ListId)> list;  // \ls, 0 for a list that {\*\pn} can say; none: no list tables
 };
 
 // How characters past ASCII are written: as \'hh where `codePage`, that of the font in force, is 1252, or 42 for a
@@ -32,6 +33,8 @@ class RtfWords {
   // --- Tokens
   void Word(std::string_view word) { out_ += '\\', out_ += word, needsDelimiter_ = true; }
   void Word(std::string_view word, int64_t number);
+  // Control words, or nothing.
+  void Words(std::string_view words) { out_ += words, needsDelimiter_ = needsDelimiter_ || !words.empty(); }
   // Anything that is no word; behind a word it must not begin with what would belong to that.
   void Raw(std::string_view bytes) { out_ += bytes, needsDelimiter_ = false; }
   void Hex(uint8_t byte);
@@ -55,12 +58,16 @@ class RtfWords {
   // The words that lead from one paragraph format to another without \pard. False, and nothing written, when only \pard
   // can: stops to take away, labels or rows that differ.
   bool ParagraphChange(const ParaFormat& from, const ParaFormat& to, const FormatTable& formats);
-  // \pard and the whole format.
+  // \pard and the whole format, before the paragraph's text.
   void Paragraph(const ParaFormat& format, const FormatTable& formats, const TableNumbers& numbers);
-  // The bullet as readers show it that know no {\*\pn}; belongs before every paragraph's text.
-  void Bullet(const TableNumbers& numbers);
+  // A bullet as readers show it that know nothing of lists; stands before the text of every paragraph but those that
+  // begin with the words above.
+  void Label(const ParaFormat& format, const FormatTable& formats, const TableNumbers& numbers);
+  // \trowd and what defines the row.
+  void Row(const TableRow& row, const TableNumbers& numbers);
 
  private:
+  void ListOf(const ParaFormat& format, const FormatTable& formats, const TableNumbers& numbers);
   void UnicodeWord(char32_t unit, int32_t fallbackCount);
 
   std::string& out_;
@@ -70,6 +77,9 @@ class RtfWords {
 // In front of everything: no flags and colours, but a font and a size that differ from any other.
 CharFormat UnknownChars();
 constexpr FontId kUnknownFont{0xFFFFFFFF};  // numbers.font must give it none of its numbers
+
+// True for a list that {\*\pn} can say.
+bool IsOldList(const List& list);
 
 // What RTF can hold of a format, so that a change too small to be written is none.
 CharFormat Writable(CharFormat format);

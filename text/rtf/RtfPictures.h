@@ -1,0 +1,37 @@
+// Pictures and embedded objects of RTF, read from their groups without being drawn, run or followed.
+#pragma once
+
+#include "text/Objects.h"
+#include "text/rtf/RtfTokenizer.h"
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace text::rtf {
+
+// What the bytes are by their own beginning.
+PictureType SniffPicture(std::string_view bytes);
+
+struct PixelSize {
+  int64_t width = 0, height = 0;
+};
+// By the picture's own header; 0 when it gives none.
+PixelSize PixelsOf(PictureType type, std::string_view bytes);
+
+// Reads the rest of a {\pict} group, behind that word, and stops before its closing brace. The group's own slice is
+// for the caller to add. `bytes` is what the tokenizer reads, owned by `owner`.
+EmbeddedObject ReadPicture(RtfTokenizer& tokenizer, const std::shared_ptr<const std::string>& owner);
+
+struct ScannedObject {
+  bool showsText = false;  // its result holds text, not just a picture
+  EmbeddedObject object;
+};
+
+// The same for {\object}, but only looks: the tokenizer is a copy.
+ScannedObject ScanObject(RtfTokenizer tokenizer, const std::shared_ptr<const std::string>& owner);
+
+// Name and size of a Cocoa attachment, from behind \NeXTGraphic.
+EmbeddedObject ReadAttachment(RtfTokenizer& tokenizer);
+
+}  // namespace text::rtf
