@@ -59,6 +59,47 @@ const Content& ManyRuns() {
   return content;
 }
 
+// Numbered paragraphs of one list: what is typed above them may change all numbers.
+template <int kParagraphs>
+const Content& List() {
+  static const Content content = [] {
+    const Content empty;
+    ContentBuilder builder(empty.store());
+    FormatTable& formats = empty.formats();
+    ParaFormat format;
+    format.list = formats.Intern(text::List{1, {{NumberStyle::kDecimal, 1, std::string("\0.", 2)}}});
+    format.leftIndent = 720;
+    format.firstIndent = -360;
+    const ParaFormatId id = formats.Intern(format);
+    for (int i = 0; i < kParagraphs; ++i) builder.Append("an item of the list\n", CharFormatId::kDefault, id);
+    return builder.Finish(id);
+  }();
+  return content;
+}
+
+// Rows of four cells.
+template <int kRows>
+const Content& Table() {
+  static const Content content = [] {
+    const Content empty;
+    ContentBuilder builder(empty.store());
+    FormatTable& formats = empty.formats();
+    TableRow row;
+    for (const int right : {2000, 4000, 6000, 9000}) row.cells.push_back({right, 15, {}});
+    ParaFormat format;
+    format.row = formats.Intern(row);
+    for (int i = 0; i < kRows; ++i) {
+      for (int cell = 0; cell < 4; ++cell) {
+        format.rowMark = cell < 3 ? RowMark::kCellEnd : RowMark::kRowEnd;
+        builder.Append(cell == 2 ? "a text that takes more than one line\n" : "cell\n", CharFormatId::kDefault,
+                       formats.Intern(format));
+      }
+    }
+    return builder.Finish();
+  }();
+  return content;
+}
+
 QImage& Frame() {
   static QImage image(kViewport.toSize(), QImage::Format_RGB32);
   return image;
@@ -103,7 +144,7 @@ void PaintOfAScreen(benchmark::State& state, bool selected) {
 }
 
 // A key in the middle of the text, from the insertion to the painted frame, with the scroll bar brought up to date.
-void Key(benchmark::State& state, const Content& (*content)()) {
+void Key(benchmark::State& state, const Content& (*content)(), const char* typed) {
   Document document(content());
   ViewLayout view(document);
   view.SetViewport(kViewport);
@@ -112,7 +153,7 @@ void Key(benchmark::State& state, const Content& (*content)()) {
   std::vector<double> seconds;
   for (auto run : state) {
     seconds.push_back(bench::Seconds([&] {
-      caret = document.Replace({caret, caret}, "k", CharFormatId::kDefault, EditKind::kTyping, {caret, caret}).end;
+      caret = document.Replace({caret, caret}, typed, CharFormatId::kDefault, EditKind::kTyping, {caret, caret}).end;
       view.EnsureVisible({caret});
       benchmark::DoNotOptimize(view.scrollMaximum() + view.scrollValue());
       PaintFrame(view, {caret, caret});
@@ -150,9 +191,18 @@ BENCHMARK_CAPTURE(FirstScreen, oneLine, OneLine)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(LayoutOfAScreen, manyLines, ManyLines)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(PaintOfAScreen, plain, false)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(PaintOfAScreen, selected, true)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(Key, manyLines, ManyLines)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(Key, oneLine, OneLine)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(Key, manyRuns, ManyRuns)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(Key, manyLines, ManyLines, "k")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(Key, oneLine, OneLine, "k")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(Key, manyRuns, ManyRuns, "k")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(Key, list1000, List<1000>, "k")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(Key, list100000, List<100000>, "k")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(Key, list1000Enter, List<1000>, "\n")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(Key, list100000Enter, List<100000>, "\n")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(Key, table20000, Table<20000>, "k")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(ScrollByLines, table100, Table<100>)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(ScrollByLines, table20000, Table<20000>)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(DragTheBar, list100000, List<100000>)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(DragTheBar, table20000, Table<20000>)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(ScrollByLines, manyLines, ManyLines)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(ScrollByLines, oneLine, OneLine)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(DragTheBar, manyLines, ManyLines)->Unit(benchmark::kMillisecond);
