@@ -41,6 +41,8 @@ void frmText::ConnectEditor() {
   connect(RichTextBox1_, &ui::RichTextBox::OvertypeChanged, this, [this](bool on) { services_.ShowOvertype(on); });
   connect(RichTextBox1_, &ui::RichTextBox::ContextMenuRequested, this,
           [this](const QPoint& position) { services_.ShowDocumentMenu(slot_, position); });
+  connect(RichTextBox1_, &ui::RichTextBox::LinkActivated, this,
+          [this](const QString& target) { services_.forms().Guarded([&] { FollowLink(target); }); });
   connect(RichTextBox1_, &ui::RichTextBox::EditFailed, this, [this](const QString& reason) {
     services::ShowError(services_.dialogs(), this, services::FileText(caption(), reason));
   });

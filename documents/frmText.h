@@ -102,6 +102,7 @@ class frmText : public ui::ChildForm {
   };
 
   void ConnectEditor();
+  void FollowLink(const QString& target);
   SaveOutcome RenameUntitledAndSaveAs();
   SaveOutcome SaveAttributed(int attributes);
   SaveOutcome Write(int attributes, const text::TextProperties& properties);

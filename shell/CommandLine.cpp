@@ -85,7 +85,7 @@ const char* HelpText() {
          "made\n"
          "when it is saved. file: URLs are understood.\n"
          "\n"
-         "  --convert IN OUT      convert between .txt, .html and .rtf without a window\n"
+         "  --convert IN OUT      convert .txt, .html and .rtf, also to .pdf, without a window\n"
          "  --screenshot OUT.png  open as usual, save a picture of the window and end; changes no setting\n"
          "  --help, -h            this text\n"
          "  --version, -v         the version\n"

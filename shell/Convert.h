@@ -7,7 +7,7 @@
 
 namespace shell {
 
-// Formats go by the names: .txt, .htm, .html, .rtf. Text and HTML are copied verbatim between each other. An empty
+// Formats go by the names: .txt, .htm, .html, .rtf, and .pdf to write. Text and HTML are copied verbatim between each other. An empty
 // result is success, else one line that says what went wrong. `recoveryFolder` as for files::AtomicSave.
 std::string Convert(const files::Path& in, const files::Path& out, const files::Path& recoveryFolder);
 

@@ -94,6 +94,21 @@ TEST_F(CommandLineTest, PlainTextToRichTextAndBack) {
   EXPECT_EQ(Bytes(At("b.txt")), "one\r\ntw\xC3\xB6 {\\}\r\n");
 }
 
+TEST_F(CommandLineTest, PagesNeedNoDisplay) {
+  const QStringList display = {"QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY"};
+  const std::string page = "{\\rtf1\\paperw5000\\paperh6000\\margl500\\margr500 one\\page two}";
+  for (const auto& [name, bytes] : {std::pair("a.rtf", page), {"b.txt", "one\ftwo"}, {"c.html", "<p>\f"}}) {
+    const files::Path in = Put(name, bytes), out = At(std::string(name) + ".pdf");
+    const Ran ran = Run({"--convert", in.native(), out.native()}, display);
+    EXPECT_EQ(ran.status, 0) << ran.error;
+    EXPECT_EQ(ran.out + ran.error, "");
+    const QByteArray pdf = QByteArray::fromStdString(Bytes(out));
+    EXPECT_TRUE(pdf.startsWith("%PDF") && pdf.endsWith("%%EOF\n"));
+    EXPECT_EQ(pdf.count("/Type /Page\n"), 2) << name;
+    EXPECT_EQ(pdf.contains("/MediaBox [0 0 250 300]"), std::string(name) == "a.rtf") << name;
+  }
+}
+
 TEST_F(CommandLineTest, AnEmptyRichTextIsOne) {
   ASSERT_EQ(Convert(Put("a.rtf", ""), At("a.txt")).status, 0);
   EXPECT_EQ(Bytes(At("a.txt")), "");
@@ -112,8 +127,10 @@ TEST_F(CommandLineTest, ConversionsThatFail) {
   const Row rows[] = {
       {"missing.txt", "b.txt", folderText + "missing.txt: No such file or directory"},
       {"a.txt", "no/b.txt", folderText + "no/b.txt: No such file or directory"},
-      {"a.txt", "b.xyz", folderText + "b.xyz: cannot write this format (.txt, .html and .rtf)"},
+      {"a.txt", "b.xyz", folderText + "b.xyz: cannot write this format (.txt, .html, .rtf and .pdf)"},
       {"a.doc", "b.txt", folderText + "a.doc: cannot read this format (.txt, .html and .rtf)"},
+      {"a.pdf", "b.txt", folderText + "a.pdf: cannot read this format (.txt, .html and .rtf)"},
+      {"a.txt", "no/b.pdf", folderText + "no/b.pdf: No such file or directory"},
       {"not.rtf", "old.txt", folderText + "not.rtf: is not rich text, although its name says so"},
       {"new\nline.txt", "b.txt", folderText + "new?line.txt: No such file or directory"},
   };

@@ -322,4 +322,35 @@ TEST_F(DocumentWindowTest, ALoadThatFailsTouchesNoStateOfTheNextWindow) {
   EXPECT_EQ(New().windowState(), WindowState::kMaximized);
 }
 
+struct LinkCase {
+  const char* target;
+  bool known;
+  Answer answer;
+};
+
+TEST_F(DocumentWindowTest, ALinkOpensAfterItsTargetWasShown) {
+  frmText& document = New();
+  for (const LinkCase& c : {LinkCase{"https://quillmark.example/a?b", true, Answer::kYes},
+                            {"HTTP://quillmark.example", true, Answer::kNo},
+                            {"mailto:a@quillmark.example", true, Answer::kYes},
+                            {"file:///etc/passwd", false, Answer::kOk},
+                            {"javascript:alert(1)", false, Answer::kOk},
+                            {"https://quillmark.example/ x", false, Answer::kOk},
+                            {"\\\\host\\share", false, Answer::kOk}}) {
+    desktop.asked.clear();
+    const QString target = QString::fromUtf8(c.target);
+    if (c.known) {
+      dialogs.Message("Open this address?\r\n\r\n" + target, ui::Buttons::kYesNo, ui::Icon::kQuestion, c.answer);
+    } else {
+      dialogs.Message(
+          "This link is not opened:\r\n\r\n" + target + "\r\n\r\nOnly http, https and mailto addresses are.",
+          ui::Buttons::kOk, ui::Icon::kInformation, c.answer);
+    }
+    Q_EMIT document.RichTextBox1().LinkActivated(target);
+    const bool opened = c.known && c.answer == Answer::kYes;
+    EXPECT_EQ(desktop.asked,
+              opened ? std::vector<std::string>{"open " + std::string(c.target)} : std::vector<std::string>{});
+  }
+}
+
 }  // namespace

@@ -1,6 +1,7 @@
 #include "ui/editor/EditorAccessible.h"
 
 #include "text/Movement.h"
+#include "text/layout/Pictures.h"
 #include "ui/editor/EditorClipboard.h"
 #include "ui/editor/RichTextBoxImpl.h"
 
@@ -35,6 +36,12 @@ QString TextOf(const Content& content, Range range) {
     }
   }
   return result;
+}
+
+// What would end an attribute is left out.
+QString Quotable(QString text) {
+  for (const QChar c : {u'"', u';', u'\\'}) text.remove(c);
+  return text.simplified();
 }
 
 QString FirstOf(const Content& content, Units begin, Units length) {
@@ -294,6 +301,13 @@ QString EditorAccessible::attributes(int offset, int* start, int* end) const {
     if (format.flags & text::kUnderline)
       result += QStringLiteral("text-underline-style:solid;text-underline-type:single;");
     if (format.flags & text::kStrikeThru) result += QStringLiteral("text-line-through-type:single;");
+    const auto& formats = content().formats();
+    if (format.object != text::ObjectId::kNone) {
+      result += QStringLiteral("object-name:\"%1\";").arg(Quotable(text::layout::NameOf(formats[format.object])));
+    }
+    if (format.link != text::LinkId::kNone) {
+      result += QStringLiteral("link:\"%1\";").arg(Quotable(QString::fromStdString(formats[format.link])));
+    }
     return result;
   });
 }

@@ -248,8 +248,22 @@ void RichTextBox::SetDefaultFormat(const QString& fontName, double points) {
 }
 
 void RichTextBox::SetDefaultTabStops(std::vector<int> twips) {
+  impl_->defaultTabStops = twips;
   impl_->layout.SetDefaultTabStops(std::move(twips));
   impl_->ViewChanged();
+}
+
+text::layout::Printed RichTextBox::Print(QPagedPaintDevice& device, bool selection,
+                                         const std::function<bool(int, double)>& progress) const {
+  const Range selected = impl_->controller.range();
+  text::layout::PrintOptions options;
+  options.range = selection && !selected.empty() ? selected : impl_->document.content().all();
+  options.defaultFont = impl_->defaultFont;
+  options.defaultTab = rtfProperties().defaultTab;
+  options.defaultStops = impl_->defaultTabStops;
+  options.progress = progress;
+  SetUpPages(text::layout::ReadPageWords(rtfProperties().headerWords), false, device);
+  return text::layout::Print(impl_->document, options, device);
 }
 
 // --- Appearance

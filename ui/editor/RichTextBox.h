@@ -4,6 +4,7 @@
 #pragma once
 
 #include "text/Document.h"
+#include "text/layout/Printing.h"
 #include "text/layout/ViewLayout.h"
 #include "text/rtf/Rtf.h"
 
@@ -111,6 +112,11 @@ class RichTextBox : public QAbstractScrollArea {
   void SetDefaultFormat(const QString& fontName, double points);
   // Tab stops of the view for paragraphs without (enough) stops of their own, in twips: neither edit nor undo step.
   void SetDefaultTabStops(std::vector<int> twips);
+
+  // Prints the text, or the selection if there is one and `selection`, on the device's paper with the document's
+  // margins. `progress` is called before each page with its number, from 1, and what part is done; false cancels.
+  text::layout::Printed Print(QPagedPaintDevice& device, bool selection,
+                              const std::function<bool(int page, double part)>& progress = {}) const;
 
   // --- Appearance
   void SetBackgroundColor(const QColor& color);  // invalid = the palette's

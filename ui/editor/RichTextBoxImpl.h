@@ -59,6 +59,7 @@ struct RichTextBox::Impl : EditorHost {
   QFont defaultFont;
   std::string defaultFontName;  // UTF-8; empty = not set
   double defaultPoints = 12;
+  std::vector<int> defaultTabStops;
   QColor background;
   QBasicTimer blinkTimer;
   QBasicTimer autoScrollTimer;

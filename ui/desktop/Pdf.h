@@ -1,0 +1,17 @@
+// A document as a PDF file, without a window or a display.
+#pragma once
+
+#include "files/AtomicSave.h"
+#include "text/Document.h"
+#include "text/rtf/Rtf.h"
+
+#include <string>
+
+namespace ui {
+
+// In the size and margins that the document says, else on A4 with 25 mm. `title` is UTF-8. False when the sink refused.
+// Makes the toolkit's application object first where there is none yet; from the main thread only.
+bool WritePdf(const text::Document& document, const text::rtf::DocumentProperties& properties, const std::string& title,
+              const files::ByteSink& sink);
+
+}  // namespace ui
