@@ -1,6 +1,7 @@
 // Pictures, notes and labels of lists in the text.
 #include "LayoutTesting.h"
 #include "text/layout/ListNumbers.h"
+#include "text/layout/Metafile.h"
 #include "text/layout/Pictures.h"
 
 #include <QBuffer>
@@ -103,25 +104,96 @@ TEST(Pictures, SelectedOnesShowIt) {
   EXPECT_NE(PaintToImage(view, options).pixelColor(10, 10), plain.pixelColor(10, 10));
 }
 
+// --- Metafiles
+
+std::string Number(uint32_t value, int width) {
+  std::string bytes;
+  for (int i = 0; i < width; ++i) bytes += static_cast<char>(value >> 8 * i & 255);
+  return bytes;
+}
+
+std::string WmfRecord(uint32_t function, std::initializer_list<int> words) {
+  std::string record = Number(static_cast<uint32_t>(3 + words.size()), 4) + Number(function, 2);
+  for (const int word : words) record += Number(static_cast<uint32_t>(word), 2);
+  return record;
+}
+
+// A red rectangle in the left half, a blue bitmap in the right one.
+std::string Wmf() {
+  QImage blue(2, 2, QImage::Format_RGB32);
+  blue.fill(Qt::blue);
+  const std::string dib = Encoded(blue, "bmp").substr(14);
+  std::string bitmap = Number(0xCC0020, 4) + Number(0, 2);
+  for (const int word : {2, 2, 0, 0, 100, 50, 0, 50}) bitmap += Number(static_cast<uint32_t>(word), 2);
+  bitmap += dib;
+  return Number(1, 2) + Number(9, 2) + Number(0x300, 2) + std::string(12, '\0') + WmfRecord(0x020B, {0, 0}) +
+         WmfRecord(0x020C, {100, 100}) + WmfRecord(0x02FC, {0, 0x00FF, 0, 0}) + WmfRecord(0x012D, {0}) +
+         WmfRecord(0x041B, {100, 50, 0, 0}) + Number(static_cast<uint32_t>(3 + bitmap.size() / 2), 4) +
+         Number(0x0F43, 2) + bitmap + WmfRecord(0, {});
+}
+
+std::string EmfRecord(uint32_t type, std::initializer_list<int> numbers) {
+  std::string record = Number(type, 4) + Number(static_cast<uint32_t>(8 + 4 * numbers.size()), 4);
+  for (const int number : numbers) record += Number(static_cast<uint32_t>(number), 4);
+  return record;
+}
+
+// The same rectangle, and a blue polygon of 16-bit points.
+std::string Emf() {
+  const std::string header =
+      EmfRecord(1, {0, 0, 100, 100, 0, 0, 2646, 2646, 0x464D4520, 0x10000, 0, 0, 3, 0, 0, 0, 960, 960, 254, 254});
+  std::string polygon = EmfRecord(86, {0, 0, 100, 100, 4, 50 | 0, 100, 100 | 100 << 16, 50 | 100 << 16});
+  return header + EmfRecord(39, {1, 0, 0x0000FF, 0}) + EmfRecord(37, {1}) + EmfRecord(43, {0, 0, 50, 100}) +
+         EmfRecord(39, {2, 0, 0xFF0000, 0}) + EmfRecord(37, {2}) + polygon + EmfRecord(14, {0, 0, 0});
+}
+
+TEST(Metafiles, AreDrawn) {
+  for (const auto& [name, image] :
+       {std::pair("wmf", DrawWmf(Wmf(), {200, 100})), std::pair("emf", DrawEmf(Emf(), {200, 100}))}) {
+    ASSERT_FALSE(image.isNull()) << name;
+    EXPECT_EQ(image.pixelColor(50, 50), QColor(Qt::red)) << name;
+    EXPECT_EQ(image.pixelColor(150, 50), QColor(Qt::blue)) << name;
+  }
+  EXPECT_TRUE(DrawWmf("not drawn", {10, 10}).isNull());
+  EXPECT_TRUE(DrawEmf(Wmf(), {10, 10}).isNull());
+}
+
+TEST(Metafiles, DamageIsHarmless) {
+  for (uint32_t seed = 1; seed <= 500; ++seed) {
+    uint32_t state = seed;
+    const auto next = [&state](size_t below) {
+      return (state = state * 1664525u + 1013904223u) / 65536 % static_cast<uint32_t>(below);
+    };
+    std::string wmf = Wmf(), emf = Emf();
+    for (std::string* bytes : {&wmf, &emf}) {
+      for (uint32_t i = 0; i <= next(6); ++i) (*bytes)[next(bytes->size())] = static_cast<char>(next(256));
+      if (next(4) == 0) bytes->resize(next(bytes->size()));
+    }
+    SCOPED_TRACE(seed);
+    DrawWmf(wmf, {64, 64});
+    DrawEmf(emf, {64, 64});
+  }
+}
+
 // --- Lists
 
-struct Number {
+struct Spelled {
   NumberStyle style;
   int32_t number;
   const char* text;
 };
 
 TEST(Lists, NumbersInEveryStyle) {
-  for (const Number& c : {Number{NumberStyle::kDecimal, 12, "12"},
-                          {NumberStyle::kUpperRoman, 1994, "MCMXCIV"},
-                          {NumberStyle::kLowerRoman, 4, "iv"},
-                          {NumberStyle::kLowerRoman, 5000, "5000"},
-                          {NumberStyle::kUpperLetter, 27, "AA"},
-                          {NumberStyle::kLowerLetter, 26, "z"},
-                          {NumberStyle::kLowerLetter, 0, "0"},
-                          {NumberStyle::kOrdinal, 11, "11th"},
-                          {NumberStyle::kOrdinal, 22, "22nd"},
-                          {NumberStyle::kNone, 3, ""}}) {
+  for (const Spelled& c : {Spelled{NumberStyle::kDecimal, 12, "12"},
+                           {NumberStyle::kUpperRoman, 1994, "MCMXCIV"},
+                           {NumberStyle::kLowerRoman, 4, "iv"},
+                           {NumberStyle::kLowerRoman, 5000, "5000"},
+                           {NumberStyle::kUpperLetter, 27, "AA"},
+                           {NumberStyle::kLowerLetter, 26, "z"},
+                           {NumberStyle::kLowerLetter, 0, "0"},
+                           {NumberStyle::kOrdinal, 11, "11th"},
+                           {NumberStyle::kOrdinal, 22, "22nd"},
+                           {NumberStyle::kNone, 3, ""}}) {
     EXPECT_EQ(NumberText(c.style, c.number), c.text);
   }
 }

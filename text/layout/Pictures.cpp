@@ -1,5 +1,7 @@
 #include "text/layout/Pictures.h"
 
+#include "text/layout/Metafile.h"
+
 #include <QBuffer>
 #include <QCoreApplication>
 #include <QFontMetricsF>
@@ -86,7 +88,9 @@ QImage Decode(const EmbeddedObject& object, QSize pixels) {
   const Crop crop = CropOf(object);
   const QSize whole(static_cast<int>(std::clamp(pixels.width() / crop.width, 1.0, 1e5)),
                     static_cast<int>(std::clamp(pixels.height() / crop.height, 1.0, 1e5)));
-  QImage image = PictureReader(object).Read(whole);
+  QImage image = object.type == PictureType::kWmf   ? DrawWmf(object.picture.bytes, whole)
+                 : object.type == PictureType::kEmf ? DrawEmf(object.picture.bytes, whole)
+                                                    : PictureReader(object).Read(whole);
   if (image.isNull()) return image;
   image = Cropped(image, crop);
   // Never made larger here: the painter does that without memory.
