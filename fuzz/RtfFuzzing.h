@@ -16,8 +16,10 @@ inline std::string TextOf(const text::Content& content) {
   return content.ByteString(content.all());
 }
 
-inline std::string Written(const text::Content& content, const text::rtf::DocumentProperties& properties) {
+// As written without the file that was read.
+inline std::string Written(const text::Content& content, text::rtf::DocumentProperties properties) {
   std::string bytes;
+  properties.source = nullptr;
   text::rtf::Write(content, properties, [&](std::string_view part) {
     bytes += part;
     return true;

@@ -150,31 +150,37 @@ void RtfRows::Open(uint8_t level) {
 }
 
 // What a row leaves when nothing says that it ends: its last cell is taken for its end, what stands behind that for
-// text outside.
+// text of the row around.
 void RtfRows::EndDeepest() {
   Row& row = rows_[deepest_];
+  Row& around = rows_[deepest_ - 1];
   const RowId id = definition(deepest_ > 1).Id(formats_, deepest_, row.cells);
-  bool behind = true;
-  for (size_t i = row.breaks.size(); i-- > 0;) {
-    Given right = row.breaks[i];
-    if (behind && right.mark == RowMark::kCellEnd) behind = false, right.mark = RowMark::kRowEnd;
-    right.row = behind ? RowId::kNone : id;
-    if (right.row != row.breaks[i].row || right.mark != row.breaks[i].mark) fixes_.push_back(right);
+  const auto isCell = [](const Given& given) { return given.mark == RowMark::kCellEnd; };
+  const auto behind = std::find_if(row.breaks.rbegin(), row.breaks.rend(), isCell).base();
+  for (auto given = row.breaks.begin(); given != behind; ++given) {
+    const RowMark mark = given + 1 == behind ? RowMark::kRowEnd : given->mark;
+    if (given->row != id || given->mark != mark) fixes_.push_back({given->number, id, mark});
+  }
+  row.breaks.erase(row.breaks.begin(), behind);
+  MoveBreaks(row, around);
+  --deepest_;
+}
+
+void RtfRows::MoveBreaks(Row& row, Row& around) {
+  for (const Given& given : row.breaks) {
+    if (&around == &rows_[0]) {
+      fixes_.push_back({given.number, RowId::kNone, RowMark::kNone});
+    } else {
+      around.breaks.push_back(given);
+    }
   }
   row = {};
-  --deepest_;
 }
 
 // Without a cell it is no row: its paragraphs are those of the row around.
 void RtfRows::GiveUpDeepest() {
-  Row& row = rows_[deepest_--];
-  if (deepest_ == 0) {
-    for (const Given& given : row.breaks) fixes_.push_back({given.number, RowId::kNone, RowMark::kNone});
-  } else {
-    std::vector<Given>& around = rows_[deepest_].breaks;
-    around.insert(around.end(), row.breaks.begin(), row.breaks.end());
-  }
-  row = {};
+  MoveBreaks(rows_[deepest_], rows_[deepest_ - 1]);
+  --deepest_;
 }
 
 void RtfRows::CloseAbove(uint8_t level) {

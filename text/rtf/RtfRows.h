@@ -83,6 +83,7 @@ class RtfRows {
   void CloseAbove(uint8_t level);
   void EndDeepest();
   void GiveUpDeepest();
+  void MoveBreaks(Row& row, Row& around);
   ParaFormatId InRow(ParaFormatId paragraph, uint8_t level, int64_t number, RowMark mark);
 
   FormatTable& formats_;
