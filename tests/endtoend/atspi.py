@@ -123,8 +123,8 @@ def _selected_lines(pid, name):
     for window in _windows(pid):
         for node in _walk(window) if window else []:
             if node.get_role_name() == "list" and node.get_name() == name:
-                lines = [node.get_child_at_index(i) for i in range(node.get_child_count())]
-                return [(line.get_name(), line.get_state_set().contains(Atspi.StateType.SELECTED)) for line in lines]
+                return [(line.get_name(), line.get_state_set().contains(Atspi.StateType.SELECTED))
+                        for line in _children(node)]
     return []
 
 

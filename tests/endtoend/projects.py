@@ -161,7 +161,10 @@ class Kept(ProjectTest):
         self.pick(program, "Select a project file", b"p\xf6r.prj")
         self.wait_for_lines(program, os.path.basename(gone), b"second.txt")
 
-        session.keys("Down", "Return")
+        session.keys("Down", "Down", "shift+F10", "c")
+        program.wait_until(lambda: session.tool("xclip", "-o", "-selection", "clipboard") == os.fsdecode(second),
+                           "the pathname on the clipboard")
+        session.keys("Up", "Return")
         self.answer(program, f"Error: {text_of(gone)}\nNo such file or directory", "Return")
         self.pick(program, "Select a document to open", os.path.basename(new))
         program.wait_for_document(text_of(os.path.basename(new)))

@@ -178,6 +178,18 @@ TEST_F(ListBoxTest, OfALongLineTheEndsAreShown) {
   EXPECT_TRUE(shown.endsWith(u"a\u05E2"));
 }
 
+TEST_F(ListBoxTest, TheMenuByKeyIsAtTheFocusLineInView) {
+  std::vector<QPoint> asked;
+  QObject::connect(&list, &ui::ListBox::MenuRequested, [&](const QPoint& point) { asked.push_back(point); });
+  for (int i = 0; i < 100; ++i) list.Append({"line", i});
+  list.SetListIndex(2);
+  list.scrollToBottom();
+  Key(Qt::Key_F10, Qt::ShiftModifier);
+  ASSERT_EQ(asked.size(), 1u);
+  EXPECT_EQ(list.ItemFromPoint(list.viewport()->mapFromGlobal(asked[0])), 2);
+  EXPECT_TRUE(list.Selected(2));
+}
+
 TEST_F(ListBoxTest, DropsAreTakenWhenTheyAreFilesToCopy) {
   const auto drop = [this](const char* uris, Qt::DropActions actions) {
     QMimeData data;

@@ -203,24 +203,33 @@ void ListBox::mouseDoubleClickEvent(QMouseEvent* event) {
 
 void ListBox::contextMenuEvent(QContextMenuEvent* event) {
   dragging_ = false;
-  QPoint position = event->pos();
+  const QPoint position = event->pos();
   if (event->reason() == QContextMenuEvent::Mouse) {
     const int under = ItemFromPoint(position);
     if (under < 0 || under >= count()) return;
     Select(under, true);
     SetListIndex(under);
+    Q_EMIT MenuRequested(viewport()->mapToGlobal(position));
   } else {
-    if (ListIndex() < 0) return;
-    Select(ListIndex(), true);
-    position = visualRect(currentIndex()).center();
+    RequestMenuByKey();
   }
-  Q_EMIT MenuRequested(viewport()->mapToGlobal(position));
+}
+
+// In view, also when the line has been scrolled out of it.
+void ListBox::RequestMenuByKey() {
+  if (ListIndex() < 0) return;
+  Select(ListIndex(), true);
+  scrollTo(currentIndex());
+  const QRect seen = visualRect(currentIndex()) & viewport()->rect();
+  Q_EMIT MenuRequested(viewport()->mapToGlobal(seen.center()));
 }
 
 void ListBox::keyPressEvent(QKeyEvent* event) {
   if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
     dragging_ = false;
     Q_EMIT Opened();
+  } else if (event->key() == Qt::Key_F10 && event->modifiers() == Qt::ShiftModifier) {
+    RequestMenuByKey();  // the toolkit knows the menu key alone, which many keyboards do not have
   } else if (event->key() != Qt::Key_Delete) {
     QListView::keyPressEvent(event);
   }

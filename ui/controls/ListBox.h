@@ -83,6 +83,7 @@ class ListBox : public QListView {
   class Model;
 
   void Answer(QDropEvent& event) const;
+  void RequestMenuByKey();
   void StartDrag();
   bool ShowToolTip(const QHelpEvent& event);
   void AfterThisEvent(std::function<void()> call);

@@ -5,6 +5,7 @@
 #include <QCoreApplication>
 #include <QMenu>
 #include <QMouseEvent>
+#include <QToolButton>
 
 #include <algorithm>
 
@@ -36,6 +37,9 @@ std::string_view TakeWord(std::string_view& text) {
 ToolBar::ToolBar(QWidget* parent) : QToolBar(parent) {
   setMovable(false);
   setFloatable(false);
+  // The toolkit's own button for what there is no room for.
+  if (auto* more = findChild<QToolButton*>(QStringLiteral("qt_toolbar_ext_button")))
+    more->setAccessibleName(tr("More buttons"));
 }
 
 void ToolBar::SetButtons(std::span<const ToolBarRow> rows) {
