@@ -23,6 +23,8 @@ class SaysYes final : public ui::Dialogs {
   ui::Answer ShowMessage(ui::Form*, const ui::Message&) override { return ui::Answer::kYes; }
   std::optional<files::Path> PickFile(ui::Form*, const ui::FileRequest&) override { return std::nullopt; }
   std::optional<ui::FontChoice> PickFont(ui::Form*, const ui::FontChoice&) override { return std::nullopt; }
+  std::optional<int64_t> PickColor(ui::Form*, int64_t, ui::CustomColors&) override { return std::nullopt; }
+  bool PickPrinter(ui::Form*, const ui::PrinterRequest&, ui::Printer&) override { return false; }
   bool ShowModal(ui::ModalForm& form) override {
     auto& question = dynamic_cast<search::frmYesNoAll&>(form);
     question.chkAll().SetValue(forAll);

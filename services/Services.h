@@ -15,6 +15,7 @@
 
 namespace ui {
 class ChildArea;
+class Printer;
 class Shell;
 }  // namespace ui
 
@@ -34,6 +35,11 @@ enum FileDialogFlag : int {
   kFileMustExist = 4096,
   kCreatePrompt = 8192,
   kNoDereferenceLinks = 1048576,  // a chosen link is given back itself
+};
+
+enum PrinterDialogFlag : int {
+  kOfferSelection = 1,  // and choose it at first
+  kNoPageNumbers = 8,
 };
 
 struct FileDialog {
@@ -69,6 +75,9 @@ class Services {
   // The chosen path, empty when cancelled.
   virtual files::Path ShowOpenDialog(const FileDialog& dialog) = 0;
   virtual files::Path ShowSaveDialog(const FileDialog& dialog) = 0;
+  virtual int64_t ShowColorDialog(ui::Form* owner, int64_t initial) = 0;  // 0x00BBGGRR, -1 when cancelled
+  virtual bool ShowPrinterDialog(ui::Form* owner, int flags) = 0;         // true when cancelled
+  virtual ui::Printer& currentPrinter() = 0;
   virtual const QString& documentFilter() const = 0;
   virtual PathFilter GetFilterForPath(const std::string& path) const = 0;
 

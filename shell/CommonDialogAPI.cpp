@@ -2,6 +2,7 @@
 
 #include "files/Attributes.h"
 #include "ui/PathText.h"
+#include "ui/dialogs/Printer.h"
 
 #include <QCoreApplication>
 #include <QStringList>
@@ -53,6 +54,23 @@ std::vector<ui::FileFilter> SplitFilter(const QString& filter) {
 CommonDialogAPI::CommonDialogAPI(ui::Dialogs& dialogs, files::CurrentDirectory directory)
     : dialogs_(dialogs), directory_(std::move(directory)) {
   BuildDocumentFilter({});
+}
+
+CommonDialogAPI::~CommonDialogAPI() = default;
+
+int64_t CommonDialogAPI::ShowColorDialog(ui::Form* owner, int64_t initial) {
+  return dialogs_.PickColor(owner, initial, customColors_).value_or(-1);
+}
+
+bool CommonDialogAPI::ShowPrinterDialog(ui::Form* owner, int flags) {
+  return !dialogs_.PickPrinter(
+      owner, {.pages = !(flags & services::kNoPageNumbers), .selection = (flags & services::kOfferSelection) != 0},
+      currentPrinter());
+}
+
+ui::Printer& CommonDialogAPI::currentPrinter() {
+  if (!printer_) printer_ = std::make_unique<ui::Printer>();
+  return *printer_;
 }
 
 files::Path CommonDialogAPI::ShowOpenDialog(const services::FileDialog& dialog) {

@@ -4,6 +4,7 @@
 #include "files/CurrentDirectory.h"
 #include "services/Services.h"
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -12,10 +13,17 @@ namespace shell {
 class CommonDialogAPI {
  public:
   CommonDialogAPI(ui::Dialogs& dialogs, files::CurrentDirectory directory);
+  ~CommonDialogAPI();
 
   // The chosen path exactly, or nothing (an empty path) when cancelled.
   files::Path ShowOpenDialog(const services::FileDialog& dialog);
   files::Path ShowSaveDialog(const services::FileDialog& dialog);
+
+  // 0x00BBGGRR, -1 when cancelled.
+  int64_t ShowColorDialog(ui::Form* owner, int64_t initial);
+  // True when cancelled. What the user chose stays set up in the current printer until the program ends.
+  bool ShowPrinterDialog(ui::Form* owner, int flags);
+  ui::Printer& currentPrinter();
 
   // Out of the extensions' text, which is set to the usual ones when empty.
   void BuildDocumentFilter(QString extensions);
@@ -34,6 +42,8 @@ class CommonDialogAPI {
 
   ui::Dialogs& dialogs_;
   files::CurrentDirectory directory_;
+  ui::CustomColors customColors_ = {0xB4FFFF, 0xE1FFFF, 0xEEFFFF, 0xE6F5FD, 0xE6F0FA, 0xE6E6E6};
+  std::unique_ptr<ui::Printer> printer_;  // looking for printers takes its time, so it is made when it is needed
   QString extensions_;
   std::vector<QString> fileExtensions_;
   QString documentFilter_;

@@ -82,6 +82,11 @@ class frmMyMDI final : public services::Services {
   files::Path ShowSaveDialog(const services::FileDialog& dialog) override {
     return commonDialogs_.ShowSaveDialog(dialog);
   }
+  int64_t ShowColorDialog(ui::Form* owner, int64_t initial) override {
+    return commonDialogs_.ShowColorDialog(owner, initial);
+  }
+  bool ShowPrinterDialog(ui::Form* owner, int flags) override { return commonDialogs_.ShowPrinterDialog(owner, flags); }
+  ui::Printer& currentPrinter() override { return commonDialogs_.currentPrinter(); }
   const QString& documentFilter() const override { return commonDialogs_.DocumentFilter(); }
   services::PathFilter GetFilterForPath(const std::string& path) const override {
     return commonDialogs_.GetFilterForPath(path);

@@ -5,6 +5,7 @@
 
 #include <QString>
 
+#include <array>
 #include <atomic>
 #include <cstdint>
 #include <functional>
@@ -15,6 +16,7 @@ namespace ui {
 
 class Form;
 class ModalForm;
+class Printer;
 
 enum class Icon { kInformation, kQuestion, kExclamation };
 enum class Buttons { kOk, kYesNo, kYesNoCancel };
@@ -50,6 +52,14 @@ struct FontChoice {
   bool operator==(const FontChoice&) const = default;
 };
 
+// The row of the user's own colours in the colour dialog, 0x00BBGGRR each.
+using CustomColors = std::array<int64_t, 16>;
+
+struct PrinterRequest {
+  bool pages = true;       // a range of pages may be chosen
+  bool selection = false;  // the selection may be chosen, and is at first
+};
+
 // What work on another thread tells and hears. Safe from any thread.
 class WorkPort {
  public:
@@ -75,6 +85,10 @@ class Dialogs {
   // The chosen path with its bytes, unchecked: whether it exists is the caller's question. Nothing on Cancel.
   virtual std::optional<files::Path> PickFile(Form* owner, const FileRequest& request) = 0;
   virtual std::optional<FontChoice> PickFont(Form* owner, const FontChoice& initial) = 0;
+  // 0x00BBGGRR. Nothing on Cancel, and `custom` as it was.
+  virtual std::optional<int64_t> PickColor(Form* owner, int64_t initial, CustomColors& custom) = 0;
+  // Sets the printer up as the user wants it. False on Cancel, and the printer as it was.
+  virtual bool PickPrinter(Form* owner, const PrinterRequest& request, Printer& printer) = 0;
   // Runs the form until it is closed and says whether it was accepted.
   virtual bool ShowModal(ModalForm& form) = 0;
   // Runs `work`, which must not throw, on another thread and returns when it has ended. After half a second a progress

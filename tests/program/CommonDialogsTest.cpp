@@ -100,6 +100,30 @@ TEST_F(CommonDialogsTest, TheFolderIsRememberedUnlessToldOtherwise) {
   api.ShowSaveDialog({});
 }
 
+TEST_F(CommonDialogsTest, OwnColoursLast) {
+  const ui::CustomColors presets = {0xB4FFFF, 0xE1FFFF, 0xEEFFFF, 0xE6F5FD, 0xE6F0FA, 0xE6E6E6};
+  dialogs.Color(0xFF, [&](int64_t initial, ui::CustomColors& custom) {
+    EXPECT_EQ(initial, 0x102030);
+    EXPECT_EQ(custom, presets);
+    custom[15] = 0x123456;
+  });
+  EXPECT_EQ(api.ShowColorDialog(nullptr, 0x102030), 0xFF);
+  dialogs.Color(std::nullopt, [](int64_t, ui::CustomColors& custom) { EXPECT_EQ(custom[15], 0x123456); });
+  EXPECT_EQ(api.ShowColorDialog(nullptr, 0), -1);
+}
+
+TEST_F(CommonDialogsTest, ThePrinterDialogsFlags) {
+  for (const int flags : {0, 1, 8, 9}) {
+    for (const bool confirmed : {false, true}) {
+      dialogs.Printer(confirmed, [flags](const ui::PrinterRequest& request, ui::Printer&) {
+        EXPECT_EQ(request.pages, flags < 8) << flags;
+        EXPECT_EQ(request.selection, flags % 2 == 1) << flags;
+      });
+      EXPECT_EQ(api.ShowPrinterDialog(nullptr, flags), !confirmed);
+    }
+  }
+}
+
 TEST_F(CommonDialogsTest, TheOpenCommand) {
   const files::Path path = Put("a.txt", "text");
   dialogs.File(path, [](const ui::FileRequest& request) {

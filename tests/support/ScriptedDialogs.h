@@ -44,6 +44,21 @@ class ScriptedDialogs final : public ui::Dialogs {
     step.choose = std::move(choose);
     steps_.push_back(std::move(step));
   }
+  // Nothing given = Cancel. The user may also change the row of own colours.
+  void Color(std::optional<int64_t> chosen, std::function<void(int64_t initial, ui::CustomColors&)> act = {}) {
+    Step step{"colour dialog"};
+    step.kind = Step::kColor;
+    step.color = chosen;
+    step.actOnColors = std::move(act);
+    steps_.push_back(std::move(step));
+  }
+  void Printer(bool confirmed, std::function<void(const ui::PrinterRequest&, ui::Printer&)> act = {}) {
+    Step step{"printer dialog"};
+    step.kind = Step::kPrinter;
+    step.confirmed = confirmed;
+    step.actOnPrinter = std::move(act);
+    steps_.push_back(std::move(step));
+  }
   // Receives the open form, sets its controls and closes it by accept() or reject().
   void Modal(std::function<void(ui::ModalForm&)> act) {
     Step step{"modal form"};
@@ -86,6 +101,20 @@ class ScriptedDialogs final : public ui::Dialogs {
     return step.choose(initial);
   }
 
+  std::optional<int64_t> PickColor(ui::Form*, int64_t initial, ui::CustomColors& custom) override {
+    Step step;
+    if (!Take(Step::kColor, "colour dialog", step)) return std::nullopt;
+    if (step.actOnColors) step.actOnColors(initial, custom);
+    return step.color;
+  }
+
+  bool PickPrinter(ui::Form*, const ui::PrinterRequest& request, ui::Printer& printer) override {
+    Step step;
+    if (!Take(Step::kPrinter, "printer dialog", step)) return false;
+    if (step.actOnPrinter) step.actOnPrinter(request, printer);
+    return step.confirmed;
+  }
+
   bool ShowModal(ui::ModalForm& form) override {
     Step step;
     if (!Take(Step::kModal, "modal form [" + form.windowTitle() + "]", step)) return false;
@@ -102,7 +131,7 @@ class ScriptedDialogs final : public ui::Dialogs {
 
  private:
   struct Step {
-    enum Kind { kMessage, kFile, kFont, kModal };
+    enum Kind { kMessage, kFile, kFont, kColor, kPrinter, kModal };
     QString what = {};
     Kind kind = kMessage;
     ui::Message message = {};
@@ -111,6 +140,10 @@ class ScriptedDialogs final : public ui::Dialogs {
     std::optional<files::Path> file = {};
     std::function<void(const ui::FileRequest&)> checkFile = {};
     std::function<std::optional<ui::FontChoice>(ui::FontChoice)> choose = {};
+    std::optional<int64_t> color = {};
+    std::function<void(int64_t, ui::CustomColors&)> actOnColors = {};
+    bool confirmed = false;
+    std::function<void(const ui::PrinterRequest&, ui::Printer&)> actOnPrinter = {};
     std::function<void(ui::ModalForm&)> act = {};
   };
 

@@ -1,18 +1,22 @@
 // The real dialogs, answered by their own buttons.
 #include "ui/Hourglass.h"
 #include "ui/dialogs/FontForm.h"
+#include "ui/dialogs/Printer.h"
 #include "ui/dialogs/ProgressForm.h"
 #include "ui/dialogs/QtDialogs.h"
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QColorDialog>
 #include <QFileDialog>
 #include <QFontDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
+#include <QPrintDialog>
 #include <QProgressDialog>
 #include <QPushButton>
+#include <QSpinBox>
 #include <QTemporaryDir>
 #include <QTimer>
 #include <gtest/gtest.h>
@@ -136,6 +140,46 @@ TEST(QtDialogs, FileDialogs) {
   }
   // The toolkit's own clearing away does not know such names.
   std::filesystem::remove(path / "caf\xE9.txt");
+}
+
+TEST(QtDialogs, ColoursAndTheUsersOwnOnes) {
+  ui::QtDialogs dialogs;
+  for (const bool accept : {false, true}) {
+    ui::CustomColors custom = {0xB4FFFF, 0x112233};
+    WhenOpen<QColorDialog>([&](QColorDialog& dialog) {
+      EXPECT_EQ(dialog.currentColor(), QColor(0x30, 0x20, 0x10));
+      EXPECT_EQ(QColorDialog::customColor(0), QColor(255, 255, 180));
+      QColorDialog::setCustomColor(1, QColor(1, 2, 3));
+      dialog.setCurrentColor(QColor(4, 5, 6));
+      static_cast<QDialog&>(dialog).done(accept ? QDialog::Accepted : QDialog::Rejected);
+    });
+    EXPECT_EQ(dialogs.PickColor(nullptr, 0x102030, custom).value_or(-1), accept ? 0x060504 : -1);
+    EXPECT_EQ(custom, (ui::CustomColors{0xB4FFFF, accept ? 0x030201 : 0x112233}));
+  }
+}
+
+TEST(QtDialogs, ThePrinterIsSetUpUnlessCancelled) {
+  QTemporaryDir folder;
+  ui::QtDialogs dialogs;
+  ui::Printer printer;
+  printer.device().setOutputFileName(folder.filePath("out.pdf"));
+  for (const bool accept : {false, true}) {
+    for (const ui::PrinterRequest request : {ui::PrinterRequest{false, true}, ui::PrinterRequest{true, false}}) {
+      WhenOpen<QPrintDialog>([&](QPrintDialog& dialog) {
+        EXPECT_EQ(dialog.testOption(QAbstractPrintDialog::PrintPageRange), request.pages);
+        EXPECT_EQ(dialog.testOption(QAbstractPrintDialog::PrintSelection), request.selection);
+        EXPECT_FALSE(dialog.testOption(QAbstractPrintDialog::PrintCurrentPage));
+        auto* copies = dialog.findChild<QSpinBox*>("copies");
+        ASSERT_TRUE(copies);
+        copies->setValue(3);
+        auto& answered = static_cast<QDialog&>(dialog);
+        accept ? answered.accept() : answered.reject();
+      });
+      EXPECT_EQ(dialogs.PickPrinter(nullptr, request, printer), accept);
+      EXPECT_EQ(printer.device().copyCount(), accept ? 3 : 1);
+      if (accept) EXPECT_EQ(printer.device().printRange() == QPrinter::Selection, request.selection);
+    }
+  }
 }
 
 TEST(Progress, ShortWorkShowsNothing) {

@@ -1,5 +1,7 @@
 #include "ui/dialogs/FontForm.h"
 
+#include "ui/dialogs/ColorNumber.h"
+
 #include <QColorDialog>
 #include <QDialogButtonBox>
 #include <QFontDatabase>
@@ -12,15 +14,6 @@
 
 namespace ui {
 namespace {
-
-QColor ToQColor(int64_t color) {
-  return QColor(static_cast<int>(color & 255), static_cast<int>((color >> 8) & 255),
-                static_cast<int>((color >> 16) & 255));
-}
-
-int64_t FromQColor(const QColor& color) {
-  return color.red() | color.green() << 8 | color.blue() << 16;
-}
 
 QFont ToQFont(const FontChoice& choice) {
   QFont font(choice.family);

@@ -4,14 +4,18 @@
 #include "ui/Hourglass.h"
 #include "ui/PathText.h"
 #include "ui/PendingEvents.h"
+#include "ui/dialogs/ColorNumber.h"
 #include "ui/dialogs/FontForm.h"
+#include "ui/dialogs/Printer.h"
 #include "ui/dialogs/ProgressForm.h"
 
 #include <QAbstractButton>
+#include <QColorDialog>
 #include <QCoreApplication>
 #include <QFileDialog>
 #include <QMessageBox>
 #include <QPointer>
+#include <QPrintDialog>
 
 namespace ui {
 namespace {
@@ -113,6 +117,29 @@ std::optional<FontChoice> QtDialogs::PickFont(Form* owner, const FontChoice& ini
   FontForm form(initial, WidgetOf(owner));
   if (!ShowModal(form)) return std::nullopt;
   return form.choice();
+}
+
+// The toolkit's own dialog: those of some desktops know no colours of the user's.
+std::optional<int64_t> QtDialogs::PickColor(Form* owner, int64_t initial, CustomColors& custom) {
+  const CommandScope scope;
+  const NoHourglass pointer;
+  for (size_t i = 0; i < custom.size(); ++i) QColorDialog::setCustomColor(static_cast<int>(i), ToQColor(custom[i]));
+  QColorDialog dialog(ToQColor(initial), WidgetOf(owner));
+  dialog.setOption(QColorDialog::DontUseNativeDialog);
+  if (dialog.exec() != QDialog::Accepted) return std::nullopt;
+  for (size_t i = 0; i < custom.size(); ++i) custom[i] = FromQColor(QColorDialog::customColor(static_cast<int>(i)));
+  return FromQColor(dialog.selectedColor());
+}
+
+bool QtDialogs::PickPrinter(Form* owner, const PrinterRequest& request, Printer& printer) {
+  const CommandScope scope;
+  const NoHourglass pointer;
+  QPrintDialog dialog(&printer.device(), WidgetOf(owner));
+  dialog.setOption(QAbstractPrintDialog::PrintPageRange, request.pages);
+  dialog.setOption(QAbstractPrintDialog::PrintCurrentPage, false);
+  dialog.setOption(QAbstractPrintDialog::PrintSelection, request.selection);
+  dialog.setPrintRange(request.selection ? QAbstractPrintDialog::Selection : QAbstractPrintDialog::AllPages);
+  return dialog.exec() == QDialog::Accepted;
 }
 
 bool QtDialogs::ShowModal(ModalForm& form) {

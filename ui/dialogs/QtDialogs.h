@@ -10,6 +10,8 @@ class QtDialogs final : public Dialogs {
   Answer ShowMessage(Form* owner, const Message& message) override;
   std::optional<files::Path> PickFile(Form* owner, const FileRequest& request) override;
   std::optional<FontChoice> PickFont(Form* owner, const FontChoice& initial) override;
+  std::optional<int64_t> PickColor(Form* owner, int64_t initial, CustomColors& custom) override;
+  bool PickPrinter(Form* owner, const PrinterRequest& request, Printer& printer) override;
   bool ShowModal(ModalForm& form) override;
   void RunWork(Form* owner, const QString& text, int64_t total, const std::function<void(WorkPort&)>& work) override;
 };

@@ -1,0 +1,18 @@
+// A printer and how it is set up.
+#pragma once
+
+#include <QPrinter>
+
+namespace ui {
+
+class Printer {
+ public:
+  // The desktop's usual one. Looks for printers, which may take its time.
+  Printer() : device_(QPrinter::HighResolution) {}
+  QPrinter& device() { return device_; }
+
+ private:
+  QPrinter device_;
+};
+
+}  // namespace ui
