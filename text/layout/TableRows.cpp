@@ -1,5 +1,7 @@
 #include "text/layout/TableRows.h"
 
+#include <algorithm>
+
 namespace text::layout {
 namespace {
 
@@ -61,11 +63,15 @@ std::optional<CellPlace> CellOf(const Content& content, Units position) {
   const auto row = RowOf(content, content.ParagraphAt(position));
   if (!row) return std::nullopt;
   CellPlace place{*row, {}, 0};
+  const std::vector<CellText> texts = CellTexts(content, *row);
+  const uint8_t level = std::min_element(texts.begin(), texts.end(), [](const CellText& a, const CellText& b) {
+                          return a.level < b.level;
+                        })->level;
   bool open = false;
-  for (const CellText& text : CellTexts(content, *row)) {
+  for (const CellText& text : texts) {
     if (!open) place.cells.push_back(text.range);
     place.cells.back().end = text.range.end;
-    open = text.level > 1 || text.mark == RowMark::kNone;
+    open = text.level > level || text.mark == RowMark::kNone;
   }
   while (place.cell + 1 < place.cells.size() && position > place.cells[place.cell].end) ++place.cell;
   return place;
