@@ -16,7 +16,9 @@ class Choices {
   std::string Bytes(size_t count) {
     count = std::min(count, size_);
     size_ -= count;
-    return {reinterpret_cast<const char*>(data_ + size_), count};
+    std::string bytes(reinterpret_cast<const char*>(data_ + size_), count);
+    std::erase(bytes, '\0');  // no file keeps it
+    return bytes;
   }
 
  private:
@@ -93,7 +95,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const rtf::ReadResult first = rtf::Read(written, std::make_shared<TextStore>());
   first.content.CheckInvariants();
   if (first.limited) std::abort();
-  if (first.content.size() != content.size() || first.content.breaks() != content.breaks()) std::abort();
+  if (first.content.size() != content.size() || first.content.breaks() != content.breaks())
+    fuzzing::MustEqual(fuzzing::TextOf(content), fuzzing::TextOf(first.content) + "\n" + written, "texts");
   const std::string again = fuzzing::Written(first.content, first.properties);
   fuzzing::MustEqual(written, again, "files");
 

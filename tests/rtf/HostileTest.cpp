@@ -159,6 +159,27 @@ const HostileRow kHostile[] = {
      [] { return Rtf("{\\*\\listtable{\\list" + Repeat("{\\listlevel\\levelnfc23}", 100000) + "\\listid1}}a"); }, "a",
      true},
     {"shape_properties", [] { return Rtf("{\\*\\shpinst" + Repeat("{\\sp{\\sn n}{\\sv v}}", 20000) + "}a"); }, "a"},
+    {"deep_objects", [] { return Rtf(Repeat("{\\object{\\result ", 30000) + "a" + Repeat("}}", 30000) + "b"); }, "ab"},
+    {"deep_notes", [] { return Rtf(Repeat("{\\footnote ", 50000) + "a" + Repeat("}", 50000) + "b"); }, "b"},
+    {"nested_rows",
+     [] {
+       return Rtf(Numbered(2000, [](size_t i) { return "\\intbl\\itap" + std::to_string(i) + " x\\nestcell "; }) + "y");
+     },
+     "x\tx\tx\n" + Repeat("x\n", 29) + Repeat("x\t", 1023) + Repeat("x\n", 945) + "y"},
+    {"growing_definitions",
+     [] { return Rtf("\\trowd" + Repeat("\\clbrdrt\\brdrs\\cellx9\\intbl x\\cell", 20000) + "\\row"); },
+     Repeat("x\t", 1024) + Repeat("x\n", 18976) + "\n"},
+    {"row_per_edge", [] { return Rtf("\\trowd" + Repeat("\\cellx9\\row", 50000)); }, Repeat("\n", 50000)},
+    {"long_picture", [] { return Rtf("a{\\pict " + std::string(8 << 20, '0') + "}b"); }, "ab"},
+    {"picture_of_a_billion_pixels", [] { return Rtf("{\\pict 89504e470d0a1a0a0000000d494844527fffffff7fffffff}b"); },
+     "b"},
+    {"many_lists",
+     [] {
+       return Rtf("{\\*\\listtable" +
+                  Numbered(30000, [](size_t i) { return "{\\list{\\listlevel}\\listid" + std::to_string(i) + "}"; }) +
+                  "}" + Repeat("\\ls7\\ilvl3 a\\par", 1000));
+     },
+     Repeat("a\n", 999) + "a"},
     {"upr_tables", [] { return Rtf(Repeat("{\\upr{\\fonttbl{\\f0 A;}}{\\*\\ud{\\fonttbl{\\f0 B;}}}}x", 20000)); },
      Repeat("x", 20000)},
     {"font_table_per_character", [] { return Rtf(Repeat("{", 50000) + Repeat("{\\fonttbl{\\f0 A;}}x", 50000)); },

@@ -19,7 +19,9 @@ TEST_P(RtfReading, Gives) {
   EXPECT_EQ(Describe(result.content), GetParam().document) << GetParam().rtf;
   result.content.CheckInvariants();
   const std::string written = Written(result);
-  EXPECT_EQ(Written(ReadNew(written)), written) << GetParam().rtf;
+  const ReadResult again = ReadNew(written);
+  EXPECT_EQ(Describe(again.content), GetParam().document) << written;
+  EXPECT_EQ(Written(again), written) << GetParam().rtf;
 }
 
 const std::string kFonts =
@@ -152,10 +154,66 @@ const Row kGroups[] = {
     {"{{{\\NeXTGraphic x.tiff }}}a", "<picture/'x.tiff'>\uFFFC<>a"},
 };
 
+const Row kLinks[] = {
+    {R"({\field{\*\fldinst HYPERLINK "c:\\\\temp\\\\a b" \\o "tip" \\l "m"}{\fldrslt a}})", "<->c:\\temp\\a b#m>a"},
+    {R"({\field{\*\fldinst{ hyperlink }{http://x/\u228?}}{\fldrslt{\b a\plain b}}}c)",
+     "<b ->http://x/ä>a<->http://x/ä>b<>c"},
+    {R"({\field{\*\fldinst HYPERLINK \\l "m"}{\fldrslt a{\field{\*\fldinst PAGEREF m}{\fldrslt 1}}\par b}})",
+     "<->#m>a1<>\n<->#m>b"},
+    {R"({\field{\*\fldinst HYPERLINK \\h}{\fldrslt a}})", "a"},
+};
+
+const Row kLists[] = {
+    {R"({\pntext 1}{\*\pn\pnlvlbody\pnucrm\pnstart3{\pntxtb (}{\pntxta )}}a\par b\par\pard c)",
+     "a\n[list0/0/I@3'(%1)']b\n[list0/0/I@3'(%1)']c"},
+    {R"({\fonttbl{\f1\fcharset2 Wingdings;}}{\*\pn\pnlvlblt\pnf1{\pntxtb\'a7}}a)",
+     "a$[bullet list0/0/-@1'\uF0A7'Wingdings]"},
+    {R"({\fonttbl{\f1\fcharset2 Wingdings;}}{\*\pn\pnlvlblt\pnf1{\pntxtb l}}a)",
+     "a$[bullet list0/0/-@1'\uF06C'Wingdings]"},
+    {R"({\*\pn\pnlvlcont}a)", "a"},
+    {R"({\*\listtable{\list\listtemplateid1{\listlevel\levelnfc0\levelstartat4{\leveltext\'02\'00.;}{\levelnumbers\'01;}}{\listlevel\levelnfc4{\leveltext\'04\'00.\'01);}{\levelnumbers\'01\'03;}}\listid-7}}{\*\listoverridetable{\listoverride\listid-7\listoverridecount0\ls1}{\listoverride\listid-7\listoverridecount1{\lfolevel\listoverridestartat\levelstartat9}\ls2}}\ls1{\listtext 1.\tab}a\par\ilvl1 b\par\ilvl0\ls2 c\par\ilvl5 d)",
+     "a\n[list-7/0/1@4'%1.'/a@1'%1.%2)']b\n[list-7/1/1@4'%1.'/a@1'%1.%2)']c\n[list-215/0/1@9'%1.'/"
+     "a@1'%1.%2)']d$[list-215/1/1@9'%1.'/a@1'%1.%2)']"},
+    {R"({\fonttbl{\f1\fcharset2 Wingdings;}}{\*\listtable{\list{\listlevel\levelnfc23{\leveltext\'01\u-3929 ?;}{\levelnumbers;}\f1}{\listlevel\levelnfc255{\leveltext\'00;}}\listid1}}{\*\listoverridetable{\listoverride\listid1\ls1}}\ls1 a\par\ilvl1 b)",
+     "a\n[bullet list1/0/-@1'\uF0A7'Wingdings/-@1'']b"},
+    {R"({\pict\pngblip\picw10\pich20\picwgoal3000\pichgoal1500\picscalex50\piccropl300\piccropb-150 89504e470d0a1a0a 0})",
+     "<picture/png/1350x1650/crop1000,0,0,-1000>\uFFFC"},
+    {R"({\shp{\*\shpinst\shpleft1{\sp{\sn pib}{\sv{\pict\pngblip 89504e470d0a1a0a}}}{\sp{\sn a}{\sv 1}}{\shptxt t}}{\shprslt r}})",
+     "<picture/png>\uFFFC<>t"},
+    {R"({\object\objemb\objw300\objh200{\*\objclass A.B}{\*\objdata 0102}{\result{\pict\pngblip\picwgoal30 89504e470d0a1a0a}}}x)",
+     "<embedded/png/30x200/'A.B'>\uFFFC<>x"},
+};
+
+const Row kObjects[] = {
+    {R"({\pict\wmetafile8\picw2540\pich1270 01000900000300000000000000000000000000})", "<picture/wmf/1440x720>\uFFFC"},
+    {R"({\pict\dibitmap0\picw2\pich2 424d})", "<picture/30x30>\uFFFC"},
+    {R"({\b x\pict 00}y)", "<b>x<b picture>\uFFFC<>y"},
+    {R"({\object\objemb{\*\objclass A}{\*\objdata 01}{\result{\pict 00}text\par}}x)", "<picture>\uFFFC<>text\nx"},
+    {R"({\object\objemb\objw300{\*\objclass A}}x)", "<embedded/300x0/'A'>\uFFFC<>x"},
+    {R"(a{\super\chftn{\footnote\pard\plain{\super\chftn} N\'e4m\u8364?\par two{\footnote x}}}b)",
+     "a<fs16 up80 note/'Näm€\ntwo'>\uFFFC<>b"},
+};
+
+const Row kTables[] = {
+    {R"(\trowd\trleft-100\trgaph50\trrh300\trbrdrl\brdrs\trbrdrh\brdrs\clbrdrt\brdrnone\clcbpat1\cellx1000\clmrg\clvmrg\clshdng5000\cellx2000\pard\intbl\qc a\par b\cell\pard\intbl\qr c\cell\row\pard d)",
+     "a\n[center row1/-100/gap50/high300/1000b9/2000b10#7f7f7f<^]b|[center "
+     "row1/-100/gap50/high300/1000b9/2000b10#7f7f7f<^]c||[right row1/-100/gap50/high300/1000b9/2000b10#7f7f7f<^]d"},
+    {R"(\intbl a\cell b\cell\trowd\cellx1\cellx2\row)", "a|[row1/0/1/2]b||[row1/0/1/2]"},
+    {R"(\intbl a\par\pard b)", "a\nb"},
+    {R"(\trowd\cellx1\intbl a\cell\pard b\par c)", "a||[row1/0/1]b\nc"},
+    {R"(\trowd\cellx9\intbl\itap1 a\par\itap2 n\nestcell m\nestcell{\*\nesttableprops\trowd\cellx5\cellx6\nestrow}{\nonesttables\par}\pard\intbl\cell\row)",
+     "a\n[row1/0/9]n|[row2/0/5/6]m||[row2/0/5/6]||[row1/0/9]"},
+    {R"(\trowd\trgaph1\unknown7\cellx5\row\pard\cellx6\row)", "||[row1/0/gap1/5]||[row1/0/6]"},
+};
+
 INSTANTIATE_TEST_SUITE_P(Characters, RtfReading, testing::ValuesIn(kCharacters));
 INSTANTIATE_TEST_SUITE_P(Formats, RtfReading, testing::ValuesIn(kFormats));
 INSTANTIATE_TEST_SUITE_P(Paragraphs, RtfReading, testing::ValuesIn(kParagraphs));
 INSTANTIATE_TEST_SUITE_P(Groups, RtfReading, testing::ValuesIn(kGroups));
+INSTANTIATE_TEST_SUITE_P(Links, RtfReading, testing::ValuesIn(kLinks));
+INSTANTIATE_TEST_SUITE_P(Lists, RtfReading, testing::ValuesIn(kLists));
+INSTANTIATE_TEST_SUITE_P(Objects, RtfReading, testing::ValuesIn(kObjects));
+INSTANTIATE_TEST_SUITE_P(Tables, RtfReading, testing::ValuesIn(kTables));
 
 struct WholeRow {
   std::string bytes;

@@ -195,6 +195,7 @@ PixelSize PixelsOf(PictureType type, std::string_view bytes) {
   }
 }
 
+// Groups inside hold properties; one without a destination is but a wrapping of data.
 EmbeddedObject ReadPicture(RtfTokenizer& tokenizer, const std::shared_ptr<const std::string>& owner) {
   EmbeddedObject object;
   PictureWords words;
@@ -205,7 +206,9 @@ EmbeddedObject ReadPicture(RtfTokenizer& tokenizer, const std::shared_ptr<const 
     if (token.kind == TokenKind::kEnd) break;
     if (token.kind == TokenKind::kOpen) ++depth;
     if (token.kind == TokenKind::kClose) --depth;
-    if (depth > 0) continue;
+    const Keyword* word = token.kind == TokenKind::kWord ? FindKeyword(token.text) : nullptr;
+    const bool starred = token.kind == TokenKind::kSymbol && token.text == "*";
+    if (depth > 0 && (starred || (word && word->kind == Kind::kDestination))) tokenizer.SkipGroup();
     if (token.kind == TokenKind::kWord) TakeWord(words, token);
     if (token.kind == TokenKind::kText && hex.size() <= kMaxPictureBytes) hex.Add(token.text);
     if (token.kind == TokenKind::kBinary && !binary) binary = token.text;

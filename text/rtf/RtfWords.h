@@ -38,8 +38,14 @@ class RtfWords {
   // Anything that is no word; behind a word it must not begin with what would belong to that.
   void Raw(std::string_view bytes) { out_ += bytes, needsDelimiter_ = false; }
   void Hex(uint8_t byte);
-  // Takes back what was written from `size` on, a whole number of tokens after something that is no word.
-  void CutTo(size_t size) { out_.resize(size), needsDelimiter_ = false; }
+  // Takes back what was written since.
+  struct Mark {
+    size_t size = 0;
+    bool needsDelimiter = false;
+  };
+  Mark mark() const { return {out_.size(), needsDelimiter_}; }
+  void CutTo(size_t size) { CutTo(Mark{size, false}); }  // where no word stood before
+  void CutTo(Mark mark) { out_.resize(mark.size), needsDelimiter_ = mark.needsDelimiter; }
   // The next thing is preceded by something that is no control word, or by nothing.
   void Begin() { needsDelimiter_ = false; }
   // A space, if plain text that follows needs one after a word.

@@ -100,13 +100,12 @@ void RtfWriter::Close(const ParaFormat& format) {
 }
 
 bool RtfWriter::ParagraphFormat(const ParaFormat& format) {
-  const size_t begin = out_.size();
+  const RtfWords::Mark before = words_.mark();
   words_.Paragraph(format, formats_, numbers_);
   // Formats may differ in what RTF cannot hold.
-  const std::string_view words = std::string_view(out_).substr(begin);
+  const std::string_view words = std::string_view(out_).substr(before.size);
   if (words == paragraphWords_) {
-    out_.resize(begin);
-    words_.Begin();
+    words_.CutTo(before);
     return false;
   }
   paragraphWords_ = words;

@@ -79,8 +79,10 @@ void RtfWriter::TextWithObject(std::string_view bytes, const EmbeddedObject& obj
 // Groups as they were read say more than the model does; only a note's refers to the tables of its file.
 void RtfWriter::Object(const EmbeddedObject& object) {
   if (object.kind == ObjectKind::kNote) return Note(object);
+  const bool picture = object.kind == ObjectKind::kPicture;
+  const bool raw = object.rtf.bytes.find("\\bin") != std::string_view::npos;
+  if (picture && (object.rtf.bytes.empty() || (raw && object.type != PictureType::kNone))) return Picture(object);
   if (!object.rtf.bytes.empty()) return Group(object.rtf.bytes);
-  if (object.kind == ObjectKind::kPicture) return Picture(object);
   words_.Raw("{\\object\\objemb");
   if (object.width > 0) words_.Word("objw", object.width);
   if (object.height > 0) words_.Word("objh", object.height);
