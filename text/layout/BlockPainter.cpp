@@ -24,6 +24,27 @@ QColor Rgb(Color color) {
   return QColor(color.rgb & 255, color.rgb >> 8 & 255, color.rgb >> 16 & 255);
 }
 
+// In the screen's measures whatever the device, as all text here is; from the rectangle's top or in its middle.
+void DrawLines(QPainter& painter, const QString& text, const QFont& font, const QRectF& rect, Qt::Alignment alignment,
+               bool rightToLeft = false) {
+  QTextLayout layout(text, font);
+  QTextOption option(alignment & Qt::AlignHorizontal_Mask);
+  option.setTextDirection(rightToLeft ? Qt::RightToLeft : Qt::LeftToRight);
+  option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+  layout.setTextOption(option);
+  double height = 0;
+  layout.beginLayout();
+  for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
+    line.setLineWidth(std::max(1.0, rect.width()));
+    line.setPosition({0, height});
+    height += line.height();
+    if (height > kMaxPixels) break;
+  }
+  layout.endLayout();
+  const double y = alignment & Qt::AlignVCenter ? std::max(0.0, (rect.height() - height) / 2) : 0;
+  layout.draw(&painter, rect.topLeft() + QPointF(0, y));
+}
+
 bool Contains(const std::vector<int>& offsets, int offset) {
   return std::binary_search(offsets.begin(), offsets.end(), offset);
 }
@@ -149,6 +170,11 @@ void BlockPainter::PaintText(const LayoutBlock& block, size_t line, const Select
   const QPointF position = origin + QPointF(0, geometry.baseline - qt.ascent());
   const int from = std::max(selected.from, geometry.begin), to = std::min(selected.to, geometry.end);
   painter_.setPen(text_);
+  // On paper what stands in for objects would be text.
+  const auto object = std::lower_bound(block.text().objects.begin(), block.text().objects.end(), geometry.begin);
+  if (options_.printing && object != block.text().objects.end() && *object < geometry.end) {
+    return PaintGlyphs(block, line, geometry.begin, geometry.end, position, true);
+  }
   if (from >= to) return qt.draw(&painter_, position);
   std::vector<QRectF> rects;
   block.AddRects(line, from, to, &rects);
@@ -170,14 +196,17 @@ void BlockPainter::PaintText(const LayoutBlock& block, size_t line, const Select
   painter_.restore();
 }
 
-// In the pen's colour whatever the formats say.
-void BlockPainter::PaintGlyphs(const LayoutBlock& block, size_t line, int from, int to, QPointF linePosition) {
+// In the pen's colour whatever the formats say, or in their own.
+void BlockPainter::PaintGlyphs(const LayoutBlock& block, size_t line, int from, int to, QPointF linePosition,
+                               bool ownColors) {
   const QTextLine qt = block.qtLine(line);
   const auto& runs = block.text().runs;
   for (size_t i = block.RunBehind(from); i < runs.size() && runs[i].begin < to; ++i) {
     const int begin = std::max(from, runs[i].begin), end = std::min(to, runs[i].end);
     if (end - begin == 1 && Contains(block.text().objects, begin)) continue;
     const FormatLook& look = block.LookOfRun(i);
+    const bool colored = look.format.hasProperty(QTextFormat::ForegroundBrush);
+    if (ownColors) painter_.setPen(colored ? look.format.foreground().color() : text_);
     const QPointF position = linePosition - QPointF(0, look.raise);
     for (QGlyphRun glyphs : qt.glyphRuns(begin, end - begin)) {
       glyphs.setFlags({});  // the painter misplaces the lines of a part of a run
@@ -233,9 +262,8 @@ void BlockPainter::PaintObject(const LayoutBlock& block, size_t line, int offset
   if (formats_[look.source.object].kind == ObjectKind::kNote) {
     QFont font = look.font;
     font.setPointSizeF(std::max(1.0, font.pointSizeF() * 0.75));
-    painter_.setFont(font);
     painter_.setPen(color);
-    return painter_.drawText(box, Qt::AlignHCenter | Qt::AlignTop | Qt::TextDontClip, QStringLiteral("*"));
+    return DrawLines(painter_, QStringLiteral("*"), font, box.adjusted(-2, 0, 2, 0), Qt::AlignHCenter);
   }
   if (!PaintPicture(look, box)) return PaintNamedFrame(look, box, color);
   if (!selected) return;
@@ -265,10 +293,9 @@ void BlockPainter::PaintNamedFrame(const FormatLook& look, const QRectF& box, co
   painter_.drawRect(box.adjusted(0.5, 0.5, -0.5, -0.5));
   QFont font = look.font;
   font.setUnderline(false);
-  painter_.setFont(font);
   const QRectF inside = box.adjusted(3, 1, -3, -1);
   painter_.setClipRect(inside, Qt::IntersectClip);
-  painter_.drawText(inside, Qt::AlignCenter | Qt::TextWordWrap, NameOf(formats_[look.source.object]));
+  DrawLines(painter_, NameOf(formats_[look.source.object]), font, inside, Qt::AlignCenter);
   painter_.restore();
 }
 
@@ -285,19 +312,13 @@ void BlockPainter::PaintStandIn(const QRectF& box, const QColor& color) {
 // --- What is not text
 
 void BlockPainter::PaintLabel(const LayoutBlock& block, QPointF origin) {
-  painter_.setFont(block.labelFont());
   painter_.setPen(ColorOf(block.LookAt(0)));
-  const QFontMetricsF metrics(block.labelFont());
   const double baseline = origin.y() + block.lines().front().baseline;
-  const QRectF rect(origin.x() + block.labelRect().left(), baseline - metrics.ascent(), block.labelRect().width(),
-                    metrics.height());
-  painter_.save();
-  painter_.setLayoutDirection(block.rightToLeft() ? Qt::RightToLeft : Qt::LeftToRight);
-  QTextOption option(Qt::AlignLeft | Qt::AlignAbsolute);
-  option.setWrapMode(QTextOption::NoWrap);
-  option.setTextDirection(block.rightToLeft() ? Qt::RightToLeft : Qt::LeftToRight);
-  painter_.drawText(rect, block.text().label, option);
-  painter_.restore();
+  const QRectF label = block.labelRect();
+  const QRectF rect(origin.x() + label.left(), baseline - QFontMetricsF(block.labelFont()).ascent(), label.width() + 1,
+                    label.height());
+  DrawLines(painter_, block.text().label, block.labelFont(), rect, Qt::AlignLeft | Qt::AlignAbsolute,
+            block.rightToLeft());
 }
 
 void BlockPainter::PaintCaret(const CaretShape& shape, QPointF origin, const FormatLook& look, const QRectF& cell) {

@@ -31,7 +31,8 @@ class BlockPainter {
   void PaintBackgrounds(const LayoutBlock& block, size_t line, QPointF origin);
   void PaintSelection(const LayoutBlock& block, size_t line, const Selected& selected, QPointF origin);
   void PaintText(const LayoutBlock& block, size_t line, const Selected& selected, QPointF origin);
-  void PaintGlyphs(const LayoutBlock& block, size_t line, int from, int to, QPointF linePosition);
+  void PaintGlyphs(const LayoutBlock& block, size_t line, int from, int to, QPointF linePosition,
+                   bool ownColors = false);
   void PaintMarks(const LayoutBlock& block, size_t line, const Selected& selected, QPointF origin);
   void PaintObject(const LayoutBlock& block, size_t line, int offset, QPointF origin, bool selected);
   bool PaintPicture(const FormatLook& look, const QRectF& box);

@@ -34,6 +34,8 @@ void EnsureApplication() {
   static int argc = 3;
   static char name[] = "quillmark", option[] = "-platform", platform[] = "offscreen";
   static char* argv[] = {name, option, platform, nullptr};
+  // What the toolkit notes of a session without a desktop is nothing that the user could mend.
+  qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
   static QGuiApplication application(argc, argv);
 }
 
