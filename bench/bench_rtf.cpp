@@ -57,7 +57,7 @@ void WriteRtf(benchmark::State& state, const std::string& bytes) {
   size_t written = 0;
   for (auto _ : state) {
     written = 0;
-    rtf::Write(result.content, result.properties, [&](std::string_view part) {
+    rtf::WriteAnew(result.content, result.properties, [&](std::string_view part) {
       written += part.size();
       return true;
     });

@@ -150,15 +150,31 @@ size_t NextBreak(const std::vector<FormatRun>& runs, size_t offset) {
   return runs.empty() ? 0 : runs.back().end;
 }
 
-std::string BytesOf(const std::vector<FormatRun>& runs, size_t begin, size_t end) {
+// What the CR LF of a paragraph in a table has for its LF, so that it is no other break's equal; 0 for other
+// paragraphs.
+constexpr char kInCell = 3;
+char TableByte(const ParaFormat& format) {
+  if (format.row == RowId::kNone) return 0;
+  return format.rowMark == RowMark::kNone ? kInCell : static_cast<char>(format.rowMark);
+}
+
+std::string BytesOf(const FormatTable& formats, const std::vector<FormatRun>& runs, size_t begin, size_t end) {
   std::string bytes;
   bytes.reserve(end - begin);
-  for (const FormatRun& run : runs)
-    if (run.begin < end && run.end > begin) {
-      const size_t from = std::max(begin, run.begin);
-      bytes.append(run.at(from), std::min(end, run.end) - from);
-    }
+  for (const FormatRun& run : runs) {
+    if (run.begin >= end || run.end <= begin) continue;
+    const size_t from = std::max(begin, run.begin), at = bytes.size();
+    bytes.append(run.at(from), std::min(end, run.end) - from);
+    const char mark = run.breaks ? TableByte(formats[run.para]) : 0;
+    if (mark == 0) continue;
+    for (size_t cr = bytes.find("\r\n", at); cr != std::string::npos; cr = bytes.find("\r\n", cr)) bytes[cr + 1] = mark;
+  }
   return bytes;
+}
+
+// The size of the break at the beginning of such bytes.
+size_t BreakSize(std::string_view bytes) {
+  return bytes.size() > 1 && bytes[0] == '\r' && (bytes[1] == '\n' || (bytes[1] > 0 && bytes[1] <= kInCell)) ? 2 : 1;
 }
 
 uint64_t Mix(uint64_t hash, uint64_t value) {
@@ -312,7 +328,7 @@ std::vector<Item> WordsOf(std::string_view bytes) {
       while (end < bytes.size() && InWord(bytes[end])) ++end;
     } else {
       while (end < bytes.size() && IsContinuation(bytes[end])) ++end;
-      if (bytes.substr(at).starts_with("\r\n")) ++end;
+      if (BreakSize(bytes.substr(at)) == 2) ++end;
     }
     words.push_back({at, HashOf(bytes.substr(at, end - at)), 0});
     at = end;
@@ -323,7 +339,8 @@ std::vector<Item> WordsOf(std::string_view bytes) {
 
 class Comparison {
  public:
-  Comparison(const Content& before, const Content& after) : aRuns_(RunsOf(before)), bRuns_(RunsOf(after)) {}
+  Comparison(const Content& before, const Content& after)
+      : formats_(before.formats()), aRuns_(RunsOf(before)), bRuns_(RunsOf(after)) {}
 
   std::vector<Match> Run() {
     const size_t aSize = aRuns_.empty() ? 0 : aRuns_.back().end, bSize = bRuns_.empty() ? 0 : bRuns_.back().end;
@@ -334,8 +351,8 @@ class Comparison {
       ending = aSize - NextBreak(aRuns_, aSize - ending);
     }
     Put(0, 0, base_);
-    a_ = BytesOf(aRuns_, base_, aSize - ending);
-    b_ = BytesOf(bRuns_, base_, bSize - ending);
+    a_ = BytesOf(formats_, aRuns_, base_, aSize - ending);
+    b_ = BytesOf(formats_, bRuns_, base_, bSize - ending);
     if (!a_.empty() && !b_.empty()) Paragraphs();
     Put(aSize - ending, bSize - ending, ending);
     return Finish();
@@ -372,7 +389,7 @@ class Comparison {
     for (size_t at = 0; at < bytes.size();) {
       size_t end = std::min(bytes.find_first_of("\r\n", at), bytes.size());
       const size_t textEnd = end;
-      if (end < bytes.size()) end += std::string_view(bytes).substr(end).starts_with("\r\n") ? 2 : 1;
+      if (end < bytes.size()) end += BreakSize(std::string_view(bytes).substr(end));
       Item item{at, HashOf(std::string_view(bytes).substr(at, end - at)), 0};
       uint64_t formats = item.text;
       size_t from = at;
@@ -462,11 +479,12 @@ class Comparison {
   }
   static bool InCharacter(const std::string& bytes, size_t at) {
     if (at == 0 || at >= bytes.size()) return false;
-    return IsContinuation(bytes[at]) || (bytes[at] == '\n' && bytes[at - 1] == '\r');
+    return IsContinuation(bytes[at]) || BreakSize(std::string_view(bytes).substr(at - 1)) == 2;
   }
 
   std::vector<Match> Finish() const;
 
+  const FormatTable& formats_;
   std::vector<FormatRun> aRuns_, bRuns_;
   size_t base_ = 0;    // where the bytes compared begin in both
   std::string a_, b_;  // the bytes compared
@@ -484,7 +502,8 @@ class Matches {
       while (bRuns_[k_].end <= after) ++k_;
       const size_t part = std::min({end - before, aRuns_[i_].end - before, bRuns_[k_].end - after});
       // Characters are cut only where stray bytes on one side are a whole character on the other.
-      const bool cut = IsContinuation(*aRuns_[i_].at(before)) ||
+      const bool cut = std::memcmp(aRuns_[i_].at(before), bRuns_[k_].at(after), part) != 0 ||
+                       IsContinuation(*aRuns_[i_].at(before)) ||
                        (before + part < end && (MayCut(aRuns_, before + part) || MayCut(bRuns_, after + part)));
       if (!cut) Split({before, after, part, {}});
       before += part, after += part;

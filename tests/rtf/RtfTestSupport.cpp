@@ -133,7 +133,7 @@ std::string PlainLines(const Content& content) {
 
 std::string Written(const Content& content, const DocumentProperties& properties) {
   std::string bytes;
-  Write(content, properties, [&](std::string_view part) {
+  WriteAnew(content, properties, [&](std::string_view part) {
     bytes += part;
     return true;
   });

@@ -143,7 +143,7 @@ bool IsKnownCodePage(int number) {
   return number == kSymbolCodePage || FindPage(number);
 }
 
-CodePage::CodePage(int number) {
+CodePage::CodePage(int number) : number_(number) {
   if (number == kSymbolCodePage) {
     for (int i = 0x20; i < 0x100; ++i) {
       std::string utf8;

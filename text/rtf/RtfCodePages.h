@@ -28,6 +28,7 @@ class CodePage {
   CodePage& operator=(const CodePage&) = delete;
 
   // Characters may take several bytes: collect them and call Decode.
+  int number() const { return number_; }
   bool multiByte() const { return multiByte_; }
   // True when the byte begins a character of two bytes, the second of which may lie below 0x80.
   bool IsLead(uint8_t byte) const { return leads_[byte]; }
@@ -45,6 +46,7 @@ class CodePage {
   void FillLeads(int number);
   void DecodeJohab(std::string_view bytes, std::string& out) const;
 
+  const int number_;
   bool multiByte_ = false;
   void* johab_ = nullptr;  // iconv_t: ICU has no converter for this one, the C library has
   UConverter* converter_ = nullptr;

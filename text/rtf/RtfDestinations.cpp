@@ -9,7 +9,11 @@
 namespace text::rtf {
 
 void RtfReader::Destination(const Keyword& word) {
-  if (word.op == Op::kSkipGroup) return Skip();
+  if (word.op == Op::kSkipGroup) {
+    Skip();
+    if (watcher_ && (word.word == "pntext" || word.word == "listtext")) watcher_->OnLabel(ThisGroup());
+    return;
+  }
   if (word.op == Op::kKeepGroup) return KeepGroup();
   if (word.op == Op::kPicture) return Picture();
   if (word.op == Op::kNextGraphic) return Attachment();
@@ -100,9 +104,12 @@ bool RtfReader::OpenText(Op op) {
       return true;
     case Op::kOpenShapePicture:
       sawShapePicture_ = true;
+      if (watcher_ && mode == Mode::kBody) watcher_->OnField(groupBegin_);
       return true;
     case Op::kOpenOldPicture:
-      if (std::exchange(sawShapePicture_, false)) Skip();
+      if (!std::exchange(sawShapePicture_, false)) return true;
+      Skip();
+      if (watcher_) watcher_->OnOldPicture(ThisGroup());
       return true;
     case Op::kOpenShapeProperty:
       shapeName_.clear();
@@ -166,7 +173,8 @@ void RtfReader::OpenUnicodeAlternative() {
 
 void RtfReader::OpenField() {
   state().opened = Opened::kField;
-  fields_.push_back({{}, false, output_.count()});
+  fields_.push_back({{}, false, output_.count(), groupBegin_});
+  if (watcher_) watcher_->OnField(groupBegin_);
 }
 
 void RtfReader::OpenResult() {
@@ -184,6 +192,8 @@ void RtfReader::CloseField() {
   if (output_.count() != field.textBefore) return;
   const SymbolField symbol = ParseSymbol(field.instruction);
   if (symbol.character == 0) return;
+  span_ = {field.begin, tokenizer_.position()};
+  spanKind_ = RtfWatcher::Text::kGroup;
   CurrentChars();
   if (!symbol.font.empty()) {
     state().chars.font = formats_.Intern(Font{symbol.font, 2, 0});

@@ -62,7 +62,7 @@ void RtfOutput::PutHeldBreak() {
   if (heldChar_ != char_ || pending_.size() > kFlushAt) StartRun(heldChar_);
   if (heldParagraph_ != paragraph_) {
     if (breaksEnd_ > 0) {
-      builder_.Append(std::string_view(pending_).substr(0, breaksEnd_), char_, paragraph_);
+      if (!mute_) builder_.Append(std::string_view(pending_).substr(0, breaksEnd_), char_, paragraph_);
       pending_.erase(0, breaksEnd_);
     }
     paragraph_ = heldParagraph_;
@@ -72,7 +72,7 @@ void RtfOutput::PutHeldBreak() {
 }
 
 void RtfOutput::Flush() {
-  if (!pending_.empty()) builder_.Append(pending_, char_, paragraph_);
+  if (!pending_.empty() && !mute_) builder_.Append(pending_, char_, paragraph_);
   pending_.clear();
   breaksEnd_ = 0;
 }

@@ -14,6 +14,8 @@ class RtfOutput {
  public:
   explicit RtfOutput(const std::shared_ptr<TextStore>& store);
 
+  // From now on nothing is built.
+  void Mute() { mute_ = true; }
   // UTF-8 without a line break.
   void Text(std::string_view utf8, CharFormatId format) {
     if (held_) PutHeldBreak();
@@ -58,6 +60,7 @@ class RtfOutput {
   CharFormatId heldChar_ = CharFormatId::kDefault;
   ParaFormatId heldParagraph_ = ParaFormatId::kDefault;
   int64_t count_ = 0;
+  bool mute_ = false;
   int64_t breaks_ = 0;
 };
 

@@ -131,6 +131,7 @@ bool RtfReader::ParagraphProperty(const Keyword& word, int32_t number) {
   if (int32_t* length = LengthOf(s.paragraph, word.op)) {
     *length = ClampLength(number);
     s.paragraphIdGood = false;
+    TellParagraphWord(false);
     return true;
   }
   switch (word.op) {
@@ -154,9 +155,11 @@ bool RtfReader::ParagraphProperty(const Keyword& word, int32_t number) {
       break;
     case Op::kInTable:
       s.inTable = true;
+      TellParagraphWord(false);
       return true;
     case Op::kTableLevel:
       s.tableLevel = static_cast<uint8_t>(std::clamp<int32_t>(number, 0, kMaxTableLevel));
+      TellParagraphWord(false);
       return true;
     case Op::kParagraphDefault:
       ResetParagraph(s);
@@ -165,6 +168,7 @@ bool RtfReader::ParagraphProperty(const Keyword& word, int32_t number) {
       return false;
   }
   s.paragraphIdGood = false;
+  TellParagraphWord(word.op == Op::kParagraphDefault);
   return true;
 }
 

@@ -3,6 +3,7 @@
 #include "text/TextStore.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace text::rtf {
 
@@ -51,6 +52,8 @@ ReadResult RtfReader::Run(bool fragment, const Progress& progress) {
 
 void RtfReader::Handle(const Token& token) {
   const bool first = firstWord_;
+  span_ = {tokenizer_.begin(), tokenizer_.position()};
+  spanKind_ = RtfWatcher::Text::kWhole;
   if (starred_ && token.kind != TokenKind::kWord && tooDeep_ == 0) {
     SetMode(Mode::kMuted);
   }
@@ -75,7 +78,7 @@ void RtfReader::Handle(const Token& token) {
       Word(token);
       break;
     case TokenKind::kBinary:
-      skipUnits_ = std::max(skipUnits_ - 1, 0);
+      if (skipUnits_ > 0) TellSkipped(1, span_.end);
       break;
     case TokenKind::kSymbol:
       if (token.text == "*" && skipUnits_ == 0) {
@@ -107,6 +110,7 @@ void RtfReader::OpenGroup() {
     result_.limited = true;
     return;
   }
+  if (watcher_) watcher_->OnGroup(groupBegin_);
   stack_.push_back(stack_.back());
   state().opened = Opened::kNothing;
 }
@@ -136,12 +140,14 @@ void RtfReader::CloseGroup() {
     case Opened::kNumbering:
       stack_[stack_.size() - 2].numbering = lists_.FinishNumbering([this](int32_t f) { return LabelFontOf(f); });
       stack_[stack_.size() - 2].paragraphIdGood = false;
+      TellParagraphWord(false);
       break;
     case Opened::kNothing:
     case Opened::kNote:
     case Opened::kAlternative:
       break;
   }
+  if (watcher_) TellClosing();
   if (stack_.size() == 1) {
     done_ = true;
     return;
@@ -149,6 +155,7 @@ void RtfReader::CloseGroup() {
   const bool note = state().opened == Opened::kNote;
   stack_.pop_back();
   if (note) CloseNote();
+  if (watcher_) watcher_->OnGroupEnd(tokenizer_.position());
 }
 
 // A paragraph format ends with its group; a last paragraph without \par keeps the one its last text had.
@@ -161,10 +168,7 @@ void RtfReader::RememberTail() {
 void RtfReader::Word(const Token& token) {
   const Keyword* word = FindKeyword(token.text);
   if (skipUnits_ > 0) {
-    if (word && word->kind == Kind::kSymbol && word->op == Op::kCharacter) {
-      --skipUnits_;
-      return;
-    }
+    if (word && word->kind == Kind::kSymbol && word->op == Op::kCharacter) return TellSkipped(1, span_.end);
     // Any other word is worth more than the fallback that some writers leave out.
     skipUnits_ = 0;
   }
@@ -185,8 +189,8 @@ void RtfReader::Word(const Token& token) {
 void RtfReader::Text(std::string_view ascii) {
   if (skipUnits_ > 0) {
     const size_t skipped = std::min(ascii.size(), static_cast<size_t>(skipUnits_));
-    skipUnits_ -= static_cast<int32_t>(skipped);
     ascii.remove_prefix(skipped);
+    TellSkipped(static_cast<int32_t>(skipped), OffsetOf(ascii.data()));
     if (ascii.empty()) return;
   }
   if (!pendingBytes_.empty()) {
@@ -194,10 +198,13 @@ void RtfReader::Text(std::string_view ascii) {
       pendingBytes_ += ascii.front();
       expectTrail_ = false;
       ascii.remove_prefix(1);
+      pendingSpan_.end = OffsetOf(ascii.data());
     }
     FlushBytes();
     if (ascii.empty()) return;
   }
+  span_ = {OffsetOf(ascii.data()), OffsetOf(ascii.data()) + ascii.size()};
+  spanKind_ = RtfWatcher::Text::kBytes;
   switch (state().mode) {
     case Mode::kBody:
       return EmitBody(ascii);
@@ -212,23 +219,25 @@ void RtfReader::Text(std::string_view ascii) {
 
 void RtfReader::RawBytes(std::string_view bytes) {
   const size_t skipped = std::min(bytes.size(), static_cast<size_t>(skipUnits_));
-  skipUnits_ -= static_cast<int32_t>(skipped);
   bytes.remove_prefix(skipped);
+  if (skipped > 0) TellSkipped(static_cast<int32_t>(skipped), OffsetOf(bytes.data()));
   const CodePage& page = Page();
   if (page.multiByte()) {
-    for (char byte : bytes) Byte(static_cast<uint8_t>(byte));
+    for (const char& byte : bytes) {
+      span_ = {OffsetOf(&byte), OffsetOf(&byte) + 1};
+      Byte(static_cast<uint8_t>(byte));
+    }
     return;
   }
+  span_ = {OffsetOf(bytes.data()), OffsetOf(bytes.data()) + bytes.size()};
+  spanKind_ = RtfWatcher::Text::kBytes;
   decoded_.clear();
   for (char byte : bytes) decoded_ += page.Character(static_cast<uint8_t>(byte));
   Emit(decoded_);
 }
 
 void RtfReader::Hex(int32_t value) {
-  if (skipUnits_ > 0) {
-    --skipUnits_;
-    return;
-  }
+  if (skipUnits_ > 0) return TellSkipped(1, span_.end);
   if (value < 0) return;
   if (state().mode == Mode::kLevelText) return lists_.LevelByte(static_cast<uint8_t>(value));
   if (value < 0x20) {
@@ -259,6 +268,8 @@ void RtfReader::Byte(uint8_t byte) {
   const bool full = pendingBytes_.size() >= kDecodeAt && !expectTrail_ && (byte & 0xC0) != 0x80;
   if (pendingPage_ != &page || full) FlushBytes();
   pendingPage_ = &page;
+  if (pendingBytes_.empty()) pendingSpan_.begin = span_.begin;
+  pendingSpan_.end = span_.end;
   pendingBytes_ += static_cast<char>(byte);
   expectTrail_ = !expectTrail_ && page.IsLead(byte);
 }
@@ -269,13 +280,20 @@ void RtfReader::FlushBytes() {
   pendingPage_->Decode(pendingBytes_, decoded_);
   pendingBytes_.clear();
   expectTrail_ = false;
+  const Span span = std::exchange(span_, pendingSpan_);
+  spanKind_ = RtfWatcher::Text::kWhole;
   Emit(decoded_);
+  span_ = span;
 }
 
 void RtfReader::FlushSurrogate() {
   if (highSurrogate_ == 0) return;
   highSurrogate_ = 0;
+  const Span span = std::exchange(span_, surrogateSpan_);
+  const RtfWatcher::Text kind = std::exchange(spanKind_, RtfWatcher::Text::kWhole);
   Emit("\xEF\xBF\xBD");
+  span_ = span;
+  spanKind_ = kind;
 }
 
 void RtfReader::Emit(std::string_view utf8) {
@@ -314,6 +332,7 @@ void RtfReader::Emit(std::string_view utf8) {
 void RtfReader::EmitBody(std::string_view utf8) {
   if (utf8.empty()) return;
   FlushSurrogate();
+  if (watcher_) TellText(utf8);
   output_.Text(utf8, CurrentChars());
   tailDepth_ = stack_.size();
   sawText_ = true;
@@ -323,7 +342,11 @@ void RtfReader::EmitBody(std::string_view utf8) {
 void RtfReader::Anchor(EmbeddedObject object) {
   FlushSurrogate();
   CharFormat format = formats_[CurrentChars()];
-  format.object = formats_.Add(std::move(object));
+  if (watcher_) {
+    TellObject(object);
+  } else {
+    format.object = formats_.Add(std::move(object));
+  }
   output_.Text("\uFFFC", formats_.Intern(format));
   tailDepth_ = stack_.size();
   sawText_ = true;

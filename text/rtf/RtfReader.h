@@ -9,6 +9,7 @@
 #include "text/rtf/RtfState.h"
 #include "text/rtf/RtfTables.h"
 #include "text/rtf/RtfTokenizer.h"
+#include "text/rtf/RtfWatcher.h"
 
 namespace text::rtf {
 
@@ -18,11 +19,18 @@ class RtfReader {
   RtfReader(std::shared_ptr<const std::string> owner, std::string_view bytes, const std::shared_ptr<TextStore>& store);
   ReadResult Run(bool fragment, const Progress& progress);
 
+  // Reads what was read before, in the same store, and only tells the watcher.
+  void Watch(RtfWatcher& watcher);
+  InForce inForce();
+  const Tables& tables() const { return tables_; }
+  const int32_t& defaultFont() const { return defaultFont_; }
+
  private:
   struct Field {
     std::string instruction;
     bool tooLong = false;
     int64_t textBefore = 0;  // the output's count at its beginning
+    size_t begin = 0;
   };
 
   // --- RtfReader.cpp: groups and text
@@ -44,6 +52,16 @@ class RtfReader {
   void Anchor(EmbeddedObject object);
   void RememberTail();
   GroupState& state() { return stack_.back(); }
+
+  // --- RtfWatch.cpp
+  size_t OffsetOf(const char* at) const { return static_cast<size_t>(at - bytes_.data()); }
+  void TellSkipped(int32_t units, size_t end);
+  void TellText(std::string_view utf8);
+  void TellBreak(bool joins);
+  void TellObject(const EmbeddedObject& object);
+  void TellClosing();
+  void TellParagraphWord(bool reset);
+  Span ThisGroup() const;
 
   // --- RtfProperties.cpp: flags, toggles and values
   void Property(const Keyword& word, const Token& token);
@@ -107,6 +125,13 @@ class RtfReader {
   FormatTable& formats_;
   CodePages pages_;
   ReadResult result_;
+
+  // --- What the watcher is told of
+  RtfWatcher* watcher_ = nullptr;
+  Span span_;  // of what is under way
+  RtfWatcher::Text spanKind_ = RtfWatcher::Text::kWhole;
+  Span pendingSpan_, surrogateSpan_;  // of pendingBytes_ and highSurrogate_
+  bool fallbackCounts_ = false;       // the last \u was told
 
   // --- Groups
   std::vector<GroupState> stack_;

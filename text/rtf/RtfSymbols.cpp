@@ -43,10 +43,7 @@ void RtfReader::ControlSymbol(char symbol) {
     skipUnits_ = 0;
     return Paragraph();
   }
-  if (skipUnits_ > 0) {
-    --skipUnits_;
-    return;
-  }
+  if (skipUnits_ > 0) return TellSkipped(1, span_.end);
   if (const char32_t character = CharacterOf(symbol)) Character(character);
 }
 
@@ -77,12 +74,14 @@ void RtfReader::Symbol(const Keyword& word) {
 }
 
 void RtfReader::EndCell(uint8_t level) {
+  if (watcher_) TellBreak(false);
   const ParaFormatId format = rows_.AtCell(CurrentParagraph(), level, output_.breaks(), state().level() > 0);
   output_.Break(CharsOfBreak(), format);
 }
 
 // The row's last cell ends with it.
 void RtfReader::EndRow(uint8_t level) {
+  if (watcher_) TellBreak(output_.atCellEnd());
   if (output_.atCellEnd()) {
     ParaFormatId& cell = output_.heldParagraph();
     cell = rows_.AtRow(cell, level, output_.breaks() - 1);
@@ -100,6 +99,7 @@ void RtfReader::Paragraph() {
   tailLevel_ = state().level();
   const bool inTable = rows_.any() || tailLevel_ > 0;
   const ParaFormatId format = inTable ? rows_.AtBreak(tailParagraph_, tailLevel_, output_.breaks()) : tailParagraph_;
+  if (watcher_) TellBreak(false);
   output_.Break(CharsOfBreak(), format);
   tailDepth_ = 0;
   sawText_ = true;
@@ -113,11 +113,16 @@ void RtfReader::Unicode(int32_t number) {
   if (IsLowSurrogate(unit) && highSurrogate_ != 0) {
     const char32_t pair = 0x10000 + ((highSurrogate_ - 0xD800) << 10) + (unit - 0xDC00);
     highSurrogate_ = 0;
+    span_.begin = surrogateSpan_.begin;
+    spanKind_ = RtfWatcher::Text::kOpen;
     return Character(pair);
   }
   FlushSurrogate();
+  fallbackCounts_ = false;
+  spanKind_ = RtfWatcher::Text::kOpen;
   if (IsHighSurrogate(unit)) {
     highSurrogate_ = unit;
+    surrogateSpan_ = span_;
   } else if (unit == '\r' || unit == '\n') {
     Paragraph();
   } else if (unit != 0) {  // a NUL is dropped in every spelling

@@ -66,6 +66,7 @@ bool RtfTokenizer::AtClose() {
 
 Token RtfTokenizer::Next() {
   while (position_ < bytes_.size() && ClassOf(bytes_[position_]) == kIgnored) ++position_;
+  begin_ = position_;
   if (position_ == bytes_.size()) return {};
   const char first = bytes_[position_];
   const uint8_t kind = ClassOf(first);

@@ -39,6 +39,8 @@ class RtfTokenizer {
   bool AtClose();
   // Offset of the next unread byte.
   size_t position() const { return position_; }
+  // Of the first byte of the last token.
+  size_t begin() const { return begin_; }
 
  private:
   static constexpr size_t kMaxWord = 32;
@@ -49,6 +51,7 @@ class RtfTokenizer {
 
   std::string_view bytes_;
   size_t position_ = 0;
+  size_t begin_ = 0;
 };
 
 }  // namespace text::rtf

@@ -139,7 +139,7 @@ void RtfWriter::SendIfLarge() {
   out_.clear();
 }
 
-bool Write(const Content& content, const DocumentProperties& properties, const ByteSink& sink) {
+bool WriteAnew(const Content& content, const DocumentProperties& properties, const ByteSink& sink) {
   return RtfWriter(content, properties, sink).Run(content.all(), true);
 }
 

@@ -1,0 +1,149 @@
+// Edited documents saved into the file they were read from.
+#include "tests/rtf/EditedDocument.h"
+
+namespace text::rtf {
+namespace {
+
+using Edit = std::function<void(Edited&)>;
+
+Edit Type(const std::string& behind, const std::string& text) {
+  return [=](Edited& e) { e.Type(e.Find(behind).end, text); };
+}
+Edit TypeBefore(const std::string& before, const std::string& text) {
+  return [=](Edited& e) { e.Type(e.Find(before).begin, text); };
+}
+Edit Delete(const std::string& text) {
+  return [=](Edited& e) { e.Delete(text); };
+}
+Edit Flag(const std::string& text, CharFlag flag) {
+  return [=](Edited& e) { e.Chars(text, [=](CharFormat& f) { f.flags ^= flag; }); };
+}
+Edit Align(const std::string& text, Alignment alignment) {
+  return [=](Edited& e) { e.Paragraphs(text, [=](ParaFormat& f) { f.alignment = alignment; }); };
+}
+
+struct Row {
+  const char* source;
+  Edit edit;
+  const char* saved;
+};
+
+void Check(const Row& row) {
+  Edited edited(row.source);
+  const std::string before = Describe(edited.content);
+  row.edit(edited);
+  ASSERT_NE(Describe(edited.content), before) << row.source << ": nothing was edited";
+  EXPECT_EQ(edited.Saved(), row.saved);
+}
+
+TEST(RtfSplice, UneditedIsTheFileItself) {
+  const std::string source(" {\\rtf1 {\\*\\who knows}a\\par}\n\0junk", 36);
+  EXPECT_EQ(Edited(source).Saved(), source);
+}
+
+TEST(RtfSplice, Text) {
+  const Row kRows[] = {
+      {"{\\rtf1 Hello world\\par}", Type("Hello", " new"), "{\\rtf1 Hello new world\\par}"},
+      {"{\\rtf1 Hello world\\par}", Type("world", "!"), "{\\rtf1 Hello world!\\par}"},
+      {"{\\rtf1 Hello world\\par}", TypeBefore("Hello", "Oh, "), "{\\rtf1 Oh, Hello world\\par}"},
+      {"{\\rtf1 Hello world}", Type("world", "!"), "{\\rtf1 Hello world!}"},
+      {"{\\rtf1\\ansi}", Type("", "new"), "{\\rtf1\\ansi new}"},
+      {"{\\rtf1\\pard\\b Hello\\b0  world\\par}", Type("Hello", "X"), "{\\rtf1\\pard\\b HelloX\\b0  world\\par}"},
+      {"{\\rtf1 one two three\\par}", Delete("two "), "{\\rtf1 one three\\par}"},
+      {"{\\rtf1 one{\\*\\x y}\\b two\\b0  three\\par}", Delete("two "), "{\\rtf1 one{\\*\\x y}\\b \\b0 three\\par}"},
+      {"{\\rtf1 a\\b\\'e9b\\b0 c\\par}", Delete("é"), "{\\rtf1 a\\b b\\b0 c\\par}"},
+      {"{\\rtf1 a\\u8364?b\\par}", Delete("€"), "{\\rtf1 ab\\par}"},
+      {"{\\rtf1 a\\u8364?b\\par}", Type("€", "x"), "{\\rtf1 a\\u8364?{x}b\\par}"},
+      {"{\\rtf1 a\\u-10179?\\u-8704?b\\par}", Delete("😀"), "{\\rtf1 ab\\par}"},
+      {"{\\rtf1 a\\u-10179?\\u-8704?b\\par}", Type("😀", "x"), "{\\rtf1 a\\u-10179?\\u-8704?{x}b\\par}"},
+      {"{\\rtf1\\uc2 a\\par}", Type("a", "Ж"), "{\\rtf1\\uc2 a\\u1046??\\par}"},
+      {"{\\rtf1\\uc0 a b\\par}", Type("a", "Ж1"), "{\\rtf1\\uc0 a\\u1046 1 b\\par}"},
+      {"{\\rtf1 a\\emdash b\\par}", Type("—", "x"), "{\\rtf1 a\\emdash xb\\par}"},
+      {"{\\rtf1 a{}b\\line c\\par}", Delete("b\u2028"), "{\\rtf1 a{}c\\par}"},
+      {"{\\rtf1 a\\\\b\\par}", Type("b", "5{"), "{\\rtf1 a\\\\b5\\{\\par}"},
+      {"{\\rtf1 abc", Type("b", "x"), "{\\rtf1 abxc"},
+      {"{\\rtf1 abc}}}\n}", Type("c", "x"), "{\\rtf1 abcx}}}\n}"},
+      {"{\\rtf1\\ansicpg932{\\fonttbl{\\f0\\fcharset128 M;}}\\f0\\'83A\\'83B\\par}", Delete("ア"),
+       "{\\rtf1\\ansicpg932{\\fonttbl{\\f0\\fcharset128 M;}}\\f0\\'83B\\par}"},
+      {"{\\rtf1\\ansicpg932{\\fonttbl{\\f0\\fcharset128 M;}}\\f0\\'83\\'41\\'83\\'43\\par}", Delete("ア"),
+       "{\\rtf1\\ansicpg932{\\fonttbl{\\f0\\fcharset128 M;}}\\f0\\u12452?\\par}"},
+  };
+  for (const Row& row : kRows) Check(row);
+}
+
+TEST(RtfSplice, CharacterFormats) {
+  const Row kRows[] = {
+      {"{\\rtf1 one two three\\par}", Flag("two", kBold), "{\\rtf1 one {\\b two} three\\par}"},
+      {"{\\rtf1\\kerning1 one {\\i\\lang1 two} three\\par}", Flag("two", kBold),
+       "{\\rtf1\\kerning1 one {\\i\\lang1 {\\b two}} three\\par}"},
+      {"{\\rtf1 one\\b  two\\par}", Flag(" two", kBold), "{\\rtf1 one two\\b \\par}"},
+      {"{\\rtf1{\\super 2}\\par}", [](Edited& e) { e.Chars("2", [](CharFormat& f) { f.offset = 0; }); },
+       "{\\rtf1{\\super {\\nosupersub\\fs16 2}}\\par}"},
+      {"{\\rtf1 a\\par}", [](Edited& e) { e.Chars("a", [](CharFormat& f) { f.color.rgb = 255; }); },
+       "{\\rtf1 {\\colortbl;\\red255\\green0\\blue0;}{\\cf1 a}\\par}"},
+      {"{\\rtf1{\\colortbl;\\red1\\green2\\blue3}\\cf7 a\\par}",
+       [](Edited& e) { e.Chars("a", [](CharFormat& f) { f.color.rgb = 255; }); },
+       "{\\rtf1{\\colortbl;\\red1\\green2\\blue3;;;;;;;\\red255\\green0\\blue0;}\\cf7 {\\cf8 a}\\par}"},
+      {"{\\rtf1{\\fonttbl\\f0 Arial;}\\f3 a\\par}",
+       [](Edited& e) { e.Chars("a", [&](CharFormat& f) {
+                         f.font = e.formats().Intern(Font{"Ünter", 0, 2});
+                       }); },
+       "{\\rtf1{\\fonttbl\\f0 Arial;{\\f4\\fswiss\\fcharset0 \\u220?nter;}}\\f3 {\\f4 a}\\par}"},
+      {"{\\rtf1 a\\par}",
+       [](Edited& e) { e.Chars("a", [&](CharFormat& f) {
+                         f.font = e.formats().Intern(Font{"Arial", 0, 2});
+                       }); },
+       "{\\rtf1 {\\fonttbl{\\f1\\fswiss\\fcharset0 Arial;}}{\\f1 a}\\par}"},
+  };
+  for (const Row& row : kRows) Check(row);
+}
+
+TEST(RtfSplice, Paragraphs) {
+  const Row kRows[] = {
+      {"{\\rtf1 one two\\par three\\par}", Type("one", "\r\n"), "{\\rtf1 one\\par\r\n two\\par three\\par}"},
+      {"{\\rtf1\\pard\\qc one\\par\\pard two\\par}", Delete("one\r\n"), "{\\rtf1\\pard\\qc \\pard two\\par}"},
+      {"{\\rtf1\\b one\\par two\\par}", Delete("\r\n"), "{\\rtf1\\b onetwo\\par}"},
+      {"{\\rtf1 one\\par two}", Delete("two"), "{\\rtf1 one\\par \\par\r\n}"},
+      {"{\\rtf1 one}", Type("one", "\r\n"), "{\\rtf1 one\\par\r\n\\par\r\n}"},
+      {"{\\rtf1 one\\par}", Type("one", "\r\n"), "{\\rtf1 one\\par\r\n\\par}"},
+      {"{\\rtf1\\keepn one\\par two\\par}", Align("one", Alignment::kCenter),
+       "{\\rtf1\\keepn \\qc one\\par \\ql two\\par}"},
+      {"{\\rtf1 one\\par\\pard two\\par}", Align("one", Alignment::kCenter), "{\\rtf1 \\qc one\\par\\pard two\\par}"},
+      {"{\\rtf1 {\\b one}\\par two\\par three\\par}", Align("one\r\ntwo", Alignment::kCenter),
+       "{\\rtf1 \\qc{\\b one}\\par two\\par \\ql three\\par}"},
+      {"{\\rtf1{one\\par two\\par}three\\par}", Align("two", Alignment::kCenter),
+       "{\\rtf1{one\\par \\qc two\\par}three\\par}"},
+      {"{\\rtf1 one}", Align("one", Alignment::kRight), "{\\rtf1 \\qr one}"},
+      {"{\\rtf1\\pard\\keepn\\tx720\\s3 one\\par}",
+       [](Edited& e) { e.Paragraphs("one", [](ParaFormat& f) { f.tabs = TabsId::kNone; }); },
+       "{\\rtf1\\pard\\keepn\\tx720\\s3 \\pard\\keepn\\s3 one\\par}"},
+  };
+  for (const Row& row : kRows) Check(row);
+}
+
+// Whatever is edited, it finds its place in the file.
+TEST(RtfSplice, RandomEdits) {
+  const std::string kSources[] = {
+      "{\\rtf1\\ansi{\\fonttbl{\\f0 Arial;}{\\f1\\fcharset2 "
+      "Symbol;}}{\\colortbl;\\red255\\green0\\blue0;}\\pard\\qc\\b One two"
+      "\\b0  three\\par\\pard{\\pntext\\f1\\'B7\\tab}{\\*\\pn\\pnlvlblt\\pnf1{\\pntxtb\\'B7}}\\fi-360\\li720 "
+      "item\\par\r\n"
+      "{\\pntext\\f1\\'B7\\tab}{\\i item} two\\par\\pard\\tx100 \\u8364?x\\u-10179?\\u-8704?\\line end\\par}",
+      "{\\rtf1 {a {\\i b\\qr c}\\par\\sa3 d}\\par{\\field{\\*\\fldinst HYPERLINK \"http://x\"}{\\fldrslt li\\b nk}} "
+      "{\\field{\\*\\fldinst PAGE}{\\fldrslt 12}}e{\\super 2}\\par\\pard\\keepn f g}",
+      "{\\rtf1 x{\\footnote note}y{\\*\\shppict{\\pict\\pngblip 00}}{\\nonshppict{\\pict\\wmetafile8 "
+      "00}}z\\par\\trowd\\cellx100"
+      "\\cellx200\\pard\\intbl a b\\cell c\\par d\\cell\\row\\pard after\\par}",
+      "{\\rtf1\\ansicpg932{\\fonttbl{\\f0\\fcharset128 M;}}\\f0\\'83A\\'83\\'42\\'83\\'43a\\\n\\uc2\\u12450\\'83A\\cf9 "
+      "b\\sect c",
+  };
+  for (uint32_t seed = 1; seed <= 2000; ++seed) {
+    std::mt19937 random(seed);
+    Edited edited(kSources[seed % std::size(kSources)]);
+    for (uint32_t count = 1 + seed % 3; count > 0; --count) EditAtRandom(edited, random);
+    ASSERT_NE(edited.Saved(), "ANEW") << "seed " << seed << "\n" << edited.Tried();
+  }
+}
+
+}  // namespace
+}  // namespace text::rtf

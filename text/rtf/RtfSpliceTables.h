@@ -1,0 +1,55 @@
+// Numbers of fonts and colours in the tables of a file, and what must be added to these.
+#pragma once
+
+#include "text/FormatTable.h"
+#include "text/rtf/RtfTables.h"
+
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace text::rtf {
+
+class SpliceTables {
+ public:
+  // `tables` and `defaultFont` grow while the file is read.
+  SpliceTables(std::string_view source, FormatTable& formats, const Tables& tables, const int32_t& defaultFont)
+      : source_(source), formats_(formats), tables_(tables), defaultFont_(defaultFont) {}
+
+  int32_t Number(FontId font);
+  int32_t Number(Color color);
+
+  // The bytes of the file's colour table, without its closing brace.
+  void ColorTableEnds(std::string_view table);
+  // What the file's tables take in before their closing brace.
+  const std::string& newFonts() const { return newFonts_; }
+  std::string newColors() const;
+  // Tables of their own, for a file without.
+  std::string OwnTables(bool fonts, bool colors) const;
+
+ private:
+  struct Highest {
+    int32_t font = -1, color = -1;
+  };
+  const Highest& InUse();
+  void KnowFonts();
+  void AddFont(int32_t number, const Font& font);
+  int32_t NewColor(std::optional<uint32_t> rgb);
+
+  std::string_view source_;
+  FormatTable& formats_;
+  const Tables& tables_;
+  const int32_t& defaultFont_;
+  uint32_t generation_ = 0;  // of the table that fonts_ is about
+  std::map<FontId, int32_t> fonts_, ownFonts_;
+  std::map<std::optional<uint32_t>, int32_t> ownColors_;
+  bool openColor_ = false;  // the file's last entry lacks its semicolon
+  std::optional<Highest> inUse_;
+  std::string newFonts_, newColors_;
+};
+
+// Where a table may stand in a file that has none: behind the words about the whole document.
+size_t EndOfHeader(std::string_view source);
+
+}  // namespace text::rtf

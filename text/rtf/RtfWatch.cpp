@@ -1,0 +1,81 @@
+// What the reader tells a watcher.
+#include "text/rtf/RtfReader.h"
+
+namespace text::rtf {
+
+void RtfReader::Watch(RtfWatcher& watcher) {
+  watcher_ = &watcher;
+  output_.Mute();
+  Run(true, {});
+}
+
+InForce RtfReader::inForce() {
+  InForce now;
+  now.chars = formats_[CurrentChars()];
+  now.plainChars = state().chars;
+  now.plainChars.link = now.chars.link;
+  now.script = state().script != 0;
+  now.paragraph = formats_[CurrentParagraph()];
+  now.tableLevel = state().level();
+  now.fallbackCount = state().fallbackCount;
+  now.codePage = state().codePage->number();
+  return now;
+}
+
+// The fallback of a high surrogate lies within the pair.
+void RtfReader::TellSkipped(int32_t units, size_t end) {
+  skipUnits_ -= units;
+  if (!watcher_) return;
+  if (highSurrogate_ != 0) {
+    surrogateSpan_.end = end;
+  } else if (fallbackCounts_) {
+    watcher_->OnFallback(end);
+  }
+}
+
+void RtfReader::TellText(std::string_view utf8) {
+  fallbackCounts_ = true;
+  watcher_->OnText(span_, utf8, spanKind_);
+}
+
+void RtfReader::TellBreak(bool joins) {
+  fallbackCounts_ = true;
+  watcher_->OnBreak(span_, joins);
+}
+
+void RtfReader::TellObject(const EmbeddedObject& object) {
+  const std::string_view group = object.rtf.bytes;
+  if (!group.empty()) {
+    const size_t begin = OffsetOf(group.data());
+    span_ = {begin, begin + group.size()};
+    spanKind_ = RtfWatcher::Text::kGroup;
+  } else {
+    span_.end = tokenizer_.position();
+    spanKind_ = RtfWatcher::Text::kWhole;
+  }
+  watcher_->OnText(span_, "\uFFFC", spanKind_);
+}
+
+void RtfReader::TellParagraphWord(bool reset) {
+  if (watcher_ && state().mode == Mode::kBody) watcher_->OnParagraphWord(span_, reset);
+}
+
+Span RtfReader::ThisGroup() const {
+  return {groupBegin_, std::min(tokenizer_.position() + 1, bytes_.size())};
+}
+
+// Before the innermost group ends.
+void RtfReader::TellClosing() {
+  const GroupState& group = state();
+  const bool atBrace = tokenizer_.begin() < bytes_.size() && tokenizer_.position() == tokenizer_.begin() + 1;
+  if (stack_.size() == 1) {
+    FlushSurrogate();
+    return watcher_->OnEnd(atBrace ? tokenizer_.begin() : bytes_.size());
+  }
+  if (!atBrace) return;
+  if (group.opened == Opened::kFonts) watcher_->OnTableEnd(RtfWatcher::Table::kFonts, tokenizer_.begin());
+  if (group.mode == Mode::kColors && stack_[stack_.size() - 2].mode != Mode::kColors)
+    watcher_->OnTableEnd(RtfWatcher::Table::kColors, tokenizer_.begin());
+}
+
+}  // namespace text::rtf
