@@ -2,6 +2,7 @@
 #pragma once
 
 #include "tests/rtf/RtfTestSupport.h"
+#include "text/rtf/RtfSave.h"
 #include "text/rtf/RtfSplice.h"
 
 #include <gtest/gtest.h>

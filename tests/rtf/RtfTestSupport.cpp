@@ -1,5 +1,7 @@
 #include "tests/rtf/RtfTestSupport.h"
 
+#include "text/rtf/RtfSave.h"
+
 #include <cstdio>
 #include <utility>
 

@@ -1,6 +1,7 @@
 #include "text/rtf/RtfWriter.h"
 
 #include "text/rtf/RtfCodePages.h"
+#include "text/rtf/RtfSave.h"
 
 namespace text::rtf {
 
