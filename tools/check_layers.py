@@ -45,7 +45,7 @@ LIBRARIES = {
 }
 
 ENGINE = ["text", "text/rtf", "text/html", "files"]
-WINDOW = ENGINE + ["text/layout", "ui"]
+WINDOW = ENGINE + ["text/layout", "text/pictures", "ui"]
 FEATURES = ["documents", "autocomplete", "project", "foldertree", "search", "panes"]
 ANY_QT = ["QtCore", "QtGui", "QtWidgets", "QtPrintSupport", "QtDBus", "QtSvg", "QtNetwork"]
 
@@ -60,7 +60,8 @@ ROOMS = {
     "text/rtf": room(["text"], ["icu"], "RTF is built on the engine and knows the standard library, POSIX and ICU"),
     "text/html": room(["text"], ["icu", "xml"], "HTML is built on the engine and knows the standard library, POSIX, ICU and libxml2"),
     "files": room([], [], "files/ knows the standard library and POSIX"),
-    "text/layout": room(["text"], ["QtCore", "QtGui"], "the layout knows the engine, QtCore and QtGui, but no widget"),
+    "text/pictures": room(["text"], ["QtCore", "QtGui"], "pictures know the engine, QtCore and QtGui"),
+    "text/layout": room(["text", "text/pictures"], ["QtCore", "QtGui"], "the layout knows the engine, QtCore and QtGui, but no widget"),
     "ui": room(WINDOW, ANY_QT, "the window layer knows the engine, files/, the layout and Qt"),
     "ui/desktop": room(WINDOW, ANY_QT + ["gio", "xkb", "chm"], "ui/desktop/ knows what ui/ does, GIO, XKB and libchm"),
     "services": room(WINDOW, ["QtCore"], "services/ knows the window layer and below, and of Qt only QtCore"),

@@ -101,6 +101,23 @@ TEST_F(AccessibleTest, NamesTheFormatOfARun) {
   EXPECT_EQ(end, 4);
 }
 
+TEST_F(AccessibleTest, NamesObjectsAndLinks) {
+  text::FormatTable& formats = box.document().formats();
+  text::EmbeddedObject object;
+  object.type = text::PictureType::kEmf;
+  object.name = "a \"plan\"; of\nit";
+  text::CharFormat format;
+  format.object = formats.Add(object);
+  format.link = formats.InternLink("https://quillmark.example/");
+  const text::CharFormatId id = formats.Intern(format);
+  box.document().Reset(box.document().content().WithCharFormats({text::Units(4), text::Units(5)},
+                                                                [id](text::CharFormatId) { return id; }));
+  box.DocumentEdited();
+  const QString attributes = text->attributes(4, &start, &end);
+  EXPECT_TRUE(attributes.contains("object-name:\"EMF picture: a plan of it\";")) << attributes.toStdString();
+  EXPECT_TRUE(attributes.contains("link:\"https://quillmark.example/\";"));
+}
+
 // --- What listeners are told
 
 std::string Line(const QAccessibleEvent& event) {

@@ -99,6 +99,20 @@ TEST(TableEdits, KeepTheStructure) {
   }
 }
 
+// Where the last row is the text's end.
+TEST(TableEdits, AtTheEndOfTheText) {
+  Editor editor("|");
+  Fill(editor, {"ab", "cd"}, "cr");
+  editor.Press("Tab Tab");
+  EXPECT_EQ(editor.Shown(), "ab\ncd\n|\n");
+  EXPECT_EQ(Marks(editor), "crcr");
+  editor.Press("'x' Tab 'y' Ctrl+A Delete");
+  EXPECT_EQ(editor.Shown(), "|");
+  EXPECT_EQ(Marks(editor), "-");
+  editor.Press("Ctrl+Z");
+  EXPECT_EQ(Marks(editor), "crcr");
+}
+
 struct PasteCase {
   const char* name;
   int from, to, at;  // what is copied, and where it goes

@@ -1,8 +1,8 @@
 // Pictures, notes and labels of lists in the text.
 #include "LayoutTesting.h"
 #include "text/layout/ListNumbers.h"
-#include "text/layout/Metafile.h"
-#include "text/layout/Pictures.h"
+#include "text/pictures/Metafile.h"
+#include "text/pictures/Pictures.h"
 
 #include <QBuffer>
 
@@ -10,6 +10,8 @@
 
 namespace text::layout {
 namespace {
+
+using namespace pictures;
 
 std::string Encoded(const QImage& image, const char* format) {
   QByteArray bytes;

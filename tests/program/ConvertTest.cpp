@@ -105,7 +105,7 @@ TEST_F(CommandLineTest, PagesNeedNoDisplay) {
     const QByteArray pdf = QByteArray::fromStdString(Bytes(out));
     EXPECT_TRUE(pdf.startsWith("%PDF") && pdf.endsWith("%%EOF\n"));
     EXPECT_EQ(pdf.count("/Type /Page\n"), 2) << name;
-    EXPECT_EQ(pdf.contains("/MediaBox [0 0 250 300]"), std::string(name) == "a.rtf") << name;
+    EXPECT_EQ(pdf.contains("/MediaBox [0 0 250.000000 300.000000]"), std::string(name) == "a.rtf") << name;
   }
 }
 

@@ -52,7 +52,7 @@ bool Contains(const std::vector<int>& offsets, int offset) {
 }  // namespace
 
 BlockPainter::BlockPainter(QPainter& painter, const QRectF& clip, double x, const PaintOptions& options,
-                           const FormatTable& formats, PictureCache& pictures)
+                           const FormatTable& formats, pictures::PictureCache& pictures)
     : painter_(painter), clip_(clip), x_(x), options_(options), formats_(formats), pictures_(pictures) {
   const QPalette& palette = options.palette;
   const auto group = options.selectionActive ? QPalette::Active : QPalette::Inactive;
@@ -295,7 +295,7 @@ void BlockPainter::PaintNamedFrame(const FormatLook& look, const QRectF& box, co
   font.setUnderline(false);
   const QRectF inside = box.adjusted(3, 1, -3, -1);
   painter_.setClipRect(inside, Qt::IntersectClip);
-  DrawLines(painter_, NameOf(formats_[look.source.object]), font, inside, Qt::AlignCenter);
+  DrawLines(painter_, pictures::NameOf(formats_[look.source.object]), font, inside, Qt::AlignCenter);
   painter_.restore();
 }
 

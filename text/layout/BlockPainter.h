@@ -1,8 +1,8 @@
 // Draws laid-out text: backgrounds, selection, text, cells' borders, objects and what stands for page breaks.
 #pragma once
 
-#include "text/layout/Pictures.h"
 #include "text/layout/View.h"
+#include "text/pictures/Pictures.h"
 
 class QPainter;
 
@@ -12,7 +12,7 @@ class BlockPainter {
  public:
   // x is where the blocks' left edges are; both live as long as the painter does.
   BlockPainter(QPainter& painter, const QRectF& clip, double x, const PaintOptions& options, const FormatTable& formats,
-               PictureCache& pictures);
+               pictures::PictureCache& pictures);
 
   void Paint(const PlacedBlock& placed);
   // Some lines of a part alone, and the frames of a row cut to a stretch of its height (in the viewport).
@@ -46,7 +46,7 @@ class BlockPainter {
   double x_;
   const PaintOptions& options_;
   const FormatTable& formats_;
-  PictureCache& pictures_;
+  pictures::PictureCache& pictures_;
   QColor text_, highlight_, highlightedText_, faint_;
 };
 

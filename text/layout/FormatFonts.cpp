@@ -1,7 +1,7 @@
 #include "text/layout/FormatFonts.h"
 
-#include "text/layout/Pictures.h"
 #include "text/layout/ViewLayout.h"
+#include "text/pictures/Pictures.h"
 
 #include <QFontMetricsF>
 #include <QGuiApplication>
@@ -82,7 +82,7 @@ FormatLook FormatFonts::Make(const FormatTable& formats, const CharFormat& forma
   } else if (format.link != LinkId::kNone) {
     look.format.setForeground(linkColor_);
   }
-  if (format.object != ObjectId::kNone) look.object = ShownSize(formats[format.object], look, zoom_);
+  if (format.object != ObjectId::kNone) look.object = pictures::ShownSize(formats[format.object], look.font, zoom_);
   if (look.raise != 0) look.format.setBaselineOffset(100 * look.raise / (look.ascent + look.descent));
   look.fontOnly = format.color.isAuto() && format.link == LinkId::kNone && look.raise == 0;
   return look;

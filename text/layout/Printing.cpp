@@ -103,7 +103,7 @@ class Printer {
   QPagedPaintDevice& device_;
   Document document_;
   Blocks blocks_;
-  PictureCache pictures_;
+  pictures::PictureCache pictures_;
   QSizeF size_;  // of the pages' text area, pixels
 };
 

@@ -1,8 +1,8 @@
 #include "text/layout/ViewLayout.h"
 
 #include "text/layout/BlockPainter.h"
-#include "text/layout/Pictures.h"
 #include "text/layout/ScrollModel.h"
+#include "text/pictures/Pictures.h"
 
 #include <QPainter>
 
@@ -36,7 +36,7 @@ struct ViewLayout::Impl {
   Blocks blocks;
   View view;
   ScrollModel scroll;
-  PictureCache pictures;
+  pictures::PictureCache pictures;
 };
 
 void ViewLayout::Impl::Update() {

@@ -1,7 +1,7 @@
 #include "ui/editor/EditorAccessible.h"
 
 #include "text/Movement.h"
-#include "text/layout/Pictures.h"
+#include "text/pictures/Pictures.h"
 #include "ui/editor/EditorClipboard.h"
 #include "ui/editor/RichTextBoxImpl.h"
 
@@ -303,7 +303,7 @@ QString EditorAccessible::attributes(int offset, int* start, int* end) const {
     if (format.flags & text::kStrikeThru) result += QStringLiteral("text-line-through-type:single;");
     const auto& formats = content().formats();
     if (format.object != text::ObjectId::kNone) {
-      result += QStringLiteral("object-name:\"%1\";").arg(Quotable(text::layout::NameOf(formats[format.object])));
+      result += QStringLiteral("object-name:\"%1\";").arg(Quotable(text::pictures::NameOf(formats[format.object])));
     }
     if (format.link != text::LinkId::kNone) {
       result += QStringLiteral("link:\"%1\";").arg(Quotable(QString::fromStdString(formats[format.link])));

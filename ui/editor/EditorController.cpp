@@ -88,7 +88,11 @@ bool EditorController::Replace(Range range, std::string_view bytes, text::EditKi
   DropComposition();
   const text::CharFormatId format = document_.formats().Intern(FormatFor(range));
   document_.SetTypingFormat(remembered_ ? std::optional(document_.formats().Intern(*remembered_)) : std::nullopt);
+  const bool leavesRowMark = LeavesRowMark(range);
+  std::optional<text::EditGroup> step;
+  if (leavesRowMark) step.emplace(document_);
   const Range inserted = document_.Replace(range, bytes, format, kind, selection_);
+  if (leavesRowMark) DropLastRowMark();
   PlaceCaret({inserted.end, inserted.end}, Bias::kRight);
   return true;
 }

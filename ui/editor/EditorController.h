@@ -147,6 +147,8 @@ class EditorController {
   // EditorTables.cpp
   bool KeepsTables(text::Range range) const;
   text::Content FittedToTables(text::Range range, const text::Content& fragment) const;
+  bool LeavesRowMark(text::Range range) const;
+  void DropLastRowMark();
   void AddRow(text::Breaks first, text::Breaks last);
 
   // EditorMovement.cpp

@@ -57,6 +57,21 @@ bool EditorController::KeepsTables(Range range) const {
   return wholeFirst && beginsRow(last, range.end);
 }
 
+// Rows at the text's end have gone but for the format of its last paragraph.
+bool EditorController::LeavesRowMark(Range range) const {
+  const Content& content = document_.content();
+  const Breaks first = content.ParagraphAt(range.begin);
+  return content.formats().hasRows() && range.end == content.size() && first < content.breaks() &&
+         FormatOf(content, content.breaks()).row != RowId::kNone && HasMarks(content, range);
+}
+
+void EditorController::DropLastRowMark() {
+  const Content& content = document_.content();
+  const text::ParaFormatId plain = document_.formats().Intern(WithoutRow(FormatOf(content, content.breaks())));
+  const Units begin = content.ParagraphStart(content.breaks()), size = content.size() - begin;
+  document_.Commit(content.WithLastParaFormat(plain), {begin, size, size, true}, text::EditKind::kCommand, selection_);
+}
+
 // In a cell rows become paragraphs of it. Elsewhere whole rows stay, in paragraphs of their own; parts of one do not.
 Content EditorController::FittedToTables(Range range, const Content& fragment) const {
   const Content& content = document_.content();
@@ -105,20 +120,24 @@ bool EditorController::MoveToCell(bool forward) {
              : text::layout::CellOf(content, forward ? content.ParagraphStart(beside) : content.ParagraphEnd(beside));
   if (other) {
     select(forward ? other->cells.front() : other->cells.back());
-  } else if (forward && !atEdge) {
+  } else if (forward) {
     AddRow(place->row.first, place->row.last);
   }
   return true;
 }
 
-// Behind the last row of a table, with cells like its own.
+// Behind the last row of a table, with cells like its own. At the text's end the last row has no break yet; then that
+// comes first and the new row has none.
 void EditorController::AddRow(Breaks first, Breaks last) {
   const Content& content = document_.content();
-  const Units behind = content.ParagraphEnd(last) + Units(1);
+  const bool atEnd = last == content.breaks();
+  const Units behind = content.ParagraphEnd(last) + Units(atEnd ? 0 : 1);
   if (!UserMayChange({behind, behind})) return;
   ContentBuilder builder(content.store());
   const auto lineBreak = text::BytesOfUtf16(u"\n", document_.properties().lineEnd);
+  if (atEnd) builder.Append(lineBreak, text::CharFormatId::kDefault, content.lastParaFormat());
   for (Breaks paragraph = first; paragraph <= last; ++paragraph) {
+    if (atEnd && paragraph == last) break;
     const ParaFormatId id = content.ParaFormatOf(paragraph);
     const ParaFormat& format = content.formats()[id];
     if (format.rowMark == RowMark::kNone || content.formats()[format.row].level > 1) continue;
@@ -131,7 +150,8 @@ void EditorController::AddRow(Breaks first, Breaks last) {
   document_.Replace({behind, behind}, builder.Finish(), text::EditKind::kCommand, selection_);
   document_.SealStep();
   remembered_.reset();
-  PlaceCaret({behind, behind}, text::Bias::kRight);
+  const Units cell = behind + Units(atEnd ? 1 : 0);
+  PlaceCaret({cell, cell}, text::Bias::kRight);
 }
 
 }  // namespace ui

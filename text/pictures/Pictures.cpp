@@ -1,6 +1,6 @@
-#include "text/layout/Pictures.h"
+#include "text/pictures/Pictures.h"
 
-#include "text/layout/Metafile.h"
+#include "text/pictures/Metafile.h"
 
 #include <QBuffer>
 #include <QCoreApplication>
@@ -11,9 +11,10 @@
 #include <algorithm>
 #include <cmath>
 
-namespace text::layout {
+namespace text::pictures {
 namespace {
 
+constexpr double kTwipsPerPixel = 15;
 constexpr double kWhole = 10000;  // of what crops are counted in
 
 // The bytes are not copied; a reader over them must not outlive them.
@@ -102,9 +103,10 @@ QImage Decode(const EmbeddedObject& object, QSize pixels) {
 
 }  // namespace
 
-QSizeF ShownSize(const EmbeddedObject& object, const FormatLook& look, double zoom) {
-  const double height = std::ceil(look.ascent + look.descent);
-  if (object.kind == ObjectKind::kNote) return {std::ceil(height / 2), std::ceil(look.ascent)};
+QSizeF ShownSize(const EmbeddedObject& object, const QFont& font, double zoom) {
+  const QFontMetricsF metrics(font);
+  const double height = std::ceil(metrics.ascent() + metrics.descent());
+  if (object.kind == ObjectKind::kNote) return {std::ceil(height / 2), std::ceil(metrics.ascent())};
   QSizeF size(object.width / kTwipsPerPixel, object.height / kTwipsPerPixel);
   if (size.isEmpty()) {
     const QSize own = PictureReader(object).size();
@@ -112,22 +114,22 @@ QSizeF ShownSize(const EmbeddedObject& object, const FormatLook& look, double zo
     size = QSizeF(own.width() * crop.width, own.height() * crop.height);
   }
   // What says nothing of its size is a frame for its name.
-  if (size.isEmpty()) return {QFontMetricsF(look.font).horizontalAdvance(NameOf(object)) + height, 2 * height};
+  if (size.isEmpty()) return {metrics.horizontalAdvance(NameOf(object)) + height, 2 * height};
   return size * zoom;
 }
 
 QString NameOf(const EmbeddedObject& object) {
   const QString name = QString::fromStdString(object.name).simplified();
-  const auto tr = [](const char* text) { return QCoreApplication::translate("text::layout", text); };
-  if (object.kind == ObjectKind::kNote) return tr(QT_TRANSLATE_NOOP("text::layout", "Note"));
+  const auto tr = [](const char* text) { return QCoreApplication::translate("text::pictures", text); };
+  if (object.kind == ObjectKind::kNote) return tr(QT_TRANSLATE_NOOP("text::pictures", "Note"));
   if (object.kind == ObjectKind::kEmbedded) {
-    return name.isEmpty() ? tr(QT_TRANSLATE_NOOP("text::layout", "Embedded object")) : name;
+    return name.isEmpty() ? tr(QT_TRANSLATE_NOOP("text::pictures", "Embedded object")) : name;
   }
   static constexpr const char* kNames[] = {
-      QT_TRANSLATE_NOOP("text::layout", "Picture"),          QT_TRANSLATE_NOOP("text::layout", "PNG picture"),
-      QT_TRANSLATE_NOOP("text::layout", "JPEG picture"),     QT_TRANSLATE_NOOP("text::layout", "DIB picture"),
-      QT_TRANSLATE_NOOP("text::layout", "WMF picture"),      QT_TRANSLATE_NOOP("text::layout", "EMF picture"),
-      QT_TRANSLATE_NOOP("text::layout", "Macintosh picture")};
+      QT_TRANSLATE_NOOP("text::pictures", "Picture"),          QT_TRANSLATE_NOOP("text::pictures", "PNG picture"),
+      QT_TRANSLATE_NOOP("text::pictures", "JPEG picture"),     QT_TRANSLATE_NOOP("text::pictures", "DIB picture"),
+      QT_TRANSLATE_NOOP("text::pictures", "WMF picture"),      QT_TRANSLATE_NOOP("text::pictures", "EMF picture"),
+      QT_TRANSLATE_NOOP("text::pictures", "Macintosh picture")};
   const QString kind = tr(kNames[static_cast<size_t>(object.type)]);
   return name.isEmpty() ? kind : kind + QStringLiteral(": ") + name;
 }
@@ -160,4 +162,4 @@ void PictureCache::Clear() {
   bytes_ = 0;
 }
 
-}  // namespace text::layout
+}  // namespace text::pictures

@@ -1,11 +1,11 @@
 // WMF: records of 16-bit numbers, the arguments mostly in reverse order.
-#include "text/layout/Metafile.h"
-#include "text/layout/MetafileCanvas.h"
+#include "text/pictures/Metafile.h"
+#include "text/pictures/MetafileCanvas.h"
 
 #include <algorithm>
 #include <cmath>
 
-namespace text::layout {
+namespace text::pictures {
 namespace {
 
 constexpr uint32_t kPlaceable = 0x9AC6CDD7u;
@@ -237,4 +237,4 @@ QImage DrawWmf(std::string_view bytes, QSize pixels) {
   return WmfPlayer(bytes, pixels).Run();
 }
 
-}  // namespace text::layout
+}  // namespace text::pictures

@@ -1,12 +1,12 @@
 // EMF: records of 32-bit numbers.
-#include "text/layout/Metafile.h"
-#include "text/layout/MetafileCanvas.h"
+#include "text/pictures/Metafile.h"
+#include "text/pictures/MetafileCanvas.h"
 
 #include <algorithm>
 #include <bit>
 #include <cmath>
 
-namespace text::layout {
+namespace text::pictures {
 namespace {
 
 constexpr uint32_t kHeader = 1, kEnd = 14;
@@ -329,4 +329,4 @@ QImage DrawEmf(std::string_view bytes, QSize pixels) {
   return EmfPlayer(bytes, pixels).Run();
 }
 
-}  // namespace text::layout
+}  // namespace text::pictures

@@ -1,27 +1,24 @@
 // Pictures and other embedded objects as they are shown.
 #pragma once
 
+#include "text/FormatTable.h"
 #include "text/Objects.h"
-#include "text/layout/FormatFonts.h"
 
+#include <QFont>
 #include <QImage>
 #include <QString>
 
 #include <list>
-#include <memory>
 
-namespace text {
-class TextStore;
-}
-
-namespace text::layout {
+namespace text::pictures {
 
 // No picture with more pixels or bytes is decoded.
 constexpr int64_t kMaxPicturePixels = int64_t{64} << 20;
 constexpr size_t kMaxPictureBytes = size_t{64} << 20;
 
-// In logical pixels at that zoom, before it is made to fit. Reads a picture's head at most.
-QSizeF ShownSize(const EmbeddedObject& object, const FormatLook& look, double zoom);
+// In logical pixels at that zoom, before it is made to fit; the font is that of text in its place. Reads a picture's
+// head at most.
+QSizeF ShownSize(const EmbeddedObject& object, const QFont& font, double zoom);
 
 // What is written where there is no picture to show, for people: "PNG picture", or the object's own name.
 QString NameOf(const EmbeddedObject& object);
@@ -45,4 +42,4 @@ class PictureCache {
   size_t bytes_ = 0;
 };
 
-}  // namespace text::layout
+}  // namespace text::pictures

@@ -6,11 +6,11 @@
 
 #include <string_view>
 
-namespace text::layout {
+namespace text::pictures {
 
 // Null where nothing can be drawn. Records that are not known are passed over; their number and the points they may
 // have are bounded, so no picture takes long.
 QImage DrawWmf(std::string_view bytes, QSize pixels);
 QImage DrawEmf(std::string_view bytes, QSize pixels);
 
-}  // namespace text::layout
+}  // namespace text::pictures

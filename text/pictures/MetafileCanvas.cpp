@@ -1,4 +1,4 @@
-#include "text/layout/MetafileCanvas.h"
+#include "text/pictures/MetafileCanvas.h"
 
 #include <QBuffer>
 #include <QFontMetricsF>
@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <cmath>
 
-namespace text::layout {
+namespace text::pictures {
 namespace {
 
 constexpr size_t kMostObjects = 4096;
@@ -176,4 +176,4 @@ void MetafileCanvas::ClosePath() {
   if (path_) path_->closeSubpath();
 }
 
-}  // namespace text::layout
+}  // namespace text::pictures

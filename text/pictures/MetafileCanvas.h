@@ -13,7 +13,7 @@
 #include <variant>
 #include <vector>
 
-namespace text::layout {
+namespace text::pictures {
 
 // Numbers of little-endian bytes; what lies behind the end is 0.
 class RecordBytes {
@@ -102,4 +102,4 @@ QColor MetafileColor(uint32_t rgb);
 QPen MetafilePen(uint32_t style, double width, uint32_t color);
 QBrush MetafileBrush(uint32_t style, uint32_t color);
 
-}  // namespace text::layout
+}  // namespace text::pictures
