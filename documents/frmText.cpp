@@ -76,8 +76,7 @@ void frmText::TakeIn(ReadDocument read) {
   origin_.stamp = read.stamp;
   origin_.notRtf = read.notRtf;
   origin_.rtfBytes = std::move(read.rtfBytes);
-  origin_.lost = read.rtf.dropped;
-  if (read.rtf.limited) origin_.lost.push_back(tr("what was left out because there is too much of it").toStdString());
+  origin_.limited = read.rtf.limited;
   if (read.notRtf) SetDefaultFormat();
   if (read.rich) {
     RichTextBox1_->LoadRtf(std::move(read.rtf));

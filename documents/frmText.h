@@ -91,10 +91,10 @@ class frmText : public ui::ChildForm {
     std::optional<files::FileStamp> stamp;  // of the file as it was read or written last; nothing: there was none
     std::optional<text::Content> asLoaded;  // what rtfBytes are the file of
     std::shared_ptr<const std::string> rtfBytes;
-    std::vector<std::string> lost;  // what saving as RTF would lose, until the user agreed
-    bool loseElsewhere = false;     // the user agreed for a file of another name
-    bool notRtf = false;            // an .rtf name, but the bytes were none, and nobody said what to write
-    bool plainByChoice = false;     // the user said: the text it is
+    bool limited = false;        // some of the RTF was too much to read, until the user agreed to lose it
+    bool loseElsewhere = false;  // the user agreed for a file of another name
+    bool notRtf = false;         // an .rtf name, but the bytes were none, and nobody said what to write
+    bool plainByChoice = false;  // the user said: the text it is
     enum class FileHas { kWhatWasRead, kWhatASaveLeft, kTheWholeText };
     FileHas fileHas = FileHas::kWhatWasRead;      // of a file that a recovered text was not made from
     std::vector<files::RecoveryEntry> recovered;  // entries that hold this text, claimed
@@ -116,7 +116,7 @@ class frmText : public ui::ChildForm {
   QString WhyNotReplaced() const;
   Go AskFormat(text::TextProperties& properties);
   Go AskNotRtf();
-  Go AskLost();
+  Go AskLimited();
   Go AskEncoding(text::TextProperties& properties);
   Go Ask(const QString& text, ui::Buttons buttons, ui::Icon icon);
   bool WriteRecovery();

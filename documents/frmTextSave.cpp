@@ -162,7 +162,7 @@ frmText::Go frmText::AskFormat(text::TextProperties& properties) {
   if (IsAsLoaded() && (!IsRichName(caption()) || origin_.rtfBytes || origin_.notRtf)) return Go::kOn;
   if (IsRichName(caption())) {
     if (const Go go = AskNotRtf(); go != Go::kOn) return go;
-    if (!origin_.plainByChoice) return AskLost();
+    if (!origin_.plainByChoice) return AskLimited();
   }
   return AskEncoding(properties);
 }
@@ -185,12 +185,11 @@ frmText::Go frmText::AskNotRtf() {
   return Go::kStop;
 }
 
-frmText::Go frmText::AskLost() {
-  if (origin_.lost.empty()) return Go::kOn;
-  const QString text = tr("holds what this program cannot save: %1.  Do you want to save it without?");
-  const Go go = Ask(text.arg(QString::fromStdString(text::rtf::InWords(origin_.lost))), ui::Buttons::kYesNoCancel,
-                    ui::Icon::kExclamation);
-  if (go == Go::kOn) origin_.lost.clear();
+frmText::Go frmText::AskLimited() {
+  if (!origin_.limited) return Go::kOn;
+  const Go go = Ask(tr("holds more than this program reads.  Do you want to save it without what was left out?"),
+                    ui::Buttons::kYesNoCancel, ui::Icon::kExclamation);
+  if (go == Go::kOn) origin_.limited = false;
   origin_.loseElsewhere = go == Go::kSaveAs;
   return go;
 }
@@ -267,7 +266,7 @@ SaveOutcome frmText::ReportSaveError(const files::Error& error, int attributes) 
 // What was agreed for one name does not hold for another; under the new one the old file keeps what would be lost.
 void frmText::TakeName(const files::Path& chosen) {
   if (!files::SamePath(chosen, path())) {
-    if (origin_.loseElsewhere) origin_.lost.clear();
+    if (origin_.loseElsewhere) origin_.limited = false;
     origin_.notRtf = origin_.plainByChoice = false;
     origin_.kept.reset();
   }

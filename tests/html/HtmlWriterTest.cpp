@@ -10,7 +10,7 @@ namespace text::html {
 namespace {
 
 std::string Html(std::string_view rtf, const Options& options = {}) {
-  const rtf::ReadResult read = rtf::Read(rtf, std::make_shared<TextStore>());
+  const rtf::ReadResult read = rtf::Read(std::string(rtf), std::make_shared<TextStore>());
   std::string html;
   EXPECT_TRUE(Write(read.content, options, [&](std::string_view part) {
     html += part;

@@ -34,15 +34,9 @@ struct ReadResult {
   bool isRtf = false;  // false: the bytes do not begin as RTF; the content is empty
   Content content;
   DocumentProperties properties;
-  // What a save would lose, in words for the user ("tables", "footnotes", "pictures"), without repeats, in the order of
-  // their first appearance. Empty = nothing is lost.
-  std::vector<std::string> dropped;
   bool limited = false;  // a cap was reached and some content was left out
   bool cancelled = false;
 };
-
-// The names as one phrase: "tables", "tables and pictures", "tables, pictures and footnotes".
-std::string InWords(const std::vector<std::string>& dropped);
 
 // True when the bytes begin as RTF (a UTF-8 mark, blanks and NUL before it allowed).
 bool LooksLikeRtf(std::string_view bytes);

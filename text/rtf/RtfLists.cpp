@@ -32,16 +32,18 @@ void AppendLabel(std::string& label, std::string_view utf8) {
 
 // As the font shows it: in a symbol font every letter is a symbol.
 std::string InFont(std::string_view label, const LabelFont& font) {
-  std::string out;
+  std::string out, utf8;
   while (!label.empty()) {
     const char32_t c = TakeCharacter(label);
+    utf8.clear();
     if (font.symbol && c > 0x20 && c < 0x7F) {
-      AppendUtf8(out, 0xF000 + c);
+      AppendUtf8(utf8, 0xF000 + c);
     } else if (!font.symbol && c >= 0xF080 && c <= 0xF0FF && font.codePage && !font.codePage->multiByte()) {
-      out += font.codePage->Character(static_cast<uint8_t>(c & 0xFF));
+      utf8 = font.codePage->Character(static_cast<uint8_t>(c & 0xFF));
     } else {
-      AppendUtf8(out, c);
+      AppendUtf8(utf8, c);
     }
+    AppendLabel(out, utf8);
   }
   return out;
 }
