@@ -97,10 +97,11 @@ void RtfSplice::LeadTo(const Reach& here, const ParaFormat& from, const ParaForm
 }
 
 void RtfSplice::Deviate(const Reach& here, const ParaFormat& format, const ParaFormat& original) {
-  deviation_.emplace();
-  static_cast<Reach&>(*deviation_) = here;
-  deviation_->format = format;
-  deviation_->original = original;
+  Deviation deviation;
+  static_cast<Reach&>(deviation) = here;
+  deviation.format = format;
+  deviation.original = original;
+  deviation_ = deviation;
 }
 
 void RtfSplice::OnParagraphWord(Span span, bool reset) {
