@@ -1,6 +1,7 @@
 // The main window's commands.
 #pragma once
 
+#include "autocomplete/AutoComplete.h"
 #include "documents/DocumentTable.h"
 #include "documents/Opening.h"
 #include "project/ProjectList.h"
@@ -15,8 +16,15 @@ namespace commands {
 class Commands {
  public:
   Commands(services::Services& services, documents::DocumentTable& table, documents::Opening& opening,
-           project::Project& project, project::ProjectList& list, ui::ToolBar& toolbar)
-      : services_(services), table_(table), opening_(opening), project_(project), list_(list), Toolbar1_(toolbar) {}
+           project::Project& project, project::ProjectList& list, autocomplete::AutoComplete& autoComplete,
+           ui::ToolBar& toolbar)
+      : services_(services),
+        table_(table),
+        opening_(opening),
+        project_(project),
+        list_(list),
+        autoComplete_(autoComplete),
+        Toolbar1_(toolbar) {}
 
   // --- File
   void mnuNewProject_Click() { project_.mnuNewProject_Click(); }
@@ -26,6 +34,7 @@ class Commands {
   void mnuNew_Click();
   void mnuOpenFile_Click();
   void mnuSaveAll_Click();
+  void mnuOpenAutoComplete_Click() { autoComplete_.mnuOpenAutoComplete_Click(); }
   void mnuExit_Click();
   void mnuRecentFile_Click(size_t index);  // from 0
 
@@ -41,6 +50,8 @@ class Commands {
   void mnuListEditPrj_Click() { list_.mnuListEditPrj_Click(); }
 
   // --- Options
+  void mnuAutoCompleteToggle_Click() { autoComplete_.mnuAutoCompleteToggle_Click(); }
+  bool AutoCompleteOn() const { return autoComplete_.AutoCompleteOn(); }
   void mnuToolbarButtonRaised_Click();
   void mnuToolbarButtonFlat_Click();
   // 1 = flat buttons, 0 = raised ones.
@@ -60,16 +71,17 @@ class Commands {
 
   // By a code of the setting SaveArrange: 0 cascade, 1 rows, 2 columns.
   void Arrange(int code);
+  void RefreshAllDocuments();
 
  private:
   void SetToolbarStyle(int style);
-  void RefreshAllDocuments();
 
   services::Services& services_;
   documents::DocumentTable& table_;
   documents::Opening& opening_;
   project::Project& project_;
   project::ProjectList& list_;
+  autocomplete::AutoComplete& autoComplete_;
   ui::ToolBar& Toolbar1_;
   int toolbarStyle_ = 1;
   ui::WindowState minRest_ = ui::WindowState::kNormal;

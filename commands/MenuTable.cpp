@@ -64,9 +64,9 @@ constexpr Row With(const char* icon, Row row) {
 }
 
 // Checked while the main window says so.
-constexpr Row Choice(const char* name, const char* caption, void (Commands::*command)(),
+constexpr Row Choice(const char* name, const char* caption, const char* key, void (Commands::*command)(),
                      bool (Commands::*chosen)() const) {
-  Row row = Main(name, caption, "", "", "", command);
+  Row row = Main(name, caption, "", key, key, command);
   row.menu.checkable = true;
   row.chosen = chosen;
   return row;
@@ -83,6 +83,9 @@ bool CanUndo(frmText& document) {
 }
 bool CanRedo(frmText& document) {
   return document.RichTextBox1().CanRedo();
+}
+bool AutoCompleteOn(frmText& document) {
+  return document.AutoCompleteOn();
 }
 bool ClipboardHasText(frmText&) {
   return ui::ClipboardHasText();
@@ -109,6 +112,8 @@ constexpr Row kMenus[] = {
     Doc("mnuCopyPath", QT_TRANSLATE_NOOP("Menu", "Copy document &pathname to clipboard"), "", "", On<&frmText::mnuCopyPath_Click>),
     Edits(Doc("mnuRefresh", QT_TRANSLATE_NOOP("Menu", "&Refresh"), "", "F5", On<&frmText::mnuRefresh_Click>)),
     Separator(),
+    Main("mnuOpenAutoComplete", QT_TRANSLATE_NOOP("Menu", "Load &Auto-Complete file..."), "", "", "", &Commands::mnuOpenAutoComplete_Click),
+    Separator(),
     Main("mnuExit", QT_TRANSLATE_NOOP("Menu", "E&xit"), "Alt+F4", "", "", &Commands::mnuExit_Click),
     Separator(),
     List("mnuRecentFile"),
@@ -127,6 +132,8 @@ constexpr Row kMenus[] = {
     End(),
     With("clear", Doc("mnuDelete", QT_TRANSLATE_NOOP("Menu", "&Delete"), "Del", "", On<&frmText::mnuDelete_Click>)),
     Doc("mnuSelAll", QT_TRANSLATE_NOOP("Menu", "Select &All"), "Ctrl+A", "", On<&frmText::mnuSelAll_Click>),
+    Separator(),
+    Edits(With("auto-complete", Doc("mnuAutoComplete", QT_TRANSLATE_NOOP("Menu", "&Auto-Complete"), "", "F4", On<&frmText::mnuAutoComplete_Click>, AutoCompleteOn))),
   End(),
   Menu("mnuFormat", QT_TRANSLATE_NOOP("Menu", "For&mat"), true),
     Menu("mnuEmphasis", QT_TRANSLATE_NOOP("Menu", "&Emphasis"), true),
@@ -162,10 +169,12 @@ constexpr Row kMenus[] = {
     Main("mnuListEditPrj", QT_TRANSLATE_NOOP("Menu", "&Edit project file as document"), "", "", "", &Commands::mnuListEditPrj_Click),
   End(),
   Menu("mnuOptions", QT_TRANSLATE_NOOP("Menu", "&Options")),
+    Choice("mnuAutoCompleteToggle", QT_TRANSLATE_NOOP("Menu", "Toggle &Auto-Complete"), "Shift+F4", &Commands::mnuAutoCompleteToggle_Click, &Commands::AutoCompleteOn),
+    Separator(),
     Menu("mnuToolBar", QT_TRANSLATE_NOOP("Menu", "Tool&bar")),
       Menu("mnuToolbarButtonStyle", QT_TRANSLATE_NOOP("Menu", "&Button style")),
-        Choice("mnuToolbarButtonRaised", QT_TRANSLATE_NOOP("Menu", "&raised"), &Commands::mnuToolbarButtonRaised_Click, &Commands::ToolbarIsRaised),
-        Choice("mnuToolbarButtonFlat", QT_TRANSLATE_NOOP("Menu", "&flat"), &Commands::mnuToolbarButtonFlat_Click, &Commands::ToolbarIsFlat),
+        Choice("mnuToolbarButtonRaised", QT_TRANSLATE_NOOP("Menu", "&raised"), "", &Commands::mnuToolbarButtonRaised_Click, &Commands::ToolbarIsRaised),
+        Choice("mnuToolbarButtonFlat", QT_TRANSLATE_NOOP("Menu", "&flat"), "", &Commands::mnuToolbarButtonFlat_Click, &Commands::ToolbarIsFlat),
       End(),
     End(),
   End(),

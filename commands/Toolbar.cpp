@@ -88,6 +88,12 @@ void Toolbar::ShowSelectionState(const services::SelectionState& state) {
   }
 }
 
+void Toolbar::ShowChosen() {
+  const std::span<const ToolbarRow> rows = ToolbarTable();
+  for (size_t i = 0; i < rows.size(); ++i)
+    if (rows[i].chosen) Toolbar1_.SetState(i, StateOf((commands_.*rows[i].chosen)()));
+}
+
 void Toolbar::FollowActiveDocument() {
   if (documents::frmText* document = table_.Active()) {
     document->ShowState();

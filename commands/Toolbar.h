@@ -14,6 +14,8 @@ class Toolbar {
   void ToolbarToggle(bool enabled);
   // Of the active document. A mixed alignment leaves the buttons as they were.
   void ShowSelectionState(const services::SelectionState& state);
+  // Of the buttons that show a state of the main window.
+  void ShowChosen();
   // After another document, or none, has become the active one.
   void FollowActiveDocument();
 

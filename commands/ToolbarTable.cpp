@@ -54,6 +54,14 @@ constexpr ToolbarRow Align(const char* key, const char* longText, const char* sh
   return row;
 }
 
+// Of the main window, and always enabled.
+constexpr ToolbarRow Choice(const char* key, const char* longText, const char* shortText, const char* icon,
+                            void (Commands::*command)(), bool (Commands::*chosen)() const) {
+  ToolbarRow row{.button = {key, longText, shortText, icon}, .face = {.command = command}, .chosen = chosen};
+  row.button.toggles = true;
+  return row;
+}
+
 constexpr ToolbarRow Group(ToolbarRow row) {
   row.button.newGroup = true;
   return row;
@@ -76,6 +84,7 @@ constexpr ToolbarRow kButtons[] = {
   Group(Align("Align left", QT_TRANSLATE_NOOP("Toolbar", "Align left"), QT_TRANSLATE_NOOP("Toolbar", "Left"), "align-left", On<&frmText::mnuAlignLeft_Click>, 0)),
   Align("Align center", QT_TRANSLATE_NOOP("Toolbar", "Align center"), QT_TRANSLATE_NOOP("Toolbar", "Center"), "align-center", On<&frmText::mnuAlignCenter_Click>, 2),
   Align("Align right", QT_TRANSLATE_NOOP("Toolbar", "Align right"), QT_TRANSLATE_NOOP("Toolbar", "Right"), "align-right", On<&frmText::mnuAlignRight_Click>, 1),
+  Group(Choice("Auto", QT_TRANSLATE_NOOP("Toolbar", "Enable/disable Auto-Complete"), QT_TRANSLATE_NOOP("Toolbar", "Auto-Complete"), "auto-complete", &Commands::mnuAutoCompleteToggle_Click, &Commands::AutoCompleteOn)),
 };
 // clang-format on
 

@@ -22,7 +22,8 @@ struct ToolbarRow {
   std::span<const ToolbarCommand> menu = {};  // as the button's menu
   bool needsDocument = false;                 // enabled by ToolbarToggle
   std::optional<bool> services::SelectionState::*state = nullptr;
-  int alignment = -1;  // pressed while the selection has it
+  int alignment = -1;                          // pressed while the selection has it
+  bool (Commands::*chosen)() const = nullptr;  // pressed while the main window says so
 };
 
 std::span<const ToolbarRow> ToolbarTable();

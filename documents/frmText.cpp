@@ -25,7 +25,8 @@ frmText::frmText(services::Services& services, DocumentTable& table, int slot)
       services_(services),
       table_(table),
       slot_(slot),
-      RichTextBox1_(static_cast<ui::RichTextBox*>(content())) {
+      RichTextBox1_(static_cast<ui::RichTextBox*>(content())),
+      Completion_(services.MakeCompletion(*RichTextBox1_)) {
   ConnectEditor();
 }
 

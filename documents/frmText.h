@@ -28,6 +28,8 @@ class frmText : public ui::ChildForm {
   std::string Tag() const { return std::to_string(slot_); }
   ui::RichTextBox& RichTextBox1() { return *RichTextBox1_; }
   const FormatChecks& checks() const { return checks_; }
+  services::Completion& completion() { return *Completion_; }
+  bool AutoCompleteOn() const { return services_.AutoCompleteOn(); }
 
   void MyShow();
   // Toolbar, check marks and status bar as of this document's selection.
@@ -69,6 +71,7 @@ class frmText : public ui::ChildForm {
   void mnuPasteAsLink_Click();
   void mnuDelete_Click();
   void mnuSelAll_Click();
+  void mnuAutoComplete_Click();
 
   // --- Format
   void mnuBold_Click();
@@ -135,6 +138,7 @@ class frmText : public ui::ChildForm {
   DocumentTable& table_;
   const int slot_;
   ui::RichTextBox* RichTextBox1_;
+  std::unique_ptr<services::Completion> Completion_;  // with Combo1
   Origin origin_;
   FormatChecks checks_;
   QString LastFontName_;

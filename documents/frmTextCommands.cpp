@@ -46,6 +46,10 @@ void frmText::mnuSelAll_Click() {
   RichTextBox1_->SelectAll();
 }
 
+void frmText::mnuAutoComplete_Click() {
+  if (AutoCompleteOn()) Completion_->ShowCompletionPopup();
+}
+
 // The inverse of a mixed state is True.
 void frmText::Toggle(std::optional<bool> (ui::RichTextBox::*get)() const, void (ui::RichTextBox::*set)(bool)) {
   (RichTextBox1_->*set)(!(RichTextBox1_->*get)().value_or(false));

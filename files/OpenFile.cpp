@@ -46,27 +46,33 @@ Result<InputFile> OpenForReading(const Path& path) {
   return InputFile(descriptor.Release(), StampOf(status));
 }
 
-Result<std::string> ReadAll(InputFile& file, int64_t limit) try {
+Status ReadInto(InputFile& file, std::string& bytes, int64_t limit) try {
+  bytes.clear();
   if (file.size() > limit) return SystemError(EFBIG, {});
-  std::string bytes;
   // One byte more than it has, so that the end is met without growing.
   bytes.resize(static_cast<size_t>(file.size()) + 1);
   for (size_t used = 0;;) {
     const ssize_t count = pread(file.descriptor(), bytes.data() + used, bytes.size() - used, static_cast<off_t>(used));
     if (count < 0 && errno == EINTR) continue;
-    if (count < 0) return SystemError(errno, {});
-    used += static_cast<size_t>(count);
-    if (static_cast<int64_t>(used) > limit) return SystemError(EFBIG, {});
-    if (count == 0) {
-      bytes.resize(used);
-      return bytes;
-    }
+    const int error = count < 0 ? errno : 0;
+    used += static_cast<size_t>(std::max<ssize_t>(count, 0));
+    const bool tooLong = static_cast<int64_t>(used) > limit;
+    if (count <= 0 || tooLong) bytes.resize(used);
+    if (error || tooLong) return SystemError(error ? error : EFBIG, {});
+    if (count == 0) return {};
     if (used == bytes.size()) bytes.resize(used + std::max<size_t>(used, 65536));
   }
 } catch (const std::bad_alloc&) {
   return SystemError(ENOMEM, {});
 } catch (const std::length_error&) {
   return SystemError(ENOMEM, {});
+}
+
+Result<std::string> ReadAll(InputFile& file, int64_t limit) {
+  std::string bytes;
+  const Status read = ReadInto(file, bytes, limit);
+  if (!read) return read.error();
+  return bytes;
 }
 
 std::optional<FileStamp> StampOf(const Path& path) {

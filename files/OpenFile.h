@@ -34,7 +34,8 @@ class InputFile {
 // Errors: 53 missing, 76 missing parent or a file where a folder is meant, 70 a folder, not allowed, or not a regular
 // file (text "Not a regular file"; never blocks on a FIFO), others by ErrorNumber.
 Result<InputFile> OpenForReading(const Path& path);
-// Reads to the end, at most `limit` bytes (more is an error).
+// Reads to the end, at most `limit` bytes (more is an error). `bytes` is what was read, also before an error.
+Status ReadInto(InputFile& file, std::string& bytes, int64_t limit = INT64_MAX);
 Result<std::string> ReadAll(InputFile& file, int64_t limit = INT64_MAX);
 
 // Nothing when the file does not exist or cannot be looked at.

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "files/Result.h"
+#include "services/Completion.h"
 #include "services/Settings.h"
 #include "ui/Dialogs.h"
 #include "ui/Forms.h"
@@ -9,6 +10,7 @@
 #include <QPoint>
 #include <QString>
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -16,6 +18,7 @@
 namespace ui {
 class ChildArea;
 class Printer;
+class RichTextBox;
 class Shell;
 }  // namespace ui
 
@@ -106,6 +109,13 @@ class Services {
   virtual void AnswerAllYes() = 0;
   virtual int fncYesNoAll(const QString& prompt) = 0;  // 6 = Yes, 7 = No, 2 = Cancel
 
+  // --- Auto-complete
+  virtual bool AutoCompleteOn() const = 0;
+  virtual void ShowAutoComplete() = 0;  // in the button and the check mark
+  virtual std::unique_ptr<Completion> MakeCompletion(ui::RichTextBox& editor) = 0;
+
+  // InitDocProperties for each of them.
+  virtual void RefreshAllDocuments() = 0;
   // Brings menus and status bar in line with the document in that slot.
   virtual void InitDocProperties(int slot) = 0;
   // Document commands can be used from now on, or no longer.

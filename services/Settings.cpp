@@ -210,6 +210,12 @@ std::string WriteNumber(double number) {
   return {text.begin(), end};
 }
 
+files::Path PathOfSetting(std::string_view text) {
+  std::string path(text);
+  if (path.find('/') == std::string::npos) std::replace(path.begin(), path.end(), '\\', '/');
+  return path;
+}
+
 std::vector<int> CreateTabStops(std::string_view list) {
   constexpr std::string_view kSeparators = ", \t\r\n";
   std::vector<int> stops;

@@ -1,6 +1,8 @@
 // The settings: the store that keeps texts from one run to the next, its table of keys, and the values in memory.
 #pragma once
 
+#include "files/Result.h"
+
 #include <QString>
 
 #include <cstdint>
@@ -123,6 +125,9 @@ std::optional<bool> ReadBoolean(std::string_view text);  // True, False in any c
 std::optional<int> ReadInteger(std::string_view text);
 std::optional<double> ReadNumber(std::string_view text);  // finite
 std::string WriteNumber(double number);                   // the shortest text that reads back as the same number
+
+// In a path without "/" a "\" separates.
+files::Path PathOfSetting(std::string_view text);
 
 // The table of tab stops: the list's positive whole numbers as twips, ascending, each once.
 std::vector<int> CreateTabStops(std::string_view list);

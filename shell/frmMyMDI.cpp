@@ -1,5 +1,6 @@
 #include "shell/frmMyMDI.h"
 
+#include "autocomplete/Completion.h"
 #include "documents/frmText.h"
 #include "files/Attributes.h"
 #include "services/Messages.h"
@@ -24,12 +25,13 @@ frmMyMDI::frmMyMDI(ui::Dialogs& dialogs, ui::Shell& shell, Place place)
                     place_.onlyLooking ? SettingsFile::Access::kReadOnly : SettingsFile::Access::kReadWrite),
       frame_(forms_, "frmMyMDI", [this] { return Close(); }),
       commonDialogs_(dialogs, place_.directory),
+      autoComplete_(*this),
       table_(*this),
       opening_(*this, table_),
       confirmation_(*this),
       project_(*this, frame_.leftPane().List1()),
       projectList_(*this, project_, frame_.leftPane().List1()),
-      commands_(*this, table_, opening_, project_, projectList_, frame_.toolbar()),
+      commands_(*this, table_, opening_, project_, projectList_, autoComplete_, frame_.toolbar()),
       toolbar_(frame_, commands_, *this, table_),
       listToolbar_(frame_.leftPane(), commands_, *this, table_),
       menus_(frame_, commands_, *this, table_),
@@ -71,8 +73,18 @@ void frmMyMDI::InitDocProperties(int slot) {
   if (documents::frmText* document = table_.Document(slot)) {
     document->RichTextBox1().SetBackgroundColor(int64_t{std::max(settings_.DocBackColor, -1)});
     document->RichTextBox1().SetDefaultTabStops(tabStops_);
+    document->completion().Fill();
   }
   menus_.FollowActiveDocument();
+}
+
+void frmMyMDI::ShowAutoComplete() {
+  toolbar_.ShowChosen();
+  menus_.Fill();
+}
+
+std::unique_ptr<services::Completion> frmMyMDI::MakeCompletion(ui::RichTextBox& editor) {
+  return std::make_unique<autocomplete::Completion>(*this, autoComplete_, editor);
 }
 
 void frmMyMDI::ToolbarToggle(bool enabled) {

@@ -1,6 +1,7 @@
 // The main window: owns one object of each feature and is what they ask for services.
 #pragma once
 
+#include "autocomplete/AutoComplete.h"
 #include "commands/Commands.h"
 #include "commands/ListToolbar.h"
 #include "commands/Menus.h"
@@ -64,6 +65,7 @@ class frmMyMDI final : public services::Services {
   commands::Menus& menus() { return menus_; }
   project::Project& project() { return project_; }
   project::ProjectList& projectList() { return projectList_; }
+  autocomplete::AutoComplete& autoComplete() { return autoComplete_; }
   CommonDialogAPI& commonDialogs() { return commonDialogs_; }
   // Another copy was there first: it has the panes and their files.
   bool otherInstanceRuns() const { return otherInstanceRuns_; }
@@ -109,6 +111,10 @@ class frmMyMDI final : public services::Services {
   void AskEach() override { confirmation_.AskEach(); }
   void AnswerAllYes() override { confirmation_.AnswerAllYes(); }
   int fncYesNoAll(const QString& prompt) override { return confirmation_.fncYesNoAll(prompt); }
+  bool AutoCompleteOn() const override { return autoComplete_.AutoCompleteOn(); }
+  void ShowAutoComplete() override;
+  std::unique_ptr<services::Completion> MakeCompletion(ui::RichTextBox& editor) override;
+  void RefreshAllDocuments() override { commands_.RefreshAllDocuments(); }
   void InitDocProperties(int slot) override;
   void ToolbarToggle(bool enabled) override;
   void ShowSelectionState(const services::SelectionState& state) override;
@@ -153,6 +159,7 @@ class frmMyMDI final : public services::Services {
   ui::Forms forms_;
   ui::FrameForm frame_;
   CommonDialogAPI commonDialogs_;
+  autocomplete::AutoComplete autoComplete_;
   documents::DocumentTable table_;
   documents::Opening opening_;
   search::Confirmation confirmation_;

@@ -82,7 +82,9 @@ void frmMyMDI::MDIForm_Activate(const std::vector<files::Path>& paths) {
   if (const auto left = toolbar.Find("Align left")) toolbar.SetState(*left, ui::ButtonState::kPressed);
   services::ReadSettings(settingsFile_, SettingsBatch::kFirstActivation, settings_);
   listToolbar_.SetPlusImage(settings_.PlusImage);
-  ui::LetPendingEventsRun();
+  // For a picture nobody is there to hear that there is no word file.
+  if (place_.onlyLooking && settings_.AutoTagFile.empty()) settings_.AutoCompleteAtStartup = false;
+  autoComplete_.StartUp();
   if (settings_.SaveWindowState && settings_.SaveArrange >= 0) commands_.Arrange(settings_.SaveArrange);
   OpenFirst(paths);
   ui::LetPendingEventsRun();

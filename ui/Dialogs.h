@@ -18,7 +18,7 @@ class Form;
 class ModalForm;
 class Printer;
 
-enum class Icon { kInformation, kQuestion, kExclamation };
+enum class Icon { kNone, kInformation, kQuestion, kExclamation };
 enum class Buttons { kOk, kYesNo, kYesNoCancel };
 enum class Answer : int { kOk = 1, kCancel = 2, kYes = 6, kNo = 7 };
 

@@ -46,8 +46,14 @@ class MenuTest : public ProgramTest {
   // Captions that are given, so that their letters cannot be others.
   static bool IsGiven(const std::string& a, const std::string& b) {
     static const std::set<std::pair<std::string, std::string>> kClashes = {
-        {"mnuNewProject", "mnuNew"},     {"mnuSaveProjectAs", "mnuSaveFileAs"}, {"mnuSaveProject", "mnuCopyPath"},
-        {"mnuAddFile", "mnuAddAll"},     {"mnuAddFile", "mnuSelectAll"},        {"mnuAddAll", "mnuSelectAll"},
+        {"mnuNewProject", "mnuNew"},
+        {"mnuSaveProjectAs", "mnuSaveFileAs"},
+        {"mnuSaveProject", "mnuCopyPath"},
+        {"mnuAddFile", "mnuAddAll"},
+        {"mnuAddFile", "mnuSelectAll"},
+        {"mnuAddAll", "mnuSelectAll"},
+        {"mnuSaveProjectAs", "mnuOpenAutoComplete"},
+        {"mnuSelAll", "mnuAutoComplete"},
         {"mnuLinkAdd", "mnuRemoveFile"},
     };
     return kClashes.contains({a, b});
@@ -90,9 +96,9 @@ class MenuTest : public ProgramTest {
 
 TEST_F(MenuTest, WithoutADocument) {
   EXPECT_EQ(TopLevel(), (QStringList{"&File", "Project &list", "&Options", "&Window"}));
-  EXPECT_EQ(Shown("mnuFile"),
-            (QStringList{"&New project", "&Open a project...", "Save &project file", "Save project file &as...", "-",
-                         "&New document", "Open a &document...", "Save a&ll", "-", "E&xit"}));
+  EXPECT_EQ(Shown("mnuFile"), (QStringList{"&New project", "&Open a project...", "Save &project file",
+                                           "Save project file &as...", "-", "&New document", "Open a &document...",
+                                           "Save a&ll", "-", "Load &Auto-Complete file...", "-", "E&xit"}));
   EXPECT_TRUE(Action("mnuSaveFile").shortcut().isEmpty());
   EXPECT_EQ(Action("mnuNew").shortcut(), QKeySequence("Ctrl+N"));
   EXPECT_EQ(Action("mnuNextPane").text(), "&Next window\tCtrl+F6") << "shown though it does nothing";
@@ -105,7 +111,8 @@ TEST_F(MenuTest, WithADocument) {
   EXPECT_EQ(Shown("mnuFile"),
             (QStringList{"&New project", "&Open a project...", "Save &project file", "Save project file &as...", "-",
                          "&New document", "Open a &document...", "&Save document", "Save document &as...", "Save a&ll",
-                         "&Close document", "-", "Copy document &pathname to clipboard", "&Refresh", "-", "E&xit"}));
+                         "&Close document", "-", "Copy document &pathname to clipboard", "&Refresh", "-",
+                         "Load &Auto-Complete file...", "-", "E&xit"}));
   EXPECT_EQ(Action("mnuSaveFile").shortcut(), QKeySequence("Ctrl+S"));
   EXPECT_EQ(Action("mnuBold").shortcut(), QKeySequence("Ctrl+B"));
   EXPECT_TRUE(Action("mnuCut").shortcut().isEmpty()) << "the key belongs to the editor";
@@ -116,7 +123,8 @@ TEST_F(MenuTest, WithADocument) {
 
 TEST_F(MenuTest, FromAPaneNoKeyEditsTheDocument) {
   New();
-  const char* const kEditing[] = {"mnuBold", "mnuItalic", "mnuUnderline", "mnuEmphasisRemove", "mnuRefresh"};
+  const char* const kEditing[] = {"mnuBold",           "mnuItalic",  "mnuUnderline",
+                                  "mnuEmphasisRemove", "mnuRefresh", "mnuAutoComplete"};
   program().frame().leftPane().List1().setFocus();
   for (const char* row : kEditing) EXPECT_TRUE(Action(row).shortcut().isEmpty()) << row;
   EXPECT_EQ(Action("mnuSaveFile").shortcut(), QKeySequence("Ctrl+S"));

@@ -23,6 +23,9 @@ ProgramTest::ProgramTest() {
   std::filesystem::create_directory(place.application.path);
   std::filesystem::create_directory(place.application.settings.parent_path());
   Put("application/.first-run", (place.application.path / "").native() + "\n");
+  // Whose setting this is announces what is said without a word file.
+  shell::SettingsFile(place.application.settings, place.recovery)
+      .SaveSettings(services::kApplicationName, services::kGeneral, {{"AutoCompleteAtStartup", "False"}});
   Restart();
 }
 

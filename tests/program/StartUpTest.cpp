@@ -10,6 +10,7 @@ namespace {
 
 constexpr const char* kName = "Quillmark";
 constexpr const char* kGeneral = "General";
+constexpr const char* kNoWordFile = "No Auto-Complete file has been loaded.  Please click 'Help' for more information";
 using Pairs = services::SettingsStore::Pairs;
 
 class StartUpTest : public ProgramTest {
@@ -35,6 +36,7 @@ class StartUpTest : public ProgramTest {
 
 TEST_F(StartUpTest, AnEmptyStoreGivesTheDefaults) {
   std::filesystem::remove_all(place.application.settings.parent_path());
+  ExpectError(kNoWordFile);
   Restart();
   for (const services::SettingRow& row : services::SettingTable()) {
     if (row.key == "QuoteFile" || row.key == "NotesFile" || row.key == "TextBlocks" || row.key == "AutoTagFile")
@@ -65,6 +67,7 @@ TEST_F(StartUpTest, SettingsTakeEffect) {
 
 TEST_F(StartUpTest, TheEndWritesItsKeysInTheirOrder) {
   std::filesystem::remove_all(place.application.settings.parent_path());
+  ExpectError(kNoWordFile);
   Restart();
   const size_t before = Stored().size();
   ASSERT_TRUE(End());
@@ -217,6 +220,7 @@ TEST_F(StartUpTest, ADamagedStoreIsToldOfOnceTheWindowIsThere) {
       "The settings could not be read and are the usual ones now.\r\nparse error at line 1, column 6: syntax error "
       "while "
       "parsing object key - invalid string: missing closing quote; last read: '\"cut'; expected string literal";
+  ExpectError(kNoWordFile);
   dialogs.Message(File(At("config/settings.json"), reason + "\r\nThe file is kept as\r\n" + kept.c_str()),
                   ui::Buttons::kOk, ui::Icon::kExclamation, ui::Answer::kOk,
                   [&] { shown = program().frame().widget()->isVisible(); });

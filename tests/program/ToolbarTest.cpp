@@ -77,7 +77,8 @@ class ToolbarTest : public ProgramTest {
 };
 
 constexpr const char* kAll =
-    "New,Open,Save,Cut,Copy,Paste,Clear,Bold,Italics,Underline,Strikethru,Font,Align left,Align center,Align right,";
+    "New,Open,Save,Cut,Copy,Paste,Clear,Bold,Italics,Underline,Strikethru,Font,Align left,Align center,Align "
+    "right,Auto,";
 
 struct ButtonCase {
   const char *key, *longText, *shortText;
@@ -100,6 +101,7 @@ constexpr ButtonCase kButtons[] = {
     {"Align left", "Align left", "Left", ""},
     {"Align center", "Align center", "Center", ""},
     {"Align right", "Align right", "Right", ""},
+    {"Auto", "Enable/disable Auto-Complete", "Auto-Complete", ""},
 };
 
 TEST_F(ToolbarTest, EveryButtonHasTextsAndAPicture) {
@@ -122,7 +124,7 @@ TEST_F(ToolbarTest, EveryButtonHasTextsAndAPicture) {
 }
 
 TEST_F(ToolbarTest, WithoutADocumentTheCommandsOfDocumentsAreOff) {
-  EXPECT_EQ(Enabled(), "New,Open,Save,");
+  EXPECT_EQ(Enabled(), "New,Open,Save,Auto,");
   EXPECT_FALSE(Bar().isMenuEnabled(Row("Save"), 1));
   EXPECT_EQ(States(), "bius left");
   frmText& document = New();
@@ -135,7 +137,7 @@ TEST_F(ToolbarTest, WithoutADocumentTheCommandsOfDocumentsAreOff) {
   ExpectClosePrompt(document.caption(), ui::Answer::kNo);
   document.Close();
   Settle();
-  EXPECT_EQ(Enabled(), "New,Open,Save,");
+  EXPECT_EQ(Enabled(), "New,Open,Save,Auto,");
   EXPECT_FALSE(Bar().isMenuEnabled(Row("Save"), 1));
 }
 

@@ -26,6 +26,8 @@ QWidget* WidgetOf(Form* owner) {
 
 QMessageBox::Icon ToQt(Icon icon) {
   switch (icon) {
+    case Icon::kNone:
+      break;
     case Icon::kInformation:
       return QMessageBox::Information;
     case Icon::kQuestion:

@@ -59,6 +59,11 @@ class EditorController {
   bool HandleKey(QKeyEvent& event);              // false: not a key of the editor
   static bool IsOwnKey(const QKeyEvent& event);  // also when a menu has it as a shortcut
   void Type(const QString& text);
+  // As one step of its own, over the selection but never over what stands behind it. False: it was refused.
+  bool TypeOver(const QString& text);
+  bool UserMayReplaceSelection() { return UserMayChange(range()); }  // false: it was refused
+  // Asked before text that is typed goes in. True: it has been dealt with, and perhaps the editor is gone.
+  void BeforeTyping(std::function<bool(const QString& text)> take) { beforeTyping_ = std::move(take); }
   void BreakParagraph();
   void Erase(bool forward, bool word);
   void Undo() { Swap(false); }
@@ -185,6 +190,7 @@ class EditorController {
   bool SavesFormats() const { return !savesFormats_ || savesFormats_(); }
 
   std::function<bool()> savesFormats_;
+  std::function<bool(const QString&)> beforeTyping_;
   text::Revision seenRevision_ = 0;  // selection_ is of this revision
   Told told_;
   int depth_ = 0;  // of nested operations

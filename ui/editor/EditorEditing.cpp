@@ -132,6 +132,17 @@ void EditorController::Type(const QString& text) {
   StayBesideWhatIsBefore();
 }
 
+bool EditorController::TypeOver(const QString& text) {
+  const Operation operation(*this);
+  if (!UserMayChange(range())) return false;
+  if (range().empty() && text.isEmpty()) return true;
+  document_.SealStep();
+  Replace(range(), text::BytesOfUtf16(ViewOf(text), document_.properties().lineEnd));
+  document_.SealStep();
+  StayBesideWhatIsBefore();
+  return true;
+}
+
 // A step of its own, so undo goes back line by line.
 void EditorController::BreakParagraph() {
   const Operation operation(*this);

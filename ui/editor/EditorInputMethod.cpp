@@ -33,6 +33,8 @@ QString TextOf(const Content& content, Range range) {
 }  // namespace
 
 void EditorController::HandleInputMethod(const QInputMethodEvent& event) {
+  const bool typed = !event.commitString().isEmpty() && event.preeditString().isEmpty() && !event.replacementLength();
+  if (typed && !composing_ && beforeTyping_ && beforeTyping_(event.commitString())) return;
   const Operation operation(*this);
   const bool edits =
       !event.commitString().isEmpty() || !event.preeditString().isEmpty() || event.replacementLength() > 0;

@@ -106,6 +106,8 @@ bool EditorController::HandleKey(QKeyEvent& event) {
   if (returns && event.modifiers().testFlag(Qt::ControlModifier)) return FollowLink();
   if (event.key() == Qt::Key_Backtab) return MoveToCell(false);
   if (!binding && !IsText(event)) return false;
+  // Before an operation begins: what it has done is not told until its end.
+  if (!binding && beforeTyping_ && beforeTyping_(event.text())) return true;
   const Operation operation(*this);
   NoteTypingPause(event);
   if (!binding && event.text() == QStringLiteral("\t") && MoveToCell(true)) return true;

@@ -161,6 +161,19 @@ void RichTextBox::ScrollToCaret() {
   impl_->controller.RevealCaret();
 }
 
+void RichTextBox::BeforeTyping(std::function<bool(const QString&)> take) {
+  impl_->controller.BeforeTyping(std::move(take));
+}
+bool RichTextBox::TypeOver(const QString& text) {
+  return impl_->controller.TypeOver(text);
+}
+bool RichTextBox::MayTypeOver() {
+  return impl_->controller.UserMayReplaceSelection();
+}
+QRect RichTextBox::CaretRect() const {
+  return impl_->layout.CaretRect(impl_->controller.caret()).toRect().translated(viewport()->pos());
+}
+
 int64_t RichTextBox::Find(const QString& text, int64_t start, int options) {
   const Content& content = impl_->document.content();
   const SurfaceUnits from(std::max<int64_t>(start, 0));

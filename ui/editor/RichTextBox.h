@@ -96,6 +96,14 @@ class RichTextBox : public QAbstractScrollArea {
   void DeleteSelection();  // as the Delete key
   void SelectAll();
 
+  // --- For who completes what is typed
+  // Asked before text that the user types goes in, by a key or an input method. True: it has been dealt with.
+  void BeforeTyping(std::function<bool(const QString& text)> take);
+  // As the user's typing in insert mode, but a step of its own. False, with a beep: protected text is in the way.
+  bool TypeOver(const QString& text);
+  bool MayTypeOver();       // false, with a beep: it would be refused
+  QRect CaretRect() const;  // in this control's coordinates; outside of it when the caret is scrolled away
+
   // The first match at or behind `start` (a surface position), selected and scrolled into view with lines around it
   // unless kFindNoHighlight; returns its position or -1.
   int64_t Find(const QString& text, int64_t start, int options);

@@ -33,7 +33,8 @@ void ChildWindow::TakeOut() {
 
 void ChildWindow::ActivateForm() {
   // First: becoming active gives the focus to the content.
-  QWidget* target = rememberedFocus_ && isAncestorOf(rememberedFocus_) ? rememberedFocus_.data() : widget();
+  const bool kept = rememberedFocus_ && isAncestorOf(rememberedFocus_) && rememberedFocus_->isVisibleTo(this);
+  QWidget* target = kept ? rememberedFocus_.data() : widget();
   area_.setActiveSubWindow(this);
   area_.SetCurrent(this);
   if (!isMinimized()) target->setFocus(Qt::OtherFocusReason);
