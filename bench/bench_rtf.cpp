@@ -66,6 +66,28 @@ void WriteRtf(benchmark::State& state, const std::string& bytes) {
   state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * written));
 }
 
+// An edited save: a word in the middle, or every "quill" another word.
+void SaveRtf(benchmark::State& state, const std::string& bytes, bool everywhere) {
+  const rtf::ReadResult result = rtf::Read(bytes, std::make_shared<TextStore>());
+  const std::string text = result.content.ByteString(result.content.all());
+  Content edited = result.content;
+  const size_t first = everywhere ? 0 : text.size() / 2;
+  ContentBuilder builder(edited.store());
+  size_t done = 0;
+  const auto place = [&](size_t at) { return result.content.PositionOfByte(Bytes(static_cast<int64_t>(at))); };
+  for (size_t at = text.find("quill", first); at != std::string::npos; at = text.find("quill", done)) {
+    builder.Append(result.content, {place(done), place(at)});
+    builder.Append("pen", result.content.CharFormatAt(place(at)));
+    done = at + 5;
+    if (!everywhere) break;
+  }
+  builder.Append(result.content, {place(done), result.content.size()});
+  edited = builder.Finish(result.content.lastParaFormat());
+  for (auto _ : state)
+    if (rtf::Save(edited, result.properties).as != rtf::SavedAs::kSpliced) state.SkipWithError("not spliced");
+  state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * bytes.size()));
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -79,6 +101,8 @@ int main(int argc, char** argv) {
     };
     add("read", ReadRtf);
     add("write", WriteRtf);
+    add("save one edit", [](benchmark::State& state, const std::string& rtf) { SaveRtf(state, rtf, false); });
+    add("save many edits", [](benchmark::State& state, const std::string& rtf) { SaveRtf(state, rtf, true); });
   }
   benchmark::Initialize(&argc, argv);
   benchmark::RunSpecifiedBenchmarks();

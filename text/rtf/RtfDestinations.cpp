@@ -11,7 +11,7 @@ namespace text::rtf {
 void RtfReader::Destination(const Keyword& word) {
   if (word.op == Op::kSkipGroup) {
     Skip();
-    if (watcher_ && (word.word == "pntext" || word.word == "listtext")) watcher_->OnLabel(ThisGroup());
+    if (watcher_ && inBody() && (word.word == "pntext" || word.word == "listtext")) watcher_->OnLabel(ThisGroup());
     return;
   }
   if (word.op == Op::kKeepGroup) return KeepGroup();
@@ -104,12 +104,12 @@ bool RtfReader::OpenText(Op op) {
       return true;
     case Op::kOpenShapePicture:
       sawShapePicture_ = true;
-      if (watcher_ && mode == Mode::kBody) watcher_->OnField(groupBegin_);
+      if (watcher_ && inBody()) watcher_->OnField(groupBegin_);
       return true;
     case Op::kOpenOldPicture:
       if (!std::exchange(sawShapePicture_, false)) return true;
       Skip();
-      if (watcher_) watcher_->OnOldPicture(ThisGroup());
+      if (watcher_ && inBody()) watcher_->OnOldPicture(ThisGroup());
       return true;
     case Op::kOpenShapeProperty:
       shapeName_.clear();

@@ -214,4 +214,10 @@ std::optional<ListUse> RtfLists::Find(int32_t number, int32_t level, const Label
   return found_[{number, level}] = UseOf(std::move(list), at, shown);
 }
 
+int32_t RtfLists::NumberOf(ListId list, const LabelFonts& fonts) {
+  for (const auto& [number, override] : overrides_)
+    if (const auto use = Find(number, 0, fonts); use && use->list == list) return number;
+  return 0;
+}
+
 }  // namespace text::rtf

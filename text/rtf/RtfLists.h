@@ -53,6 +53,8 @@ class RtfLists {
   int32_t numberingFont() const { return numbering_.font; }  // -1: none
   ListUse FinishNumbering(const LabelFonts& fonts);
 
+  // The \ls that means the list; 0 for none.
+  int32_t NumberOf(ListId list, const LabelFonts& fonts);
   // What \ls and \ilvl mean; nothing when \ls is not defined.
   std::optional<ListUse> Find(int32_t number, int32_t level, const LabelFonts& fonts);
 

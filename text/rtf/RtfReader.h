@@ -22,6 +22,11 @@ class RtfReader {
   // Reads what was read before, in the same store, and only tells the watcher.
   void Watch(RtfWatcher& watcher);
   InForce inForce();
+  // False where text is none of the document's.
+  bool inBody() const { return stack_.back().mode == Mode::kBody; }
+  int32_t NumberOf(ListId list) {
+    return lists_.NumberOf(list, [this](int32_t font) { return LabelFontOf(font); });
+  }
   const Tables& tables() const { return tables_; }
   const int32_t& defaultFont() const { return defaultFont_; }
 

@@ -131,7 +131,8 @@ class Comparison {
 
   bool CompareParagraphs(const ParaFormat& aFormat, const ParaFormat& bFormat) const {
     ParaFormat a = aFormat, b = bFormat;
-    if (Stops(a_[a.tabs]) != Stops(b_[b.tabs]) || a_[a.list] != b_[b.list]) return false;
+    if (Stops(a_[a.tabs]) != Stops(b_[b.tabs])) return false;
+    if ((a.list == ListId::kNone) != (b.list == ListId::kNone) || !SameLists(a_[a.list], b_[b.list])) return false;
     if ((a.row == RowId::kNone) != (b.row == RowId::kNone)) return false;
     if (a.row != RowId::kNone && !SameRows(a_[a.row], b_[b.row])) return false;
     for (ParaFormat* format : {&a, &b}) {
@@ -143,6 +144,14 @@ class Comparison {
         *length = ClampLength(*length);
     }
     return a == b;
+  }
+
+  bool SameLists(const List& a, const List& b) const {
+    const auto same = [this](const ListLevel& x, const ListLevel& y) {
+      return x.style == y.style && x.start == y.start && x.label == y.label && SameFonts(a_[x.font], b_[y.font]);
+    };
+    return a.identity == b.identity &&
+           std::equal(a.levels.begin(), a.levels.end(), b.levels.begin(), b.levels.end(), same);
   }
 
   static Tabs Stops(const Tabs& tabs) {

@@ -273,7 +273,7 @@ void RtfSplice::OnOldPicture(Span span) {
 }
 
 void RtfSplice::OnGroup(size_t begin) {
-  if (atParagraphBegin_ && !paragraphGroup_) paragraphGroup_ = ReachHere(begin);
+  if (atParagraphBegin_ && !paragraphGroup_ && reader_.inBody()) paragraphGroup_ = ReachHere(begin);
   groups_.push_back(++lastGroup_);
 }
 

@@ -14,6 +14,7 @@ TableNumbers RtfSplice::Numbers() {
   TableNumbers numbers;
   numbers.font = [this](FontId font) { return tables_.Number(font); };
   numbers.color = [this](Color color) { return tables_.Number(color); };
+  numbers.list = [this](ListId list) { return reader_.NumberOf(list); };
   return numbers;
 }
 
@@ -147,7 +148,8 @@ void RtfSplice::InsertBreak(CharFormatId id, const ParaFormat& wantedFormat) {
   ParaFormat look = wanted;
   look.rowMark = RowMark::kNone;
   const ParaFormat from = paragraph_ ? *paragraph_ : Settled(*place_, place_->state.paragraph);
-  const std::string row = inRow && rowBegins_ ? RowWords(rows_[row_]) : std::string();
+  std::string row = inRow && rowBegins_ ? RowWords(rows_[row_]) : std::string();
+  if (!inRow && wantedFormat.row != RowId::kNone && place_->state.tableLevel == 0) row = "\\intbl";
   if (paragraph_ || atParagraphBegin_) {
     PutIn(inserted_, paragraphAt_, row + (from == look ? std::string() : ParagraphWords(from, look)));
   } else {

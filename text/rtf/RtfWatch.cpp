@@ -57,7 +57,7 @@ void RtfReader::TellObject(const EmbeddedObject& object) {
 }
 
 void RtfReader::TellParagraphWord(bool reset) {
-  if (watcher_ && state().mode == Mode::kBody) watcher_->OnParagraphWord(span_, reset);
+  if (watcher_ && inBody()) watcher_->OnParagraphWord(span_, reset);
 }
 
 Span RtfReader::ThisGroup() const {

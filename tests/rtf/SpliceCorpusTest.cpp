@@ -1,0 +1,200 @@
+// Real files, edited and saved. Only where QUILLMARK_RTF_CORPUS names a corpus: a folder with in/. With
+// QUILLMARK_RTF_CORPUS_OUT the edited files, the files written anew and the edits are left there for
+// tools/check_rtf_saves.py.
+#include "tests/rtf/EditedDocument.h"
+#include "text/rtf/RtfTokenizer.h"
+#include "text/rtf/RtfWatcher.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <map>
+
+namespace text::rtf {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string FileBytes(const fs::path& path) {
+  std::ifstream in(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(in), {}};
+}
+
+std::vector<fs::path> CorpusFiles() {
+  std::vector<fs::path> files;
+  const char* corpus = std::getenv("QUILLMARK_RTF_CORPUS");
+  if (!corpus) return files;
+  for (const auto& entry : fs::directory_iterator(fs::path(corpus) / "in"))
+    if (entry.path().extension() == ".rtf") files.push_back(entry.path());
+  std::sort(files.begin(), files.end());
+  return files;
+}
+
+// What the reader tells must be the content that it gave.
+class Replay : public RtfWatcher {
+ public:
+  Replay(const Source& source) : source_(source), reader_(source.bytes, Bytes(), source.content.store()) {
+    reader_.Watch(*this);
+  }
+  std::string text;
+  std::string complaint;
+
+ private:
+  std::string_view Bytes() const { return std::string_view(*source_.bytes).substr(source_.bytes->find('{')); }
+  Units Here() const { return source_.content.PositionOfByte(text::Bytes(static_cast<int64_t>(text.size()))); }
+  void Follow(Span span) {
+    if (span.begin < end_ || span.end < span.begin || span.end > Bytes().size()) complaint += "spans\n";
+    end_ = span.end;
+  }
+  void OnText(Span span, std::string_view utf8, Text kind) override {
+    Follow(span);
+    CharFormat format = source_.content.formats()[source_.content.CharFormatAt(Here())];
+    format.object = ObjectId::kNone;
+    if (format != reader_.inForce().chars) complaint += "format of " + std::string(utf8) + "\n";
+    if (kind == Text::kBytes && static_cast<unsigned char>(utf8[0]) < 0x80 &&
+        utf8 != Bytes().substr(span.begin, span.size()))
+      complaint += "bytes of " + std::string(utf8) + "\n";
+    text += utf8;
+  }
+  void OnFallback(size_t end) override { Follow({end_, end}); }
+  void OnBreak(Span span, bool joins) override {
+    Follow(span);
+    if (joins || Here() == source_.content.size()) return;
+    ParaFormat format = source_.content.formats()[source_.content.ParaFormatOf(source_.content.ParagraphAt(Here()))];
+    format.row = RowId::kNone;
+    format.rowMark = RowMark::kNone;
+    if (format != reader_.inForce().paragraph) complaint += "paragraph before " + std::to_string(span.begin) + "\n";
+    text += "\r\n";
+  }
+  void OnLabel(Span span) override { Follow(span); }
+  void OnOldPicture(Span span) override { Follow(span); }
+  void OnGroup(size_t) override {}
+  void OnGroupEnd(size_t) override {}
+  void OnField(size_t) override {}
+  void OnParagraphWord(Span, bool) override {}
+  void OnTableEnd(Table, size_t) override {}
+  void OnEnd(size_t) override {}
+
+  const Source& source_;
+  RtfReader reader_;
+  size_t end_ = 0;
+};
+
+TEST(RtfCorpus, ReadingAgainTellsTheContent) {
+  const std::vector<fs::path> files = CorpusFiles();
+  if (files.empty()) GTEST_SKIP() << "QUILLMARK_RTF_CORPUS names no corpus";
+  for (const fs::path& file : files) {
+    const ReadResult read = ReadNew(FileBytes(file));
+    if (!read.isRtf) continue;
+    const Replay replay(*read.properties.source);
+    EXPECT_EQ(replay.text, TextOf(read.content)) << file;
+    EXPECT_EQ(replay.complaint, "") << file;
+  }
+}
+
+TEST(RtfCorpus, RandomEdits) {
+  const std::vector<fs::path> files = CorpusFiles();
+  if (files.empty()) GTEST_SKIP() << "QUILLMARK_RTF_CORPUS names no corpus";
+  int anew = 0, count = 0;
+  for (const fs::path& file : files) {
+    const std::string bytes = FileBytes(file);
+    if (!LooksLikeRtf(bytes)) continue;
+    for (uint32_t seed = 1; seed <= 20; ++seed) {
+      std::mt19937 random(seed);
+      Edited edited(bytes);
+      for (uint32_t edits = 1 + seed % 3; edits > 0; --edits) EditAtRandom(edited, random);
+      ++count;
+      if (edited.Saved() != "ANEW") continue;
+      ++anew;
+      std::cout << file.filename() << " seed " << seed << " anew\n";
+    }
+  }
+  EXPECT_LE(anew, count / 100);
+}
+
+std::map<std::string, int> ControlWords(const std::string& bytes) {
+  std::map<std::string, int> words;
+  RtfTokenizer tokenizer(bytes);
+  for (Token token = tokenizer.Next(); token.kind != TokenKind::kEnd; token = tokenizer.Next())
+    if (token.kind == TokenKind::kWord) ++words[std::string(token.text)];
+  return words;
+}
+
+// Words of ASCII letters in a paragraph, away from its ends.
+std::vector<Range> InnerWords(const Content& content) {
+  const std::u16string text = content.Utf16(content.all());
+  const auto letter = [](char16_t c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); };
+  std::vector<Range> words;
+  for (size_t at = 1; at < text.size();) {
+    size_t end = at;
+    while (end < text.size() && letter(text[end])) ++end;
+    if (end > at && text[at - 1] == ' ' && end < text.size() && text[end] == ' ')
+      words.push_back({Units(static_cast<int64_t>(at)), Units(static_cast<int64_t>(end))});
+    at = end + 1;
+  }
+  return words;
+}
+
+// Words put in and taken out, a word made bold and a paragraph divided, at places that the seed picks. Returns the word
+// that is gone, or nothing where the text has too few.
+std::string EditLikeAUser(Edited& edited, uint32_t seed) {
+  std::mt19937 random(seed);
+  const auto pick = [&](const std::vector<Range>& words) { return words[random() % words.size()]; };
+  std::vector<Range> words = InnerWords(edited.content);
+  if (words.size() < 4) {
+    edited.Type(edited.content.size(), " quillmarkone quillmarktwo");
+    return {};
+  }
+  edited.Type(pick(words).end, " quillmarkone quillmarktwo");
+  const Range bold = pick(InnerWords(edited.content));
+  edited.content = edited.content.WithCharFormats(bold, [&](CharFormatId id) {
+    CharFormat format = edited.formats()[id];
+    format.flags ^= kBold;
+    return edited.formats().Intern(format);
+  });
+  edited.Type(pick(InnerWords(edited.content)).begin, "\r\n");
+  words = InnerWords(edited.content);
+  std::erase_if(words, [&](Range w) { return edited.content.ByteString(w).starts_with("quillmark"); });
+  if (words.empty()) return {};
+  const Range gone = pick(words);
+  const std::string word = edited.content.ByteString(gone);
+  edited.content = edited.content.WithReplaced(gone, Content(edited.content.store()));
+  return word;
+}
+
+TEST(RtfCorpus, EditsKeepAllWords) {
+  const std::vector<fs::path> files = CorpusFiles();
+  if (files.empty()) GTEST_SKIP() << "QUILLMARK_RTF_CORPUS names no corpus";
+  const char* out = std::getenv("QUILLMARK_RTF_CORPUS_OUT");
+  if (out) fs::create_directories(fs::path(out) / "edited"), fs::create_directories(fs::path(out) / "anew");
+  std::ofstream list;
+  if (out) list.open(fs::path(out) / "edits.tsv");
+  size_t kept = 0, count = 0;
+  for (const fs::path& file : files) {
+    const std::string bytes = FileBytes(file);
+    if (!LooksLikeRtf(bytes)) continue;
+    ++count;
+    Edited edited(bytes);
+    const std::string anew = Written(ReadNew(bytes));
+    const std::string gone = EditLikeAUser(edited, 1);
+    const std::string saved = edited.Saved();
+    std::map<std::string, int> after = ControlWords(saved);
+    const auto before = ControlWords(bytes);
+    const auto lost =
+        std::find_if(before.begin(), before.end(), [&](const auto& w) { return after[w.first] < w.second; });
+    if (lost == before.end()) ++kept;
+    if (lost != before.end()) std::cout << file.filename() << " lost \\" << lost->first << "\n";
+    if (!out) continue;
+    std::ofstream(fs::path(out) / "edited" / file.filename(), std::ios::binary) << saved;
+    std::ofstream(fs::path(out) / "anew" / file.filename(), std::ios::binary) << anew;
+    list << file.filename().string() << "\t" << gone << "\n";
+  }
+  std::cout << "all words kept in " << kept << " of " << count << "\n";
+  EXPECT_GE(kept * 100, count * 95);
+}
+
+}  // namespace
+}  // namespace text::rtf
