@@ -3,6 +3,7 @@
 #include "text/ContentDiff.h"
 
 #include "text/TextStore.h"
+#include "text/Utf16.h"
 
 #include <algorithm>
 #include <bit>
@@ -84,7 +85,7 @@ size_t CommonPart(From from, const FormatRun& a, std::string_view aPart, const F
   if (a.para == b.para || !(a.breaks || b.breaks)) return common;
   // Only up to the first break.
   const std::string_view part = aPart.substr(begin ? 0 : aPart.size() - common, common);
-  if (begin) return std::min(part.find_first_of("\r\n"), common);
+  if (begin) return FindBreak(part);
   const size_t last = part.find_last_of("\r\n");
   return last == std::string_view::npos ? common : common - last - 1;
 }
@@ -144,8 +145,8 @@ size_t NextBreak(const std::vector<FormatRun>& runs, size_t offset) {
     if (!run->breaks) continue;
     const size_t from = std::max(offset, run->begin);
     const std::string_view bytes(run->at(from), run->end - from);
-    const size_t at = bytes.find_first_of("\r\n");
-    if (at != std::string_view::npos) return from + at + (bytes.substr(at).starts_with("\r\n") ? 2 : 1);
+    const size_t at = FindBreak(bytes);
+    if (at < bytes.size()) return from + at + (bytes.substr(at).starts_with("\r\n") ? 2 : 1);
   }
   return runs.empty() ? 0 : runs.back().end;
 }
@@ -387,7 +388,7 @@ class Comparison {
     auto run =
         std::upper_bound(runs.begin(), runs.end(), base, [](size_t at, const FormatRun& r) { return at < r.end; });
     for (size_t at = 0; at < bytes.size();) {
-      size_t end = std::min(bytes.find_first_of("\r\n", at), bytes.size());
+      size_t end = FindBreak(bytes, at);
       const size_t textEnd = end;
       if (end < bytes.size()) end += BreakSize(std::string_view(bytes).substr(end));
       Item item{at, HashOf(std::string_view(bytes).substr(at, end - at)), 0};
@@ -534,7 +535,7 @@ class Matches {
     const Formats aBreak =
         sameChars && a.para == b.para ? Formats{} : Formats{a.chars, b.chars, a.para, b.para, false, true};
     for (size_t at = 0; at < bytes.size();) {
-      size_t end = std::min(bytes.find_first_of("\r\n", at), bytes.size());
+      size_t end = FindBreak(bytes, at);
       const bool isBreak = end == at;
       if (isBreak) end += bytes.substr(at).starts_with("\r\n") ? 2 : 1;
       Put({part.before + at, part.after + at, end - at, isBreak ? aBreak : text});

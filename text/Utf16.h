@@ -17,4 +17,10 @@ struct Decoded {
 };
 Decoded Decode(const char* p, const char* end);
 
+// Where the first CR or LF at or behind `from` stands, or the size. (find_first_of calls a function for every byte.)
+inline size_t FindBreak(std::string_view bytes, size_t from = 0) {
+  while (from < bytes.size() && (bytes[from] > '\r' || (bytes[from] != '\r' && bytes[from] != '\n'))) ++from;
+  return from;
+}
+
 }  // namespace text

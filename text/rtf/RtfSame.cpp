@@ -50,7 +50,7 @@ class Parts {
       if (piece_ == pieces_.size()) return false;
       Begin(pieces_[piece_++]);
     }
-    const size_t end = breaks_ ? std::min(rest_.find_first_of("\r\n"), rest_.size()) : rest_.size();
+    const size_t end = breaks_ ? FindBreak(rest_) : rest_.size();
     part = {rest_.substr(0, end), end == 0, chars_, paragraph_};
     if (end == 0) part.bytes = rest_.substr(0, rest_.starts_with("\r\n") ? 2 : 1);
     rest_.remove_prefix(part.bytes.size());

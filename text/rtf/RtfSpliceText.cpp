@@ -1,4 +1,5 @@
 // What is new in a spliced file, in groups that begin with what is in force at their place.
+#include "text/Utf16.h"
 #include "text/rtf/RtfFields.h"
 #include "text/rtf/RtfSplice.h"
 
@@ -30,8 +31,7 @@ void RtfSplice::Insert(const Place& place, Units upTo) {
   FindRows(upTo);
   after_.ForEachPiece({written_, upTo}, [&](const PieceView& piece) {
     for (std::string_view rest = piece.bytes; !rest.empty();) {
-      const size_t end =
-          piece.sums.breaks.value() > 0 ? std::min(rest.find_first_of("\r\n"), rest.size()) : rest.size();
+      const size_t end = piece.sums.breaks.value() > 0 ? FindBreak(rest) : rest.size();
       if (end > 0) InsertText(rest.substr(0, end), piece.charFormat);
       if (end == rest.size()) break;
       InsertBreak(piece.charFormat, formats_[piece.paraFormat]);
