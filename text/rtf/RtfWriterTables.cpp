@@ -21,6 +21,7 @@ constexpr std::string_view kFamilies[] = {"fnil", "froman", "fswiss", "fmodern",
 // \levelnfc of a NumberStyle.
 constexpr std::array<int32_t, 7> kLevelKinds = {0, 1, 2, 3, 4, 5, 255};
 constexpr int32_t kBulletKind = 23;
+constexpr size_t kMaxLabelCount = 31;  // what is larger could be taken for a character where the count is missing
 
 }  // namespace
 
@@ -191,12 +192,12 @@ void RtfWriter::Level(const ListLevel& level) {
   RtfWords label(text);
   const TextCoding coding{level.font != FontId::kDefault && formats_[level.font].charset == 2 ? kSymbolCodePage : 0, 1};
   RtfWords numbers(places);
-  uint8_t units = 0;
+  size_t units = 0;
   for (std::string_view rest = level.label; !rest.empty();) {
     const char32_t c = TakeCharacter(rest);
     const bool number = c < kMaxListLevels;
-    units = static_cast<uint8_t>(units + (c > 0xFFFF ? 2 : 1));
-    if (number) numbers.Hex(units);
+    units += c > 0xFFFF ? 2 : 1;
+    if (number) numbers.Hex(static_cast<uint8_t>(std::min<size_t>(units, 0xFF)));
     if (number || c < 0x20) {
       label.Hex(static_cast<uint8_t>(c));
     } else {
@@ -205,7 +206,8 @@ void RtfWriter::Level(const ListLevel& level) {
       label.Text(utf8, coding);
     }
   }
-  words_.Raw("{\\leveltext"), words_.Hex(units), words_.Raw(text + ";}");
+  words_.Raw("{\\leveltext"), words_.Hex(static_cast<uint8_t>(std::min(units, kMaxLabelCount))),
+      words_.Raw(text + ";}");
   words_.Raw("{\\levelnumbers" + places + ";}");
   if (level.font != FontId::kDefault) words_.Word("f", FontNumber(level.font));
   words_.Raw("}");
