@@ -121,6 +121,44 @@ TEST(RtfSplice, Paragraphs) {
   for (const Row& row : kRows) Check(row);
 }
 
+TEST(RtfSplice, GroupsAndTables) {
+  const std::string link = "{\\field{\\*\\fldinst HYPERLINK \"http://x\"}{\\fldrslt link}}";
+  const auto linked = [&](const std::string& before, const std::string& after) {
+    return "{\\rtf1 " + before + link + after + "\\par}";
+  };
+  const auto check = [](const std::string& source, const Edit& edit, const std::string& saved) {
+    Check({source.c_str(), edit, saved.c_str()});
+  };
+  const auto unlink = [](Edited& e) { e.Chars("nk", [](CharFormat& f) { f.link = LinkId::kNone; }); };
+  check(linked("a", "b"), Delete("link"), "{\\rtf1 ab\\par}");
+  check(linked("a", "b"), Type("lin", "x"), linked("a", "b").replace(linked("a", "b").find("link"), 4, "linxk"));
+  check(linked("a", "b"), TypeBefore("b", "x"), linked("a", "b").replace(linked("a", "b").find("link"), 4, "linkx"));
+  check(linked("a", "b"), Type("a", "x"), linked("ax", "b"));
+  check(linked("a", "b"), unlink, linked("a", "nkb").replace(linked("a", "nkb").find("link"), 4, "li"));
+  check(
+      "{\\rtf1 a b\\par}",
+      [](Edited& e) { e.Chars("b", [&](CharFormat& f) { f.link = e.formats().InternLink("http://x"); }); },
+      "{\\rtf1 a {\\field{\\*\\fldinst HYPERLINK \"http://x\"}{\\fldrslt{b}}}\\par}");
+  const Row kRows[] = {
+      {"{\\rtf1 a{\\*\\shppict{\\pict\\pngblip 00}}{\\nonshppict{\\pict 00}}b\\par}", Delete("\uFFFC"),
+       "{\\rtf1 ab\\par}"},
+      {"{\\rtf1 a{\\pict\\pngblip 00}b\\par}", Flag("\uFFFC", kBold), "{\\rtf1 a{\\b{\\pict\\pngblip 00}}b\\par}"},
+      {"{\\rtf1 {\\footnote {a} b}c\\par}", Delete("\uFFFC"), "{\\rtf1 c\\par}"},
+      {"{\\rtf1\\pard{\\pntext\\'B7}{\\*\\pn\\pnlvlblt}a\\par{\\pntext\\'B7}b\\par}", Delete("\r\n"),
+       "{\\rtf1\\pard{\\pntext\\'B7}{\\*\\pn\\pnlvlblt}ab\\par}"},
+      {"{\\rtf1\\trowd\\cellx9\\pard\\intbl a\\cell\\row\\pard b\\par}", Type("a", "\r\n"),
+       "{\\rtf1\\trowd\\cellx9\\pard\\intbl a\\par\r\n\\cell\\row\\pard b\\par}"},
+      {"{\\rtf1\\trowd\\cellx9\\pard\\intbl a\\cell\\row\\pard b\\par}", Delete("a\r\n"),
+       "{\\rtf1\\trowd\\cellx9\\pard\\intbl \\pard b\\par}"},
+      {"{\\rtf1\\trowd\\cellx9\\pard\\intbl a\\cell\\row\\pard b\\par}",
+       [](Edited& e) {
+         e.content = e.content.WithReplaced({Units(2), Units(2)}, e.content.Slice({Units(0), Units(2)}));
+       },
+       "{\\rtf1\\trowd\\cellx9\\pard\\intbl a\\cell\\row\\trowd\\cellx9\\pard\\intbl a\\cell\\row\r\n\\pard b\\par}"},
+  };
+  for (const Row& row : kRows) Check(row);
+}
+
 // Whatever is edited, it finds its place in the file.
 TEST(RtfSplice, RandomEdits) {
   const std::string kSources[] = {

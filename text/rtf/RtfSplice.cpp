@@ -221,7 +221,9 @@ bool RtfSplice::IsOpen(uint32_t group) const {
 
 void RtfSplice::OnBreak(Span span, bool joins) {
   if (joins) {
-    if (dropped_) Drop(span);
+    if (dropped_) return Drop(span);
+    if (last_ && last_->isBreak) Remember(span.end, true, true);
+    if (deviation_) deviation_->at = ReachHere(span.end).at;
     return;
   }
   if (read_ == before_.size()) {

@@ -41,6 +41,7 @@ class RtfSplice : private RtfWatcher {
     SpliceOutput::Place at;
     uint32_t group = 0;          // the number of the innermost one
     uint32_t paragraphWord = 0;  // how many have come
+    bool reset = false;          // the next of them is \pard
   };
   struct Place : Reach {
     InForce state;
@@ -50,7 +51,6 @@ class RtfSplice : private RtfWatcher {
   // From here on the paragraph format is another one than the file says.
   struct Deviation : Reach {
     ParaFormat format, original;
-    bool reset = false;  // the next word about paragraphs is \pard
   };
   struct OpenField {
     uint32_t group;

@@ -105,8 +105,11 @@ void RtfSplice::Deviate(const Reach& here, const ParaFormat& format, const ParaF
 }
 
 void RtfSplice::OnParagraphWord(Span span, bool reset) {
-  if (deviation_ && deviation_->paragraphWord == paragraphWord_ && deviation_->group == groups_.back())
-    deviation_->reset = reset;
+  const auto note = [&](auto& place) {
+    if (place && place->paragraphWord == paragraphWord_ && place->group == groups_.back()) place->reset = reset;
+  };
+  note(deviation_);
+  note(last_);
   ++paragraphWord_;
   if (!reset) return;
   lastReset_ = span.end;
