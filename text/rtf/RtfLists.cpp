@@ -26,8 +26,22 @@ constexpr bool IsPlaceholder(char c) {
   return c >= 0 && static_cast<size_t>(c) < kMaxListLevels;
 }
 
+bool IsControl(char c) {
+  return static_cast<unsigned char>(c) < 0x20;
+}
+
 void AppendLabel(std::string& label, std::string_view utf8) {
   if (label.size() + utf8.size() <= kMaxLabelBytes) label += utf8;
+}
+
+// Bytes that would count for placeholders are none in text.
+void AppendText(std::string& label, std::string_view utf8) {
+  while (!utf8.empty()) {
+    const auto stop = std::find_if(utf8.begin(), utf8.end(), IsControl);
+    const auto good = static_cast<size_t>(stop - utf8.begin());
+    AppendLabel(label, utf8.substr(0, good));
+    utf8.remove_prefix(std::min(utf8.size(), good + 1));
+  }
 }
 
 // As the font shows it: in a symbol font every letter is a symbol.
@@ -96,7 +110,7 @@ void RtfLists::Word(const Keyword& word, int32_t number, bool overrides) {
 void RtfLists::LevelText(std::string_view utf8) {
   if (!level_) return;
   level_->counted = true;
-  AppendLabel(level_->label, utf8);
+  AppendText(level_->label, utf8);
 }
 
 void RtfLists::LevelByte(uint8_t raw) {
@@ -147,7 +161,7 @@ void RtfLists::NumberingWord(const Keyword& word, int32_t number) {
 }
 
 void RtfLists::NumberingText(std::string_view utf8, bool before) {
-  AppendLabel(before ? numbering_.before : numbering_.after, utf8);
+  AppendText(before ? numbering_.before : numbering_.after, utf8);
 }
 
 ListUse RtfLists::FinishNumbering(const LabelFonts& fonts) {
