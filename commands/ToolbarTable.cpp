@@ -26,6 +26,13 @@ constexpr ToolbarCommand kOpenCommands[] = {{.command = &Commands::mnuOpen_Click
 constexpr ToolbarCommand kSaveCommands[] = {{.command = &Commands::mnuSaveProject_Click},
                                             {.document = On<&frmText::mnuSaveFile_Click>}};
 
+constexpr ui::ToolBarMenuRow kStripMenu[] = {{QT_TRANSLATE_NOOP("Toolbar", "&CRLF's"), "CRLF"},
+                                             {QT_TRANSLATE_NOOP("Toolbar", "Excess &blanks"), "Blanks"},
+                                             {QT_TRANSLATE_NOOP("Toolbar", "&ASCII character..."), "ASCII"}};
+constexpr ToolbarCommand kStripCommands[] = {{.document = On<&frmText::mnuStrip_Click>},
+                                             {.document = On<&frmText::mnuStripBlanks_Click>},
+                                             {.document = On<&frmText::mnuStripASCII_Click>}};
+
 // A button that only opens menus.
 constexpr ToolbarRow Drop(const char* key, const char* longText, const char* shortText, const char* icon,
                           FaceClick face, std::span<const ui::ToolBarMenuRow> menu,
@@ -62,6 +69,11 @@ constexpr ToolbarRow Choice(const char* key, const char* longText, const char* s
   return row;
 }
 
+constexpr ToolbarRow NeedsDocument(ToolbarRow row) {
+  row.needsDocument = true;
+  return row;
+}
+
 constexpr ToolbarRow Group(ToolbarRow row) {
   row.button.newGroup = true;
   return row;
@@ -84,7 +96,10 @@ constexpr ToolbarRow kButtons[] = {
   Group(Align("Align left", QT_TRANSLATE_NOOP("Toolbar", "Align left"), QT_TRANSLATE_NOOP("Toolbar", "Left"), "align-left", On<&frmText::mnuAlignLeft_Click>, 0)),
   Align("Align center", QT_TRANSLATE_NOOP("Toolbar", "Align center"), QT_TRANSLATE_NOOP("Toolbar", "Center"), "align-center", On<&frmText::mnuAlignCenter_Click>, 2),
   Align("Align right", QT_TRANSLATE_NOOP("Toolbar", "Align right"), QT_TRANSLATE_NOOP("Toolbar", "Right"), "align-right", On<&frmText::mnuAlignRight_Click>, 1),
+  Flag("Bullet", QT_TRANSLATE_NOOP("Toolbar", "Bullet..."), QT_TRANSLATE_NOOP("Toolbar", "Bullet"), "bullet", On<&frmText::mnuBullet_Click>, &SelectionState::bullet),
+  Flag("Protected", QT_TRANSLATE_NOOP("Toolbar", "Protected"), QT_TRANSLATE_NOOP("Toolbar", "Protected"), "protected", On<&frmText::mnuProtect_Click>, &SelectionState::protectedText),
   Group(Choice("Auto", QT_TRANSLATE_NOOP("Toolbar", "Enable/disable Auto-Complete"), QT_TRANSLATE_NOOP("Toolbar", "Auto-Complete"), "auto-complete", &Commands::mnuAutoCompleteToggle_Click, &Commands::AutoCompleteOn)),
+  Group(NeedsDocument(Drop("Strip", QT_TRANSLATE_NOOP("Toolbar", "Strip characters..."), QT_TRANSLATE_NOOP("Toolbar", "Strip"), "strip", FaceClick::kOpensMenu, kStripMenu, kStripCommands))),
 };
 // clang-format on
 

@@ -7,6 +7,10 @@
 #include "ui/editor/RichTextBox.h"
 #include "ui/frame/ChildWindow.h"
 
+namespace ui {
+class OffsetTool;
+}
+
 namespace documents {
 
 enum class SaveOutcome { kSaved, kFailed, kCancelled };
@@ -14,6 +18,7 @@ enum class SaveOutcome { kSaved, kFailed, kCancelled };
 // The check marks of the Format menu, as of the selection's last single values.
 struct FormatChecks {
   bool Bold = false, Italic = false, Underline = false, StrikeThru = false;
+  bool Bullet = false, Protect = false, SelCharOffset = false;
   bool AlignLeft = true, AlignCenter = false, AlignRight = false;
 };
 
@@ -82,7 +87,18 @@ class frmText : public ui::ChildForm {
   void mnuAlignLeft_Click();
   void mnuAlignCenter_Click();
   void mnuAlignRight_Click();
+  void mnuIndentLeft_Click();
+  void mnuIndentHang_Click();
+  void mnuIndentRight_Click();
+  void mnuBullet_Click();
   void mnuFont_Click();
+  void mnuSelCharOffset_Click();
+  void mnuProtect_Click();
+
+  // --- Strip
+  void mnuStrip_Click();
+  void mnuStripBlanks_Click();
+  void mnuStripASCII_Click();
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
@@ -129,6 +145,11 @@ class frmText : public ui::ChildForm {
   bool SavesAsPlain() const;
   void ForgetRecovered(bool saved);
   void Toggle(std::optional<bool> (ui::RichTextBox::*get)() const, void (ui::RichTextBox::*set)(bool));
+  std::optional<double> AskCentimeters(const QString& prompt, double& remembered);
+  void AskIndent(const QString& prompt, double& remembered, void (ui::RichTextBox::*set)(int));
+  void UpdateOffsetTool();
+  using Stripper = std::optional<std::string>(const text::Content&, text::Range, const text::Progress&);
+  void Strip(const std::function<Stripper>& strip);
   void UpdateSelectionState();
   void UpdateAlignment(std::optional<int> alignment);
   void UpdateFontPanel();
@@ -141,6 +162,10 @@ class frmText : public ui::ChildForm {
   std::unique_ptr<services::Completion> Completion_;  // with Combo1
   Origin origin_;
   FormatChecks checks_;
+  // What was answered last in this window.
+  double BulletIndentCm_ = 0, HangingIndentCm_ = 0, LeftIndentCm_ = 0, RightIndentCm_ = 0;
+  QString StripCode_;
+  ui::OffsetTool* offsetTool_ = nullptr;  // the editor's
   QString LastFontName_;
   double LastFontSize_ = 0;
   std::optional<text::Content> asked_;  // the text that the close prompt was about

@@ -127,7 +127,10 @@ void frmText::UpdateSelectionState() {
   checks_.Italic = state.italic.value_or(checks_.Italic);
   checks_.Underline = state.underline.value_or(checks_.Underline);
   checks_.StrikeThru = state.strikeThru.value_or(checks_.StrikeThru);
+  checks_.Bullet = state.bullet.value_or(checks_.Bullet);
+  checks_.Protect = state.protectedText.value_or(checks_.Protect);
   UpdateAlignment(state.alignment);
+  UpdateOffsetTool();
   // The main window shows the document in front; this one may be another that a command works on.
   if (table_.Active() != this) return;
   services_.ShowSelectionState(state);

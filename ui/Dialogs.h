@@ -89,6 +89,8 @@ class Dialogs {
   virtual std::optional<int64_t> PickColor(Form* owner, int64_t initial, CustomColors& custom) = 0;
   // Sets the printer up as the user wants it. False on Cancel, and the printer as it was.
   virtual bool PickPrinter(Form* owner, const PrinterRequest& request, Printer& printer) = 0;
+  // One line of text; the answer may be empty. Nothing on Cancel.
+  virtual std::optional<QString> AskText(Form* owner, const QString& prompt, const QString& initial) = 0;
   // Runs the form until it is closed and says whether it was accepted.
   virtual bool ShowModal(ModalForm& form) = 0;
   // Runs `work`, which must not throw, on another thread and returns when it has ended. After half a second a progress

@@ -107,7 +107,7 @@ TEST_F(MenuTest, WithoutADocument) {
 
 TEST_F(MenuTest, WithADocument) {
   New();
-  EXPECT_EQ(TopLevel(), (QStringList{"&File", "&Edit", "For&mat", "Project &list", "&Options", "&Window"}));
+  EXPECT_EQ(TopLevel(), (QStringList{"&File", "&Edit", "For&mat", "&Strip", "Project &list", "&Options", "&Window"}));
   EXPECT_EQ(Shown("mnuFile"),
             (QStringList{"&New project", "&Open a project...", "Save &project file", "Save project file &as...", "-",
                          "&New document", "Open a &document...", "&Save document", "Save document &as...", "Save a&ll",

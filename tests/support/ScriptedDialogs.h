@@ -59,6 +59,15 @@ class ScriptedDialogs final : public ui::Dialogs {
     step.actOnPrinter = std::move(act);
     steps_.push_back(std::move(step));
   }
+  // Nothing given = Cancel.
+  void Text(QString prompt, QString initial, std::optional<QString> answer) {
+    Step step{"input box " + prompt};
+    step.kind = Step::kText;
+    step.message.text = std::move(prompt);
+    step.initial = std::move(initial);
+    step.text = std::move(answer);
+    steps_.push_back(std::move(step));
+  }
   // Receives the open form, sets its controls and closes it by accept() or reject().
   void Modal(std::function<void(ui::ModalForm&)> act) {
     Step step{"modal form"};
@@ -115,6 +124,15 @@ class ScriptedDialogs final : public ui::Dialogs {
     return step.confirmed;
   }
 
+  std::optional<QString> AskText(ui::Form*, const QString& prompt, const QString& initial) override {
+    const ui::CommandScope scope;
+    Step step;
+    if (!Take(Step::kText, "input box " + prompt, step)) return std::nullopt;
+    EXPECT_EQ(prompt.toStdString(), step.message.text.toStdString());
+    EXPECT_EQ(initial.toStdString(), step.initial.toStdString()) << prompt.toStdString();
+    return step.text;
+  }
+
   bool ShowModal(ui::ModalForm& form) override {
     Step step;
     if (!Take(Step::kModal, "modal form [" + form.windowTitle() + "]", step)) return false;
@@ -131,7 +149,7 @@ class ScriptedDialogs final : public ui::Dialogs {
 
  private:
   struct Step {
-    enum Kind { kMessage, kFile, kFont, kColor, kPrinter, kModal };
+    enum Kind { kMessage, kFile, kFont, kColor, kPrinter, kText, kModal };
     QString what = {};
     Kind kind = kMessage;
     ui::Message message = {};
@@ -144,6 +162,8 @@ class ScriptedDialogs final : public ui::Dialogs {
     std::function<void(int64_t, ui::CustomColors&)> actOnColors = {};
     bool confirmed = false;
     std::function<void(const ui::PrinterRequest&, ui::Printer&)> actOnPrinter = {};
+    QString initial = {};
+    std::optional<QString> text = {};
     std::function<void(ui::ModalForm&)> act = {};
   };
 

@@ -6,6 +6,7 @@
 #include "ui/PendingEvents.h"
 #include "ui/dialogs/ColorNumber.h"
 #include "ui/dialogs/FontForm.h"
+#include "ui/dialogs/InputForm.h"
 #include "ui/dialogs/Printer.h"
 #include "ui/dialogs/ProgressForm.h"
 
@@ -142,6 +143,12 @@ bool QtDialogs::PickPrinter(Form* owner, const PrinterRequest& request, Printer&
   dialog.setOption(QAbstractPrintDialog::PrintSelection, request.selection);
   dialog.setPrintRange(request.selection ? QAbstractPrintDialog::Selection : QAbstractPrintDialog::AllPages);
   return dialog.exec() == QDialog::Accepted;
+}
+
+std::optional<QString> QtDialogs::AskText(Form* owner, const QString& prompt, const QString& initial) {
+  InputForm form(prompt, initial, WidgetOf(owner));
+  if (!ShowModal(form)) return std::nullopt;
+  return form.text();
 }
 
 bool QtDialogs::ShowModal(ModalForm& form) {

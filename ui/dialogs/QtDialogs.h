@@ -12,6 +12,7 @@ class QtDialogs final : public Dialogs {
   std::optional<FontChoice> PickFont(Form* owner, const FontChoice& initial) override;
   std::optional<int64_t> PickColor(Form* owner, int64_t initial, CustomColors& custom) override;
   bool PickPrinter(Form* owner, const PrinterRequest& request, Printer& printer) override;
+  std::optional<QString> AskText(Form* owner, const QString& prompt, const QString& initial) override;
   bool ShowModal(ModalForm& form) override;
   void RunWork(Form* owner, const QString& text, int64_t total, const std::function<void(WorkPort&)>& work) override;
 };

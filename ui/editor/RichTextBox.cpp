@@ -105,6 +105,19 @@ void RichTextBox::SetSelText(const QString& text) {
   impl_->document.SealStep();
 }
 
+text::Range RichTextBox::SelectedRange() const {
+  return impl_->controller.range();
+}
+
+bool RichTextBox::ReplaceSelection(std::string_view bytes) {
+  const Units begin = impl_->controller.range().begin;
+  impl_->document.SealStep();
+  const bool replaced = impl_->controller.Replace(impl_->controller.range(), bytes);
+  impl_->document.SealStep();
+  if (replaced) impl_->controller.Select({begin, impl_->controller.range().end});
+  return replaced;
+}
+
 QByteArray RichTextBox::SelRTF() const {
   return QByteArray::fromStdString(
       WriteFragment(impl_->document.content(), impl_->controller.range(), rtfProperties()));

@@ -44,6 +44,10 @@ class RichTextBox : public QAbstractScrollArea {
   // Replaces the selection; behind it the caret stands after the new text. Does nothing when protected text is in the
   // way.
   void SetSelText(const QString& text);
+  // The same for engine bytes and positions, without a copy as UTF-16; the new text is selected. False: protected text
+  // is in the way.
+  text::Range SelectedRange() const;
+  bool ReplaceSelection(std::string_view bytes);
   QByteArray SelRTF() const;
   // RTF keeps its formatting, any other text goes in as plain text in the format at the caret.
   void SetSelRTF(const QByteArray& rtfOrText);

@@ -1,0 +1,181 @@
+// Commands of the Format and Strip menus that ask, and the tool for super- and subscripts.
+#include "services/Numbers.h"
+#include "tests/program/ProgramTest.h"
+
+#include <QCoreApplication>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QScrollBar>
+
+namespace {
+
+using documents::frmText;
+
+class FormatCommandsTest : public ProgramTest {
+ protected:
+  void SetUp() override {
+    document_ = Open(Put("a.txt", "one\r\ntwo"));
+    ASSERT_TRUE(document_);
+    box().SelectAll();
+  }
+  ui::RichTextBox& box() { return document_->RichTextBox1(); }
+
+  frmText* document_ = nullptr;
+};
+
+TEST(Numbers, TheNumberThatATextBeginsWith) {
+  const std::pair<const char16_t*, double> rows[] = {
+      {u"1.5", 1.5}, {u"1,5", 1},    {u"abc", 0},    {u"", 0},    {u" 1 2 cm", 12}, {u"-2", -2},
+      {u"+3", 3},    {u"1e2x", 100}, {u"1e", 1},     {u".5", .5}, {u"1.2.3", 1.2},  {u"1-2", 1},
+      {u"--1", 0},   {u"9e999", 0},  {u"\u0661", 0}, {u"nan", 0}, {u"infinity", 0},
+  };
+  for (const auto& [text, number] : rows)
+    EXPECT_EQ(services::LeadingNumber(text), number) << QStringView(text).toString().toStdString();
+}
+
+TEST_F(FormatCommandsTest, IndentsAreCentimetersAndAreOfferedAgain) {
+  const struct {
+    void (frmText::*command)();
+    const char* prompt;
+    std::optional<int> (ui::RichTextBox::*get)() const;
+  } commands[] = {
+      {&frmText::mnuIndentLeft_Click, "Input (in centimeters) the amount of left indentation desired",
+       &ui::RichTextBox::SelIndent},
+      {&frmText::mnuIndentHang_Click, "Input (in centimeters) the amount of hanging indentation desired",
+       &ui::RichTextBox::SelHangingIndent},
+      {&frmText::mnuIndentRight_Click, "Input (in centimeters) the amount of right indentation desired",
+       &ui::RichTextBox::SelRightIndent},
+  };
+  for (const auto& command : commands) {
+    dialogs.Text(command.prompt, "0", "1.5 cm");
+    (document_->*command.command)();
+    EXPECT_EQ((box().*command.get)(), 850) << command.prompt;
+    dialogs.Text(command.prompt, "1.5", std::nullopt);
+    (document_->*command.command)();
+    dialogs.Text(command.prompt, "1.5", "");
+    (document_->*command.command)();
+    EXPECT_EQ((box().*command.get)(), 850) << command.prompt;
+    dialogs.Text(command.prompt, "1.5", "none");
+    (document_->*command.command)();
+    EXPECT_EQ((box().*command.get)(), 0) << command.prompt;
+  }
+  dialogs.Text(commands[0].prompt, "0", "1e30");
+  document_->mnuIndentLeft_Click();
+  dialogs.Text(commands[0].prompt, "0", std::nullopt);
+  New().mnuIndentLeft_Click();
+}
+
+TEST_F(FormatCommandsTest, BulletsAskOnlyForTheWayThere) {
+  const char* prompt = "Input (in centimeters) the amount of indentation desired for bulleted text";
+  dialogs.Text(prompt, "0", std::nullopt);
+  document_->mnuBullet_Click();
+  EXPECT_EQ(box().SelBullet(), false);
+  dialogs.Text(prompt, "0", "1");
+  document_->mnuBullet_Click();
+  EXPECT_EQ(box().SelBullet(), true);
+  EXPECT_EQ(box().BulletIndent(), 567);
+  EXPECT_TRUE(document_->checks().Bullet);
+  document_->mnuBullet_Click();
+  EXPECT_EQ(box().SelBullet(), false);
+  EXPECT_FALSE(document_->checks().Bullet);
+}
+
+TEST_F(FormatCommandsTest, ProtectionGoesOnAndOff) {
+  box().SetSelLength(2);
+  document_->mnuProtect_Click();
+  EXPECT_EQ(box().SelProtected(), true);
+  box().SelectAll();
+  EXPECT_TRUE(document_->checks().Protect) << "a mixed state leaves the mark";
+  document_->mnuProtect_Click();
+  EXPECT_EQ(box().SelProtected(), true) << "the inverse of mixed is on";
+  document_->mnuProtect_Click();
+  EXPECT_EQ(box().SelProtected(), false);
+  EXPECT_FALSE(document_->checks().Protect);
+}
+
+TEST_F(FormatCommandsTest, TheOffsetToolRaisesAndLowers) {
+  document_->mnuSelCharOffset_Click();
+  EXPECT_TRUE(document_->checks().SelCharOffset);
+  auto* bar = box().findChild<QScrollBar*>("VScroll1");
+  auto* readOut = box().findChild<QLabel*>("Text1");
+  ASSERT_TRUE(bar && readOut);
+  EXPECT_EQ(bar->maximum(), 10);
+  EXPECT_EQ(bar->minimum(), -10);
+  QKeyEvent up(QEvent::KeyPress, Qt::Key_Up, Qt::NoModifier);
+  QCoreApplication::sendEvent(bar, &up);
+  QCoreApplication::sendEvent(bar, &up);
+  EXPECT_EQ(box().SelCharOffset(), 30);
+  EXPECT_EQ(readOut->text(), QString("2"));
+  box().SetSelLength(1);
+  box().SetSelFontSize(20);
+  EXPECT_EQ(bar->maximum(), 20);
+  box().SetSelCharOffset(-45);
+  EXPECT_EQ(bar->value(), -3);
+  box().SelectAll();
+  EXPECT_EQ(bar->maximum(), 50);
+  EXPECT_EQ(bar->value(), 0);
+  EXPECT_EQ(box().SelCharOffset(), std::nullopt) << "looking changes nothing";
+  document_->mnuSelCharOffset_Click();
+  EXPECT_TRUE(bar->isHidden() && readOut->isHidden());
+  EXPECT_FALSE(document_->checks().SelCharOffset);
+}
+
+TEST_F(FormatCommandsTest, StripReplacesTheSelectionAsOneStep) {
+  box().SetSelBold(true);
+  document_->mnuStrip_Click();
+  EXPECT_EQ(box().Text(), QString("one two"));
+  EXPECT_EQ(box().SelStart(), 0);
+  EXPECT_EQ(box().SelLength(), 7);
+  document_->mnuUndoItem_Click();
+  EXPECT_EQ(box().Text(), QString("one\r\ntwo"));
+  box().SetSelStart(1);
+  box().SetSelLength(5);
+  document_->mnuStrip_Click();
+  EXPECT_EQ(box().SelText(), QString("ne t"));
+  EXPECT_EQ(box().SelStart(), 1);
+}
+
+TEST_F(FormatCommandsTest, StripWithoutASelectionOnlyMarksTheDocument) {
+  box().SetSelStart(2);
+  EXPECT_FALSE(Changed(*document_));
+  document_->mnuStripBlanks_Click();
+  EXPECT_TRUE(Changed(*document_));
+  EXPECT_EQ(box().Text(), QString("one\r\ntwo"));
+  EXPECT_FALSE(box().CanUndo());
+}
+
+TEST_F(FormatCommandsTest, StripAsksForTheCharactersCode) {
+  const char* prompt = "Input the ASCII code of the character you want to strip.";
+  const struct {
+    const char *before, *offered, *answer, *after;
+  } rows[] = {
+      {"1,234,,5", "", "44", "12345"},     {"1,2-3", "44", "44.5", "12-3"},
+      {"1,2-3.", "44.5", "45.5", "1,2-3"}, {"\u00E9tude\u20AC", "45.5", "233", "tude\u20AC"},
+      {"a\u20AC", "233", "128", "a"},      {"a b", "128", "", "a b"},
+      {"a b", "128", "x", "a b"},
+  };
+  for (const auto& row : rows) {
+    box().SelectAll();
+    box().SetSelText(row.before);
+    box().SelectAll();
+    dialogs.Text(prompt, row.offered, row.answer);
+    document_->mnuStripASCII_Click();
+    EXPECT_EQ(box().Text(), QString(row.after)) << row.answer;
+  }
+  dialogs.Text(prompt, "x", "256");
+  ExpectError("Error: There is no character with the code 256.  Codes go from 0 to 255.");
+  document_->mnuStripASCII_Click();
+  dialogs.Text(prompt, "256", std::nullopt);
+  document_->mnuStripASCII_Click();
+}
+
+TEST_F(FormatCommandsTest, StrippingIsCancelledAndStopsAtProtectedText) {
+  dialogs.CancelNextWork();
+  document_->mnuStrip_Click();
+  box().SetSelProtected(true);
+  document_->mnuStrip_Click();
+  EXPECT_EQ(box().Text(), QString("one\r\ntwo"));
+  EXPECT_EQ(box().SelLength(), 8);
+}
+
+}  // namespace

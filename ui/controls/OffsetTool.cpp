@@ -1,0 +1,106 @@
+#include "ui/controls/OffsetTool.h"
+
+#include <QKeyEvent>
+#include <QSignalBlocker>
+#include <QStyle>
+#include <QStyleOptionSlider>
+
+#include <algorithm>
+#include <utility>
+
+namespace ui {
+namespace {
+
+constexpr int kLongest = 240;
+constexpr int kPage = 4;
+
+// Where the thumb is can only be asked of the scroll bar itself.
+class OffsetBar final : public QScrollBar {
+ public:
+  explicit OffsetBar(QWidget* parent) : QScrollBar(Qt::Vertical, parent) {}
+  QRect ThumbRect() const {
+    QStyleOptionSlider option;
+    initStyleOption(&option);
+    return style()->subControlRect(QStyle::CC_ScrollBar, &option, QStyle::SC_ScrollBarSlider, this);
+  }
+};
+
+}  // namespace
+
+OffsetTool::OffsetTool(QWidget& editor, std::function<void(int)> changed)
+    : QObject(&editor), editor_(editor), VScroll1_(new OffsetBar(&editor)), Text1_(new QLabel(&editor)) {
+  VScroll1_->setObjectName(QStringLiteral("VScroll1"));
+  VScroll1_->setAccessibleName(tr("Superscript and subscript"));
+  VScroll1_->setFocusPolicy(Qt::TabFocus);
+  VScroll1_->setInvertedAppearance(true);
+  VScroll1_->setInvertedControls(false);
+  VScroll1_->setPageStep(kPage);
+  VScroll1_->setCursor(Qt::ArrowCursor);
+  VScroll1_->installEventFilter(this);
+  Text1_->setObjectName(QStringLiteral("Text1"));
+  Text1_->setFrameStyle(static_cast<int>(QFrame::Box) | static_cast<int>(QFrame::Plain));
+  Text1_->setAutoFillBackground(true);
+  Text1_->setBackgroundRole(QPalette::ToolTipBase);
+  Text1_->setForegroundRole(QPalette::ToolTipText);
+  Text1_->setMargin(2);
+  VScroll1_->hide();
+  Text1_->hide();
+  editor.installEventFilter(this);
+  connect(VScroll1_, &QScrollBar::valueChanged, this, [this, changed = std::move(changed)](int value) {
+    PlaceReadOut();
+    changed(value);
+  });
+  connect(VScroll1_, &QScrollBar::sliderReleased, this, [this] { editor_.setFocus(); });
+}
+
+void OffsetTool::SetVisible(bool visible) {
+  Place();
+  VScroll1_->setVisible(visible);
+  Text1_->setVisible(visible);
+  if (visible) {
+    VScroll1_->raise();
+    Text1_->raise();
+    VScroll1_->setFocus();
+  } else {
+    editor_.setFocus();
+  }
+}
+
+void OffsetTool::SetRange(int most) {
+  const QSignalBlocker silent(VScroll1_);
+  VScroll1_->setRange(-most, most);
+  PlaceReadOut();
+}
+
+void OffsetTool::SetValue(int value) {
+  const QSignalBlocker silent(VScroll1_);
+  VScroll1_->setValue(value);
+  PlaceReadOut();
+}
+
+void OffsetTool::Place() {
+  const int width = VScroll1_->sizeHint().width();
+  const int height = std::min(kLongest, editor_.height() * 3 / 4);
+  VScroll1_->setGeometry(editor_.width() - 2 * width, (editor_.height() - height) / 2, width, height);
+  PlaceReadOut();
+}
+
+void OffsetTool::PlaceReadOut() {
+  Text1_->setNum(VScroll1_->value());
+  Text1_->adjustSize();
+  const QRect thumb = static_cast<const OffsetBar*>(VScroll1_)->ThumbRect().translated(VScroll1_->pos());
+  constexpr int kGap = 4;
+  Text1_->move(VScroll1_->x() - Text1_->width() - kGap, thumb.center().y() - Text1_->height() / 2);
+}
+
+bool OffsetTool::eventFilter(QObject* watched, QEvent* event) {
+  if (watched == &editor_ && event->type() == QEvent::Resize) Place();
+  if (watched == VScroll1_ && event->type() == QEvent::KeyPress &&
+      static_cast<const QKeyEvent*>(event)->key() == Qt::Key_Escape) {
+    editor_.setFocus();
+    return true;
+  }
+  return QObject::eventFilter(watched, event);
+}
+
+}  // namespace ui
