@@ -155,6 +155,19 @@ TEST(RtfSplice, GroupsAndTables) {
          e.content = e.content.WithReplaced({Units(2), Units(2)}, e.content.Slice({Units(0), Units(2)}));
        },
        "{\\rtf1\\trowd\\cellx9\\pard\\intbl a\\cell\\row\\trowd\\cellx9\\pard\\intbl a\\cell\\row\r\n\\pard b\\par}"},
+      {"{\\rtf1\\trowd\\cellx9\\pard\\intbl a\\cell\\row}", Type("", "b"),
+       "{\\rtf1\\trowd\\cellx9\\pard\\intbl a\\cell\\row\\pard b}"},
+      {"{\\rtf1 ab\\par}",
+       [](Edited& e) {
+         EmbeddedObject picture;
+         picture.type = PictureType::kJpeg;
+         picture.picture = SharedBytes("\xFF\xD8\xFF");
+         picture.width = picture.height = 300;
+         CharFormat format;
+         format.object = e.formats().Add(picture);
+         e.Put({Units(1), Units(1)}, "\uFFFC", e.formats().Intern(format));
+       },
+       "{\\rtf1 a{{\\pict\\jpegblip\\picwgoal300\\pichgoal300\r\nffd8ff\r\n}}b\\par}"},
   };
   for (const Row& row : kRows) Check(row);
 }

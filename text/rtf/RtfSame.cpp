@@ -7,12 +7,15 @@
 #include "text/rtf/RtfWords.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <unordered_map>
 #include <vector>
 
 namespace text::rtf {
 
 namespace {
+
+constexpr int32_t kTwipsPerPixel = 15;
 
 // Text without a break, or a break.
 struct Part {
@@ -125,8 +128,13 @@ class Comparison {
   bool SameObjects(ObjectId a, ObjectId b) const {
     if (a == ObjectId::kNone || b == ObjectId::kNone) return a == b;
     const EmbeddedObject &x = a_[a], &y = b_[b];
-    return x.kind == y.kind && x.type == y.type && x.picture.bytes == y.picture.bytes && x.width == y.width &&
-           x.height == y.height;
+    return x.kind == y.kind && x.type == y.type && x.picture.bytes == y.picture.bytes && SameSize(x.width, y.width) &&
+           SameSize(x.height, y.height);
+  }
+
+  // One that was not said becomes the picture's own; crops are rounded.
+  static bool SameSize(int32_t wanted, int32_t read) {
+    return wanted <= 0 || std::abs(wanted - read) <= kTwipsPerPixel;
   }
 
   bool CompareParagraphs(const ParaFormat& aFormat, const ParaFormat& bFormat) const {

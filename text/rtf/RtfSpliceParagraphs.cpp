@@ -154,9 +154,17 @@ std::string RtfSplice::UnknownParagraphWords() const {
 void RtfSplice::OnEnd(size_t offset) {
   if (sawClosing_) return;
   std::optional<Place> tail = last_;
+  const bool leavesTable = atParagraphBegin_ && reader_.inForce().tableLevel > 0;
   if (written_ < after_.size()) {
     const bool broken = after_.ParagraphAt(written_) < after_.breaks();
     Flush(offset, after_.size(), true);
+    // Other programs lose text that says it is in a table and is in no row.
+    if (leavesTable && paragraphBegin_ && formats_[after_.lastParaFormat()].row == RowId::kNone) {
+      std::string bytes;
+      RtfWords(bytes).Paragraph(formats_[after_.lastParaFormat()], formats_, Numbers());
+      output_.Insert(paragraphBegin_->at, bytes);
+      return;
+    }
     if (broken) tail.reset();
   }
   const ParaFormatId wantedId = after_.lastParaFormat();

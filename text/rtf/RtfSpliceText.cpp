@@ -2,6 +2,7 @@
 #include "text/Utf16.h"
 #include "text/rtf/RtfFields.h"
 #include "text/rtf/RtfSplice.h"
+#include "text/rtf/RtfWriter.h"
 
 namespace text::rtf {
 
@@ -123,7 +124,13 @@ TextCoding RtfSplice::CodingFor(const CharFormat& format) const {
 
 void RtfSplice::InsertObject(ObjectId id) {
   const auto inFile = objects_.find(id);
-  words_.Raw(inFile != objects_.end() ? inFile->second : formats_[id].rtf.bytes);
+  if (inFile != objects_.end()) return words_.Raw(inFile->second);
+  const ByteSink append = [this](std::string_view bytes) {
+    words_.Raw(bytes);
+    return true;
+  };
+  const DocumentProperties properties;
+  RtfWriter(after_, properties, append).RunObject(formats_[id]);
 }
 
 // The rows that end in what is put in. A paragraph in no such row belongs to that around its place.

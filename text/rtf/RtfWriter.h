@@ -20,6 +20,8 @@ class RtfWriter {
   // A whole document closes its last paragraph with \par; a fragment only one whose break is in the range. False when
   // the sink refused.
   bool Run(Range range, bool wholeDocument);
+  // Only the group that stands for an object.
+  bool RunObject(const EmbeddedObject& object);
 
  private:
   // Text of the paragraph under way; the views lie in the content.

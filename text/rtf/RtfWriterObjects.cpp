@@ -76,6 +76,11 @@ void RtfWriter::TextWithObject(std::string_view bytes, const EmbeddedObject& obj
   PlainText(bytes);
 }
 
+bool RtfWriter::RunObject(const EmbeddedObject& object) {
+  Object(object);
+  return !refused_ && sink_(out_);
+}
+
 // Groups as they were read say more than the model does; only a note's refers to the tables of its file.
 void RtfWriter::Object(const EmbeddedObject& object) {
   if (object.kind == ObjectKind::kNote) return Note(object);
