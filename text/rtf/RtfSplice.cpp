@@ -89,7 +89,7 @@ void RtfSplice::Part(Span span, Units units, Text kind) {
   const Edit& edit = CurrentEdit();
   switch (edit.kind) {
     case Edit::Kind::kSame:
-      Keep(span, units, kind != Text::kOpen);
+      Keep(span, units, kind);
       break;
     case Edit::Kind::kReformat:
       output_.CopyTo(span.begin);
@@ -124,7 +124,7 @@ void RtfSplice::Drop(Span span) {
   dropped_ = true;
 }
 
-void RtfSplice::Keep(Span span, Units units, bool bare) {
+void RtfSplice::Keep(Span span, Units units, Text kind) {
   const Units to = Mapped(read_);
   if (written_ < to && !Flush(span.begin, to, false)) return Drop(span);
   if (atParagraphBegin_) {
@@ -135,14 +135,17 @@ void RtfSplice::Keep(Span span, Units units, bool bare) {
   dropped_ = false;
   written_ = to + units;
   last_.reset(), middle_.reset();
-  if (read_ + units == edits_[edit_].before.end) Remember(span.end, false, bare);
+  if (read_ + units == edits_[edit_].before.end) {
+    Remember(span.end, false);
+    // Some readers take what follows for a trail byte.
+    last_->bare = kind == Text::kBytes || (kind != Text::kOpen && !last_->state.multiByte);
+  }
 }
 
 // Something new may follow here.
-void RtfSplice::Remember(size_t end, bool isBreak, bool bare) {
+void RtfSplice::Remember(size_t end, bool isBreak) {
   last_ = Here(end);
   last_->isBreak = isBreak;
-  last_->bare = bare;
 }
 
 void RtfSplice::MarkUsed() {
@@ -222,7 +225,7 @@ bool RtfSplice::IsOpen(uint32_t group) const {
 void RtfSplice::OnBreak(Span span, bool joins) {
   if (joins) {
     if (dropped_) return Drop(span);
-    if (last_ && last_->isBreak) Remember(span.end, true, true);
+    if (last_ && last_->isBreak) Remember(span.end, true);
     if (deviation_) deviation_->at = ReachHere(span.end).at;
     return;
   }
@@ -253,7 +256,7 @@ void RtfSplice::OnBreak(Span span, bool joins) {
   read_ += Units(1);
   written_ = to + Units(1);
   last_.reset(), middle_.reset();
-  if (read_ == edits_[edit_].before.end) Remember(span.end, true, true);
+  if (read_ == edits_[edit_].before.end) Remember(span.end, true);
 }
 
 // A label goes with the break before its paragraph, or with the paragraph's list.

@@ -79,7 +79,7 @@ class RtfSplice : private RtfWatcher {
   void TornPiece(Span span, Units units);
   void Part(Span span, Units units, Text kind);
   void Drop(Span span);
-  void Keep(Span span, Units units, bool bare);
+  void Keep(Span span, Units units, Text kind);
   // Writes what is new up to there; false when no place allows it yet.
   bool Flush(size_t here, Units upTo, bool beforeBreak);
   bool Allows(const InForce& state, Units upTo) const;
@@ -87,7 +87,7 @@ class RtfSplice : private RtfWatcher {
   Reach ReachHere(size_t offset);
   Place Here(size_t offset);
   bool IsOpen(uint32_t group) const;
-  void Remember(size_t end, bool isBreak, bool bare);
+  void Remember(size_t end, bool isBreak);
   void MarkUsed();
 
   // --- RtfSpliceParagraphs.cpp

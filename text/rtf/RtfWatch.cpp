@@ -18,6 +18,7 @@ InForce RtfReader::inForce() {
   now.paragraph = formats_[CurrentParagraph()];
   now.tableLevel = state().level();
   now.fallbackCount = state().fallbackCount;
+  now.multiByte = state().codePage->multiByte();
   now.codePage = state().codePage->number();
   return now;
 }

@@ -23,6 +23,7 @@ struct InForce {
   ParaFormat paragraph;    // without its row
   uint8_t tableLevel = 0;  // 0: in no table
   int32_t fallbackCount = 1;
+  bool multiByte = false;
   int codePage = 1252;  // of the font
 };
 
