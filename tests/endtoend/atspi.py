@@ -109,7 +109,8 @@ def _editors(pid):
     found = []
     for window in _windows(pid):
         for node in _walk(window) if window else []:
-            if node.get_role_name() in ("text", "document text") and node.get_editable_text_iface():
+            visible = node.get_state_set().contains(Atspi.StateType.VISIBLE)  # the list of auto-complete is hidden
+            if visible and node.get_role_name() in ("text", "document text") and node.get_editable_text_iface():
                 found.append(node.get_text_iface().get_text(0, -1))
     return found
 

@@ -76,8 +76,8 @@ CompletionBox::CompletionBox(RichTextBox& editor)
   arrow->setAutoRaise(true);
   arrow->setFocusPolicy(Qt::NoFocus);
   arrow->setAccessibleName(tr("Show or hide the entries"));
-  const int height = line_->fontMetrics().height() + 2;
-  line_->setFixedHeight(height);
+  const int height = line_->fontMetrics().height();
+  line_->setMinimumHeight(height);
   arrow->setFixedSize(height, height);
   auto* row = new QHBoxLayout(this);
   row->setContentsMargins(1, 1, 1, 1);
@@ -225,7 +225,9 @@ QRect CompletionBox::PlaceAtCaret() const {
   const int width = std::min(fontMetrics().averageCharWidth() * kCharacters, editor_.width());
   int left = caret.left();
   if (left + width > editor_.width()) left = editor_.width() - width;
-  return {left, caret.top(), width, sizeHint().height()};
+  // Behind the last line there is only a margin.
+  const int room = editor_.viewport()->geometry().bottom() + 1 - caret.top();
+  return {left, caret.top(), width, std::clamp(room, minimumSizeHint().height(), line_->fontMetrics().height() + 4)};
 }
 
 void CompletionBox::Place() {

@@ -24,6 +24,7 @@ class ByDirection final : public QStyledItemDelegate {
     QStyledItemDelegate::initStyleOption(option, index);
     option->direction = option->text.isRightToLeft() ? Qt::RightToLeft : Qt::LeftToRight;
     option->displayAlignment = Qt::AlignLeft | Qt::AlignVCenter;  // mirrored with the direction
+    option->state |= QStyle::State_Active;  // the box has the focus, but it is here that something is chosen
   }
 };
 
@@ -67,12 +68,6 @@ CompletionList::CompletionList(QWidget* parent) : QListView(parent), model_(new 
   setFrameStyle(static_cast<int>(QFrame::Box) | static_cast<int>(QFrame::Plain));
   setFocusPolicy(Qt::NoFocus);
   verticalScrollBar()->setFocusPolicy(Qt::NoFocus);
-  // What is chosen shows as such, although the box has the focus.
-  QPalette chosen = palette();
-  chosen.setBrush(QPalette::Inactive, QPalette::Highlight, chosen.brush(QPalette::Active, QPalette::Highlight));
-  chosen.setBrush(QPalette::Inactive, QPalette::HighlightedText,
-                  chosen.brush(QPalette::Active, QPalette::HighlightedText));
-  setPalette(chosen);
   hide();
 }
 
@@ -111,14 +106,16 @@ int CompletionList::WantedWidth() const {
   if (entries.empty()) return 0;
   constexpr int kMost = 200;  // more is cut off anyway
   const QString longest = entries[static_cast<size_t>(model_->entries->longest())].left(kMost);
-  const int bar = count() > kMostRows ? verticalScrollBar()->sizeHint().width() : 0;
-  return fontMetrics().horizontalAdvance(longest) + 4 * fontMetrics().averageCharWidth() + bar + 2 * frameWidth();
+  const int beside = verticalScrollBar()->sizeHint().width() + 4 * fontMetrics().averageCharWidth() + 2 * frameWidth();
+  return fontMetrics().horizontalAdvance(longest) + beside;
 }
 
 void CompletionList::Place(const QRect& box, bool above) {
   const QSize parent = parentWidget()->size();
   const int room = std::max(sizeHintForRow(0), above ? box.top() : parent.height() - box.bottom() - 1);
-  const int width = std::min(std::clamp(WantedWidth(), box.width(), 2 * box.width()), parent.width());
+  // To the right as far as there is room.
+  const int most = std::max(box.width(), std::min(2 * box.width(), parent.width() - box.left()));
+  const int width = std::clamp(WantedWidth(), box.width(), most);
   const int height = std::min(WantedHeight(), room);
   const int left = std::max(0, std::min(box.left(), parent.width() - width));
   setGeometry(left, above ? box.top() - height : box.bottom() + 1, width, height);
