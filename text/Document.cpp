@@ -77,9 +77,7 @@ Range Document::Replace(Range range, std::string_view bytes, CharFormatId format
   ContentBuilder builder(content_.store());
   ParaFormatId paragraph = ParaFormatId::kDefault;
   if (bytes.find_first_of("\r\n") != std::string_view::npos) {
-    ParaFormat like = formats()[content_.ParaFormatOf(content_.ParagraphAt(range.begin))];
-    like.rowMark = RowMark::kNone;
-    paragraph = formats().Intern(like);
+    paragraph = formats().Intern(ForNewText(formats()[content_.ParaFormatOf(content_.ParagraphAt(range.begin))]));
   }
   builder.Append(bytes, format, paragraph);
   return Replace(range, builder.Finish(), kind, before);

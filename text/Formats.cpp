@@ -37,6 +37,16 @@ ParaFormat ParaFormatPatch::Apply(ParaFormat format) const {
   return format;
 }
 
+CharFormat ForNewText(CharFormat beside) {
+  beside.flags &= static_cast<uint16_t>(~(kProtected | kHidden));
+  beside.object = ObjectId::kNone;
+  return beside;
+}
+ParaFormat ForNewText(ParaFormat paragraph) {
+  paragraph.rowMark = RowMark::kNone;
+  return paragraph;
+}
+
 CharSummary SummaryOf(const CharFormat& format) {
   CharSummary summary;
   summary.any = true;

@@ -137,6 +137,12 @@ struct ParaSummary {
   bool operator==(const ParaSummary&) const = default;
 };
 
+// What new text takes from a character that it stands beside or replaces: it is never protected or hidden, and no
+// object.
+CharFormat ForNewText(CharFormat beside);
+// The same for its line breaks: they end no cell.
+ParaFormat ForNewText(ParaFormat paragraph);
+
 CharSummary SummaryOf(const CharFormat& format);
 ParaSummary SummaryOf(const ParaFormat& format);
 CharSummary Combine(const CharSummary& a, const CharSummary& b);

@@ -67,8 +67,8 @@ bool ForEachWritten(const Content& content, std::string_view lineEnd, WriteOptio
   bool good = true;
   content.ForEachPiece(content.all(), [&](const PieceView& piece) {
     const bool objects = formats[piece.charFormat].object != ObjectId::kNone;
-    const bool cells = options.fromRichText && piece.sums.breaks > Breaks(0) &&
-                       formats[piece.paraFormat].rowMark == RowMark::kCellEnd;
+    const bool cells =
+        options.fromRichText && piece.sums.breaks > Breaks(0) && formats[piece.paraFormat].rowMark == RowMark::kCellEnd;
     std::string_view rest = piece.bytes;
     while (good && !rest.empty()) {
       const size_t object = objects ? rest.find(kObject) : std::string_view::npos;

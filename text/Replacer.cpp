@@ -15,6 +15,12 @@ constexpr size_t kPending = 65536;
 // Matches are collected in such numbers, so that the text is still in the cache when it is copied.
 constexpr size_t kBatch = 4096;
 
+template <class Id>
+Id IdForNewText(FormatTable& formats, Id id) {
+  const auto format = ForNewText(formats[id]);
+  return format == formats[id] ? id : formats.Intern(format);
+}
+
 }  // namespace
 
 Replacer::Replacer(const Content& content, std::string_view replacement)
@@ -26,20 +32,21 @@ Replacer::Replacer(const Content& content, std::string_view replacement)
 
 void Replacer::Replace(int64_t begin, int64_t end) {
   if (count_++ == 0) {
-    first_ = taken_ = content_.PositionOfByte(Bytes(begin));
+    first_ = {content_.PositionOfByte(Bytes(begin)), content_.PositionOfByte(Bytes(end))};
+    taken_ = first_.begin;
     at_ = begin;
-    builder_.Append(content_, {Units(0), first_});
+    builder_.Append(content_, {Units(0), taken_});
   }
   matches_.push_back({begin, end});
   if (matches_.size() == kBatch) Consume();
 }
 
 Replacer::Result Replacer::Finish() {
-  if (count_ == 0) return {content_, 0, {}};
+  if (count_ == 0) return {content_, 0, {}, {}};
   Consume();
   Flush();
   builder_.Append(content_, {taken_, content_.size()});
-  return {builder_.Finish(content_.lastParaFormat()), count_, {first_, taken_}};
+  return {builder_.Finish(content_.lastParaFormat()), count_, first_, {first_.begin, taken_}};
 }
 
 // Deals with the old content up to the last collected match's end.
@@ -60,7 +67,7 @@ void Replacer::CopyPiece(const PieceView& piece) {
   const int64_t end = pieceBegin_ + piece.sums.bytes.value();
   if (piece.sums.breaks > Breaks(0)) openParagraph_.reset();
   lastBreak_.reset();
-  replacementFormat_ = WithoutObject(piece.charFormat);
+  replacementFormat_ = IdForNewText(content_.formats(), piece.charFormat);
   const auto part = [&](int64_t from, int64_t to) {
     return piece.bytes.substr(static_cast<size_t>(from - pieceBegin_), static_cast<size_t>(to - from));
   };
@@ -86,16 +93,11 @@ void Replacer::Copy(std::string_view bytes, const PieceView& piece) {
   builder_.AppendCommitted(bytes.data(), bytes.data() + bytes.size(), piece.charFormat, piece.paraFormat);
 }
 
-CharFormatId Replacer::WithoutObject(CharFormatId id) const {
-  CharFormat format = content_.formats()[id];
-  if (format.object == ObjectId::kNone) return id;
-  format.object = ObjectId::kNone;
-  return content_.formats().Intern(format);
-}
-
 void Replacer::PutReplacement(const PieceView& piece, int64_t begin) {
   if (replacement_.empty()) return;
-  Put(replacement_, replacementFormat_, replacementHasBreaks_ ? ParaFormatAt(piece, begin) : piece.paraFormat);
+  ParaFormatId paragraph = piece.paraFormat;
+  if (replacementHasBreaks_) paragraph = IdForNewText(content_.formats(), ParaFormatAt(piece, begin));
+  Put(replacement_, replacementFormat_, paragraph);
 }
 
 // Of the paragraph that holds the byte, which is in the piece.

@@ -20,6 +20,7 @@ class Replacer {
   struct Result {
     Content content;
     int64_t count;
+    Range first;     // match, in the old content
     Range replaced;  // of the old content, from the first match's begin to the last one's end
   };
   Result Finish();
@@ -32,7 +33,6 @@ class Replacer {
   void Consume();
   void CopyPiece(const PieceView& piece);
   void Copy(std::string_view bytes, const PieceView& piece);
-  CharFormatId WithoutObject(CharFormatId id) const;
   void PutReplacement(const PieceView& piece, int64_t begin);
   void Put(std::string_view bytes, CharFormatId charFormat, ParaFormatId paraFormat);
   void Flush();
@@ -52,7 +52,7 @@ class Replacer {
   CharFormatId replacementFormat_{};           // for matches that begin in the piece
   std::optional<int64_t> lastBreak_;           // where the piece's last break is, -1 without one
   std::optional<ParaFormatId> openParagraph_;  // the format of the paragraph that has not ended in this piece
-  Units first_;
+  Range first_;
   int64_t count_ = 0;
 
   // A stretch of one pair of formats that waits to be appended.

@@ -5,7 +5,7 @@
 namespace text {
 namespace {
 
-// So much is searched between two looks at the cancel flag.
+// So much is searched between two tellings of the progress.
 constexpr ptrdiff_t kSlice = 262144;
 
 }  // namespace
@@ -16,7 +16,7 @@ bool SearchRun::Walk(const Content& content, Range range, const OnMatch& onMatch
   if (begin.units < std::min(range.begin, content.size())) begin = {begin.bytes + Bytes(4), begin.units + Units(2), {}};
   const Sums end = content.SumsBefore(range.end);
   if (!needle_.possible() || begin.units >= end.units) return true;
-  resume_ = begin.bytes.value();
+  resume_ = start_ = begin.bytes.value();
   limit_ = end.bytes.value();
   // A character more on both sides, for the sake of whole words.
   const Sums before = content.SumsBefore(begin.units - Units(1));
@@ -33,7 +33,7 @@ bool SearchRun::Look(const Window& window, const OnMatch& onMatch) {
   SkipGap(window);
   const char* place = std::max(window.from, Resume(window));
   while (place < window.until) {
-    if (cancel_ && cancel_->load(std::memory_order_relaxed)) {
+    if (progress_ && !progress_(window.OffsetOf(place) - start_)) {
       cancelled_ = true;
       return false;
     }
@@ -54,7 +54,8 @@ bool SearchRun::Offer(const Window& window, const ByteMatch& match, const char*&
   if (begin >= limit_) return false;
   if (begin < resume_ || gapLeft_ > 0 || end > limit_) return true;
   if (options_.wholeWord && !IsWholeWord(window, match)) return true;
-  if (!onMatch(begin, end)) return false;
+  const char before = match.begin > window.begin ? match.begin[-1] : '\0';
+  if (!onMatch({begin, end, before, match.end < window.end ? *match.end : '\0'})) return false;
   resume_ = end;
   gapLeft_ = gap_;
   SkipGap(window);
@@ -70,7 +71,7 @@ void SearchRun::SkipGap(const Window& window) {
     if (p == window.end || (window.end - p < 4 && !last)) return;
     int length = std::max(1, window.LengthAt(p));
     if (*p == '\r' && p + 1 < window.end && p[1] == '\n') length = 2;
-    gapLeft_ = std::max<int64_t>(0, gapLeft_ - (length == 4 ? 2 : 1));
+    gapLeft_ = std::max<int64_t>(0, gapLeft_ - (length == 4 || *p == '\r' || *p == '\n' ? 2 : 1));
     resume_ += length;
   }
 }

@@ -54,6 +54,10 @@ class EditorController {
   // --- Edits by the program; the caret goes behind the new text. False: protected text is in the way.
   bool Replace(text::Range range, std::string_view bytes, text::EditKind kind = text::EditKind::kCommand);
   bool Replace(text::Range range, const text::Content& fragment);
+  // Whether a range that is not empty could be replaced.
+  static bool MayReplace(const text::Content& content, text::Range range) {
+    return (content.Summarize(range).someSet & text::kProtected) == 0 && KeepsTables(content, range);
+  }
 
   // --- The user's edits
   bool HandleKey(QKeyEvent& event);              // false: not a key of the editor
@@ -139,7 +143,6 @@ class EditorController {
   bool MayChange(text::Range range) const;
   bool UserMayChange(text::Range range);
   text::CharFormat FormatFor(text::Range range) const;
-  static text::CharFormat ForNewText(text::CharFormat format);
   bool IsWithinLink(text::Units position) const;
   text::Range OvertypeRange(const QString& text) const;
   void StayBesideWhatIsBefore();
@@ -150,7 +153,8 @@ class EditorController {
   bool BackspaceRemovesBullet();
 
   // EditorTables.cpp
-  bool KeepsTables(text::Range range) const;
+  bool KeepsTables(text::Range range) const { return KeepsTables(document_.content(), range); }
+  static bool KeepsTables(const text::Content& content, text::Range range);
   text::Content FittedToTables(text::Range range, const text::Content& fragment) const;
   bool LeavesRowMark(text::Range range) const;
   void DropLastRowMark();

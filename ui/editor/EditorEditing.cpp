@@ -54,13 +54,6 @@ bool EditorController::UserMayChange(Range range) {
   return false;
 }
 
-// New text is never itself protected, hidden or an object, whatever it stands beside.
-text::CharFormat EditorController::ForNewText(text::CharFormat format) {
-  format.flags &= static_cast<uint16_t>(~(text::kProtected | text::kHidden));
-  format.object = text::ObjectId::kNone;
-  return format;
-}
-
 // Between two characters of one link.
 bool EditorController::IsWithinLink(Units position) const {
   const Content& content = document_.content();

@@ -40,8 +40,7 @@ ParaFormat WithoutRow(ParaFormat format, RowId row = RowId::kNone) {
 }  // namespace
 
 // The ends of cells and rows go only with whole rows, and what stands outside of a cell never flows into it.
-bool EditorController::KeepsTables(Range range) const {
-  const Content& content = document_.content();
+bool EditorController::KeepsTables(const Content& content, Range range) {
   if (range.empty() || !content.formats().hasRows()) return true;
   const Breaks first = content.ParagraphAt(range.begin), last = content.ParagraphAt(range.end);
   if (first == last) return true;
