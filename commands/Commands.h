@@ -5,6 +5,7 @@
 #include "documents/DocumentTable.h"
 #include "documents/Opening.h"
 #include "project/ProjectList.h"
+#include "search/Find.h"
 #include "services/Services.h"
 
 namespace ui {
@@ -16,13 +17,14 @@ namespace commands {
 class Commands {
  public:
   Commands(services::Services& services, documents::DocumentTable& table, documents::Opening& opening,
-           project::Project& project, project::ProjectList& list, autocomplete::AutoComplete& autoComplete,
-           ui::ToolBar& toolbar)
+           project::Project& project, project::ProjectList& list, search::Find& find,
+           autocomplete::AutoComplete& autoComplete, ui::ToolBar& toolbar)
       : services_(services),
         table_(table),
         opening_(opening),
         project_(project),
         list_(list),
+        find_(find),
         autoComplete_(autoComplete),
         Toolbar1_(toolbar) {}
 
@@ -37,6 +39,11 @@ class Commands {
   void mnuOpenAutoComplete_Click() { autoComplete_.mnuOpenAutoComplete_Click(); }
   void mnuExit_Click();
   void mnuRecentFile_Click(size_t index);  // from 0
+
+  // --- Edit
+  void mnuFind_Click() { find_.mnuFind_Click(); }
+  void mnuFindNext_Click() { find_.mnuFindNext_Click(); }
+  void mnuReplace_Click() { find_.mnuReplace_Click(); }
 
   // --- Project list
   void mnuOpenFromList_Click() { list_.mnuOpenFromList_Click(); }
@@ -81,6 +88,7 @@ class Commands {
   documents::Opening& opening_;
   project::Project& project_;
   project::ProjectList& list_;
+  search::Find& find_;
   autocomplete::AutoComplete& autoComplete_;
   ui::ToolBar& Toolbar1_;
   int toolbarStyle_ = 1;

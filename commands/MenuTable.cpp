@@ -43,6 +43,13 @@ constexpr Row Doc(const char* name, const char* caption, const char* hint, const
           .enabled = enabled};
 }
 
+// A command of the main window that works in documents.
+constexpr Row Search(const char* name, const char* caption, const char* key, void (Commands::*command)()) {
+  Row row = Main(name, caption, "", key, "", command);
+  row.menu.documentOnly = true;
+  return row;
+}
+
 // Changes the text or what is selected in it.
 constexpr Row Edits(Row row) {
   row.menu.editsDocument = true;
@@ -132,6 +139,10 @@ constexpr Row kMenus[] = {
     End(),
     With("clear", Doc("mnuDelete", QT_TRANSLATE_NOOP("Menu", "&Delete"), "Del", "", On<&frmText::mnuDelete_Click>)),
     Doc("mnuSelAll", QT_TRANSLATE_NOOP("Menu", "Select &All"), "Ctrl+A", "", On<&frmText::mnuSelAll_Click>),
+    Separator(),
+    With("find", Search("mnuFind", QT_TRANSLATE_NOOP("Menu", "&Find..."), "Ctrl+F", &Commands::mnuFind_Click)),
+    Edits(Search("mnuFindNext", QT_TRANSLATE_NOOP("Menu", "Find &next"), "F3", &Commands::mnuFindNext_Click)),
+    Search("mnuReplace", QT_TRANSLATE_NOOP("Menu", "R&eplace..."), "Ctrl+H", &Commands::mnuReplace_Click),
     Separator(),
     Edits(With("auto-complete", Doc("mnuAutoComplete", QT_TRANSLATE_NOOP("Menu", "&Auto-Complete"), "", "F4", On<&frmText::mnuAutoComplete_Click>, AutoCompleteOn))),
   End(),

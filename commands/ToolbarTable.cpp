@@ -45,6 +45,12 @@ constexpr ToolbarRow Doc(const char* key, const char* longText, const char* shor
   return {.button = {key, longText, shortText, icon}, .face = {.document = handler}, .needsDocument = true};
 }
 
+// A command of the main window that works in the active document.
+constexpr ToolbarRow Main(const char* key, const char* longText, const char* shortText, const char* icon,
+                          void (Commands::*command)()) {
+  return {.button = {key, longText, shortText, icon}, .face = {.command = command}, .needsDocument = true};
+}
+
 constexpr ToolbarRow Flag(const char* key, const char* longText, const char* shortText, const char* icon,
                           void (*handler)(frmText&), std::optional<bool> SelectionState::*state) {
   ToolbarRow row = Doc(key, longText, shortText, icon, handler);
@@ -84,6 +90,7 @@ constexpr ToolbarRow kButtons[] = {
   Drop("New", QT_TRANSLATE_NOOP("Toolbar", "Create a new project or document"), QT_TRANSLATE_NOOP("Toolbar", "New"), "new", FaceClick::kOpensMenu, kProjectOrDocument, kNewCommands),
   Drop("Open", QT_TRANSLATE_NOOP("Toolbar", "Open a project or document..."), QT_TRANSLATE_NOOP("Toolbar", "Open"), "open", FaceClick::kNothing, kOpenMenu, kOpenCommands),
   Drop("Save", QT_TRANSLATE_NOOP("Toolbar", "Save project or document..."), QT_TRANSLATE_NOOP("Toolbar", "Save"), "save", FaceClick::kNothing, kProjectOrDocument, kSaveCommands),
+  Group(Main("Find", QT_TRANSLATE_NOOP("Toolbar", "Find..."), QT_TRANSLATE_NOOP("Toolbar", "Find"), "find", &Commands::mnuFind_Click)),
   Group(Doc("Cut", QT_TRANSLATE_NOOP("Toolbar", "Cut selected text"), QT_TRANSLATE_NOOP("Toolbar", "Cut"), "cut", On<&frmText::mnuCut_Click>)),
   Doc("Copy", QT_TRANSLATE_NOOP("Toolbar", "Copy to clipboard"), QT_TRANSLATE_NOOP("Toolbar", "Copy"), "copy", On<&frmText::mnuCopy_Click>),
   Doc("Paste", QT_TRANSLATE_NOOP("Toolbar", "Paste from clipboard"), QT_TRANSLATE_NOOP("Toolbar", "Paste"), "paste", On<&frmText::mnuPaste_Click>),

@@ -52,7 +52,7 @@ void frmText::ConnectEditor() {
 
 bool frmText::eventFilter(QObject* watched, QEvent* event) {
   if (watched == RichTextBox1_ && !unloaded_ && event->type() == QEvent::FocusIn) {
-    Activate();
+    if (!services_.TakeFocusFromFindAll()) Activate();
     ShowState();
   }
   return ChildForm::eventFilter(watched, event);

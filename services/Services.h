@@ -91,6 +91,12 @@ class Services {
   // --- Documents
   virtual void OpenDocument(std::string& path) = 0;
   virtual bool AnyDocumentOpen() const = 0;
+  virtual int DocumentSlots() const = 0;                  // slots are 1 to this
+  virtual ui::RichTextBox* EditorOf(int slot) const = 0;  // null when the slot is free
+  virtual int ActiveSlot() const = 0;                     // 0 without a document
+  // The find engine makes the document of that slot the active one; its window takes the flag when it gets the focus.
+  virtual void SetFocusFromFindAll(int slot) = 0;
+  virtual bool TakeFocusFromFindAll() = 0;
 
   // --- The project
   // Appends the path unless the project has it; its line is selected then.

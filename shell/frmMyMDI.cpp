@@ -29,9 +29,10 @@ frmMyMDI::frmMyMDI(ui::Dialogs& dialogs, ui::Shell& shell, Place place)
       table_(*this),
       opening_(*this, table_),
       confirmation_(*this),
+      find_(*this),
       project_(*this, frame_.leftPane().List1()),
       projectList_(*this, project_, frame_.leftPane().List1()),
-      commands_(*this, table_, opening_, project_, projectList_, autoComplete_, frame_.toolbar()),
+      commands_(*this, table_, opening_, project_, projectList_, find_, autoComplete_, frame_.toolbar()),
       toolbar_(frame_, commands_, *this, table_),
       listToolbar_(frame_.leftPane(), commands_, *this, table_),
       menus_(frame_, commands_, *this, table_),
@@ -67,6 +68,21 @@ void frmMyMDI::TakeDropped(const std::vector<std::string>& paths) {
     }
     ui::LetPendingEventsRun();
   }
+}
+
+ui::RichTextBox* frmMyMDI::EditorOf(int slot) const {
+  const bool inTable = slot >= 1 && slot <= table_.UpperBound();
+  documents::frmText* document = inTable ? table_.Document(slot) : nullptr;
+  return document ? &document->RichTextBox1() : nullptr;
+}
+
+int frmMyMDI::ActiveSlot() const {
+  const documents::frmText* document = table_.Active();
+  return document ? document->slot() : 0;
+}
+
+void frmMyMDI::SetFocusFromFindAll(int slot) {
+  if (documents::frmText* document = table_.Document(slot)) document->Activate();
 }
 
 void frmMyMDI::InitDocProperties(int slot) {

@@ -10,6 +10,7 @@
 #include "documents/Opening.h"
 #include "files/LockFile.h"
 #include "project/ProjectList.h"
+#include "search/Find.h"
 #include "search/frmYesNoAll.h"
 #include "shell/ApplicationFolder.h"
 #include "shell/CommonDialogAPI.h"
@@ -21,6 +22,7 @@
 #include <QTimer>
 
 #include <functional>
+#include <utility>
 
 namespace shell {
 
@@ -63,6 +65,7 @@ class frmMyMDI final : public services::Services {
   documents::Opening& opening() { return opening_; }
   commands::Commands& commands() { return commands_; }
   commands::Menus& menus() { return menus_; }
+  search::Find& find() { return find_; }
   project::Project& project() { return project_; }
   project::ProjectList& projectList() { return projectList_; }
   autocomplete::AutoComplete& autoComplete() { return autoComplete_; }
@@ -102,6 +105,11 @@ class frmMyMDI final : public services::Services {
   ui::Shell& shell() override { return shell_; }
   void OpenDocument(std::string& path) override { opening_.OpenDocument(path); }
   bool AnyDocumentOpen() const override { return table_.AnyDocumentOpen(); }
+  int DocumentSlots() const override { return table_.UpperBound(); }
+  ui::RichTextBox* EditorOf(int slot) const override;
+  int ActiveSlot() const override;
+  void SetFocusFromFindAll(int slot) override;
+  bool TakeFocusFromFindAll() override { return std::exchange(find_.engine().FocusFromFindAll, false); }
   void AddNewDocOrLink(const std::string& path) override { project_.AddNewDocOrLink(path); }
   int FindPathInList(const std::string& path) override { return project_.FindPathInList(path); }
   bool fncconfirm(std::string_view what) override { return project_.fncconfirm(what); }
@@ -163,6 +171,7 @@ class frmMyMDI final : public services::Services {
   documents::DocumentTable table_;
   documents::Opening opening_;
   search::Confirmation confirmation_;
+  search::Find find_;
   project::Project project_;
   project::ProjectList projectList_;
   commands::Commands commands_;

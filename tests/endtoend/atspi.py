@@ -108,7 +108,7 @@ def documents(pid):
 def _editors(pid):
     found = []
     for window in _windows(pid):
-        for node in _walk(window) if window else []:
+        for node in _walk(window) if window and window.get_role_name() == "frame" else []:
             visible = node.get_state_set().contains(Atspi.StateType.VISIBLE)  # the list of auto-complete is hidden
             if visible and node.get_role_name() in ("text", "document text") and node.get_editable_text_iface():
                 found.append(node.get_text_iface().get_text(0, -1))
@@ -163,3 +163,25 @@ def _extents(pid, role, name):
 def extents(pid, role, name=None):
     """Where on the display the first of that role (and name) is."""
     return _steady(lambda: _extents(pid, role, name), None)
+
+
+def _in_editor(pid, name, answer):
+    for window in _windows(pid):
+        for node in _walk(window) if window else []:
+            if node.get_role_name() in ("text", "document text") and node.get_name().endswith(name):
+                text = node.get_text_iface()
+                if text and text.get_n_selections():
+                    return answer(text, text.get_selection(0))
+    return None
+
+
+def selection(pid, name):
+    """(begin, end) of what is selected in the document, counted in characters."""
+    return _steady(lambda: _in_editor(pid, name, lambda _, range: (range.start_offset, range.end_offset)), None)
+
+
+def selected_rectangle(pid, name):
+    """Where on the display what is selected in the document is."""
+    def rectangle(text, range):
+        return text.get_range_extents(range.start_offset, range.end_offset, Atspi.CoordType.SCREEN)
+    return _steady(lambda: _in_editor(pid, name, rectangle), None)

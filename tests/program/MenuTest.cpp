@@ -118,13 +118,17 @@ TEST_F(MenuTest, WithADocument) {
   EXPECT_TRUE(Action("mnuCut").shortcut().isEmpty()) << "the key belongs to the editor";
   EXPECT_EQ(Action("mnuCut").text(), "Cu&t\tCtrl+X");
   EXPECT_EQ(Action("mnuExit").text(), "E&xit\tAlt+F4");
+  EXPECT_EQ(Shown("mnuEdit").mid(Shown("mnuEdit").indexOf("Select &All") + 1),
+            (QStringList{"-", "&Find...", "Find &next", "R&eplace...", "-", "&Auto-Complete"}));
+  EXPECT_EQ(Action("mnuFind").shortcut(), QKeySequence("Ctrl+F"));
+  EXPECT_EQ(Action("mnuReplace").shortcut(), QKeySequence("Ctrl+H"));
   ExpectRules();
 }
 
 TEST_F(MenuTest, FromAPaneNoKeyEditsTheDocument) {
   New();
-  const char* const kEditing[] = {"mnuBold",           "mnuItalic",  "mnuUnderline",
-                                  "mnuEmphasisRemove", "mnuRefresh", "mnuAutoComplete"};
+  const char* const kEditing[] = {"mnuBold",    "mnuItalic",       "mnuUnderline", "mnuEmphasisRemove",
+                                  "mnuRefresh", "mnuAutoComplete", "mnuFindNext"};
   program().frame().leftPane().List1().setFocus();
   for (const char* row : kEditing) EXPECT_TRUE(Action(row).shortcut().isEmpty()) << row;
   EXPECT_EQ(Action("mnuSaveFile").shortcut(), QKeySequence("Ctrl+S"));

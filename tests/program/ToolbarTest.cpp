@@ -90,6 +90,7 @@ constexpr ButtonCase kButtons[] = {
     {"New", "Create a new project or document", "New", "&Project/Project;&Document/Document;"},
     {"Open", "Open a project or document...", "Open", "&Project.../Project;&Document.../Document;"},
     {"Save", "Save project or document...", "Save", "&Project/Project;&Document/Document;"},
+    {"Find", "Find...", "Find", ""},
     {"Cut", "Cut selected text", "Cut", ""},
     {"Copy", "Copy to clipboard", "Copy", ""},
     {"Paste", "Paste from clipboard", "Paste", ""},
@@ -146,7 +147,7 @@ TEST_F(ToolbarTest, WithoutADocumentTheCommandsOfDocumentsAreOff) {
 }
 
 TEST_F(ToolbarTest, WithoutADocumentEveryDocumentCommandSaysSo) {
-  for (const char* key : {"Cut", "Copy", "Paste", "Clear", "Bold", "Italics", "Underline", "Strikethru", "Font",
+  for (const char* key : {"Find", "Cut", "Copy", "Paste", "Clear", "Bold", "Italics", "Underline", "Strikethru", "Font",
                           "Align left", "Align center", "Align right"}) {
     ExpectError(kNoDocument);
     Press(key);

@@ -1,6 +1,7 @@
 // The real dialogs, answered by their own buttons.
 #include "ui/Hourglass.h"
 #include "ui/dialogs/FontForm.h"
+#include "ui/dialogs/ModelessForm.h"
 #include "ui/dialogs/Printer.h"
 #include "ui/dialogs/ProgressForm.h"
 #include "ui/dialogs/QtDialogs.h"
@@ -219,6 +220,28 @@ TEST(FontForm, WhatIsChangedComesBackChanged) {
   form.fonts().setCurrentFont(font);
   form.SetColor(0xFF);
   EXPECT_EQ(form.choice(), (ui::FontChoice{"No Such Family", 20, false, false, false, true, 0xFF}));
+}
+
+struct PlaceCase {
+  const char* name;
+  QRect frame, rectangle;
+  QPoint expected;
+};
+
+const PlaceCase kPlaces[] = {
+    {"apart", {100, 100, 200, 100}, {400, 100, 50, 10}, {100, 100}},
+    {"below is nearest", {100, 100, 200, 100}, {150, 105, 50, 10}, {100, 123}},
+    {"above is nearest", {100, 100, 200, 100}, {150, 180, 50, 15}, {100, 72}},
+    {"no room below", {100, 500, 200, 100}, {150, 505, 50, 10}, {100, 397}},
+    {"to the right of something high", {100, 100, 200, 100}, {0, 0, 120, 600}, {128, 100}},
+    {"to the left", {600, 100, 200, 100}, {700, 0, 100, 600}, {492, 100}},
+    {"half outside already", {-50, 100, 200, 100}, {0, 150, 50, 10}, {0, 42}},
+    {"no room at all", {300, 250, 200, 100}, {10, 10, 780, 590}, {0, 0}},
+};
+
+TEST(PlaceClearOf, Table) {
+  for (const PlaceCase& row : kPlaces)
+    EXPECT_EQ(ui::PlaceClearOf(row.frame, row.rectangle, {0, 0, 800, 600}), row.expected) << row.name;
 }
 
 }  // namespace

@@ -1,6 +1,9 @@
 #include "ui/controls/DialogControls.h"
 
+#include <QGridLayout>
 #include <QHBoxLayout>
+#include <QKeySequence>
+#include <QShortcut>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -28,6 +31,10 @@ CheckBox::CheckBox(const char* name, const QString& caption) : QCheckBox(caption
   setObjectName(QLatin1String(name));
 }
 
+OptionButton::OptionButton(const char* name, const QString& caption) : QRadioButton(caption) {
+  setObjectName(QLatin1String(name));
+}
+
 TextBox::TextBox(const char* name) {
   setObjectName(QLatin1String(name));
 }
@@ -46,6 +53,67 @@ void LayOutInRows(Control& form, const std::vector<std::vector<Control*>>& rows)
       before = control;
     }
   }
+}
+
+namespace {
+
+// Also while it is hidden, so that nothing moves when it appears.
+void KeepPlace(Control& control) {
+  QSizePolicy policy = control.sizePolicy();
+  policy.setRetainSizeWhenHidden(true);
+  control.setSizePolicy(policy);
+}
+
+QHBoxLayout* InColumns(const std::vector<std::vector<Control*>>& columns) {
+  auto* side = new QHBoxLayout;
+  for (const auto& column : columns) {
+    auto* below = new QVBoxLayout;
+    for (Control* control : column) below->addWidget(control);
+    below->addStretch();
+    side->addLayout(below);
+    side->addSpacing(12);
+  }
+  side->addStretch();
+  return side;
+}
+
+}  // namespace
+
+void OnKey(Control& form, const char* key, std::function<void()> call) {
+  auto* shortcut = new QShortcut(QKeySequence::fromString(QLatin1String(key), QKeySequence::PortableText), &form);
+  QObject::connect(shortcut, &QShortcut::activated, &form, std::move(call));
+}
+
+void LayOutFields(Control& form, const FieldForm& contents) {
+  auto* whole = new QHBoxLayout(&form);
+  auto* left = new QVBoxLayout;
+  auto* right = new QVBoxLayout;
+  whole->addLayout(left, 1);
+  whole->addSpacing(6);
+  whole->addLayout(right);
+  auto* grid = new QGridLayout;
+  grid->setColumnStretch(1, 1);
+  left->addLayout(grid);
+  std::vector<Control*> order;
+  for (const FieldForm::Field& field : contents.fields) {
+    const int row = grid->rowCount();
+    field.label->setWordWrap(false);
+    field.label->setBuddy(field.field);
+    field.field->setAccessibleName(field.label->text().remove(QLatin1Char('&')));
+    grid->addWidget(field.label, row, 0);
+    grid->addWidget(field.field, row, 1);
+    order.push_back(field.field);
+  }
+  left->addSpacing(6);
+  left->addLayout(InColumns(contents.options));
+  for (const auto& column : contents.options) order.insert(order.end(), column.begin(), column.end());
+  left->addStretch();
+  left->addWidget(contents.line);
+  KeepPlace(*contents.line);
+  for (Button* button : contents.buttons) right->addWidget(button);
+  order.insert(order.end(), contents.buttons.begin(), contents.buttons.end());
+  right->addStretch();
+  for (size_t i = 1; i < order.size(); ++i) QWidget::setTabOrder(order[i - 1], order[i]);
 }
 
 }  // namespace ui

@@ -5,6 +5,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QRadioButton>
 
 #include <functional>
 #include <string_view>
@@ -38,6 +39,16 @@ class CheckBox : public QCheckBox {
   void SetValue(bool on) { setChecked(on); }
 };
 
+// One of several in a form, of which one is chosen.
+class OptionButton : public QRadioButton {
+  Q_OBJECT
+
+ public:
+  OptionButton(const char* name, const QString& caption);
+  bool Value() const { return isChecked(); }
+  void SetValue(bool on) { setChecked(on); }
+};
+
 class TextBox : public QLineEdit {
   Q_OBJECT
 
@@ -50,5 +61,21 @@ class TextBox : public QLineEdit {
 // Lays out the form in rows from top to bottom; a row's controls stand side by side. Rows of buttons alone stand at the
 // right. The form owns the controls; the tab order is that of the rows.
 void LayOutInRows(Control& form, const std::vector<std::vector<Control*>>& rows);
+
+// Fields beside their labels, options under them in columns, a line of text, and at the right a column of buttons. The
+// form owns the controls; the tab order is that of this struct. Fields are named by their labels.
+struct FieldForm {
+  struct Field {
+    Label* label;
+    Control* field;
+  };
+  std::vector<Field> fields;
+  std::vector<std::vector<Control*>> options;
+  Label* line;
+  std::vector<Button*> buttons;
+};
+// What a key of the form does, wherever in it the focus is.
+void OnKey(Control& form, const char* key, std::function<void()> call);
+void LayOutFields(Control& form, const FieldForm& contents);
 
 }  // namespace ui

@@ -1,6 +1,5 @@
 #include "ui/editor/RichTextBox.h"
 
-#include "text/Search.h"
 #include "ui/editor/EditorAccessible.h"
 #include "ui/editor/EditorClipboard.h"
 #include "ui/editor/RichTextBoxImpl.h"
@@ -189,18 +188,41 @@ QRect RichTextBox::CaretRect() const {
 
 int64_t RichTextBox::Find(const QString& text, int64_t start, int options) {
   const Content& content = impl_->document.content();
-  const SurfaceUnits from(std::max<int64_t>(start, 0));
-  if (from > content.surfaceSize()) return -1;
-  const text::Searcher searcher(ViewOf(text), {(options & kFindMatchCase) != 0, (options & kFindWholeWord) != 0});
-  const auto match = searcher.FindNext(content, content.FromSurface(from, Bias::kRight), content.size());
+  const auto match = FindIn(content, text, start, options);
   if (!match) return -1;
   const int64_t found = content.ToSurface(match->begin).value();
-  if ((options & kFindNoHighlight) == 0) {
-    constexpr int kLinesAround = 3;
-    impl_->controller.Select({match->begin, match->end});
-    impl_->controller.RevealCaret(kLinesAround);
-  }
+  if ((options & kFindNoHighlight) == 0) SelectFound(*match);
   return found;
+}
+
+std::optional<Range> RichTextBox::FindIn(const Content& content, const QString& text, int64_t start, int options,
+                                         const text::SearchProgress& progress) {
+  const SurfaceUnits from(std::max<int64_t>(start, 0));
+  if (from > content.surfaceSize()) return std::nullopt;
+  const text::Searcher searcher(ViewOf(text), {(options & kFindMatchCase) != 0, (options & kFindWholeWord) != 0});
+  return searcher.FindNext(content, content.FromSurface(from, Bias::kRight), content.size(), progress);
+}
+
+bool RichTextBox::MayReplace(const Content& content, Range range) {
+  return EditorController::MayReplace(content, range);
+}
+
+void RichTextBox::SelectFound(Range match) {
+  constexpr int kLinesAround = 3;
+  impl_->controller.Select({match.begin, match.end});
+  impl_->controller.RevealCaret(kLinesAround);
+}
+
+QRect RichTextBox::SelectionOnScreen() const {
+  const Range range = impl_->controller.range();
+  QRectF seen;
+  if (range.empty()) {
+    seen = impl_->layout.CaretRect(impl_->controller.caret());
+  } else {
+    for (const QRectF& part : impl_->layout.RangeRects(range)) seen |= part;
+  }
+  const QRect inside = seen.toAlignedRect() & viewport()->rect();
+  return inside.isEmpty() ? QRect() : QRect(viewport()->mapToGlobal(inside.topLeft()), inside.size());
 }
 
 // --- Content

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "text/Document.h"
+#include "text/Search.h"
 #include "text/layout/Printing.h"
 #include "text/layout/ViewLayout.h"
 #include "text/rtf/Rtf.h"
@@ -111,6 +112,13 @@ class RichTextBox : public QAbstractScrollArea {
   // The first match at or behind `start` (a surface position), selected and scrolled into view with lines around it
   // unless kFindNoHighlight; returns its position or -1.
   int64_t Find(const QString& text, int64_t start, int options);
+  // The two halves of Find. The first works on any thread.
+  static std::optional<text::Range> FindIn(const text::Content& content, const QString& text, int64_t start,
+                                           int options, const text::SearchProgress& progress = {});
+  void SelectFound(text::Range match);
+  // Whether the range, which is not empty, could be replaced: nothing in it is protected or holds a table together.
+  static bool MayReplace(const text::Content& content, text::Range range);
+  QRect SelectionOnScreen() const;  // what of the selection, or of the caret, is seen
   void ScrollToCaret();
 
   // --- Content. A load replaces the text, clears undo and the changed state and puts the caret at the start.
