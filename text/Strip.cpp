@@ -106,19 +106,20 @@ std::optional<std::string> WithoutCharacter(const Content& content, Range range,
   };
   const bool whole = ForEachPortion(content, range, progress, [&](std::string_view bytes) {
     if (!cut.empty()) {
-      cut += bytes.substr(0, 1);
+      cut += bytes.front();
       put(cut);
       bytes.remove_prefix(1);
       cut.clear();
     }
     if (needle.size() > 1 && bytes.ends_with(needle.front())) {
-      cut = bytes.substr(bytes.size() - 1);
+      cut.assign(1, bytes.back());
       bytes.remove_suffix(1);
     }
     put(bytes);
   });
   if (!whole) return std::nullopt;
-  return out + cut;
+  out += cut;
+  return out;
 }
 
 std::optional<std::string> CollapsedBlanks(const Content& content, Range range, const Progress& progress) {
