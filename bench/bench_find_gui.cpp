@@ -19,6 +19,9 @@ class Agreeing final : public ui::Dialogs {
   ui::Answer ShowMessage(ui::Form*, const ui::Message&) override { return ui::Answer::kOk; }
   std::optional<files::Path> PickFile(ui::Form*, const ui::FileRequest&) override { return std::nullopt; }
   std::optional<ui::FontChoice> PickFont(ui::Form*, const ui::FontChoice&) override { return std::nullopt; }
+  std::optional<int64_t> PickColor(ui::Form*, int64_t, ui::CustomColors&) override { return std::nullopt; }
+  bool PickPrinter(ui::Form*, const ui::PrinterRequest&, ui::Printer&) override { return false; }
+  std::optional<QString> AskText(ui::Form*, const QString&, const QString&) override { return std::nullopt; }
   bool ShowModal(ui::ModalForm&) override { return false; }
   void RunWork(ui::Form*, const QString& text, int64_t total, const std::function<void(ui::WorkPort&)>& work) override {
     ui::RunBehindProgress(nullptr, text, total, work);
