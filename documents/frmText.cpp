@@ -77,7 +77,6 @@ void frmText::TakeIn(ReadDocument read) {
   origin_.stamp = read.stamp;
   origin_.notRtf = read.notRtf;
   origin_.rtfBytes = std::move(read.rtfBytes);
-  origin_.limited = read.rtf.limited;
   if (read.notRtf) SetDefaultFormat();
   if (read.rich) {
     RichTextBox1_->LoadRtf(std::move(read.rtf));

@@ -110,7 +110,7 @@ class frmText : public ui::ChildForm {
     std::optional<files::FileStamp> stamp;  // of the file as it was read or written last; nothing: there was none
     std::optional<text::Content> asLoaded;  // what rtfBytes are the file of
     std::shared_ptr<const std::string> rtfBytes;
-    bool limited = false;        // some of the RTF was too much to read, until the user agreed to lose it
+    bool lossAgreed = false;     // what is in the file and not in the text may go
     bool loseElsewhere = false;  // the user agreed for a file of another name
     bool notRtf = false;         // an .rtf name, but the bytes were none, and nobody said what to write
     bool plainByChoice = false;  // the user said: the text it is
@@ -135,7 +135,7 @@ class frmText : public ui::ChildForm {
   QString WhyNotReplaced() const;
   Go AskFormat(text::TextProperties& properties);
   Go AskNotRtf();
-  Go AskLimited();
+  Go AskLoss();
   Go AskEncoding(text::TextProperties& properties);
   Go Ask(const QString& text, ui::Buttons buttons, ui::Icon icon);
   bool WriteRecovery();
@@ -161,6 +161,7 @@ class frmText : public ui::ChildForm {
   ui::RichTextBox* RichTextBox1_;
   std::unique_ptr<services::Completion> Completion_;  // with Combo1
   Origin origin_;
+  std::optional<DocumentBytes> edited_;  // the file with what was edited, made before saving
   FormatChecks checks_;
   // What was answered last in this window.
   double BulletIndentCm_ = 0, HangingIndentCm_ = 0, LeftIndentCm_ = 0, RightIndentCm_ = 0;

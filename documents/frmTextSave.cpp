@@ -3,6 +3,7 @@
 #include "files/AnyCase.h"
 #include "files/Attributes.h"
 #include "services/Messages.h"
+#include "text/rtf/RtfSave.h"
 #include "ui/PathText.h"
 #include "ui/PendingEvents.h"
 
@@ -10,6 +11,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <new>
 
 namespace documents {
 namespace {
@@ -162,7 +164,7 @@ frmText::Go frmText::AskFormat(text::TextProperties& properties) {
   if (IsAsLoaded() && (!IsRichName(caption()) || origin_.rtfBytes || origin_.notRtf)) return Go::kOn;
   if (IsRichName(caption())) {
     if (const Go go = AskNotRtf(); go != Go::kOn) return go;
-    if (!origin_.plainByChoice) return AskLimited();
+    if (!origin_.plainByChoice) return AskLoss();
   }
   return AskEncoding(properties);
 }
@@ -185,11 +187,29 @@ frmText::Go frmText::AskNotRtf() {
   return Go::kStop;
 }
 
-frmText::Go frmText::AskLimited() {
-  if (!origin_.limited) return Go::kOn;
-  const Go go = Ask(tr("holds more than this program reads.  Do you want to save it without what was left out?"),
+// What was edited goes into the file that was read. Only where that cannot be done the text is written anew.
+frmText::Go frmText::AskLoss() {
+  edited_.reset();
+  const text::rtf::DocumentProperties& properties = RichTextBox1_->rtfProperties();
+  if (!properties.source || IsAsLoaded()) return Go::kOn;
+  DocumentBytes edited;
+  edited.content = RichTextBox1_->document().content();
+  edited.form = DocumentBytes::Form::kVerbatim;
+  bool outOfMemory = false;
+  services_.dialogs().RunWork(this, tr("Saving %1").arg(ui::DisplayText(caption())), 0, [&](ui::WorkPort&) {
+    try {
+      edited.verbatim = text::rtf::Save(edited.content, properties).bytes;
+    } catch (const std::bad_alloc&) {
+      outOfMemory = true;  // so will the saving be, which says so
+    }
+  });
+  if (unloaded_) return Go::kStop;
+  if (edited.verbatim) edited_ = std::move(edited);
+  if (edited_ || outOfMemory || origin_.lossAgreed) return Go::kOn;
+  const Go go = Ask(tr("holds more than the text that is shown, and with these changes it cannot be kept.  Do you want "
+                       "to save the text alone?"),
                     ui::Buttons::kYesNoCancel, ui::Icon::kExclamation);
-  if (go == Go::kOn) origin_.limited = false;
+  origin_.lossAgreed = go == Go::kOn;
   origin_.loseElsewhere = go == Go::kSaveAs;
   return go;
 }
@@ -225,12 +245,16 @@ DocumentBytes frmText::BytesToSave(const text::TextProperties& properties) const
   if (origin_.rtfBytes && IsAsLoaded()) {
     bytes.form = DocumentBytes::Form::kVerbatim;
     bytes.verbatim = origin_.rtfBytes;
+  } else if (edited_ && edited_->content.SameAs(bytes.content)) {
+    bytes.form = DocumentBytes::Form::kVerbatim;
+    bytes.verbatim = edited_->verbatim;
   }
   return bytes;
 }
 
 SaveOutcome frmText::Write(int attributes, const text::TextProperties& properties) {
   const DocumentBytes bytes = BytesToSave(properties);
+  edited_.reset();
   const files::Path target = path();
   std::optional<files::Result<files::FileStamp>> saved;
   services_.dialogs().RunWork(this, tr("Saving %1").arg(ui::DisplayText(caption())), bytes.content.sums().bytes.value(),
@@ -266,7 +290,7 @@ SaveOutcome frmText::ReportSaveError(const files::Error& error, int attributes) 
 // What was agreed for one name does not hold for another; under the new one the old file keeps what would be lost.
 void frmText::TakeName(const files::Path& chosen) {
   if (!files::SamePath(chosen, path())) {
-    if (origin_.loseElsewhere) origin_.limited = false;
+    origin_.lossAgreed = origin_.loseElsewhere;
     origin_.notRtf = origin_.plainByChoice = false;
     origin_.kept.reset();
   }

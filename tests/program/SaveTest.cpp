@@ -1,6 +1,7 @@
 // Save, Save As and what can stand in their way.
 #include "files/Recovery.h"
 #include "tests/program/ProgramTest.h"
+#include "text/html/HtmlReader.h"
 
 #include <sched.h>
 #include <sys/mount.h>
@@ -276,19 +277,40 @@ TEST_F(SaveTest, RichTextInNameOnlyBecomesRichText) {
   EXPECT_TRUE(Bytes(path).starts_with("{\\rtf1"));
 }
 
-TEST_F(SaveTest, WhatWasTooMuchToReadIsAskedAboutFirst) {
-  std::string bytes = "{\\rtf1\\ansi";
-  for (int i = 1; i <= 100; ++i) bytes += "\\tx" + std::to_string(i * 10);
-  bytes += " text\\par}";
-  const files::Path path = Put("a.rtf", bytes);
+// A list that needs a table of its own in the file's beginning.
+void PutNestedList(frmText& document) {
+  text::Document& edited = document.RichTextBox1().document();
+  const text::Content list = text::html::Read("<ol><li>a<ol><li>b</ol></ol>c", edited.content().store());
+  edited.Replace({}, list, text::EditKind::kCommand, {});
+  document.RichTextBox1().DocumentEdited();
+}
+
+TEST_F(SaveTest, WhatRichTextHoldsBesidesItsTextStays) {
+  std::string tabs;
+  for (int i = 1; i <= 100; ++i) tabs += "\\tx" + std::to_string(i * 10);
+  const files::Path path = Put("a.rtf", "{\\rtf1\\ansi{\\header head}" + tabs + " text\\par}");
   frmText& document = Edited(path);
-  const QString question = "holds more than this program reads.  Do you want to save it without what was left out?";
+  EXPECT_EQ(document.mnuSaveFile_Click(), SaveOutcome::kSaved);
+  EXPECT_NE(Bytes(path).find("{\\header head}" + tabs), std::string::npos) << Bytes(path);
+}
+
+TEST_F(SaveTest, WhatCannotStayIsAskedAboutFirst) {
+  const std::string bytes = "{\\rtf1\\ansi{\\header head} text\\par}";
+  const files::Path path = Put("a.rtf", bytes);
+  frmText* document = Open(path);
+  ASSERT_TRUE(document);
+  PutNestedList(*document);
+  const QString question =
+      "holds more than the text that is shown, and with these changes it cannot be kept.  Do you want to save the text "
+      "alone?";
   Question(path, question, Buttons::kYesNoCancel, Icon::kExclamation, Answer::kCancel);
-  EXPECT_EQ(document.mnuSaveFile_Click(), SaveOutcome::kCancelled);
+  EXPECT_EQ(document->mnuSaveFile_Click(), SaveOutcome::kCancelled);
   EXPECT_EQ(Bytes(path), bytes);
   Question(path, question, Buttons::kYesNoCancel, Icon::kExclamation, Answer::kYes);
-  EXPECT_EQ(document.mnuSaveFile_Click(), SaveOutcome::kSaved);
-  EXPECT_EQ(document.mnuSaveFile_Click(), SaveOutcome::kSaved) << "asked once";
+  EXPECT_EQ(document->mnuSaveFile_Click(), SaveOutcome::kSaved);
+  EXPECT_EQ(Bytes(path).find("head"), std::string::npos);
+  Type(*document, "x");
+  EXPECT_EQ(document->mnuSaveFile_Click(), SaveOutcome::kSaved) << "asked once";
 }
 
 TEST_F(SaveTest, WhatCannotBeReplacedSaysWhatItIs) {
