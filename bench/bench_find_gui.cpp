@@ -1,5 +1,6 @@
 // Replace All through the dialog against the engine's own bulk replacement, and F3 up to the painted frame, off screen.
 // Argument: megabytes of the document (default 100).
+#include "bench/AgreeingDialogs.h"
 #include "bench/MeasureKeys.h"
 #include "documents/frmText.h"
 #include "shell/frmMyMDI.h"
@@ -13,16 +14,9 @@ namespace {
 
 constexpr int kRuns = 7;
 
-// Says OK to everything.
-class Agreeing final : public ui::Dialogs {
+// Works as the program does, on another thread.
+class Agreeing final : public bench::AgreeingDialogs {
  public:
-  ui::Answer ShowMessage(ui::Form*, const ui::Message&) override { return ui::Answer::kOk; }
-  std::optional<files::Path> PickFile(ui::Form*, const ui::FileRequest&) override { return std::nullopt; }
-  std::optional<ui::FontChoice> PickFont(ui::Form*, const ui::FontChoice&) override { return std::nullopt; }
-  std::optional<int64_t> PickColor(ui::Form*, int64_t, ui::CustomColors&) override { return std::nullopt; }
-  bool PickPrinter(ui::Form*, const ui::PrinterRequest&, ui::Printer&) override { return false; }
-  std::optional<QString> AskText(ui::Form*, const QString&, const QString&) override { return std::nullopt; }
-  bool ShowModal(ui::ModalForm&) override { return false; }
   void RunWork(ui::Form*, const QString& text, int64_t total, const std::function<void(ui::WorkPort&)>& work) override {
     ui::RunBehindProgress(nullptr, text, total, work);
   }

@@ -1,5 +1,6 @@
 // A long project in the whole program, off screen: loading, sorting, adding, removing, saving, and from a key event in
 // the list to the painted frame. Argument: number of entries (default 20000).
+#include "bench/AgreeingDialogs.h"
 #include "bench/MeasureKeys.h"
 #include "project/ProjectFile.h"
 #include "search/frmYesNoAll.h"
@@ -16,24 +17,15 @@
 namespace {
 
 // Answers every question with Yes, one by one or for all.
-class SaysYes final : public ui::Dialogs {
+class SaysYes final : public bench::AgreeingDialogs {
  public:
   bool forAll = false;
 
-  ui::Answer ShowMessage(ui::Form*, const ui::Message&) override { return ui::Answer::kYes; }
-  std::optional<files::Path> PickFile(ui::Form*, const ui::FileRequest&) override { return std::nullopt; }
-  std::optional<ui::FontChoice> PickFont(ui::Form*, const ui::FontChoice&) override { return std::nullopt; }
-  std::optional<int64_t> PickColor(ui::Form*, int64_t, ui::CustomColors&) override { return std::nullopt; }
-  bool PickPrinter(ui::Form*, const ui::PrinterRequest&, ui::Printer&) override { return false; }
   bool ShowModal(ui::ModalForm& form) override {
     auto& question = dynamic_cast<search::frmYesNoAll&>(form);
     question.chkAll().SetValue(forAll);
     question.Command1_Click();
     return true;
-  }
-  void RunWork(ui::Form*, const QString&, int64_t, const std::function<void(ui::WorkPort&)>& work) override {
-    ui::WorkPort port;
-    work(port);
   }
 };
 
