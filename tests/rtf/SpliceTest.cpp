@@ -37,7 +37,7 @@ void Check(const Row& row) {
 }
 
 TEST(RtfSplice, UneditedIsTheFileItself) {
-  const std::string source(" {\\rtf1 {\\*\\who knows}a\\par}\n\0junk", 36);
+  const std::string source = " {\\rtf1 {\\*\\who knows}a\\par}\n" + std::string(1, 0) + "junk";
   EXPECT_EQ(Edited(source).Saved(), source);
 }
 
