@@ -7,6 +7,8 @@
 #include <QLabel>
 #include <QScrollBar>
 
+#include <functional>
+
 namespace {
 
 using documents::frmText;
@@ -48,16 +50,16 @@ TEST_F(FormatCommandsTest, IndentsAreCentimetersAndAreOfferedAgain) {
   };
   for (const auto& command : commands) {
     dialogs.Text(command.prompt, "0", "1.5 cm");
-    (document_->*command.command)();
-    EXPECT_EQ((box().*command.get)(), 850) << command.prompt;
+    std::invoke(command.command, *document_);
+    EXPECT_EQ(std::invoke(command.get, box()), 850) << command.prompt;
     dialogs.Text(command.prompt, "1.5", std::nullopt);
-    (document_->*command.command)();
+    std::invoke(command.command, *document_);
     dialogs.Text(command.prompt, "1.5", "");
-    (document_->*command.command)();
-    EXPECT_EQ((box().*command.get)(), 850) << command.prompt;
+    std::invoke(command.command, *document_);
+    EXPECT_EQ(std::invoke(command.get, box()), 850) << command.prompt;
     dialogs.Text(command.prompt, "1.5", "none");
-    (document_->*command.command)();
-    EXPECT_EQ((box().*command.get)(), 0) << command.prompt;
+    std::invoke(command.command, *document_);
+    EXPECT_EQ(std::invoke(command.get, box()), 0) << command.prompt;
   }
   dialogs.Text(commands[0].prompt, "0", "1e30");
   document_->mnuIndentLeft_Click();
