@@ -17,6 +17,7 @@
 
 namespace ui {
 class ChildArea;
+class FileOperations;
 class Printer;
 class RichTextBox;
 class Shell;
@@ -74,6 +75,7 @@ class Services {
   virtual const DefaultFont& defaultFont() const = 0;
   virtual const files::Path& recoveryFolder() const = 0;
   virtual ui::Shell& shell() = 0;
+  virtual ui::FileOperations& fileOperations() = 0;
 
   // The chosen path, empty when cancelled.
   virtual files::Path ShowOpenDialog(const FileDialog& dialog) = 0;

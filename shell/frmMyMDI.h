@@ -16,12 +16,14 @@
 #include "shell/CommonDialogAPI.h"
 #include "shell/RecentFiles.h"
 #include "shell/SettingsFile.h"
+#include "ui/desktop/FileOperations.h"
 #include "ui/desktop/Shell.h"
 #include "ui/frame/FrameForm.h"
 
 #include <QTimer>
 
 #include <functional>
+#include <memory>
 #include <utility>
 
 namespace shell {
@@ -70,6 +72,7 @@ class frmMyMDI final : public services::Services {
   project::ProjectList& projectList() { return projectList_; }
   autocomplete::AutoComplete& autoComplete() { return autoComplete_; }
   CommonDialogAPI& commonDialogs() { return commonDialogs_; }
+  void SetFileOperations(std::unique_ptr<ui::FileOperations> operations) { fileOperations_ = std::move(operations); }
   // Another copy was there first: it has the panes and their files.
   bool otherInstanceRuns() const { return otherInstanceRuns_; }
 
@@ -103,6 +106,7 @@ class frmMyMDI final : public services::Services {
     return commonDialogs_.currentDirectory().Change(folder);
   }
   ui::Shell& shell() override { return shell_; }
+  ui::FileOperations& fileOperations() override { return *fileOperations_; }
   void OpenDocument(std::string& path) override { opening_.OpenDocument(path); }
   bool AnyDocumentOpen() const override { return table_.AnyDocumentOpen(); }
   int DocumentSlots() const override { return table_.UpperBound(); }
@@ -154,6 +158,7 @@ class frmMyMDI final : public services::Services {
 
   ui::Dialogs& dialogs_;
   ui::Shell& shell_;
+  std::unique_ptr<ui::FileOperations> fileOperations_;
   const Place place_;
   SettingsFile settingsFile_;
   services::Settings settings_;
