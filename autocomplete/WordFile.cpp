@@ -1,7 +1,7 @@
 #include "autocomplete/WordFile.h"
 
 #include "files/OpenFile.h"
-#include "text/PlainText.h"
+#include "text/plain/PlainText.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -2,7 +2,7 @@
 // Arguments: megabytes of the texts (default 100 1024), 0 for one of 100 MB in a single line, -1 for one paragraph of
 // short formatted lines.
 #include "bench/MeasureKeys.h"
-#include "text/PlainText.h"
+#include "text/plain/PlainText.h"
 #include "ui/editor/RichTextBox.h"
 
 #include <cstdlib>

@@ -1,7 +1,7 @@
 // Loading a plain-text file against a bare read() of it into fresh memory of the same page kind. Warm cache, runs in
 // turn, each in a process of its own, so that every one starts with fresh memory and its peak is its own.
 //   bench_load [MEGABYTES]        default 1024
-#include "text/PlainText.h"
+#include "text/plain/PlainText.h"
 
 #include <algorithm>
 #include <chrono>

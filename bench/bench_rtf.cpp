@@ -1,7 +1,7 @@
 // Reading and writing 10 MB of formatted RTF in memory.
 #include "text/TextStore.h"
 #include "text/rtf/Rtf.h"
-#include "text/rtf/RtfSave.h"
+#include "text/rtfwrite/RtfSave.h"
 
 #include <benchmark/benchmark.h>
 

@@ -1,6 +1,6 @@
 // Searching and bulk replacement in 100 MB. Medians of runs in turn within one process.
-#include "text/PlainText.h"
-#include "text/Search.h"
+#include "text/plain/PlainText.h"
+#include "text/search/Search.h"
 
 #include <algorithm>
 #include <chrono>

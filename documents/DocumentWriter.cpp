@@ -1,5 +1,7 @@
 #include "documents/DocumentWriter.h"
 
+#include "text/rtfwrite/RtfSave.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <exception>

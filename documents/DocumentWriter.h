@@ -2,7 +2,7 @@
 #pragma once
 
 #include "files/Recovery.h"
-#include "text/PlainText.h"
+#include "text/plain/PlainText.h"
 #include "text/rtf/Rtf.h"
 
 #include <memory>

@@ -2,8 +2,8 @@
 #include "documents/frmText.h"
 #include "services/Messages.h"
 #include "services/Numbers.h"
-#include "text/Encodings.h"
-#include "text/Strip.h"
+#include "text/plain/Encodings.h"
+#include "text/plain/Strip.h"
 #include "ui/PathText.h"
 #include "ui/controls/OffsetTool.h"
 

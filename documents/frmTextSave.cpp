@@ -3,7 +3,7 @@
 #include "files/AnyCase.h"
 #include "files/Attributes.h"
 #include "services/Messages.h"
-#include "text/rtf/RtfSave.h"
+#include "text/rtfwrite/RtfSave.h"
 #include "ui/PathText.h"
 #include "ui/PendingEvents.h"
 

@@ -3,6 +3,7 @@
 
 #include "text/TextStore.h"
 #include "text/rtf/Rtf.h"
+#include "text/rtfwrite/RtfSave.h"
 
 #include <cstdio>
 #include <cstdlib>

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "text/Document.h"
-#include "text/Search.h"
+#include "text/search/Search.h"
 
 #include <QString>
 

@@ -1,9 +1,10 @@
 #include "shell/Convert.h"
 
 #include "files/AtomicSave.h"
-#include "text/PlainText.h"
 #include "text/html/HtmlWriter.h"
+#include "text/plain/PlainText.h"
 #include "text/rtf/Rtf.h"
+#include "text/rtfwrite/RtfSave.h"
 #include "ui/desktop/Pdf.h"
 
 #include <algorithm>

@@ -44,7 +44,7 @@ LIBRARIES = {
     "json": ("nlohmann/",),
 }
 
-ENGINE = ["text", "text/rtf", "text/html", "files"]
+ENGINE = ["text", "text/plain", "text/search", "text/rtfsyntax", "text/rtf", "text/rtfwrite", "text/html", "files"]
 WINDOW = ENGINE + ["text/layout", "text/pictures", "ui"]
 FEATURES = ["documents", "autocomplete", "project", "foldertree", "search", "panes"]
 ANY_QT = ["QtCore", "QtGui", "QtWidgets", "QtPrintSupport", "QtDBus", "QtSvg", "QtNetwork"]
@@ -57,8 +57,13 @@ def room(folders, libraries, sentence):
 # Folder: what it may include besides itself. The longest matching folder decides.
 ROOMS = {
     "text": room([], ["icu"], "the engine knows the standard library, POSIX and ICU"),
-    "text/rtf": room(["text"], ["icu"], "RTF is built on the engine and knows the standard library, POSIX and ICU"),
-    "text/html": room(["text"], ["icu", "xml"], "HTML is built on the engine and knows the standard library, POSIX, ICU and libxml2"),
+    "text/plain": room(["text"], ["icu"], "plain text is built on the engine and knows the standard library, POSIX and ICU"),
+    "text/search": room(["text"], ["icu"], "searching is built on the engine and knows the standard library, POSIX and ICU"),
+    "text/rtfsyntax": room(["text", "text/plain"], ["icu"], "the syntax of RTF knows the engine, no reader and no writer"),
+    "text/rtf": room(["text", "text/plain", "text/rtfsyntax"], ["icu"], "the RTF reader knows the engine, the syntax and no writer"),
+    "text/rtfwrite": room(["text", "text/plain", "text/rtfsyntax", "text/rtf"], ["icu"],
+                          "the RTF writer knows the engine, the syntax and the reader"),
+    "text/html": room(["text", "text/plain"], ["icu", "xml"], "HTML is built on the engine and knows the standard library, POSIX, ICU and libxml2"),
     "files": room([], [], "files/ knows the standard library and POSIX"),
     "text/pictures": room(["text"], ["QtCore", "QtGui"], "pictures know the engine, QtCore and QtGui"),
     "text/layout": room(["text", "text/pictures"], ["QtCore", "QtGui"], "the layout knows the engine, QtCore and QtGui, but no widget"),

@@ -1,7 +1,7 @@
 // What a page becomes as rich text.
-#include "text/PlainText.h"
 #include "text/TextStore.h"
 #include "text/html/HtmlReader.h"
+#include "text/plain/PlainText.h"
 
 #include <gtest/gtest.h>
 

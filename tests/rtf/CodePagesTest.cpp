@@ -1,6 +1,6 @@
 #include "text/Utf16.h"
-#include "text/rtf/RtfCharacters.h"
-#include "text/rtf/RtfCodePages.h"
+#include "text/rtfsyntax/RtfCharacters.h"
+#include "text/rtfsyntax/RtfCodePages.h"
 
 #include <gtest/gtest.h>
 

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "tests/rtf/RtfTestSupport.h"
-#include "text/rtf/RtfSave.h"
-#include "text/rtf/RtfSplice.h"
+#include "text/rtfwrite/RtfSave.h"
+#include "text/rtfwrite/RtfSplice.h"
 
 #include <gtest/gtest.h>
 

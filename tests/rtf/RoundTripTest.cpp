@@ -1,5 +1,6 @@
 // Seeded random contents: written and read they must be the same text in the same formats.
 #include "tests/rtf/RtfTestSupport.h"
+#include "text/rtfwrite/RtfSave.h"
 
 #include <gtest/gtest.h>
 

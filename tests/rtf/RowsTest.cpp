@@ -1,5 +1,6 @@
 // Documents and their written form, checked in both directions.
 #include "tests/rtf/RtfTestSupport.h"
+#include "text/rtfwrite/RtfSave.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #include "tests/rtf/RtfTestSupport.h"
 
-#include "text/rtf/RtfSave.h"
+#include "text/rtfwrite/RtfSave.h"
 
 #include <cstdio>
 #include <utility>

@@ -2,8 +2,8 @@
 // QUILLMARK_RTF_CORPUS_OUT the edited files, the files written anew and the edits are left there for
 // tools/check_rtf_saves.py.
 #include "tests/rtf/EditedDocument.h"
-#include "text/rtf/RtfTokenizer.h"
 #include "text/rtf/RtfWatcher.h"
+#include "text/rtfsyntax/RtfTokenizer.h"
 
 #include <gtest/gtest.h>
 

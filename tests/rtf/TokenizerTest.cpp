@@ -1,4 +1,4 @@
-#include "text/rtf/RtfTokenizer.h"
+#include "text/rtfsyntax/RtfTokenizer.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // How much is compared, whatever text and needle are.
-#include "text/Needle.h"
+#include "text/search/Needle.h"
 
 #include <gtest/gtest.h>
 

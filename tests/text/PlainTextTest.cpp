@@ -1,6 +1,6 @@
 #include "tests/text/NaiveText.h"
-#include "text/Encodings.h"
-#include "text/PlainText.h"
+#include "text/plain/Encodings.h"
+#include "text/plain/PlainText.h"
 
 #include <gtest/gtest.h>
 

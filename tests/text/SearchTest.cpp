@@ -1,6 +1,6 @@
 #include "tests/text/NaiveText.h"
-#include "text/CaseFold.h"
-#include "text/Search.h"
+#include "text/search/CaseFold.h"
+#include "text/search/Search.h"
 
 #include <gtest/gtest.h>
 #include <unicode/uchar.h>

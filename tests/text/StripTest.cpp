@@ -1,6 +1,6 @@
 // The three ways to clean up text.
-#include "text/Strip.h"
 #include "text/TextStore.h"
+#include "text/plain/Strip.h"
 
 #include <gtest/gtest.h>
 

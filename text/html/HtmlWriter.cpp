@@ -22,7 +22,8 @@ class Writer {
       return ok_;
     });
     // What follows the last break is a paragraph only if there is something, or nothing else.
-    if (!runs_.empty() || pageBreak_ || content_.size() == Units(0)) EndParagraph(content_.formats()[content_.lastParaFormat()]);
+    if (!runs_.empty() || pageBreak_ || content_.size() == Units(0))
+      EndParagraph(content_.formats()[content_.lastParaFormat()]);
     blocks_.CloseAll();
     out_ += "</body>\n</html>\n";
     Flush();

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "text/Content.h"
-#include "text/PlainText.h"
+#include "text/plain/PlainText.h"
 
 #include <string>
 

@@ -1,8 +1,8 @@
-// Rich Text Format, version 1.9.1, read and written.
+// Rich Text Format, version 1.9.1: what a document is, and reading it.
 #pragma once
 
 #include "text/Document.h"
-#include "text/PlainText.h"
+#include "text/plain/PlainText.h"
 
 #include <string>
 #include <string_view>
@@ -50,13 +50,5 @@ ReadResult Read(std::shared_ptr<const std::string> bytes, std::shared_ptr<TextSt
 ReadResult Read(std::string bytes, std::shared_ptr<TextStore> store, const Progress& progress = {});
 // The same for a piece to insert: here the closing \par is kept.
 ReadResult ReadFragment(std::string_view bytes, std::shared_ptr<TextStore> store);
-
-// Writes 7-bit RTF with CR LF between paragraphs, in pieces of about 64 KB. False when the sink refused. Reading it
-// back gives the same text and formats, but for: breaks, which all become CR LF; stray bytes, which become the
-// Windows-1252 characters they stand for; offsets, which RTF counts in steps of 10 twips; lengths past a million twips;
-// kept words and objects. Writing what was read back gives the same bytes.
-bool Write(const Content& content, const DocumentProperties& properties, const ByteSink& sink);
-// The last paragraph is closed by \par only when its break lies in the range.
-std::string WriteFragment(const Content& content, Range range, const DocumentProperties& properties);
 
 }  // namespace text::rtf

@@ -1,8 +1,8 @@
 #include "text/rtf/RtfLists.h"
 
 #include "text/Utf16.h"
-#include "text/rtf/RtfCharacters.h"
-#include "text/rtf/RtfLimits.h"
+#include "text/rtfsyntax/RtfCharacters.h"
+#include "text/rtfsyntax/RtfLimits.h"
 
 #include <algorithm>
 #include <utility>

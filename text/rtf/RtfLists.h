@@ -2,8 +2,8 @@
 #pragma once
 
 #include "text/FormatTable.h"
-#include "text/rtf/RtfCodePages.h"
-#include "text/rtf/RtfKeywords.h"
+#include "text/rtfsyntax/RtfCodePages.h"
+#include "text/rtfsyntax/RtfKeywords.h"
 
 #include <cstdint>
 #include <functional>

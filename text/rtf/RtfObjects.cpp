@@ -1,7 +1,7 @@
 // Embedded objects: what their result shows. Their data is never looked into.
-#include "text/rtf/RtfKeywords.h"
-#include "text/rtf/RtfLimits.h"
 #include "text/rtf/RtfPictures.h"
+#include "text/rtfsyntax/RtfKeywords.h"
+#include "text/rtfsyntax/RtfLimits.h"
 
 #include <algorithm>
 #include <utility>

@@ -1,7 +1,7 @@
 #include "text/rtf/RtfPictures.h"
 
-#include "text/rtf/RtfKeywords.h"
-#include "text/rtf/RtfLimits.h"
+#include "text/rtfsyntax/RtfKeywords.h"
+#include "text/rtfsyntax/RtfLimits.h"
 
 #include <algorithm>
 #include <array>

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "text/Objects.h"
-#include "text/rtf/RtfTokenizer.h"
+#include "text/rtfsyntax/RtfTokenizer.h"
 
 #include <memory>
 #include <string>

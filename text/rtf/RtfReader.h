@@ -2,14 +2,14 @@
 #pragma once
 
 #include "text/rtf/Rtf.h"
-#include "text/rtf/RtfCodePages.h"
 #include "text/rtf/RtfLists.h"
 #include "text/rtf/RtfOutput.h"
 #include "text/rtf/RtfRows.h"
 #include "text/rtf/RtfState.h"
 #include "text/rtf/RtfTables.h"
-#include "text/rtf/RtfTokenizer.h"
 #include "text/rtf/RtfWatcher.h"
+#include "text/rtfsyntax/RtfCodePages.h"
+#include "text/rtfsyntax/RtfTokenizer.h"
 
 namespace text::rtf {
 

@@ -1,6 +1,6 @@
 #include "text/rtf/RtfRows.h"
 
-#include "text/rtf/RtfLimits.h"
+#include "text/rtfsyntax/RtfLimits.h"
 
 #include <algorithm>
 #include <utility>

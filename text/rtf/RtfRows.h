@@ -2,8 +2,8 @@
 #pragma once
 
 #include "text/FormatTable.h"
-#include "text/rtf/RtfKeywords.h"
-#include "text/rtf/RtfTokenizer.h"
+#include "text/rtfsyntax/RtfKeywords.h"
+#include "text/rtfsyntax/RtfTokenizer.h"
 
 #include <array>
 #include <optional>

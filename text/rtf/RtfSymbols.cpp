@@ -1,7 +1,7 @@
 // Control symbols, words that stand for a character or an end, and \u.
 #include "text/Utf16.h"
-#include "text/rtf/RtfCharacters.h"
 #include "text/rtf/RtfReader.h"
+#include "text/rtfsyntax/RtfCharacters.h"
 
 #include <algorithm>
 

@@ -1,6 +1,6 @@
 // Fonts and colours as the header's tables give them.
-#include "text/rtf/RtfCharacters.h"
 #include "text/rtf/RtfReader.h"
+#include "text/rtfsyntax/RtfCharacters.h"
 
 #include <algorithm>
 #include <utility>

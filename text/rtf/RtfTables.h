@@ -2,8 +2,8 @@
 #pragma once
 
 #include "text/Formats.h"
-#include "text/rtf/RtfKeywords.h"
-#include "text/rtf/RtfLimits.h"
+#include "text/rtfsyntax/RtfKeywords.h"
+#include "text/rtfsyntax/RtfLimits.h"
 
 #include <cstdint>
 #include <map>

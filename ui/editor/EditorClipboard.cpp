@@ -3,6 +3,7 @@
 #include "text/TextStore.h"
 #include "text/html/HtmlReader.h"
 #include "text/html/HtmlWriter.h"
+#include "text/rtfwrite/RtfSave.h"
 #include "ui/editor/EditorController.h"
 #include "ui/editor/EditorOperation.h"
 #include "ui/editor/Guarded.h"

@@ -1,5 +1,6 @@
 #include "ui/editor/RichTextBox.h"
 
+#include "text/rtfwrite/RtfSave.h"
 #include "ui/editor/EditorAccessible.h"
 #include "ui/editor/EditorClipboard.h"
 #include "ui/editor/RichTextBoxImpl.h"

@@ -4,10 +4,10 @@
 #pragma once
 
 #include "text/Document.h"
-#include "text/Search.h"
 #include "text/layout/Printing.h"
 #include "text/layout/ViewLayout.h"
 #include "text/rtf/Rtf.h"
+#include "text/search/Search.h"
 
 #include <QAbstractScrollArea>
 

@@ -1,0 +1,311 @@
+#include "text/rtfwrite/RtfSplice.h"
+
+#include <algorithm>
+
+namespace text::rtf {
+
+RtfSplice::RtfSplice(const Source& source, const Content& wanted)
+    : bytes_(std::string_view(*source.bytes).substr(source.bytes->find('{'))),
+      before_(source.content),
+      after_(wanted),
+      formats_(wanted.formats()),
+      reader_(source.bytes, bytes_, wanted.store()),
+      output_(bytes_),
+      tables_(bytes_, wanted.formats(), reader_.tables(), reader_.defaultFont()) {}
+
+std::string RtfSplice::Run() {
+  MakeEdits();
+  groups_.push_back(lastGroup_);
+  const size_t header = EndOfHeader(bytes_);
+  output_.CopyTo(header);
+  ownTables_ = output_.Here();
+  reader_.Watch(*this);
+  output_.CopyTo(bytes_.size());
+  if (fontsEnd_) output_.Insert(*fontsEnd_, tables_.newFonts());
+  if (colorsEnd_) output_.Insert(*colorsEnd_, tables_.newColors());
+  output_.Insert(ownTables_, tables_.OwnTables(!fontsEnd_, !colorsEnd_));
+  return output_.Joined();
+}
+
+void RtfSplice::MakeEdits() {
+  Units a(0), b(0);
+  const auto add = [this](Range before, Range after, Edit::Kind kind) {
+    if (before.empty() && after.empty()) return;
+    edits_.push_back({before, after, kind});
+  };
+  for (const Match& match : Compare(before_, after_)) {
+    add({a, match.before.begin}, {b, match.after.begin}, Edit::Kind::kReplace);
+    add(match.before, match.after, match.sameFormats ? Edit::Kind::kSame : Edit::Kind::kReformat);
+    a = match.before.end, b = match.after.end;
+  }
+  add({a, before_.size()}, {b, after_.size()}, Edit::Kind::kReplace);
+  keptEnd_ = !edits_.empty() && edits_.back().kind != Edit::Kind::kReplace;
+  edits_.push_back({{before_.size(), before_.size() + Units(1)}, {after_.size(), after_.size() + Units(1)}, {}});
+}
+
+// That of the unit at read_.
+const RtfSplice::Edit& RtfSplice::CurrentEdit() {
+  while (edits_[edit_].before.end <= read_) ++edit_;
+  return edits_[edit_];
+}
+
+void RtfSplice::OnText(Span span, std::string_view utf8, Text kind) {
+  int64_t units = 0;
+  for (const char c : utf8) {
+    const auto byte = static_cast<unsigned char>(c);
+    units += (byte & 0xC0) != 0x80;
+    units += byte >= 0xF0;
+  }
+  if (units == 0) return;
+  if (kind != Text::kGroup) return Piece(span, Units(units), kind);
+  const ObjectId object = formats_[before_.CharFormatAt(read_)].object;
+  if (object != ObjectId::kNone) objects_[object] = bytes_.substr(span.begin, span.size());
+  const uint32_t group = groups_.back();
+  groups_.pop_back();
+  Piece(span, Units(units), kind);
+  groups_.push_back(group);
+}
+
+void RtfSplice::OnFallback(size_t end) {
+  if (dropped_) return output_.DropTo(end);
+  if (!last_) return;
+  output_.CopyTo(end);
+  last_->at = output_.Here();
+}
+
+void RtfSplice::Piece(Span span, Units units, Text kind) {
+  CurrentEdit();
+  if (kind != Text::kBytes && read_ + units > edits_[edit_].before.end) return TornPiece(span, units);
+  while (units > Units(0)) {
+    const Units part = std::min(units, CurrentEdit().before.end - read_);
+    const size_t size = kind == Text::kBytes ? static_cast<size_t>(part.value()) : span.size();
+    Part({span.begin, span.begin + size}, part, kind);
+    span.begin += size;
+    units -= part;
+  }
+}
+
+void RtfSplice::Part(Span span, Units units, Text kind) {
+  const Edit& edit = CurrentEdit();
+  switch (edit.kind) {
+    case Edit::Kind::kSame:
+      Keep(span, units, kind);
+      break;
+    case Edit::Kind::kReformat:
+      output_.CopyTo(span.begin);
+      Flush(span.begin, Mapped(read_) + units, false);
+      Drop(span);
+      break;
+    case Edit::Kind::kReplace:
+      Drop(span);
+      break;
+  }
+  read_ += units;
+}
+
+// Bytes that make several characters together, not all of which remain: what does is written anew.
+void RtfSplice::TornPiece(Span span, Units units) {
+  const Units end = read_ + units;
+  Units upTo = written_;
+  while (read_ < end) {
+    const Edit& edit = CurrentEdit();
+    const Units part = std::min(end, edit.before.end);
+    upTo = edit.kind == Edit::Kind::kReplace ? edit.after.begin : Mapped(part);
+    read_ = part;
+  }
+  output_.CopyTo(span.begin);
+  if (upTo > written_) Flush(span.begin, upTo, false);
+  Drop(span);
+}
+
+void RtfSplice::Drop(Span span) {
+  output_.CopyTo(span.begin);
+  output_.DropTo(span.end);
+  dropped_ = true;
+}
+
+void RtfSplice::Keep(Span span, Units units, Text kind) {
+  const Units to = Mapped(read_);
+  if (written_ < to && !Flush(span.begin, to, false)) return Drop(span);
+  if (atParagraphBegin_) {
+    paragraphBegin_ = ReachHere(span.begin);
+    atParagraphBegin_ = false;
+  }
+  MarkUsed();
+  dropped_ = false;
+  written_ = to + units;
+  last_.reset(), middle_.reset();
+  if (read_ + units == edits_[edit_].before.end) {
+    Remember(span.end, false);
+    // Some readers take what follows for a trail byte.
+    last_->bare = kind == Text::kBytes || (kind != Text::kOpen && !last_->state.multiByte);
+  }
+}
+
+// Something new may follow here.
+void RtfSplice::Remember(size_t end, bool isBreak) {
+  last_ = Here(end);
+  last_->isBreak = isBreak;
+}
+
+void RtfSplice::MarkUsed() {
+  for (auto field = fields_.rbegin(); field != fields_.rend() && !field->used; ++field) field->used = true;
+}
+
+bool RtfSplice::Flush(size_t here, Units upTo, bool beforeBreak) {
+  const auto alike = [&] {
+    CharFormat first = Writable(formats_[after_.CharFormatAt(written_)]);
+    first.object = ObjectId::kNone;
+    return first == last_->state.chars;
+  };
+  if (last_ && last_->isBreak) FlushWholeParagraphs(upTo);
+  if (written_ == upTo) return true;
+  if (last_ && !last_->isBreak && Allows(last_->state, upTo) && (beforeBreak || alike())) {
+    Insert(*last_, upTo);
+  } else if (const Place place = Here(here); Allows(place.state, upTo)) {
+    Insert(place, upTo);
+    MarkUsed();
+  } else if (middle_ && Allows(middle_->state, upTo)) {
+    Insert(*middle_, upTo);
+  } else if (last_ && Allows(last_->state, upTo)) {
+    Insert(*last_, upTo);
+  } else {
+    return false;
+  }
+  last_.reset(), middle_.reset();
+  return true;
+}
+
+// In the result of a link everything is part of the link.
+bool RtfSplice::Allows(const InForce& state, Units upTo) const {
+  if (state.chars.link == LinkId::kNone) return true;
+  bool allowed = true;
+  after_.ForEachPiece({written_, upTo}, [&](const PieceView& piece) {
+    allowed = formats_[piece.charFormat].link == state.chars.link;
+    return allowed;
+  });
+  return allowed;
+}
+
+// Behind a break: paragraphs that the words before the next text do not suit, because either begins a table. Rows are
+// whole only there.
+void RtfSplice::FlushWholeParagraphs(Units upTo) {
+  const bool inTable = reader_.inForce().tableLevel > 0;
+  Units end = written_, at = written_;
+  bool rows = false;
+  after_.ForEachPiece({written_, upTo}, [&](const PieceView& piece) {
+    at += piece.sums.units;
+    if (piece.sums.breaks == Breaks(0)) return true;
+    const ParaFormat& format = formats_[piece.paraFormat];
+    rows |= format.rowMark == RowMark::kRowEnd;
+    if (!rows && (format.row != RowId::kNone) == inTable) return false;
+    end = after_.ParagraphStart(after_.ParagraphAt(at));
+    return true;
+  });
+  if (end > written_ && Allows(last_->state, end)) Insert(*last_, end);
+}
+
+RtfSplice::Reach RtfSplice::ReachHere(size_t offset) {
+  output_.CopyTo(offset);
+  return {output_.Here(), groups_.back(), paragraphWord_};
+}
+
+RtfSplice::Place RtfSplice::Here(size_t offset) {
+  Place place;
+  static_cast<Reach&>(place) = ReachHere(offset);
+  place.state = reader_.inForce();
+  place.bare = true;
+  return place;
+}
+
+bool RtfSplice::IsOpen(uint32_t group) const {
+  return std::binary_search(groups_.begin(), groups_.end(), group);
+}
+
+void RtfSplice::OnBreak(Span span, bool joins) {
+  if (joins) {
+    if (dropped_) return Drop(span);
+    if (last_ && last_->isBreak) Remember(span.end, true);
+    if (deviation_) deviation_->at = ReachHere(span.end).at;
+    return;
+  }
+  if (read_ == before_.size()) {
+    if (written_ < after_.size()) Flush(span.begin, after_.size(), true);
+    EndParagraph(span, &formats_[before_.lastParaFormat()], &formats_[after_.lastParaFormat()], std::nullopt);
+    sawClosing_ = true;
+    return;
+  }
+  const Edit& edit = CurrentEdit();
+  const Units to = edit.kind == Edit::Kind::kReplace ? written_ : Mapped(read_);
+  if (edit.kind == Edit::Kind::kReplace || (written_ < to && !Flush(span.begin, to, true))) {
+    Drop(span);
+    droppedBreak_ = true;
+    read_ += Units(1);
+    return;
+  }
+  if (edit.kind == Edit::Kind::kSame) {
+    EndParagraph(span, nullptr, nullptr, std::nullopt);
+  } else {
+    const CharFormatId chars = after_.CharFormatAt(to);
+    const bool same = chars == before_.CharFormatAt(read_);
+    EndParagraph(span, &formats_[before_.ParaFormatOf(before_.ParagraphAt(read_))],
+                 &formats_[after_.ParaFormatOf(after_.ParagraphAt(to))], same ? std::nullopt : std::optional(chars));
+  }
+  MarkUsed();
+  dropped_ = droppedBreak_ = false;
+  read_ += Units(1);
+  written_ = to + Units(1);
+  last_.reset(), middle_.reset();
+  if (read_ == edits_[edit_].before.end) Remember(span.end, true);
+}
+
+// A label goes with the break before its paragraph, or with the paragraph's list.
+void RtfSplice::OnLabel(Span span) {
+  bool keep = !droppedBreak_;
+  const Breaks was = before_.ParagraphAt(read_);
+  if (keep && CurrentEdit().before.end <= before_.ParagraphEnd(was)) {
+    const Breaks is = after_.ParagraphAt(written_);
+    const ParaFormat &a = formats_[before_.ParaFormatOf(was)], &b = formats_[after_.ParaFormatOf(is)];
+    keep = a.bullet == b.bullet && a.list == b.list && a.listLevel == b.listLevel;
+  }
+  if (keep) return;
+  output_.CopyTo(span.begin);
+  output_.DropTo(span.end);
+}
+
+void RtfSplice::OnOldPicture(Span span) {
+  if (dropped_) Drop(span);
+}
+
+void RtfSplice::OnGroup(size_t begin) {
+  if (atParagraphBegin_ && !paragraphGroup_ && reader_.inBody()) paragraphGroup_ = ReachHere(begin);
+  groups_.push_back(++lastGroup_);
+}
+
+void RtfSplice::OnField(size_t begin) {
+  output_.CopyTo(begin);
+  fields_.push_back({groups_.back(), output_.Here(), read_});
+}
+
+// A field of whose result nothing is left goes as a whole.
+void RtfSplice::OnGroupEnd(size_t end) {
+  if (groups_.size() < 2) return;
+  const uint32_t group = groups_.back();
+  groups_.pop_back();
+  if (fields_.empty() || fields_.back().group != group) return;
+  const OpenField field = fields_.back();
+  fields_.pop_back();
+  if (!field.used && read_ > field.before) {
+    output_.CopyTo(end);
+    output_.CutTo(field.at);
+  }
+  if (last_ || CurrentEdit().kind != Edit::Kind::kSame) middle_ = Here(end);
+}
+
+void RtfSplice::OnTableEnd(Table table, size_t end) {
+  output_.CopyTo(end);
+  (table == Table::kFonts ? fontsEnd_ : colorsEnd_) = output_.Here();
+  if (table == Table::kColors) tables_.ColorTableEnds(bytes_.substr(0, end));
+}
+
+}  // namespace text::rtf

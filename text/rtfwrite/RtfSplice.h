@@ -1,0 +1,165 @@
+// Saves an edited document into the file that it was read from: what was not edited is copied, byte by byte, what was
+// is written at its place.
+//
+// The reader runs over the file once more and tells what each part of it became. Deleted text leaves its bytes out and
+// nothing else; new text is written in groups, so that the state around it stays what the file says. The format of a
+// paragraph is that in force at its end, so words for it stand before that end and are taken back behind it.
+#pragma once
+
+#include "text/ContentDiff.h"
+#include "text/rtf/Rtf.h"
+#include "text/rtf/RtfReader.h"
+#include "text/rtf/RtfWatcher.h"
+#include "text/rtfwrite/RtfSpliceOutput.h"
+#include "text/rtfwrite/RtfSpliceTables.h"
+#include "text/rtfwrite/RtfWords.h"
+
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace text::rtf {
+
+class RtfSplice : private RtfWatcher {
+ public:
+  // `wanted` is of the store of source.content.
+  RtfSplice(const Source& source, const Content& wanted);
+  // The new file. What it means must be checked: RTF has no words for some edits, and files break rules.
+  std::string Run();
+
+ private:
+  // A part of the old content and what it is to become; in order and without holes on both sides.
+  struct Edit {
+    enum class Kind : uint8_t { kSame, kReformat, kReplace };
+    Range before, after;
+    Kind kind = Kind::kSame;
+  };
+
+  // What is in force at a place in the output, and where words about paragraphs reach from.
+  struct Reach {
+    SpliceOutput::Place at;
+    uint32_t group = 0;          // the number of the innermost one
+    uint32_t paragraphWord = 0;  // how many have come
+    bool reset = false;          // the next of them is \pard
+  };
+  struct Place : Reach {
+    InForce state;
+    bool isBreak = false;  // directly behind a break
+    bool bare = false;     // text needs no group
+  };
+  // From here on the paragraph format is another one than the file says.
+  struct Deviation : Reach {
+    ParaFormat format, original;
+  };
+  struct OpenField {
+    uint32_t group;
+    SpliceOutput::Place at;
+    Units before;
+    bool used = false;  // something in it remains
+  };
+
+  // --- RtfSplice.cpp: the walk
+  void OnText(Span span, std::string_view utf8, Text kind) override;
+  void OnFallback(size_t end) override;
+  void OnBreak(Span span, bool joins) override;
+  void OnLabel(Span span) override;
+  void OnOldPicture(Span span) override;
+  void OnGroup(size_t begin) override;
+  void OnGroupEnd(size_t end) override;
+  void OnField(size_t begin) override;
+  void OnParagraphWord(Span span, bool reset) override;
+  void OnTableEnd(Table table, size_t end) override;
+  void OnEnd(size_t offset) override;
+
+  void MakeEdits();
+  const Edit& CurrentEdit();
+  Units Mapped(Units position) const { return edits_[edit_].after.begin + (position - edits_[edit_].before.begin); }
+  void Piece(Span span, Units units, Text kind);
+  void TornPiece(Span span, Units units);
+  void Part(Span span, Units units, Text kind);
+  void Drop(Span span);
+  void Keep(Span span, Units units, Text kind);
+  // Writes what is new up to there; false when no place allows it yet.
+  bool Flush(size_t here, Units upTo, bool beforeBreak);
+  bool Allows(const InForce& state, Units upTo) const;
+  void FlushWholeParagraphs(Units upTo);
+  Reach ReachHere(size_t offset);
+  Place Here(size_t offset);
+  bool IsOpen(uint32_t group) const;
+  void Remember(size_t end, bool isBreak);
+  void MarkUsed();
+
+  // --- RtfSpliceParagraphs.cpp
+  void EndParagraph(Span span, const ParaFormat* from, const ParaFormat* to, std::optional<CharFormatId> chars);
+  // The output's paragraph format at a place, the deviation before it ended.
+  ParaFormat Settled(const Reach& here, const ParaFormat& state);
+  void CopyBreak(Span span, std::optional<CharFormatId> chars);
+  void LeadTo(const Reach& here, const ParaFormat& from, const ParaFormat& to);
+  void Deviate(const Reach& here, const ParaFormat& format, const ParaFormat& original);
+  std::string ParagraphWords(const ParaFormat& from, const ParaFormat& to);
+  std::string UnknownParagraphWords() const;
+
+  // --- RtfSpliceText.cpp: what is new
+  void Insert(const Place& place, Units upTo);
+  void InsertText(std::string_view utf8, CharFormatId id);
+  void InsertBreak(CharFormatId id, const ParaFormat& wanted);
+  void FindRows(Units upTo);
+  std::string RowWords(RowId row);
+  std::string BreakWord(const ParaFormat& format);
+  void InsertObject(ObjectId id);
+  void EndInsertedParagraphs(const SpliceOutput::Place& at);
+  void OpenRun(CharFormatId id);
+  void CloseRun();
+  std::string CharLead(const InForce& state, const CharFormat& to);
+  TableNumbers Numbers();
+  TextCoding CodingFor(const CharFormat& format) const;
+
+  std::string_view bytes_;  // from the first brace on
+  const Content& before_;
+  const Content& after_;
+  FormatTable& formats_;
+  RtfReader reader_;
+  SpliceOutput output_;
+  SpliceTables tables_;
+  std::vector<Edit> edits_;
+  size_t edit_ = 0;
+  Units read_{0};     // of before_
+  Units written_{0};  // of after_
+
+  std::vector<uint32_t> groups_;  // numbers of the open ones
+  uint32_t lastGroup_ = 0;
+  uint32_t paragraphWord_ = 0;
+  std::vector<OpenField> fields_;
+  std::map<ObjectId, std::string_view> objects_;  // their groups in the file
+  SpliceOutput::Place ownTables_;
+  std::optional<SpliceOutput::Place> fontsEnd_, colorsEnd_;
+  std::optional<Place> last_;    // behind the last text that was kept, if something new may follow
+  std::optional<Place> middle_;  // behind a field that ended since
+  bool dropped_ = false;         // the last thing that was read
+  bool droppedBreak_ = false;    // the last break
+  bool sawClosing_ = false;      // the \par that closes the document
+  bool keptEnd_ = false;         // the last of before_ is the last of after_
+
+  std::optional<Reach> paragraphBegin_, paragraphGroup_;
+  bool atParagraphBegin_ = true;
+  std::optional<Deviation> deviation_;
+  size_t lastReset_ = 0;  // behind the last \pard
+  uint32_t lastResetGroup_ = 0;
+
+  // --- Under way in Insert
+  std::string inserted_;
+  RtfWords words_{inserted_};
+  const Place* place_ = nullptr;
+  std::optional<CharFormatId> run_;
+  std::string_view runEnd_;  // what closes it
+  bool bare_ = false;        // text needs no group
+  TextCoding coding_;
+  size_t paragraphAt_ = 0;  // in inserted_
+  std::optional<ParaFormat> paragraph_;
+  std::vector<RowId> rows_;  // of the outermost tables, that are put in whole
+  size_t row_ = 0;
+  bool rowBegins_ = true;
+};
+
+}  // namespace text::rtf

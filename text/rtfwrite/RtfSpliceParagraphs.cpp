@@ -1,0 +1,185 @@
+// Paragraph formats of the new file: each is led to before the paragraph's end and taken back behind it.
+#include "text/rtfwrite/RtfSplice.h"
+
+#include <algorithm>
+#include <array>
+
+namespace text::rtf {
+
+namespace {
+
+constexpr size_t kMostLookedBack = 1 << 16;
+
+// What `state` becomes when a paragraph of the format `from` gets the format `to`: the state may know more of a table's
+// row, or less.
+ParaFormat Changed(ParaFormat state, const ParaFormat& from, const ParaFormat& to) {
+  const auto take = [&](auto field) {
+    if (from.*field != to.*field) state.*field = to.*field;
+  };
+  take(&ParaFormat::alignment);
+  take(&ParaFormat::bullet);
+  take(&ParaFormat::rightToLeft);
+  take(&ParaFormat::leftIndent);
+  take(&ParaFormat::firstIndent);
+  take(&ParaFormat::rightIndent);
+  take(&ParaFormat::spaceBefore);
+  take(&ParaFormat::spaceAfter);
+  take(&ParaFormat::lineSpacing);
+  take(&ParaFormat::lineSpacingMultiple);
+  take(&ParaFormat::tabs);
+  take(&ParaFormat::list);
+  take(&ParaFormat::listLevel);
+  take(&ParaFormat::row);
+  take(&ParaFormat::rowMark);
+  return state;
+}
+
+// Words about paragraphs that mean nothing to the model and outlive a \pard that it needs.
+bool IsKeptWord(std::string_view word) {
+  constexpr std::array<std::string_view, 30> kWords{
+      "intbl",       "itap",           "s",      "keep",         "keepn",    "widctlpar", "nowidctlpar",
+      "hyphpar",     "noline",         "level",  "outlinelevel", "pagebb",   "sbys",      "contextualspacing",
+      "aspalpha",    "aspnum",         "faauto", "fahang",       "facenter", "faroman",   "favar",
+      "adjustright", "nosnaplinegrid", "sbauto", "saauto",       "shading",  "cfpat",     "cbpat",
+      "box",         "wrapdefault"};
+  return std::find(kWords.begin(), kWords.end(), word) != kWords.end() || word.starts_with("brdr") ||
+         (word.starts_with("bg") && word.size() > 2);
+}
+
+}  // namespace
+
+void RtfSplice::EndParagraph(Span span, const ParaFormat* from, const ParaFormat* to,
+                             std::optional<CharFormatId> chars) {
+  const bool same = !from || *from == *to;
+  if (!same || deviation_) {
+    const Reach here = ReachHere(span.begin);
+    const ParaFormat state = reader_.inForce().paragraph;
+    const ParaFormat settled = Settled(here, state);
+    const ParaFormat wanted = same ? state : Changed(state, *from, *to);
+    LeadTo(here, settled, wanted);
+    CopyBreak(span, chars);
+    if (wanted != state) Deviate(ReachHere(span.end), wanted, state);
+  }
+  if (chars) CopyBreak(span, chars);
+  paragraphBegin_.reset(), paragraphGroup_.reset();
+  atParagraphBegin_ = true;
+}
+
+void RtfSplice::CopyBreak(Span span, std::optional<CharFormatId> chars) {
+  output_.CopyTo(span.begin);
+  const std::string lead = chars ? CharLead(reader_.inForce(), formats_[*chars]) : std::string();
+  if (!lead.empty()) output_.Append("{" + lead);
+  output_.CopyTo(span.end);
+  if (!lead.empty()) output_.Append("}");
+}
+
+ParaFormat RtfSplice::Settled(const Reach& here, const ParaFormat& state) {
+  if (!deviation_) return state;
+  const Deviation was = *deviation_;
+  deviation_.reset();
+  if (!IsOpen(was.group)) return state;
+  if (was.paragraphWord == here.paragraphWord && was.group == here.group) return was.format;
+  if (was.reset && here.paragraphWord != was.paragraphWord) return state;
+  const std::string back = ParagraphWords(was.format, was.original);
+  output_.Insert(was.at, back);
+  if (paragraphBegin_ && paragraphBegin_->at.slot == was.at.slot) paragraphBegin_->at.at += back.size();
+  return state;
+}
+
+// At the paragraph's beginning, where readers expect it, if the words reach from there to its end.
+void RtfSplice::LeadTo(const Reach& here, const ParaFormat& from, const ParaFormat& to) {
+  if (from == to) return;
+  const std::string words = ParagraphWords(from, to);
+  for (const auto& begin : {paragraphBegin_, paragraphGroup_})
+    if (begin && begin->group == here.group && begin->paragraphWord == here.paragraphWord)
+      return output_.Insert(begin->at, words);
+  output_.Insert(here.at, words);
+}
+
+void RtfSplice::Deviate(const Reach& here, const ParaFormat& format, const ParaFormat& original) {
+  Deviation deviation;
+  static_cast<Reach&>(deviation) = here;
+  deviation.format = format;
+  deviation.original = original;
+  deviation_ = deviation;
+}
+
+void RtfSplice::OnParagraphWord(Span span, bool reset) {
+  const auto note = [&](auto& place) {
+    if (place && place->paragraphWord == paragraphWord_ && place->group == groups_.back()) place->reset = reset;
+  };
+  note(deviation_);
+  note(last_);
+  ++paragraphWord_;
+  if (!reset) return;
+  lastReset_ = span.end;
+  lastResetGroup_ = groups_.back();
+}
+
+std::string RtfSplice::ParagraphWords(const ParaFormat& from, const ParaFormat& to) {
+  std::string bytes;
+  RtfWords words(bytes);
+  if (words.ParagraphChange(from, to, formats_)) return bytes;
+  bytes.clear();
+  words.Begin();
+  TableNumbers numbers = Numbers();
+  if (to.bullet) numbers.symbolFont = tables_.Number(formats_.Intern(Font{"Symbol", 2, 0}));
+  words.Paragraph(to, formats_, numbers);
+  bytes.insert(std::string_view("\\pard").size(), UnknownParagraphWords());
+  return bytes;
+}
+
+// Those since the last \pard that a new one would lose.
+std::string RtfSplice::UnknownParagraphWords() const {
+  std::string kept;
+  const size_t end = output_.position();
+  if (lastReset_ >= end || end - lastReset_ > kMostLookedBack || !IsOpen(lastResetGroup_)) return kept;
+  RtfTokenizer tokenizer(bytes_.substr(lastReset_, end - lastReset_));
+  std::vector<size_t> sizes;  // of what was kept before the open groups
+  for (Token token = tokenizer.Next(); token.kind != TokenKind::kEnd; token = tokenizer.Next()) {
+    if (token.kind == TokenKind::kOpen) sizes.push_back(kept.size());
+    if (token.kind == TokenKind::kClose && !sizes.empty()) {
+      kept.resize(sizes.back());
+      sizes.pop_back();
+    }
+    if (token.kind != TokenKind::kWord || !IsKeptWord(token.text)) continue;
+    kept += '\\';
+    kept += token.text;
+    if (token.hasParameter) kept += std::to_string(token.parameter);
+  }
+  return kept;
+}
+
+// Before the brace that closes everything, or where the file ends without one.
+void RtfSplice::OnEnd(size_t offset) {
+  if (sawClosing_) return;
+  std::optional<Place> tail = last_;
+  const bool leavesTable = atParagraphBegin_ && reader_.inForce().tableLevel > 0;
+  if (written_ < after_.size()) {
+    const bool broken = after_.ParagraphAt(written_) < after_.breaks();
+    Flush(offset, after_.size(), true);
+    // Other programs lose text that says it is in a table and is in no row.
+    if (leavesTable && paragraphBegin_ && formats_[after_.lastParaFormat()].row == RowId::kNone) {
+      std::string bytes;
+      RtfWords(bytes).Paragraph(formats_[after_.lastParaFormat()], formats_, Numbers());
+      output_.Insert(paragraphBegin_->at, bytes);
+      return;
+    }
+    if (broken) tail.reset();
+  }
+  const ParaFormatId wantedId = after_.lastParaFormat();
+  const bool open = after_.ParagraphStart(after_.breaks()) < after_.size();
+  const bool needsBreak = !open && !keptEnd_ && (after_.size() > Units(0) || wantedId != ParaFormatId::kDefault);
+  const bool same = wantedId == before_.lastParaFormat();
+  if (!needsBreak && same && !deviation_) return;
+  if (!tail || tail->isBreak) tail = Here(offset);
+  const ParaFormat& state = tail->state.paragraph;
+  const ParaFormat settled = Settled(*tail, state);
+  LeadTo(*tail, settled,
+         same && !needsBreak ? state : Changed(state, formats_[before_.lastParaFormat()], formats_[wantedId]));
+  if (!needsBreak) return;
+  output_.CopyTo(offset);
+  output_.Append("\\par\r\n");
+}
+
+}  // namespace text::rtf

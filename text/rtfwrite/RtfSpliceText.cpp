@@ -1,0 +1,203 @@
+// What is new in a spliced file, in groups that begin with what is in force at their place.
+#include "text/Utf16.h"
+#include "text/rtf/RtfFields.h"
+#include "text/rtfwrite/RtfSplice.h"
+#include "text/rtfwrite/RtfWriter.h"
+
+namespace text::rtf {
+
+namespace {
+
+constexpr int32_t kMostFallback = 2;
+
+}  // namespace
+
+TableNumbers RtfSplice::Numbers() {
+  TableNumbers numbers;
+  numbers.font = [this](FontId font) { return tables_.Number(font); };
+  numbers.color = [this](Color color) { return tables_.Number(color); };
+  numbers.list = [this](ListId list) { return reader_.NumberOf(list); };
+  return numbers;
+}
+
+// Puts what is wanted from written_ on up to a position there.
+void RtfSplice::Insert(const Place& place, Units upTo) {
+  inserted_.clear();
+  words_.Begin();
+  place_ = &place;
+  run_.reset();
+  bare_ = place.bare;
+  paragraphAt_ = 0;
+  paragraph_.reset();
+  FindRows(upTo);
+  after_.ForEachPiece({written_, upTo}, [&](const PieceView& piece) {
+    for (std::string_view rest = piece.bytes; !rest.empty();) {
+      const size_t end = piece.sums.breaks.value() > 0 ? FindBreak(rest) : rest.size();
+      if (end > 0) InsertText(rest.substr(0, end), piece.charFormat);
+      if (end == rest.size()) break;
+      InsertBreak(piece.charFormat, formats_[piece.paraFormat]);
+      rest.remove_prefix(end + (rest.substr(end).starts_with("\r\n") ? 2 : 1));
+    }
+    return true;
+  });
+  CloseRun();
+  const size_t before = output_.BytesAt(place.at);
+  output_.InsertLast(place.at, inserted_);
+  if (paragraph_) {
+    EndInsertedParagraphs({place.at.slot, before + paragraphAt_});
+  } else if (atParagraphBegin_) {
+    paragraphBegin_ = place;
+    atParagraphBegin_ = false;
+  }
+  written_ = upTo;
+}
+
+void RtfSplice::InsertText(std::string_view utf8, CharFormatId id) {
+  const CharFormat& format = formats_[id];
+  if (format.object != ObjectId::kNone) {
+    CloseRun();
+    OpenRun(id);
+    InsertObject(format.object);
+    return CloseRun();
+  }
+  if (run_ != id) {
+    CloseRun();
+    OpenRun(id);
+  }
+  words_.Text(utf8, coding_);
+}
+
+void RtfSplice::OpenRun(CharFormatId id) {
+  const CharFormat& to = formats_[id];
+  const size_t begin = inserted_.size();
+  run_ = id;
+  coding_ = CodingFor(to);
+  words_.Raw("{");
+  runEnd_ = "}";
+  const bool link = to.link != LinkId::kNone && to.link != place_->state.chars.link;
+  if (link) {
+    words_.Raw("\\field{\\*\\fldinst ");
+    words_.Text(LinkInstruction(formats_[to.link]), {0, place_->state.fallbackCount});
+    words_.Raw("}{\\fldrslt{");
+    runEnd_ = "}}}";
+  }
+  const size_t bare = inserted_.size();
+  if (place_->state.fallbackCount > kMostFallback) words_.Word("uc", 1);
+  words_.Words(CharLead(place_->state, to));
+  const bool group = link || inserted_.size() > bare || !bare_ || to.object != ObjectId::kNone;
+  bare_ = true;
+  if (group) return;
+  words_.CutTo(begin);
+  runEnd_ = {};
+}
+
+void RtfSplice::CloseRun() {
+  if (!run_) return;
+  run_.reset();
+  if (!runEnd_.empty()) words_.Raw(runEnd_);
+}
+
+std::string RtfSplice::CharLead(const InForce& state, const CharFormat& toFormat) {
+  std::string lead;
+  RtfWords words(lead);
+  const CharFormat to = Writable(toFormat), from = Writable(state.chars);
+  if (state.script && (to.halfPoints != from.halfPoints || to.offset != from.offset)) {
+    words.Word("nosupersub");
+    words.Chars(state.plainChars, to, Numbers());
+  } else {
+    words.Chars(from, to, Numbers());
+  }
+  return lead;
+}
+
+TextCoding RtfSplice::CodingFor(const CharFormat& format) const {
+  const InForce& state = place_->state;
+  TextCoding coding;
+  coding.codePage = state.codePage;
+  if (format.font != state.chars.font) {
+    const uint8_t charset = formats_[format.font].charset;
+    coding.codePage = format.font == FontId::kDefault ? 0 : charset == 0 ? 1252 : charset == 2 ? kSymbolCodePage : 0;
+  }
+  coding.fallbackCount = state.fallbackCount > kMostFallback ? 1 : state.fallbackCount;
+  return coding;
+}
+
+void RtfSplice::InsertObject(ObjectId id) {
+  const auto inFile = objects_.find(id);
+  if (inFile != objects_.end()) return words_.Raw(inFile->second);
+  const ByteSink append = [this](std::string_view bytes) {
+    words_.Raw(bytes);
+    return true;
+  };
+  const DocumentProperties properties;
+  RtfWriter(after_, properties, append).RunObject(formats_[id]);
+}
+
+// The rows that end in what is put in. A paragraph in no such row belongs to that around its place.
+void RtfSplice::FindRows(Units upTo) {
+  rows_.clear();
+  row_ = 0;
+  rowBegins_ = true;
+  after_.ForEachPiece({written_, upTo}, [&](const PieceView& piece) {
+    const ParaFormat& format = formats_[piece.paraFormat];
+    const bool ends = piece.sums.breaks > Breaks(0) && format.rowMark == RowMark::kRowEnd;
+    if (ends && formats_[format.row].level <= 1)
+      rows_.insert(rows_.end(), static_cast<size_t>(piece.sums.breaks.value()), format.row);
+    return true;
+  });
+}
+
+void RtfSplice::InsertBreak(CharFormatId id, const ParaFormat& wantedFormat) {
+  CloseRun();
+  ParaFormat wanted = wantedFormat;
+  const bool inRow = wanted.row != RowId::kNone && row_ < rows_.size();
+  if (!inRow) wanted.row = RowId::kNone;
+  ParaFormat look = wanted;
+  look.rowMark = RowMark::kNone;
+  const ParaFormat from = paragraph_ ? *paragraph_ : Settled(*place_, place_->state.paragraph);
+  std::string row = inRow && rowBegins_ ? RowWords(rows_[row_]) : std::string();
+  if (!inRow && wantedFormat.row != RowId::kNone && place_->state.tableLevel == 0) row = "\\intbl";
+  if (paragraph_ || atParagraphBegin_) {
+    PutIn(inserted_, paragraphAt_, row + (from == look ? std::string() : ParagraphWords(from, look)));
+  } else {
+    LeadTo(*place_, from, look);
+  }
+  const std::string lead = CharLead(place_->state, formats_[id]);
+  if (!lead.empty()) words_.Raw("{" + lead);
+  words_.Raw(BreakWord(wanted));
+  words_.Raw(lead.empty() ? "\r\n" : "}\r\n");
+  if (inRow) rowBegins_ = wanted.rowMark == RowMark::kRowEnd && formats_[wanted.row].level <= 1;
+  if (inRow && rowBegins_) ++row_;
+  paragraph_ = look;
+  paragraphAt_ = inserted_.size();
+  bare_ = true;
+}
+
+std::string RtfSplice::RowWords(RowId row) {
+  std::string bytes;
+  RtfWords(bytes).Row(formats_[row], Numbers());
+  return bytes;
+}
+
+std::string RtfSplice::BreakWord(const ParaFormat& format) {
+  if (format.rowMark == RowMark::kNone || format.row == RowId::kNone) return "\\par";
+  if (formats_[format.row].level <= 1) return format.rowMark == RowMark::kCellEnd ? "\\cell" : "\\cell\\row";
+  // Readers that know no tables in tables make paragraphs of their cells.
+  constexpr std::string_view kElsewhere = "{\\nonesttables\\par}";
+  std::string bytes = "\\nestcell" + std::string(kElsewhere);
+  if (format.rowMark == RowMark::kCellEnd) return bytes;
+  bytes += "{\\*\\nesttableprops" + RowWords(format.row) + "\\nestrow}";
+  return bytes += kElsewhere;
+}
+
+// Behind the last break that was put in.
+void RtfSplice::EndInsertedParagraphs(const SpliceOutput::Place& at) {
+  Reach here = *place_;
+  here.at = at;
+  paragraphGroup_.reset();
+  paragraphBegin_ = here;
+  atParagraphBegin_ = false;
+  if (*paragraph_ != place_->state.paragraph) Deviate(here, *paragraph_, place_->state.paragraph);
+}
+
+}  // namespace text::rtf

@@ -1,0 +1,216 @@
+// The writer's tables: fonts, colours and lists in use, and the header that gives them.
+#include "text/Utf16.h"
+#include "text/rtf/RtfLists.h"
+#include "text/rtfsyntax/RtfCharacters.h"
+#include "text/rtfsyntax/RtfCodePages.h"
+#include "text/rtfsyntax/RtfLimits.h"
+#include "text/rtfwrite/RtfWriter.h"
+
+#include <algorithm>
+#include <array>
+#include <set>
+
+namespace text::rtf {
+
+namespace {
+
+constexpr std::string_view kGenerator = "Quillmark 0.1.0";
+
+constexpr std::string_view kFamilies[] = {"fnil", "froman", "fswiss", "fmodern", "fscript", "fdecor", "ftech", "fbidi"};
+
+// \levelnfc of a NumberStyle.
+constexpr std::array<int32_t, 7> kLevelKinds = {0, 1, 2, 3, 4, 5, 255};
+constexpr int32_t kBulletKind = 23;
+constexpr size_t kMaxLabelCount = 31;  // what is larger could be taken for a character where the count is missing
+
+}  // namespace
+
+void RtfWriter::CollectFormats(Range range) {
+  CollectFont(properties_.defaultFont);
+  content_.ForEachPiece(range, [this](const PieceView& piece) {
+    if (piece.sums.breaks.value() > 0) {
+      CollectParagraph(piece.paraFormat);
+      plan_.Add(formats_, piece.paraFormat, piece.sums.breaks.value());
+    }
+    const auto id = static_cast<size_t>(piece.charFormat);
+    if (id >= seenChars_.size()) seenChars_.resize(id + 1);
+    if (seenChars_[id]) return true;
+    seenChars_[id] = true;
+    const CharFormat& format = formats_[piece.charFormat];
+    CollectFont(format.font);
+    CollectColor(format.color);
+    CollectColor(format.background);
+    return true;
+  });
+  plan_.Finish();
+  CollectParagraph(content_.ParaFormatOf(content_.ParagraphAt(range.end)));
+  if (anyBullet_) numbers_.symbolFont = NumberFont({"Symbol", 2, 0}).value_or(0);
+}
+
+void RtfWriter::CollectParagraph(ParaFormatId id) {
+  const auto index = static_cast<size_t>(id);
+  if (index >= seenParagraphs_.size()) seenParagraphs_.resize(index + 1);
+  if (seenParagraphs_[index]) return;
+  seenParagraphs_[index] = true;
+  const ParaFormat& format = formats_[id];
+  if (format.bullet && format.list == ListId::kNone) anyBullet_ = true;
+  if (format.list != ListId::kNone) CollectList(format.list);
+  if (format.row == RowId::kNone) return;
+  for (const TableCell& cell : formats_[format.row].cells) CollectColor(cell.shading);
+}
+
+void RtfWriter::CollectList(ListId id) {
+  for (const ListLevel& level : formats_[id].levels)
+    if (level.font != FontId::kDefault) CollectFont(level.font);
+  if (IsOldList(formats_[id]) || listNumbers_.contains(id) || lists_.size() == kMaxLists) return;
+  lists_.push_back(id);
+  listNumbers_[id] = static_cast<int32_t>(lists_.size());
+}
+
+int32_t RtfWriter::ListNumber(ListId id) const {
+  const auto found = listNumbers_.find(id);
+  return found == listNumbers_.end() ? 0 : found->second;
+}
+
+// The font without a name is the document's default, whatever its number.
+void RtfWriter::CollectFont(FontId id) {
+  if (id == FontId::kDefault) id = properties_.defaultFont;
+  if (fontNumbers_.contains(id)) return;
+  if (const auto number = NumberFont(formats_[id])) fontNumbers_[id] = *number;
+}
+
+// Fonts that are written alike share a number.
+std::optional<int32_t> RtfWriter::NumberFont(Font font) {
+  font.name = CleanFontName(font.name);
+  font.family = std::min<uint8_t>(font.family, std::size(kFamilies) - 1);
+  if (fonts_.size() == kMaxFonts) return std::nullopt;
+  const auto next = static_cast<int32_t>(fonts_.size());
+  const auto [place, isNew] = fontsByValue_.try_emplace({font.name, font.charset, font.family}, next);
+  if (isNew) fonts_.push_back(std::move(font));
+  return place->second;
+}
+
+void RtfWriter::CollectColor(Color color) {
+  if (color.isAuto() || colors_.size() >= kMaxColors - 1) return;
+  color.rgb &= 0xFFFFFF;
+  if (colorNumbers_.contains(color.rgb)) return;
+  colors_.push_back(color);
+  colorNumbers_[color.rgb] = static_cast<int32_t>(colors_.size());
+}
+
+int32_t RtfWriter::FontNumber(FontId id) const {
+  if (id == kUnknownFont) return -1;
+  if (id == FontId::kDefault) id = properties_.defaultFont;
+  const auto found = fontNumbers_.find(id);
+  return found == fontNumbers_.end() ? 0 : found->second;
+}
+
+int32_t RtfWriter::ColorNumber(Color color) const {
+  if (color.isAuto()) return 0;
+  const auto found = colorNumbers_.find(color.rgb & 0xFFFFFF);
+  return found == colorNumbers_.end() ? 0 : found->second;
+}
+
+void RtfWriter::Header(bool wholeDocument) {
+  words_.Raw("{\\rtf1\\ansi");
+  words_.Word("ansicpg", properties_.codePage);
+  words_.Raw("\\deff0\\nouicompat");
+  if (properties_.defaultLanguage != 0) words_.Word("deflang", properties_.defaultLanguage);
+  FontTable();
+  ColorTable();
+  ListTables();
+  words_.Raw("{\\*\\generator ");
+  words_.Raw(kGenerator);
+  words_.Raw(";}");
+  if (wholeDocument && !properties_.headerGroups.empty()) Group(properties_.headerGroups), words_.Raw("\r\n");
+  words_.Raw("\\viewkind4\\uc1");
+  if (properties_.defaultTab != 720) words_.Word("deftab", std::clamp(properties_.defaultTab, 1, kMaxLength));
+  if (wholeDocument) words_.Raw(properties_.headerWords);
+  words_.Raw("\r\n");
+}
+
+void RtfWriter::FontTable() {
+  words_.Raw("{\\fonttbl");
+  for (size_t i = 0; i < fonts_.size(); ++i) {
+    words_.Raw("{");
+    words_.Word("f", static_cast<int64_t>(i));
+    words_.Word(kFamilies[fonts_[i].family]);
+    words_.Word("fcharset", fonts_[i].charset);
+    words_.Raw(" ");
+    words_.Name(fonts_[i].name);
+    words_.Raw(";}");
+  }
+  words_.Raw("}\r\n");
+}
+
+void RtfWriter::ColorTable() {
+  if (colors_.empty()) return;
+  words_.Raw("{\\colortbl ;");
+  for (const Color color : colors_) {
+    words_.Word("red", color.rgb & 0xFF);
+    words_.Word("green", color.rgb >> 8 & 0xFF);
+    words_.Word("blue", color.rgb >> 16 & 0xFF);
+    words_.Raw(";");
+  }
+  words_.Raw("}\r\n");
+}
+
+// Two lists that would share an id get different ones: readers count by it.
+void RtfWriter::ListTables() {
+  if (lists_.empty()) return;
+  std::vector<int32_t> ids;
+  std::set<int32_t> used = {0};
+  for (const ListId id : lists_) {
+    int32_t identity = formats_[id].identity;
+    while (!used.insert(identity).second) identity = static_cast<int32_t>(static_cast<uint32_t>(identity) + 1);
+    ids.push_back(identity);
+  }
+  words_.Raw("{\\*\\listtable");
+  for (size_t i = 0; i < lists_.size(); ++i) {
+    const List& list = formats_[lists_[i]];
+    words_.Raw("{"), words_.Word("list"), words_.Word("listtemplateid", ids[i]);
+    if (list.levels.size() == 1) words_.Word("listsimple", 1);
+    for (size_t level = 0; level < list.levels.size() && level < kMaxListLevels; ++level) Level(list.levels[level]);
+    words_.Raw("{\\listname ;}"), words_.Word("listid", ids[i]), words_.Raw("}\r\n");
+  }
+  words_.Raw("}{\\*\\listoverridetable");
+  for (size_t i = 0; i < lists_.size(); ++i) {
+    words_.Raw("{"), words_.Word("listoverride"), words_.Word("listid", ids[i]);
+    words_.Word("listoverridecount", 0), words_.Word("ls", static_cast<int64_t>(i) + 1), words_.Raw("}");
+  }
+  words_.Raw("}\r\n");
+}
+
+void RtfWriter::Level(const ListLevel& level) {
+  const bool bullet = IsBullet(level) && level.style == NumberStyle::kNone;
+  const int32_t kind = bullet ? kBulletKind : kLevelKinds[static_cast<size_t>(level.style)];
+  words_.Raw("{"), words_.Word("listlevel");
+  for (const std::string_view word : {"levelnfc", "levelnfcn"}) words_.Word(word, kind);
+  for (const std::string_view word : {"leveljc", "leveljcn", "levelfollow"}) words_.Word(word, 0);
+  words_.Word("levelstartat", level.start);
+  std::string text, places;
+  RtfWords label(text);
+  const TextCoding coding{level.font != FontId::kDefault && formats_[level.font].charset == 2 ? kSymbolCodePage : 0, 1};
+  RtfWords numbers(places);
+  size_t units = 0;
+  for (std::string_view rest = level.label; !rest.empty();) {
+    const char32_t c = TakeCharacter(rest);
+    const bool number = c < kMaxListLevels;
+    units += c > 0xFFFF ? 2 : 1;
+    if (number) numbers.Hex(static_cast<uint8_t>(std::min<size_t>(units, 0xFF)));
+    if (number || c < 0x20) {
+      label.Hex(static_cast<uint8_t>(c));
+    } else {
+      std::string utf8;
+      AppendUtf8(utf8, c);
+      label.Text(utf8, coding);
+    }
+  }
+  words_.Raw("{\\leveltext"), words_.Hex(static_cast<uint8_t>(std::min(units, kMaxLabelCount))),
+      words_.Raw(text + ";}");
+  words_.Raw("{\\levelnumbers" + places + ";}");
+  if (level.font != FontId::kDefault) words_.Word("f", FontNumber(level.font));
+  words_.Raw("}");
+}
+
+}  // namespace text::rtf
