@@ -45,7 +45,8 @@ LIBRARIES = {
 }
 
 ENGINE = ["text", "text/plain", "text/search", "text/rtfsyntax", "text/rtf", "text/rtfwrite", "text/html", "files"]
-WINDOW = ENGINE + ["text/layout", "text/pictures", "ui"]
+PAGES = ["text/pictures", "text/outline", "text/layout", "text/print"]
+WINDOW = ENGINE + PAGES + ["ui"]
 FEATURES = ["documents", "autocomplete", "project", "foldertree", "search", "panes"]
 ANY_QT = ["QtCore", "QtGui", "QtWidgets", "QtPrintSupport", "QtDBus", "QtSvg", "QtNetwork"]
 
@@ -66,7 +67,11 @@ ROOMS = {
     "text/html": room(["text", "text/plain"], ["icu", "xml"], "HTML is built on the engine and knows the standard library, POSIX, ICU and libxml2"),
     "files": room([], [], "files/ knows the standard library and POSIX"),
     "text/pictures": room(["text"], ["QtCore", "QtGui"], "pictures know the engine, QtCore and QtGui"),
-    "text/layout": room(["text", "text/pictures"], ["QtCore", "QtGui"], "the layout knows the engine, QtCore and QtGui, but no widget"),
+    "text/outline": room(["text"], ["QtCore"], "the outline knows the engine and of Qt only QtCore"),
+    "text/layout": room(["text", "text/pictures", "text/outline"], ["QtCore", "QtGui"],
+                        "the layout knows the engine, the outline, pictures, QtCore and QtGui, but no widget and no file format"),
+    "text/print": room(["text", "text/plain", "text/rtf"] + PAGES, ["QtCore", "QtGui"],
+                       "printing knows the layout, the RTF reader, QtCore and QtGui, but no widget"),
     "ui": room(WINDOW, ANY_QT, "the window layer knows the engine, files/, the layout and Qt"),
     "ui/desktop": room(WINDOW, ANY_QT + ["gio", "xkb", "chm"], "ui/desktop/ knows what ui/ does, GIO, XKB and libchm"),
     "services": room(WINDOW, ["QtCore"], "services/ knows the window layer and below, and of Qt only QtCore"),

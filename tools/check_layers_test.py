@@ -17,7 +17,7 @@ MODULES = {
 }
 
 # What the fixtures include must exist.
-EXISTING = ["text/Units.h", "text/rtf/Rtf.h", "text/rtfwrite/RtfSave.h", "text/layout/ViewLayout.h", "files/Result.h", "ui/Forms.h",
+EXISTING = ["text/Units.h", "text/rtf/Rtf.h", "text/rtfwrite/RtfSave.h", "text/layout/ViewLayout.h", "text/print/Printing.h", "files/Result.h", "ui/Forms.h",
             "ui/editor/RichTextBox.h", "ui/desktop/Shell.h", "services/Services.h", "documents/frmText.h",
             "project/Project.h", "commands/Menus.h", "shell/Main.h", "tests/support/Fake.h", "bench/Bench.h"]
 
@@ -44,6 +44,10 @@ FORBIDDEN = [
     ("text/layout/A.cpp", 'class QWidget;', 1),
     ("text/layout/A.cpp", '#include "files/Result.h"', 1),
     ("text/layout/A.cpp", '#include "text/rtf/Rtf.h"', 1),
+    ("text/layout/A.cpp", '#include "text/print/Printing.h"', 1),
+    ("text/outline/A.cpp", '#include "text/layout/ViewLayout.h"', 1),
+    ("text/outline/A.cpp", '#include <QImage>', 1),
+    ("text/print/A.cpp", '#include "text/rtfwrite/RtfSave.h"', 1),
     ("ui/editor/A.cpp", '#include "services/Services.h"', 1),
     ("ui/editor/A.cpp", '#include <gio/gio.h>', 1),
     ("ui/frame/A.cpp", '#include <chm_lib.h>', 1),
@@ -83,6 +87,7 @@ ALLOWED = [
     ("text/rtf/A.cpp", '#include "text/Units.h"\n#include "text/rtf/Rtf.h"'),
     ("files/A.cpp", '#include "files/Result.h"\n#include <sys/acl.h>\n#include <filesystem>'),
     ("text/layout/A.cpp", '#include "text/Units.h"\n#include <QTextLayout>\n#include <QString>'),
+    ("text/print/A.cpp", '#include "text/rtf/Rtf.h"\n#include "text/layout/ViewLayout.h"'),
     ("ui/editor/A.cpp", '#include "text/rtf/Rtf.h"\n#include "files/Result.h"\n#include "ui/Forms.h"\n#include <QWidget>'),
     ("ui/frame/A.cpp", '#include "ui/desktop/Shell.h"\n#include "A.moc"\n#include "moc_A.cpp"'),
     ("ui/desktop/A.cpp", '#include "ui/Forms.h"\n#include <gio/gio.h>\n#include <X11/XKBlib.h>\n#include <chm_lib.h>'),

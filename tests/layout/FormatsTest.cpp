@@ -1,7 +1,7 @@
 // What formats do to places and pixels.
 #include "LayoutTesting.h"
 #include "text/layout/LayoutBlock.h"
-#include "text/layout/SymbolFonts.h"
+#include "text/outline/SymbolFonts.h"
 
 namespace text::layout {
 namespace {

@@ -1,6 +1,6 @@
 // Pictures, notes and labels of lists in the text.
 #include "LayoutTesting.h"
-#include "text/layout/ListNumbers.h"
+#include "text/outline/ListNumbers.h"
 #include "text/pictures/Metafile.h"
 #include "text/pictures/Pictures.h"
 

@@ -1,5 +1,5 @@
 #include "LayoutTesting.h"
-#include "text/layout/Segments.h"
+#include "text/outline/Segments.h"
 
 #include <random>
 

@@ -1,6 +1,6 @@
 // Tables' rows: where cells stand, and how carets go through them.
 #include "LayoutTesting.h"
-#include "text/layout/TableRows.h"
+#include "text/outline/TableRows.h"
 
 namespace text::layout {
 namespace {

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "text/Document.h"
-#include "text/layout/Segments.h"
+#include "text/outline/Segments.h"
 
 #include <QString>
 

@@ -1,8 +1,8 @@
 #include "text/layout/BlockText.h"
 
 #include "text/layout/FormatFonts.h"
-#include "text/layout/SymbolFonts.h"
 #include "text/layout/ViewLayout.h"
+#include "text/outline/SymbolFonts.h"
 
 #include <QChar>
 

@@ -3,8 +3,8 @@
 
 #include "text/layout/BlockCache.h"
 #include "text/layout/LayoutRow.h"
-#include "text/layout/ListNumbers.h"
 #include "text/layout/ViewLayout.h"
+#include "text/outline/ListNumbers.h"
 
 #include <memory>
 #include <optional>

@@ -1,6 +1,7 @@
 #include "text/layout/FormatFonts.h"
 
 #include "text/layout/ViewLayout.h"
+#include "text/outline/SymbolFonts.h"
 #include "text/pictures/Pictures.h"
 
 #include <QFontMetricsF>

@@ -17,8 +17,6 @@ constexpr double kTwipsPerPixel = 15.0;
 // No length, line or font is laid out larger than this many pixels, so that a block stays within the range of QFixed.
 constexpr double kMaxPixels = 2000;
 
-constexpr uint8_t kSymbolCharset = 2;
-
 struct FormatLook {
   CharFormat source;
   QFont font;

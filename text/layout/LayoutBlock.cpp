@@ -1,6 +1,7 @@
 #include "text/layout/LayoutBlock.h"
 
 #include "text/layout/ViewLayout.h"
+#include "text/outline/SymbolFonts.h"
 
 #include <QFontMetricsF>
 

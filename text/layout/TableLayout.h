@@ -2,7 +2,7 @@
 #pragma once
 
 #include "text/layout/LayoutRow.h"
-#include "text/layout/TableRows.h"
+#include "text/outline/TableRows.h"
 
 #include <functional>
 #include <memory>

@@ -1,6 +1,6 @@
 #include "ui/desktop/Pdf.h"
 
-#include "text/layout/Printing.h"
+#include "text/print/Printing.h"
 
 #include <QGuiApplication>
 #include <QIODevice>

@@ -1,5 +1,5 @@
 // Tables: what an edit may not take away, what comes into a cell, and the way from cell to cell.
-#include "text/layout/TableRows.h"
+#include "text/outline/TableRows.h"
 #include "ui/editor/EditorController.h"
 #include "ui/editor/EditorOperation.h"
 

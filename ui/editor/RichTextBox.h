@@ -4,8 +4,8 @@
 #pragma once
 
 #include "text/Document.h"
-#include "text/layout/Printing.h"
 #include "text/layout/ViewLayout.h"
+#include "text/print/Printing.h"
 #include "text/rtf/Rtf.h"
 #include "text/search/Search.h"
 

@@ -1,4 +1,4 @@
-#include "text/layout/TableRows.h"
+#include "text/outline/TableRows.h"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "text/layout/SymbolFonts.h"
+#include "text/outline/SymbolFonts.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -1,7 +1,7 @@
 // How text is divided into pages.
-#include "LayoutTesting.h"
-#include "text/layout/Pages.h"
-#include "text/layout/Printing.h"
+#include "tests/layout/LayoutTesting.h"
+#include "text/print/Pages.h"
+#include "text/print/Printing.h"
 
 #include <QBuffer>
 #include <QPdfWriter>

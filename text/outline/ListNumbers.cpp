@@ -1,7 +1,6 @@
-#include "text/layout/ListNumbers.h"
+#include "text/outline/ListNumbers.h"
 
-#include "text/layout/FormatFonts.h"
-#include "text/layout/SymbolFonts.h"
+#include "text/outline/SymbolFonts.h"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "text/layout/Pages.h"
+#include "text/print/Pages.h"
 
 #include <algorithm>
 

@@ -1,7 +1,7 @@
-#include "text/layout/Printing.h"
+#include "text/print/Printing.h"
 
 #include "text/layout/BlockPainter.h"
-#include "text/layout/Pages.h"
+#include "text/print/Pages.h"
 
 #include <QPageLayout>
 #include <QPagedPaintDevice>

@@ -1,6 +1,6 @@
-#include "text/layout/Segments.h"
+#include "text/outline/Segments.h"
 
-#include "text/layout/TableRows.h"
+#include "text/outline/TableRows.h"
 
 #include <QString>
 #include <QTextBoundaryFinder>
