@@ -2,6 +2,7 @@
 #pragma once
 
 #include "ui/Dialogs.h"
+#include "ui/dialogs/ProgressForm.h"
 
 namespace bench {
 
@@ -19,6 +20,14 @@ class AgreeingDialogs : public ui::Dialogs {
   void RunWork(ui::Form*, const QString&, int64_t, const std::function<void(ui::WorkPort&)>& work) override {
     ui::WorkPort port;
     work(port);
+  }
+};
+
+// Works as the program does, on another thread.
+class WorkingDialogs : public AgreeingDialogs {
+ public:
+  void RunWork(ui::Form*, const QString& text, int64_t total, const std::function<void(ui::WorkPort&)>& work) override {
+    ui::RunBehindProgress(nullptr, text, total, work);
   }
 };
 

@@ -1,14 +1,8 @@
 // From a key event to the painted frame while the completion list is open, against the same key in the editor alone.
 // Argument: number of entries (default 20000).
-#include "bench/MeasureKeys.h"
-#include "documents/frmText.h"
-#include "shell/frmMyMDI.h"
+#include "bench/Program.h"
 #include "ui/controls/CompletionBox.h"
 #include "ui/dialogs/QtDialogs.h"
-
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
 
 namespace {
 
@@ -59,32 +53,22 @@ void Run(documents::frmText& document) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+  bench::UseNoDisplay();
   QApplication application(argc, argv);
   const int count = argc > 1 ? std::atoi(argv[1]) : 20000;
-  std::string pattern = (std::filesystem::temp_directory_path() / "bench_completion_XXXXXX").native();
-  const files::Path folder = mkdtemp(pattern.data());
+  const bench::TemporaryFolder folder;
+  const files::Path words = folder.path() / "words.txt", settings = folder.path() / "settings.json";
   {
-    std::ofstream words(folder / "words.txt");
-    for (int i = 0; i < count; ++i) words << (i % 2 ? "<x" : "<y") << " number=\"" << i << "\">\r\n";
+    std::ofstream out(words);
+    for (int i = 0; i < count; ++i) out << (i % 2 ? "<x" : "<y") << " number=\"" << i << "\">\r\n";
   }
-  {
-    ui::QtDialogs dialogs;
-    ui::DesktopShell desktop;
-    shell::Place place;
-    place.application = {folder, {}, folder / "settings.json"};
-    place.recovery = folder / "recovery";
-    place.lock = folder / "lock";
-    place.offersRecovered = false;
-    std::ofstream(folder / ".first-run") << (folder / "").native() << "\n";
-    shell::SettingsFile(place.application.settings, place.recovery)
-        .SaveSetting(services::kApplicationName, services::kGeneral, "AutoTagFile", (folder / "words.txt").native());
-    shell::frmMyMDI program(dialogs, desktop, place);
-    program.Start({});
-    while (!program.AutoCompleteOn()) QApplication::processEvents();
-    program.commands().mnuNew_Click();
-    std::printf("%d entries\n", count);
-    Run(*program.documents().Active());
-  }
-  std::filesystem::remove_all(folder);
+  shell::SettingsFile(settings, folder.path() / "recovery")
+      .SaveSetting(services::kApplicationName, services::kGeneral, "AutoTagFile", words.native());
+  ui::QtDialogs dialogs;
+  bench::Program program(dialogs, folder.path());
+  program->Start({});
+  while (!program->AutoCompleteOn()) QApplication::processEvents();
+  program->commands().mnuNew_Click();
+  std::printf("%d entries\n", count);
+  Run(*program->documents().Active());
 }

@@ -1,26 +1,11 @@
 // Replace All through the dialog against the engine's own bulk replacement, and F3 up to the painted frame, off screen.
 // Argument: megabytes of the document (default 100).
 #include "bench/AgreeingDialogs.h"
-#include "bench/MeasureKeys.h"
-#include "documents/frmText.h"
-#include "shell/frmMyMDI.h"
-#include "ui/dialogs/ProgressForm.h"
-
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
+#include "bench/Program.h"
 
 namespace {
 
 constexpr int kRuns = 7;
-
-// Works as the program does, on another thread.
-class Agreeing final : public bench::AgreeingDialogs {
- public:
-  void RunWork(ui::Form*, const QString& text, int64_t total, const std::function<void(ui::WorkPort&)>& work) override {
-    ui::RunBehindProgress(nullptr, text, total, work);
-  }
-};
 
 void MeasureReplaceAll(shell::frmMyMDI& program, const char* needle, const char* replacement) {
   ui::RichTextBox& box = program.documents().Active()->RichTextBox1();
@@ -72,39 +57,22 @@ void MeasureF3(shell::frmMyMDI& program, const char* needle, bool fromBegin) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+  bench::UseNoDisplay();
   QApplication application(argc, argv);
   const int64_t megabytes = argc > 1 ? std::atoll(argv[1]) : 100;
-  std::string pattern = (std::filesystem::temp_directory_path() / "bench_find_XXXXXX").native();
-  const files::Path folder = mkdtemp(pattern.data());
-  const files::Path file = folder / "document.txt";
-  {
-    const std::string part = bench::Words(bench::kMega, false);
-    std::ofstream out(file, std::ios::binary);
-    for (int64_t i = 0; i < megabytes; ++i) out << part;
-    out << "the only needle\n";
-  }
-  {
-    Agreeing dialogs;
-    ui::DesktopShell desktop;
-    shell::Place place;
-    place.application = {folder, {}, folder / "settings.json"};
-    place.recovery = folder / "recovery";
-    place.lock = folder / "lock";
-    place.onlyLooking = true;
-    place.offersRecovered = false;
-    shell::frmMyMDI program(dialogs, desktop, place);
-    program.Start({file});
-    while (!program.documents().Active()) QApplication::processEvents();
-    std::printf("%lld MB\n", static_cast<long long>(megabytes));
-    MeasureF3(program, "fox", false);
-    MeasureF3(program, "needle", true);
-    program.commands().mnuReplace_Click();
-    QApplication::processEvents();
-    MeasureReplaceAll(program, "fox", "wolf");
-    MeasureReplaceAll(program, "fox", "");
-    MeasureReplaceAll(program, "the", "some");
-    MeasureReplaceAll(program, "zebra-ox", "horse");
-  }
-  std::filesystem::remove_all(folder);
+  const bench::TemporaryFolder folder;
+  const files::Path file = folder.path() / "document.txt";
+  bench::WriteWords(file, megabytes, "the only needle\n");
+  bench::WorkingDialogs dialogs;
+  bench::Program program(dialogs, folder.path());
+  program.Open(file);
+  std::printf("%lld MB\n", static_cast<long long>(megabytes));
+  MeasureF3(*program, "fox", false);
+  MeasureF3(*program, "needle", true);
+  program->commands().mnuReplace_Click();
+  QApplication::processEvents();
+  MeasureReplaceAll(*program, "fox", "wolf");
+  MeasureReplaceAll(*program, "fox", "");
+  MeasureReplaceAll(*program, "the", "some");
+  MeasureReplaceAll(*program, "zebra-ox", "horse");
 }

@@ -1,17 +1,13 @@
 // A long project in the whole program, off screen: loading, sorting, adding, removing, saving, and from a key event in
 // the list to the painted frame. Argument: number of entries (default 20000).
 #include "bench/AgreeingDialogs.h"
-#include "bench/MeasureKeys.h"
+#include "bench/Program.h"
 #include "project/ProjectFile.h"
 #include "search/frmYesNoAll.h"
-#include "shell/frmMyMDI.h"
 #include "ui/PendingEvents.h"
 
 #include <QAccessible>
 
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <random>
 
 namespace {
@@ -138,29 +134,19 @@ class Bench {
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+  bench::UseNoDisplay();
   QApplication application(argc, argv);
   const int count = argc > 1 ? std::atoi(argv[1]) : 20000;
-  std::string pattern = (std::filesystem::temp_directory_path() / "bench_projects_XXXXXX").native();
-  const files::Path folder = mkdtemp(pattern.data());
-  {
-    SaysYes dialogs;
-    ui::DesktopShell desktop;
-    shell::Place place;
-    place.application = {folder, {}, folder / "settings.json"};
-    place.recovery = folder / "recovery";
-    place.lock = folder / "lock";
-    place.offersRecovered = false;
-    shell::frmMyMDI program(dialogs, desktop, place);
-    program.Start({});
-    while (program.project().ProjectFile.empty()) QApplication::processEvents();  // the first run's
-    Bench bench(program, dialogs, Entries(folder, count), folder);
-    for (const bool screenReader : {false, true}) {
-      QAccessible::setActive(screenReader);
-      std::printf("%d entries%s\n", count, screenReader ? ", with a screen reader" : "");
-      bench.Commands();
-      bench.Keys();
-    }
+  const bench::TemporaryFolder folder;
+  SaysYes dialogs;
+  bench::Program program(dialogs, folder.path(), bench::FirstRun::kNow);
+  program->Start({});
+  while (program->project().ProjectFile.empty()) QApplication::processEvents();  // the first run's
+  Bench bench(*program, dialogs, Entries(folder.path(), count), folder.path());
+  for (const bool screenReader : {false, true}) {
+    QAccessible::setActive(screenReader);
+    std::printf("%d entries%s\n", count, screenReader ? ", with a screen reader" : "");
+    bench.Commands();
+    bench.Keys();
   }
-  std::filesystem::remove_all(folder);
 }

@@ -1,5 +1,7 @@
 #include "text/Document.h"
 
+#include "text/Utf16.h"
+
 #include <algorithm>
 #include <cassert>
 
@@ -76,7 +78,7 @@ Range Document::Replace(Range range, const Content& fragment, EditKind kind, Sel
 Range Document::Replace(Range range, std::string_view bytes, CharFormatId format, EditKind kind, Selection before) {
   ContentBuilder builder(content_.store());
   ParaFormatId paragraph = ParaFormatId::kDefault;
-  if (bytes.find_first_of("\r\n") != std::string_view::npos) {
+  if (FindBreak(bytes) < bytes.size()) {
     paragraph = formats().Intern(ForNewText(formats()[content_.ParaFormatOf(content_.ParagraphAt(range.begin))]));
   }
   builder.Append(bytes, format, paragraph);

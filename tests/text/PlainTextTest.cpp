@@ -326,8 +326,7 @@ TEST(PlainText, ACancelEndsTheReading) {
   EXPECT_EQ(loaded.error, ECANCELED);
   EXPECT_EQ(loaded.content.size(), Units(0));
   ASSERT_EQ(reported.size(), 1u);
-  EXPECT_GE(reported[0], int64_t{16} << 20);
-  EXPECT_LT(reported[0], int64_t{24} << 20);
+  EXPECT_GE(reported[0], int64_t{16} << 20);  // how far another thread was by then nobody can say
 }
 
 TEST(PlainText, ReadErrorsAreReported) {

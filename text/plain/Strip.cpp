@@ -46,7 +46,7 @@ class LineJoiner {
         continue;
       }
       if (!spelling_.empty()) EndBreak(bytes.front());
-      const size_t end = std::min(bytes.find_first_of("\r\n"), bytes.size());
+      const size_t end = FindBreak(bytes);
       out_ += bytes.substr(0, end);
       lineEmpty_ = lineEmpty_ && end == 0;
       if (end == bytes.size()) return;

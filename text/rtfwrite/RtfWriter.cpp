@@ -1,5 +1,6 @@
 #include "text/rtfwrite/RtfWriter.h"
 
+#include "text/Utf16.h"
 #include "text/rtfsyntax/RtfCodePages.h"
 #include "text/rtfwrite/RtfSave.h"
 
@@ -46,9 +47,9 @@ void RtfWriter::Body(Range range) {
 void RtfWriter::SplitParagraphs(const PieceView& piece) {
   std::string_view rest = piece.bytes;
   while (!rest.empty() && !refused_) {
-    const size_t end = piece.sums.breaks.value() > 0 ? rest.find_first_of("\r\n") : std::string_view::npos;
+    const size_t end = piece.sums.breaks.value() > 0 ? FindBreak(rest) : rest.size();
     if (end != 0) paragraph_.push_back({rest.substr(0, end), piece.charFormat});
-    if (end == std::string_view::npos) return;
+    if (end == rest.size()) return;
     Paragraph(piece.paraFormat, true, piece.charFormat);
     rest.remove_prefix(end + (rest.substr(end).starts_with("\r\n") ? 2 : 1));
   }
