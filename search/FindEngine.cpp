@@ -38,20 +38,14 @@ int FindEngine::Options() const {
   return (MatchCase != 0 ? ui::kFindMatchCase : 0) | (MatchWholeWord != 0 ? ui::kFindWholeWord : 0);
 }
 
-// Runs work that may throw on another thread. False: cancelled.
+// Runs work on another thread. False: cancelled.
 bool FindEngine::Work(const QString& text, int64_t total,
                       const std::function<void(const text::SearchProgress&)>& work) {
-  std::exception_ptr failure;
   bool cancelled = false;
   services_.dialogs().RunWork(asking_(), text, total, [&](ui::WorkPort& port) {
-    try {
-      work([&port](int64_t bytes) { return port.Report(bytes); });
-    } catch (...) {
-      failure = std::current_exception();
-    }
+    work([&port](int64_t bytes) { return port.Report(bytes); });
     cancelled = port.cancelled();
   });
-  if (failure) std::rethrow_exception(failure);
   return !cancelled;
 }
 

@@ -93,8 +93,8 @@ class Dialogs {
   virtual std::optional<QString> AskText(Form* owner, const QString& prompt, const QString& initial) = 0;
   // Runs the form until it is closed and says whether it was accepted.
   virtual bool ShowModal(ModalForm& form) = 0;
-  // Runs `work`, which must not throw, on another thread and returns when it has ended. After half a second a progress
-  // with Cancel is shown. `total` = what Report counts up to, 0 = unknown.
+  // Runs `work` on another thread and returns when it has ended; what it throws is thrown here. After half a second a
+  // progress with Cancel is shown. `total` = what Report counts up to, 0 = unknown.
   virtual void RunWork(Form* owner, const QString& text, int64_t total, const std::function<void(WorkPort&)>& work) = 0;
 };
 

@@ -9,7 +9,8 @@
 
 #include <deque>
 #include <functional>
-#include <thread>
+#include <future>
+#include <new>
 #include <utility>
 
 namespace support {
@@ -77,6 +78,8 @@ class ScriptedDialogs final : public ui::Dialogs {
   }
   // The next work is cancelled by the user before it begins.
   void CancelNextWork() { cancelNextWork_ = true; }
+  // The memory runs out in the next work.
+  void FailNextWork() { failNextWork_ = true; }
   // Runs on the user interface's thread once the next work has ended.
   void AfterNextWork(std::function<void()> call) { afterNextWork_ = std::move(call); }
 
@@ -143,7 +146,8 @@ class ScriptedDialogs final : public ui::Dialogs {
   void RunWork(ui::Form*, const QString&, int64_t, const std::function<void(ui::WorkPort&)>& work) override {
     ui::WorkPort port;
     if (std::exchange(cancelNextWork_, false)) port.Cancel();
-    std::thread([&] { work(port); }).join();
+    const bool fails = std::exchange(failNextWork_, false);
+    std::async(std::launch::async, [&] { fails ? throw std::bad_alloc() : work(port); }).get();
     if (auto call = std::exchange(afterNextWork_, {})) call();
   }
 
@@ -179,7 +183,7 @@ class ScriptedDialogs final : public ui::Dialogs {
   }
 
   std::deque<Step> steps_;
-  bool cancelNextWork_ = false;
+  bool cancelNextWork_ = false, failNextWork_ = false;
   std::function<void()> afterNextWork_;
 };
 

@@ -178,7 +178,8 @@ TEST(QtDialogs, ThePrinterIsSetUpUnlessCancelled) {
       });
       EXPECT_EQ(dialogs.PickPrinter(nullptr, request, printer), accept);
       EXPECT_EQ(printer.device().copyCount(), accept ? 3 : 1);
-      if (accept) EXPECT_EQ(printer.device().printRange() == QPrinter::Selection, request.selection);
+      if (!accept) continue;
+      EXPECT_EQ(printer.device().printRange() == QPrinter::Selection, request.selection);
     }
   }
 }
@@ -188,6 +189,17 @@ TEST(Progress, ShortWorkShowsNothing) {
   ui::RunBehindProgress(nullptr, "working", 0, [&](ui::WorkPort&) { ++ran; });
   EXPECT_EQ(ran, 1);
   EXPECT_FALSE(QApplication::overrideCursor());
+}
+
+TEST(Progress, WhatTheWorkThrowsIsThrownHere) {
+  for (const int milliseconds : {0, 100}) {
+    const auto work = [&](ui::WorkPort&) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
+      throw std::bad_alloc();
+    };
+    EXPECT_THROW(ui::RunBehindProgress(nullptr, "working", 0, work), std::bad_alloc) << milliseconds;
+    EXPECT_FALSE(QApplication::overrideCursor());
+  }
 }
 
 TEST(Progress, LongWorkShowsItsProgressAndCanBeCancelled) {

@@ -10,6 +10,7 @@
 
 #include <chrono>
 #include <condition_variable>
+#include <exception>
 #include <mutex>
 #include <thread>
 
@@ -87,13 +88,21 @@ void RunBehindProgress(QWidget* owner, const QString& text, int64_t total, const
   WorkPort port;
   EndSignal end;
   QEventLoop loop;
-  std::thread worker([&] {
-    work(port);
-    end.Set();
-    QMetaObject::invokeMethod(&loop, &QEventLoop::quit, Qt::QueuedConnection);
-  });
-  if (!end.WaitFor(kUnnoticed)) WaitWithEvents(owner, text, total, port, end, loop);
-  worker.join();
+  std::exception_ptr failure;
+  {
+    // Joined also when waiting itself fails.
+    const std::jthread worker([&] {
+      try {
+        work(port);
+      } catch (...) {
+        failure = std::current_exception();
+      }
+      end.Set();
+      QMetaObject::invokeMethod(&loop, &QEventLoop::quit, Qt::QueuedConnection);
+    });
+    if (!end.WaitFor(kUnnoticed)) WaitWithEvents(owner, text, total, port, end, loop);
+  }
+  if (failure) std::rethrow_exception(failure);
 }
 
 }  // namespace ui
