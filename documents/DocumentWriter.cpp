@@ -28,7 +28,7 @@ bool WriteDocument(const DocumentBytes& document, const text::Progress& progress
     case DocumentBytes::Form::kPlain:
       return text::WritePlainText(document.content, document.plainProperties, counted, document.plainOptions);
     case DocumentBytes::Form::kRtf:
-      return text::rtf::Write(document.content, document.rtfProperties, counted);
+      return text::rtf::Write(document.content, document.rtfProperties, counted, progress);
     case DocumentBytes::Form::kVerbatim:
       return WriteVerbatim(*document.verbatim, counted);
   }

@@ -9,6 +9,7 @@
 #include <QEvent>
 
 #include <cerrno>
+#include <new>
 
 namespace documents {
 namespace {
@@ -185,24 +186,33 @@ void frmText::ForgetRecovered(bool saved) {
   origin_.kept.reset();
 }
 
+std::optional<files::Error> frmText::Work(const QString& text, int64_t total,
+                                          const std::function<void(ui::WorkPort&)>& work) {
+  try {
+    services_.dialogs().RunWork(this, text.arg(ui::DisplayText(caption())), total, work);
+  } catch (const std::bad_alloc&) {
+    return files::SystemError(ENOMEM, path());
+  }
+  return std::nullopt;
+}
+
 RescuedText frmText::TextToRescue() const {
   const bool rich = !SavesAsPlain();
   text::TextProperties properties = RichTextBox1_->document().properties();
   const text::Content content = RichTextBox1_->document().content();
   if (!rich && text::FirstUnencodable(content, properties.encoding)) properties = {};
-  return {path(), ToLine({rich, origin_.stamp}), BytesToSave(properties)};
+  return {path(), ToLine({rich, origin_.stamp}), BytesToSave(content, properties)};
 }
 
 bool frmText::WriteRecovery() {
   const RescuedText rescued = TextToRescue();
-  std::optional<files::Error> error;
-  services_.dialogs().RunWork(this, tr("Saving %1").arg(ui::DisplayText(caption())),
-                              rescued.bytes.content.sums().bytes.value(), [&](ui::WorkPort& port) {
-                                const auto written =
-                                    RescueDocument(services_.recoveryFolder(), rescued,
-                                                   [&port](int64_t done) { return port.Report(done); });
-                                if (!written) error = written.error();
-                              });
+  std::optional<files::Error> error, failure;
+  failure = Work(tr("Saving %1"), rescued.bytes.content.sums().bytes.value(), [&](ui::WorkPort& port) {
+    const auto written =
+        RescueDocument(services_.recoveryFolder(), rescued, [&port](int64_t done) { return port.Report(done); });
+    if (!written) error = written.error();
+  });
+  if (failure) error = failure;
   if (error && error->systemError != ECANCELED)
     services::ShowError(services_.dialogs(), this, services::ErrorText(caption(), *error));
   return !error;

@@ -104,7 +104,15 @@ class frmText : public ui::ChildForm {
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
-  enum class Go { kOn, kSaveAs, kStop };
+  enum class Go { kOn, kSaveAs, kStop, kFailed };
+  // One save. What comes in while its questions stand open was not asked about and is not written.
+  struct Saving {
+    int attributes = 0;
+    text::Content content;
+    text::TextProperties properties;
+    std::shared_ptr<const std::string> spliced;  // the file that was read, with what was edited
+    bool anew = false;                           // that this cannot be had, and the loss, was agreed
+  };
   // Where the text came from and what its file is known to hold.
   struct Origin {
     std::optional<files::FileStamp> stamp;  // of the file as it was read or written last; nothing: there was none
@@ -124,19 +132,19 @@ class frmText : public ui::ChildForm {
   void FollowLink(const QString& target);
   SaveOutcome RenameUntitledAndSaveAs();
   SaveOutcome SaveAttributed(int attributes);
-  SaveOutcome Write(int attributes, const text::TextProperties& properties);
+  SaveOutcome Write(const Saving& saving);
   void Saved(const files::FileStamp& stamp, const DocumentBytes& written);
   SaveOutcome ReportSaveError(const files::Error& error, int attributes);
   SaveOutcome Follow(Go go);
-  bool IsAsLoaded() const;
-  DocumentBytes BytesToSave(const text::TextProperties& properties) const;
+  bool IsAsLoaded(const text::Content& content) const;
+  DocumentBytes BytesToSave(const text::Content& content, const text::TextProperties& properties) const;
   Go AskReadOnly();
   Go AskChangedOnDisk();
   QString WhyNotReplaced() const;
-  Go AskFormat(text::TextProperties& properties);
+  Go AskFormat(Saving& saving);
   Go AskNotRtf();
-  Go AskLoss();
-  Go AskEncoding(text::TextProperties& properties);
+  Go AskLoss(Saving& saving);
+  Go AskEncoding(Saving& saving);
   Go Ask(const QString& text, ui::Buttons buttons, ui::Icon icon);
   bool WriteRecovery();
   bool IsAsAsked() const;
@@ -150,6 +158,8 @@ class frmText : public ui::ChildForm {
   void UpdateOffsetTool();
   using Stripper = std::optional<std::string>(const text::Content&, text::Range, const text::Progress&);
   void Strip(const std::function<Stripper>& strip);
+  // Runs work behind a progress; the error when memory ran out.
+  std::optional<files::Error> Work(const QString& text, int64_t total, const std::function<void(ui::WorkPort&)>& work);
   void UpdateSelectionState();
   void UpdateAlignment(std::optional<int> alignment);
   void UpdateFontPanel();
@@ -161,7 +171,6 @@ class frmText : public ui::ChildForm {
   ui::RichTextBox* RichTextBox1_;
   std::unique_ptr<services::Completion> Completion_;  // with Combo1
   Origin origin_;
-  std::optional<DocumentBytes> edited_;  // the file with what was edited, made before saving
   FormatChecks checks_;
   // What was answered last in this window.
   double BulletIndentCm_ = 0, HangingIndentCm_ = 0, LeftIndentCm_ = 0, RightIndentCm_ = 0;

@@ -9,7 +9,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <new>
 
 namespace documents {
 namespace {
@@ -88,20 +87,18 @@ void frmText::Strip(const std::function<Stripper>& strip) {
   const text::Range range = RichTextBox1_->SelectedRange();
   const auto total = content.SumsBefore(range.end).bytes - content.SumsBefore(range.begin).bytes;
   std::optional<std::string> stripped;
-  bool outOfMemory = false;
-  const auto work = [&](ui::WorkPort& port) {
-    try {
-      stripped = strip(content, range, [&port](int64_t done) { return port.Report(done); });
-    } catch (const std::bad_alloc&) {
-      outOfMemory = true;
-    }
-  };
-  services_.dialogs().RunWork(this, tr("Stripping %1").arg(ui::DisplayText(caption())), total.value(), work);
-  if (outOfMemory)
-    services::ShowError(services_.dialogs(), this, services::ErrorText(caption(), files::SystemError(ENOMEM, path())));
+  const auto error = Work(tr("Stripping %1"), total.value(), [&](ui::WorkPort& port) {
+    stripped = strip(content, range, [&port](int64_t done) { return port.Report(done); });
+  });
+  if (error) return services::ShowError(services_.dialogs(), this, services::ErrorText(caption(), *error));
   // What came in meanwhile is worth more than what was made of the text before.
   if (!stripped || unloaded_ || !RichTextBox1_->document().content().SameAs(content)) return;
-  if (!range.empty()) RichTextBox1_->ReplaceSelection(*stripped);
+  if (RichTextBox1_->SelectedRange() != range) return;
+  if (!range.empty() && !RichTextBox1_->ReplaceSelection(*stripped)) {
+    const QString text =
+        tr("Error: The selection holds protected text or a part of a table's row.  Nothing was stripped.");
+    return services::ShowError(services_.dialogs(), this, text);
+  }
   ForceChanged();
 }
 

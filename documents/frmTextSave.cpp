@@ -11,7 +11,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <new>
 
 namespace documents {
 namespace {
@@ -88,14 +87,15 @@ SaveOutcome frmText::RenameUntitledAndSaveAs() {
 }
 
 SaveOutcome frmText::SaveAttributed(int attributes) {
-  text::TextProperties properties = RichTextBox1_->document().properties();
+  const text::Document& document = RichTextBox1_->document();
+  Saving saving{attributes, document.content(), document.properties(), nullptr};
   // A folder or a device cannot be saved to; the attempt says so better than questions would.
   const bool replaceable = !(attributes & (files::kDirectory | files::kSystem));
   const bool readOnly = replaceable && attributes & files::kReadOnly;
   if (readOnly)
     if (const Go go = AskReadOnly(); go != Go::kOn) return Follow(go);
   if (replaceable) {
-    if (const Go go = AskFormat(properties); go != Go::kOn) return Follow(go);
+    if (const Go go = AskFormat(saving); go != Go::kOn) return Follow(go);
     // Last, since the other questions may have stood open for a while.
     if (const Go go = AskChangedOnDisk(); go != Go::kOn) return Follow(go);
   }
@@ -104,14 +104,15 @@ SaveOutcome frmText::SaveAttributed(int attributes) {
   if (readOnly)
     if (const auto cleared = files::SetReadOnly(target, false); !cleared)
       return ReportSaveError(cleared.error(), attributes);
-  const SaveOutcome outcome = Write(attributes, properties);
+  const SaveOutcome outcome = Write(saving);
   // What was not replaced stays as it was, read-only too; when that fails there has been a message already.
   if (readOnly && outcome != SaveOutcome::kSaved) static_cast<void>(files::SetReadOnly(target, true));
   return outcome;
 }
 
 SaveOutcome frmText::Follow(Go go) {
-  return go == Go::kSaveAs ? mnuSaveFileAs_Click() : SaveOutcome::kCancelled;
+  if (go == Go::kSaveAs) return mnuSaveFileAs_Click();
+  return go == Go::kFailed ? SaveOutcome::kFailed : SaveOutcome::kCancelled;
 }
 
 frmText::Go frmText::Ask(const QString& text, ui::Buttons buttons, ui::Icon icon) {
@@ -156,17 +157,17 @@ QString frmText::WhyNotReplaced() const {
   return tr("did not exist when it was opened, but exists now.  Do you want to replace it?");
 }
 
-bool frmText::IsAsLoaded() const {
-  return origin_.asLoaded && RichTextBox1_->document().content().SameAs(*origin_.asLoaded);
+bool frmText::IsAsLoaded(const text::Content& content) const {
+  return origin_.asLoaded && content.SameAs(*origin_.asLoaded);
 }
 
-frmText::Go frmText::AskFormat(text::TextProperties& properties) {
-  if (IsAsLoaded() && (!IsRichName(caption()) || origin_.rtfBytes || origin_.notRtf)) return Go::kOn;
+frmText::Go frmText::AskFormat(Saving& saving) {
+  if (IsAsLoaded(saving.content) && (!IsRichName(caption()) || origin_.rtfBytes || origin_.notRtf)) return Go::kOn;
   if (IsRichName(caption())) {
     if (const Go go = AskNotRtf(); go != Go::kOn) return go;
-    if (!origin_.plainByChoice) return AskLoss();
+    if (!origin_.plainByChoice) return AskLoss(saving);
   }
-  return AskEncoding(properties);
+  return AskEncoding(saving);
 }
 
 frmText::Go frmText::AskNotRtf() {
@@ -182,30 +183,30 @@ frmText::Go frmText::AskNotRtf() {
       origin_.plainByChoice = true;
       return Go::kOn;
     case Go::kStop:
+    case Go::kFailed:
       break;
   }
   return Go::kStop;
 }
 
 // What was edited goes into the file that was read. Only where that cannot be done the text is written anew.
-frmText::Go frmText::AskLoss() {
-  edited_.reset();
+frmText::Go frmText::AskLoss(Saving& saving) {
   const text::rtf::DocumentProperties& properties = RichTextBox1_->rtfProperties();
-  if (!properties.source || IsAsLoaded()) return Go::kOn;
-  DocumentBytes edited;
-  edited.content = RichTextBox1_->document().content();
-  edited.form = DocumentBytes::Form::kVerbatim;
-  bool outOfMemory = false;
-  services_.dialogs().RunWork(this, tr("Saving %1").arg(ui::DisplayText(caption())), 0, [&](ui::WorkPort&) {
-    try {
-      edited.verbatim = text::rtf::Save(edited.content, properties).bytes;
-    } catch (const std::bad_alloc&) {
-      outOfMemory = true;  // so will the saving be, which says so
-    }
-  });
-  if (unloaded_) return Go::kStop;
-  if (edited.verbatim) edited_ = std::move(edited);
-  if (edited_ || outOfMemory || origin_.lossAgreed) return Go::kOn;
+  if (!properties.source || IsAsLoaded(saving.content)) return Go::kOn;
+  text::rtf::Saved saved;
+  const auto error =
+      Work(tr("Saving %1"), static_cast<int64_t>(properties.source->bytes->size()), [&](ui::WorkPort& port) {
+        saved = text::rtf::Save(saving.content, properties, [&port](int64_t done) { return port.Report(done); });
+      });
+  if (error) {
+    static_cast<void>(ReportSaveError(*error, 0));
+    return Go::kFailed;
+  }
+  if (unloaded_ || saved.as == text::rtf::SavedAs::kCancelled) return Go::kStop;
+  saving.spliced = std::move(saved.bytes);
+  if (saving.spliced) return Go::kOn;
+  saving.anew = true;
+  if (origin_.lossAgreed) return Go::kOn;
   const Go go = Ask(tr("holds more than the text that is shown, and with these changes it cannot be kept.  Do you want "
                        "to save the text alone?"),
                     ui::Buttons::kYesNoCancel, ui::Icon::kExclamation);
@@ -214,12 +215,16 @@ frmText::Go frmText::AskLoss() {
   return go;
 }
 
-frmText::Go frmText::AskEncoding(text::TextProperties& properties) {
+frmText::Go frmText::AskEncoding(Saving& saving) {
+  text::TextProperties& properties = saving.properties;
   if (properties.encoding == text::Encoding::kUtf8) return Go::kOn;
-  const text::Content content = RichTextBox1_->document().content();
   Fit fit = Fit::kAll;
-  services_.dialogs().RunWork(this, tr("Saving %1").arg(ui::DisplayText(caption())), content.size().value(),
-                              [&](ui::WorkPort& port) { fit = FitOf(content, properties.encoding, port); });
+  const auto error = Work(tr("Saving %1"), saving.content.size().value(),
+                          [&](ui::WorkPort& port) { fit = FitOf(saving.content, properties.encoding, port); });
+  if (error) {
+    static_cast<void>(ReportSaveError(*error, 0));
+    return Go::kFailed;
+  }
   if (fit != Fit::kNotAll) return fit == Fit::kAll ? Go::kOn : Go::kStop;
   const QString text = tr("contains characters that %1 cannot hold.  Save as UTF-8?");
   const Go go = Ask(text.arg(EncodingName(properties.encoding)), ui::Buttons::kYesNoCancel, ui::Icon::kExclamation);
@@ -234,35 +239,36 @@ bool frmText::SavesAsPlain() const {
   return !IsRichName(caption()) || origin_.plainByChoice || origin_.notRtf;
 }
 
-DocumentBytes frmText::BytesToSave(const text::TextProperties& properties) const {
+DocumentBytes frmText::BytesToSave(const text::Content& content, const text::TextProperties& properties) const {
   DocumentBytes bytes;
-  bytes.content = RichTextBox1_->document().content();
+  bytes.content = content;
   bytes.plainProperties = properties;
   bytes.plainOptions.fromRichText = RichTextBox1_->isRichText();
   bytes.rtfProperties = RichTextBox1_->rtfProperties();
   if (SavesAsPlain()) return bytes;
   bytes.form = DocumentBytes::Form::kRtf;
-  if (origin_.rtfBytes && IsAsLoaded()) {
+  if (origin_.rtfBytes && IsAsLoaded(content)) {
     bytes.form = DocumentBytes::Form::kVerbatim;
     bytes.verbatim = origin_.rtfBytes;
-  } else if (edited_ && edited_->content.SameAs(bytes.content)) {
-    bytes.form = DocumentBytes::Form::kVerbatim;
-    bytes.verbatim = edited_->verbatim;
   }
   return bytes;
 }
 
-SaveOutcome frmText::Write(int attributes, const text::TextProperties& properties) {
-  const DocumentBytes bytes = BytesToSave(properties);
-  edited_.reset();
+SaveOutcome frmText::Write(const Saving& saving) {
+  DocumentBytes bytes = BytesToSave(saving.content, saving.properties);
+  if (saving.spliced) {
+    bytes.form = DocumentBytes::Form::kVerbatim;
+    bytes.verbatim = saving.spliced;
+  }
+  if (saving.anew) bytes.rtfProperties.source = nullptr;
   const files::Path target = path();
   std::optional<files::Result<files::FileStamp>> saved;
-  services_.dialogs().RunWork(this, tr("Saving %1").arg(ui::DisplayText(caption())), bytes.content.sums().bytes.value(),
-                              [&](ui::WorkPort& port) {
-                                saved = SaveDocument(target, services_.recoveryFolder(), bytes,
-                                                     [&port](int64_t done) { return port.Report(done); });
-                              });
-  if (!*saved) return ReportSaveError(saved->error(), attributes);
+  const auto error = Work(tr("Saving %1"), bytes.content.sums().bytes.value(), [&](ui::WorkPort& port) {
+    saved =
+        SaveDocument(target, services_.recoveryFolder(), bytes, [&port](int64_t done) { return port.Report(done); });
+  });
+  if (error) return ReportSaveError(*error, saving.attributes);
+  if (!*saved) return ReportSaveError(saved->error(), saving.attributes);
   Saved(saved->value(), bytes);
   return SaveOutcome::kSaved;
 }

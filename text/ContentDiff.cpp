@@ -233,14 +233,15 @@ std::vector<Pair> LongestAscending(const std::vector<Pair>& pairs) {
 class Aligner {
  public:
   using Key = uint64_t Item::*;
-  Aligner(const std::vector<Item>& before, const std::vector<Item>& after) : a_(before), b_(after) {}
+  Aligner(const std::vector<Item>& before, const std::vector<Item>& after, const std::function<bool()>& goOn)
+      : a_(before), b_(after), goOn_(goOn) {}
 
   // Calls equal(pair) for pairs of items with the same key and unequal(gap) for what is left, all of it in order.
   template <class Equal, class Unequal>
   void Run(Gap gap, Key key, const Equal& equal, const Unequal& unequal) {
     key_ = key;
     std::vector<Task> tasks{{gap, 0}};
-    while (!tasks.empty()) {
+    while (!tasks.empty() && (!goOn_ || goOn_())) {
       const Task task = tasks.back();
       tasks.pop_back();
       if (task.pairs > 0) {
@@ -311,6 +312,7 @@ class Aligner {
 
   const std::vector<Item>& a_;
   const std::vector<Item>& b_;
+  const std::function<bool()>& goOn_;
   Key key_ = &Item::text;
 };
 
@@ -340,8 +342,8 @@ std::vector<Item> WordsOf(std::string_view bytes) {
 
 class Comparison {
  public:
-  Comparison(const Content& before, const Content& after)
-      : formats_(before.formats()), aRuns_(RunsOf(before)), bRuns_(RunsOf(after)) {}
+  Comparison(const Content& before, const Content& after, const std::function<bool()>& goOn)
+      : formats_(before.formats()), aRuns_(RunsOf(before)), bRuns_(RunsOf(after)), goOn_(goOn) {}
 
   std::vector<Match> Run() {
     const size_t aSize = aRuns_.empty() ? 0 : aRuns_.back().end, bSize = bRuns_.empty() ? 0 : bRuns_.back().end;
@@ -413,7 +415,7 @@ class Comparison {
 
   void Paragraphs() {
     const std::vector<Item> a = ParagraphsOf(a_, base_, aRuns_), b = ParagraphsOf(b_, base_, bRuns_);
-    Aligner exact(a, b), byText(a, b);
+    Aligner exact(a, b, goOn_), byText(a, b, goOn_);
     const auto equal = [&](const Pair& pair) { PutIfEqual(BytesOfItems(a, b, pair)); };
     const auto characters = [&](const Gap& gap) { EditedParagraphs(a, b, gap); };
     exact.Run({0, a.size() - 1, 0, b.size() - 1}, &Item::formats, equal,
@@ -448,17 +450,18 @@ class Comparison {
       return Gap{gap.aBegin + a[items.aBegin].begin, gap.aBegin + a[items.aEnd].begin,
                  gap.bBegin + b[items.bBegin].begin, gap.bBegin + b[items.bEnd].begin};
     };
-    Aligner(a, b).Run(
-        {0, a.size() - 1, 0, b.size() - 1}, &Item::text,
-        [&](const Pair& pair) {
-          PutIfEqual(bytes({pair.before, pair.before + 1, pair.after, pair.after + 1}));
-        },
-        [&](const Gap& items) {
-          Gap rest = bytes(items);
-          const size_t head = TrimHead(rest), tail = TrimTail(rest);
-          Put(base_ + rest.aBegin - head, base_ + rest.bBegin - head, head);
-          Put(base_ + rest.aEnd, base_ + rest.bEnd, tail);
-        });
+    Aligner(a, b, goOn_)
+        .Run(
+            {0, a.size() - 1, 0, b.size() - 1}, &Item::text,
+            [&](const Pair& pair) {
+              PutIfEqual(bytes({pair.before, pair.before + 1, pair.after, pair.after + 1}));
+            },
+            [&](const Gap& items) {
+              Gap rest = bytes(items);
+              const size_t head = TrimHead(rest), tail = TrimTail(rest);
+              Put(base_ + rest.aBegin - head, base_ + rest.bBegin - head, head);
+              Put(base_ + rest.aEnd, base_ + rest.bEnd, tail);
+            });
   }
 
   // Takes what both begin with off the gap: whole characters, a CR LF not cut.
@@ -487,6 +490,7 @@ class Comparison {
 
   const FormatTable& formats_;
   std::vector<FormatRun> aRuns_, bRuns_;
+  const std::function<bool()>& goOn_;
   size_t base_ = 0;    // where the bytes compared begin in both
   std::string a_, b_;  // the bytes compared
   std::vector<Stretch> stretches_;
@@ -577,8 +581,8 @@ std::vector<Match> Comparison::Finish() const {
 
 }  // namespace
 
-std::vector<Match> Compare(const Content& before, const Content& after) {
-  return Comparison(before, after).Run();
+std::vector<Match> Compare(const Content& before, const Content& after, const std::function<bool()>& goOn) {
+  return Comparison(before, after, goOn).Run();
 }
 
 }  // namespace text

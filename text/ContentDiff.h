@@ -3,6 +3,7 @@
 
 #include "text/Content.h"
 
+#include <functional>
 #include <vector>
 
 namespace text {
@@ -20,6 +21,7 @@ struct Match {
 // In order, both ranges ascending without overlap. What lies between two matches was deleted, inserted or replaced.
 // Both contents are of one store. The last paragraphs' formats are not compared. Stretches that moved count as deleted
 // and inserted. O(n log n) of the bytes between the first and the last difference, O(pieces) of the rest.
-std::vector<Match> Compare(const Content& before, const Content& after);
+// `goOn` is asked now and then; after its no what was not compared yet is in no match.
+std::vector<Match> Compare(const Content& before, const Content& after, const std::function<bool()>& goOn = {});
 
 }  // namespace text

@@ -171,10 +171,18 @@ TEST_F(FormatCommandsTest, StripAsksForTheCharactersCode) {
   document_->mnuStripASCII_Click();
 }
 
-TEST_F(FormatCommandsTest, StrippingIsCancelledAndStopsAtProtectedText) {
+TEST_F(FormatCommandsTest, WhatKeepsTheStrippingFromItsSelection) {
   dialogs.CancelNextWork();
   document_->mnuStrip_Click();
+  dialogs.FailNextWork();
+  ExpectError(Error(At("a.txt"), "Cannot allocate memory"));
+  document_->mnuStrip_Click();
+  dialogs.AfterNextWork([this] { box().SetSelStart(1); });
+  document_->mnuStrip_Click();
+  box().SelectAll();
+  EXPECT_FALSE(Changed(*document_));
   box().SetSelProtected(true);
+  ExpectError("Error: The selection holds protected text or a part of a table's row.  Nothing was stripped.");
   document_->mnuStrip_Click();
   EXPECT_EQ(box().Text(), QString("one\r\ntwo"));
   EXPECT_EQ(box().SelLength(), 8);

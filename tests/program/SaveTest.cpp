@@ -294,6 +294,22 @@ TEST_F(SaveTest, WhatRichTextHoldsBesidesItsTextStays) {
   EXPECT_NE(Bytes(path).find("{\\header head}" + tabs), std::string::npos) << Bytes(path);
 }
 
+TEST_F(SaveTest, RichTextIsSavedAsItWasWhenTheSaveBegan) {
+  const std::string bytes = "{\\rtf1\\ansi{\\header head} text\\par}";
+  const files::Path path = Put("a.rtf", bytes);
+  frmText& document = Edited(path);
+  dialogs.CancelNextWork();
+  EXPECT_EQ(document.mnuSaveFile_Click(), SaveOutcome::kCancelled);
+  dialogs.FailNextWork();
+  ExpectError(File(path, "Cannot allocate memory"));
+  EXPECT_EQ(document.mnuSaveFile_Click(), SaveOutcome::kFailed);
+  EXPECT_EQ(Bytes(path), bytes);
+  dialogs.AfterNextWork([&] { PutNestedList(document); });
+  EXPECT_EQ(document.mnuSaveFile_Click(), SaveOutcome::kSaved);
+  EXPECT_EQ(Bytes(path), "{\\rtf1\\ansi{\\header head}+ text\\par}") << "nobody was asked about the list";
+  EXPECT_TRUE(Changed(document));
+}
+
 TEST_F(SaveTest, WhatCannotStayIsAskedAboutFirst) {
   const std::string bytes = "{\\rtf1\\ansi{\\header head} text\\par}";
   const files::Path path = Put("a.rtf", bytes);

@@ -59,8 +59,9 @@ class Edited {
     });
   }
 
-  std::string Saved() const {
-    const rtf::Saved saved = Save(content, properties_);
+  std::string Saved(const Progress& progress = {}) const {
+    const rtf::Saved saved = Save(content, properties_, progress);
+    if (saved.as == SavedAs::kCancelled) return "CANCELLED";
     return saved.as == SavedAs::kAnew ? "ANEW" : *saved.bytes;
   }
 

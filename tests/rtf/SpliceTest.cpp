@@ -172,6 +172,22 @@ TEST(RtfSplice, GroupsAndTables) {
   for (const Row& row : kRows) Check(row);
 }
 
+TEST(RtfSplice, SavingIsCancelledAtEachReport) {
+  const std::string paragraph = "a" + std::string(1 << 20, 'x') + "\\par ";
+  Edited edited("{\\rtf1 " + paragraph + paragraph + paragraph + "}");
+  edited.Type(Units(1), "b");
+  int64_t last = 0;
+  int reports = 0;
+  const auto count = [&](int64_t done) { return ++reports, last <= std::exchange(last, done); };
+  ASSERT_TRUE(edited.Saved(count).starts_with("{\\rtf1 ab"));
+  EXPECT_GT(reports, 8);
+  EXPECT_LE(last, 4 << 20);
+  for (; reports > 0; --reports) {
+    int left = reports;
+    EXPECT_EQ(edited.Saved([&](int64_t) { return --left > 0; }), "CANCELLED") << reports;
+  }
+}
+
 // Whatever is edited, it finds its place in the file.
 TEST(RtfSplice, RandomEdits) {
   const std::string kSources[] = {

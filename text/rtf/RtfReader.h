@@ -19,8 +19,8 @@ class RtfReader {
   RtfReader(std::shared_ptr<const std::string> owner, std::string_view bytes, const std::shared_ptr<TextStore>& store);
   ReadResult Run(bool fragment, const Progress& progress);
 
-  // Reads what was read before, in the same store, and only tells the watcher.
-  void Watch(RtfWatcher& watcher);
+  // Reads what was read before, in the same store, and only tells the watcher. False when cancelled.
+  bool Watch(RtfWatcher& watcher, const Progress& progress = {});
   InForce inForce();
   // False where text is none of the document's.
   bool inBody() const { return stack_.back().mode == Mode::kBody; }

@@ -3,10 +3,10 @@
 
 namespace text::rtf {
 
-void RtfReader::Watch(RtfWatcher& watcher) {
+bool RtfReader::Watch(RtfWatcher& watcher, const Progress& progress) {
   watcher_ = &watcher;
   output_.Mute();
-  Run(true, {});
+  return !Run(true, progress).cancelled;
 }
 
 InForce RtfReader::inForce() {

@@ -16,6 +16,7 @@ namespace text::rtf {
 namespace {
 
 constexpr int32_t kTwipsPerPixel = 15;
+constexpr int64_t kBetweenReports = 1 << 20;
 
 // Text without a break, or a break.
 struct Part {
@@ -181,11 +182,17 @@ class Comparison {
 
 }  // namespace
 
-bool MeansTheSame(const Content& wanted, FontId wantedDefault, const Content& read, FontId readDefault) {
+bool MeansTheSame(const Content& wanted, FontId wantedDefault, const Content& read, FontId readDefault,
+                  const Progress& progress) {
   Comparison comparison(wanted.formats(), wantedDefault, read.formats(), readDefault);
   Parts aParts(wanted), bParts(read);
   Part a, b;
+  int64_t done = 0, reportAt = kBetweenReports;
   while (true) {
+    if (done >= reportAt) {
+      if (progress && !progress(done)) return false;
+      reportAt = done + kBetweenReports;
+    }
     const bool aMore = !a.bytes.empty() || aParts.Next(a), bMore = !b.bytes.empty() || bParts.Next(b);
     if (!aMore || !bMore) {
       return aMore == bMore && comparison.SameParagraphs(wanted.lastParaFormat(), read.lastParaFormat());
@@ -193,6 +200,7 @@ bool MeansTheSame(const Content& wanted, FontId wantedDefault, const Content& re
     if (a.isBreak != b.isBreak || !comparison.SameChars(a.chars, b.chars, a.isBreak)) return false;
     if (a.isBreak) {
       if (!comparison.SameParagraphs(a.paragraph, b.paragraph)) return false;
+      ++done;
       a.bytes = b.bytes = {};
       continue;
     }
@@ -200,6 +208,7 @@ bool MeansTheSame(const Content& wanted, FontId wantedDefault, const Content& re
     if (a.bytes.substr(0, common) != b.bytes.substr(0, common)) return false;
     a.bytes.remove_prefix(common);
     b.bytes.remove_prefix(common);
+    done += static_cast<int64_t>(common);
   }
 }
 

@@ -6,7 +6,9 @@
 namespace text::rtf {
 
 // True when reading what was written gave the text and the formats that were wanted, but for what RTF cannot hold: how
-// breaks are spelled, stray bytes, NUL, fractions of half points. The two may be of different stores.
-bool MeansTheSame(const Content& wanted, FontId wantedDefault, const Content& read, FontId readDefault);
+// breaks are spelled, stray bytes, NUL, fractions of half points. The two may be of different stores. `progress` counts
+// the text's bytes; when it says to stop the answer is false.
+bool MeansTheSame(const Content& wanted, FontId wantedDefault, const Content& read, FontId readDefault,
+                  const Progress& progress = {});
 
 }  // namespace text::rtf

@@ -11,29 +11,58 @@ namespace text::rtf {
 
 namespace {
 
-// Empty when RTF has no words for what was edited, or when the file breaks rules where it was.
-std::string Spliced(const Content& content, const DocumentProperties& properties) {
-  std::string bytes = RtfSplice(*properties.source, content).Run();
-  const ReadResult read = Read(bytes, std::make_shared<TextStore>());
-  const bool same = MeansTheSame(content, properties.defaultFont, read.content, read.properties.defaultFont);
-  return same ? bytes : std::string();
+// Three passes over about as many bytes each, as one progress.
+class Passes {
+ public:
+  Passes(const Progress& progress, size_t size) : progress_(progress), size_(static_cast<int64_t>(size)) {}
+  Progress Next() {
+    Progress pass = [this, before = pass_++ * size_](int64_t done) {
+      cancelled_ = cancelled_ || (progress_ && !progress_((before + std::min(done, size_)) / 3));
+      return !cancelled_;
+    };
+    pass(0);  // what is short reports nothing itself
+    return pass;
+  }
+  bool cancelled() const { return cancelled_; }
+
+ private:
+  const Progress& progress_;
+  const int64_t size_;
+  int pass_ = 0;
+  bool cancelled_ = false;
+};
+
+// Null when RTF has no words for what was edited, or when the file breaks rules where it was.
+std::shared_ptr<const std::string> Spliced(const Content& content, const DocumentProperties& properties,
+                                           Passes& passes) {
+  const auto bytes = std::make_shared<const std::string>(RtfSplice(*properties.source, content).Run(passes.Next()));
+  if (passes.cancelled()) return nullptr;
+  const ReadResult read = Read(bytes, std::make_shared<TextStore>(), passes.Next());
+  if (read.cancelled) return nullptr;
+  const bool same =
+      MeansTheSame(content, properties.defaultFont, read.content, read.properties.defaultFont, passes.Next());
+  return same ? bytes : nullptr;
 }
 
 }  // namespace
 
-Saved Save(const Content& content, const DocumentProperties& properties) {
+Saved Save(const Content& content, const DocumentProperties& properties, const Progress& progress) {
   const Source* source = properties.source.get();
   const bool spliceable = source && LooksLikeRtf(*source->bytes) && source->content.store() == content.store();
   if (!spliceable) return {};
   if (content.SameAs(source->content)) return {SavedAs::kUnchanged, source->bytes};
-  std::string bytes = Spliced(content, properties);
-  if (bytes.empty()) return {};
-  return {SavedAs::kSpliced, std::make_shared<const std::string>(std::move(bytes))};
+  Passes passes(progress, source->bytes->size());
+  auto bytes = Spliced(content, properties, passes);
+  if (passes.cancelled()) return {SavedAs::kCancelled, nullptr};
+  if (!bytes) return {};
+  return {SavedAs::kSpliced, std::move(bytes)};
 }
 
-bool Write(const Content& content, const DocumentProperties& properties, const ByteSink& sink) {
+bool Write(const Content& content, const DocumentProperties& properties, const ByteSink& sink,
+           const Progress& progress) {
   constexpr size_t kPortion = 1 << 16;
-  const Saved saved = Save(content, properties);
+  const Saved saved = Save(content, properties, progress);
+  if (saved.as == SavedAs::kCancelled) return false;
   if (!saved.bytes) return WriteAnew(content, properties, sink);
   for (std::string_view rest = *saved.bytes; !rest.empty(); rest.remove_prefix(std::min(kPortion, rest.size())))
     if (!sink(rest.substr(0, kPortion))) return false;

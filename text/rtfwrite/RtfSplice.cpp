@@ -13,13 +13,13 @@ RtfSplice::RtfSplice(const Source& source, const Content& wanted)
       output_(bytes_),
       tables_(bytes_, wanted.formats(), reader_.tables(), reader_.defaultFont()) {}
 
-std::string RtfSplice::Run() {
-  MakeEdits();
+std::string RtfSplice::Run(const Progress& progress) {
+  MakeEdits(progress);
   groups_.push_back(lastGroup_);
   const size_t header = EndOfHeader(bytes_);
   output_.CopyTo(header);
   ownTables_ = output_.Here();
-  reader_.Watch(*this);
+  if (!reader_.Watch(*this, progress)) return {};
   output_.CopyTo(bytes_.size());
   if (fontsEnd_) output_.Insert(*fontsEnd_, tables_.newFonts());
   if (colorsEnd_) output_.Insert(*colorsEnd_, tables_.newColors());
@@ -27,13 +27,13 @@ std::string RtfSplice::Run() {
   return output_.Joined();
 }
 
-void RtfSplice::MakeEdits() {
+void RtfSplice::MakeEdits(const Progress& progress) {
   Units a(0), b(0);
   const auto add = [this](Range before, Range after, Edit::Kind kind) {
     if (before.empty() && after.empty()) return;
     edits_.push_back({before, after, kind});
   };
-  for (const Match& match : Compare(before_, after_)) {
+  for (const Match& match : Compare(before_, after_, [&] { return !progress || progress(0); })) {
     add({a, match.before.begin}, {b, match.after.begin}, Edit::Kind::kReplace);
     add(match.before, match.after, match.sameFormats ? Edit::Kind::kSame : Edit::Kind::kReformat);
     a = match.before.end, b = match.after.end;

@@ -25,8 +25,9 @@ class RtfSplice : private RtfWatcher {
  public:
   // `wanted` is of the store of source.content.
   RtfSplice(const Source& source, const Content& wanted);
-  // The new file. What it means must be checked: RTF has no words for some edits, and files break rules.
-  std::string Run();
+  // The new file. What it means must be checked: RTF has no words for some edits, and files break rules. Empty when
+  // `progress`, in bytes of the source, said to stop.
+  std::string Run(const Progress& progress = {});
 
  private:
   // A part of the old content and what it is to become; in order and without holes on both sides.
@@ -72,7 +73,7 @@ class RtfSplice : private RtfWatcher {
   void OnTableEnd(Table table, size_t end) override;
   void OnEnd(size_t offset) override;
 
-  void MakeEdits();
+  void MakeEdits(const Progress& progress);
   const Edit& CurrentEdit();
   Units Mapped(Units position) const { return edits_[edit_].after.begin + (position - edits_[edit_].before.begin); }
   void Piece(Span span, Units units, Text kind);
