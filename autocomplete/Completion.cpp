@@ -58,7 +58,8 @@ void Completion::ShowCompletionPopup() {
   const ui::CommandScope scope;
   if (Combo1_->isOpen()) return Combo1_->ToggleDropDown();
   RichTextBox1_->ScrollToCaret();
-  if (!SelectFragment()) return Cancel();
+  const bool own = RichTextBox1_->SelLength() > 0;
+  if (!SelectFragment()) return own ? Close() : Cancel();
   QString fragment;
   if (RichTextBox1_->SelLength() <= kMostFragment) fragment = RichTextBox1_->SelText();
   primed_ = !fragment.isEmpty() && FitsIntoLine(fragment);

@@ -9,8 +9,13 @@
 namespace autocomplete {
 namespace {
 
-// As text in memory it needs ten times as much.
 constexpr int64_t kMostBytes = int64_t{64} << 20;
+// A short entry needs some 80 bytes in memory.
+constexpr ptrdiff_t kMostLines = 1'000'000;
+
+bool HasTooManyLines(std::string_view bytes) {
+  return std::max(std::ranges::count(bytes, '\n'), std::ranges::count(bytes, '\r')) > kMostLines;
+}
 
 }  // namespace
 
@@ -37,6 +42,10 @@ ReadWords ReadWordFile(const files::Path& path) {
   std::string bytes;
   const files::Status read = files::ReadInto(file.value(), bytes, kMostBytes);
   if (!read) words.couldNotBeRead = read.error();
+  if (HasTooManyLines(bytes)) {
+    words.couldNotBeOpened = files::SystemError(EFBIG, path);
+    return words;
+  }
   words.entries = ParseWordFile(bytes);
   return words;
 }

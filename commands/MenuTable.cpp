@@ -50,6 +50,12 @@ constexpr Row Search(const char* name, const char* caption, const char* key, voi
   return row;
 }
 
+// The clipboard's owner may let everybody wait for an answer, so it is not asked oftener than must be.
+constexpr Row Pastes(Row row) {
+  row.asksClipboard = true;
+  return row;
+}
+
 // Changes the text or what is selected in it.
 constexpr Row Edits(Row row) {
   row.menu.editsDocument = true;
@@ -133,9 +139,9 @@ constexpr Row kMenus[] = {
     With("copy", Doc("mnuCopy", QT_TRANSLATE_NOOP("Menu", "&Copy to clipboard"), "Ctrl+C", "", On<&frmText::mnuCopy_Click>)),
     With("paste", Doc("mnuPaste", QT_TRANSLATE_NOOP("Menu", "&Paste from clipboard"), "Ctrl+V", "", On<&frmText::mnuPaste_Click>)),
     Menu("mnuPasteAs", QT_TRANSLATE_NOOP("Menu", "Paste a&s"), true),
-      Doc("mnuPasteAsText", QT_TRANSLATE_NOOP("Menu", "Plain &text"), "", "", On<&frmText::mnuPasteAsText_Click>, ClipboardHasText),
-      Doc("mnuPasteAsRTF", QT_TRANSLATE_NOOP("Menu", "&Rich text format"), "", "", On<&frmText::mnuPasteAsRTF_Click>, ClipboardHasRtf),
-      Doc("mnuPasteAsLink", QT_TRANSLATE_NOOP("Menu", "&HTML link"), "", "", On<&frmText::mnuPasteAsLink_Click>, ClipboardHasText),
+      Pastes(Doc("mnuPasteAsText", QT_TRANSLATE_NOOP("Menu", "Plain &text"), "", "", On<&frmText::mnuPasteAsText_Click>, ClipboardHasText)),
+      Pastes(Doc("mnuPasteAsRTF", QT_TRANSLATE_NOOP("Menu", "&Rich text format"), "", "", On<&frmText::mnuPasteAsRTF_Click>, ClipboardHasRtf)),
+      Pastes(Doc("mnuPasteAsLink", QT_TRANSLATE_NOOP("Menu", "&HTML link"), "", "", On<&frmText::mnuPasteAsLink_Click>, ClipboardHasText)),
     End(),
     With("clear", Doc("mnuDelete", QT_TRANSLATE_NOOP("Menu", "&Delete"), "Del", "", On<&frmText::mnuDelete_Click>)),
     Doc("mnuSelAll", QT_TRANSLATE_NOOP("Menu", "Select &All"), "Ctrl+A", "", On<&frmText::mnuSelAll_Click>),

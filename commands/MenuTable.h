@@ -16,6 +16,7 @@ struct Row {
   bool documents::FormatChecks::*check = nullptr;   // its check mark: the document's,
   bool (Commands::*chosen)() const = nullptr;       // or the main window's
   bool (*enabled)(documents::frmText&) = nullptr;   // nothing = always
+  bool asksClipboard = false;                       // so it is enabled as of the opening of its menu
 };
 
 std::span<const Row> MenuTable();

@@ -21,18 +21,22 @@ Menus::Menus(ui::FrameForm& frame, Commands& commands, services::Services& servi
       services_(services),
       table_(table),
       bar_(frame, MenuRows(MenuTable())),
-      windowList_(ListRow("mnuWindowList")),
-      recentFiles_(ListRow("mnuRecentFile")) {
+      edit_(RowOf("mnuEdit")),
+      windowList_(RowOf("mnuWindowList")),
+      recentFiles_(RowOf("mnuRecentFile")) {
   QObject::connect(&bar_, &ui::MenuBar::Triggered, &bar_, [this](size_t row) { Run(row); });
   QObject::connect(&bar_, &ui::MenuBar::ListTriggered, &bar_, [this](size_t row, size_t index) {
     if (row == windowList_) return ActivateListed(index);
     const ui::CommandScope scope;
     services_.forms().Guarded([&] { commands_.mnuRecentFile_Click(index); });
   });
-  QObject::connect(&bar_, &ui::MenuBar::AboutToShow, &bar_, [this] { Fill(); });
+  QObject::connect(&bar_, &ui::MenuBar::AboutToShow, &bar_, [this](size_t row) {
+    Fill();
+    if (row == edit_) AskClipboard();
+  });
 }
 
-size_t Menus::ListRow(std::string_view name) const {
+size_t Menus::RowOf(std::string_view name) const {
   size_t row = 0;
   while (bar_.row(row).name != name) ++row;
   return row;
@@ -57,9 +61,16 @@ void Menus::Fill() {
     if (rows[i].chosen) bar_.SetChecked(i, (commands_.*rows[i].chosen)());
     if (!document) continue;
     if (rows[i].check) bar_.SetChecked(i, document->checks().*rows[i].check);
-    if (rows[i].enabled) bar_.SetEnabled(i, rows[i].enabled(*document));
+    if (rows[i].enabled && !rows[i].asksClipboard) bar_.SetEnabled(i, rows[i].enabled(*document));
   }
   FillWindowList();
+}
+
+void Menus::AskClipboard() {
+  documents::frmText* document = table_.Active();
+  const std::span<const Row> rows = MenuTable();
+  for (size_t i = 0; document && i < rows.size(); ++i)
+    if (rows[i].asksClipboard) bar_.SetEnabled(i, rows[i].enabled(*document));
 }
 
 // In slot order; the first nine have their number as mnemonic.

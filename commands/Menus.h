@@ -26,7 +26,8 @@ class Menus {
   void Run(size_t row);
 
  private:
-  size_t ListRow(std::string_view name) const;
+  size_t RowOf(std::string_view name) const;
+  void AskClipboard();
   void FillWindowList();
   void ActivateListed(size_t index);
   void RunRow(const Row& row);
@@ -36,7 +37,7 @@ class Menus {
   documents::DocumentTable& table_;
   std::vector<ui::FormId> listed_;
   ui::MenuBar bar_;
-  const size_t windowList_, recentFiles_;
+  const size_t edit_, windowList_, recentFiles_;
 };
 
 }  // namespace commands

@@ -19,8 +19,7 @@ constexpr int kOffsetsOfManySizes = 50;
 constexpr double kMostCentimeters = 55;  // 22 inches, the widest page there is
 
 int TwipsOf(double centimeters) {
-  return static_cast<int>(
-      std::lround(std::clamp(centimeters, -kMostCentimeters, kMostCentimeters) * kTwipsPerCentimeter));
+  return static_cast<int>(std::lround(centimeters * kTwipsPerCentimeter));
 }
 
 }  // namespace
@@ -28,7 +27,8 @@ int TwipsOf(double centimeters) {
 std::optional<double> frmText::AskCentimeters(const QString& prompt, double& remembered) {
   const auto answer = services_.dialogs().AskText(this, prompt, QString::number(remembered));
   if (!answer || answer->isEmpty() || unloaded_) return std::nullopt;
-  return remembered = static_cast<float>(services::LeadingNumber(*answer));
+  const double value = std::clamp(services::LeadingNumber(*answer), -kMostCentimeters, kMostCentimeters);
+  return remembered = static_cast<float>(value);
 }
 
 void frmText::AskIndent(const QString& prompt, double& remembered, void (ui::RichTextBox::*set)(int)) {
@@ -52,7 +52,7 @@ void frmText::mnuBullet_Click() {
   if (RichTextBox1_->SelBullet() == true) return RichTextBox1_->SetSelBullet(false);
   const QString prompt = tr("Input (in centimeters) the amount of indentation desired for bulleted text");
   const auto value = AskCentimeters(prompt, BulletIndentCm_);
-  if (!value) return ShowState();  // a toolbar button must not stay down
+  if (!value) return;
   RichTextBox1_->SetBulletIndent(TwipsOf(*value));
   RichTextBox1_->SetSelBullet(true);
 }

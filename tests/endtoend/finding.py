@@ -55,6 +55,8 @@ class Finding(EndToEndTest):
         self.say_yes_to(program, "cat")
         self.wait_for_texts(program, "-- dog Cat", "-- dog Cat")
         self.assertIn(("label", "2 replacements were made."), program.accessible_texts())
+        cases.SESSION.keys("ctrl+s")  # a key of the main window's, while the dialog is in front
+        program.wait_until(lambda: self.home.get("b.txt") == b"-- dog Cat", "the document to be saved")
         cases.SESSION.keys("Escape")
         program.wait_until(lambda: "Find/Replace" not in program.titles(), "the dialog to go")
         program.wait_for_focus()

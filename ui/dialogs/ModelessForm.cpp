@@ -1,7 +1,9 @@
 #include "ui/dialogs/ModelessForm.h"
 
+#include <QAction>
 #include <QCloseEvent>
 #include <QDialog>
+#include <QKeyEvent>
 #include <QScreen>
 
 #include <algorithm>
@@ -27,6 +29,16 @@ class ModelessForm::Window : public QDialog {
 
  protected:
   void reject() override { form_.RequestClose(); }
+  // What nothing here wants is a key of the main window.
+  void keyPressEvent(QKeyEvent* event) override {
+    for (QAction* action : parentWidget()->findChildren<QAction*>()) {
+      if (!action->shortcuts().contains(QKeySequence(event->keyCombination()))) continue;
+      if (!action->isEnabled() || !action->isVisible()) continue;
+      event->accept();
+      return action->trigger();
+    }
+    QDialog::keyPressEvent(event);
+  }
   void closeEvent(QCloseEvent* event) override {
     event->ignore();
     form_.RequestClose();
