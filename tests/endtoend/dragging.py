@@ -138,8 +138,12 @@ class In(DragTest):
         program.wait_for_document("Untitled:1")
         cases.SESSION.type("as it was")
         self.wait_for_texts(program, "as it was")
-        peer = self.peer(self.put("a.txt", b"not opened"))
+        folder = os.path.join(self.work, b"a folder")
+        os.mkdir(folder)
+        vanished = self.put(b"vanished.txt")
+        peer = self.peer(self.put("a.txt", b"not opened"), folder, vanished)
         self.pick_up(peer)
+        os.remove(vanished)
         self.drop(peer, self.place_of(program, "text"), offered="nothing")
         # A later drop is answered after this one would have been.
         peer.kill()
