@@ -27,7 +27,8 @@ size_t Hash(const CharFormat& f) {
 
 size_t Hash(const ParaFormat& f) {
   return HashOf(f.alignment, f.bullet, f.rightToLeft, f.leftIndent, f.firstIndent, f.rightIndent, f.spaceBefore,
-                f.spaceAfter, f.lineSpacing, f.lineSpacingMultiple, f.tabs, f.list, f.listLevel, f.row, f.rowMark);
+                f.spaceAfter, f.lineSpacing, f.lineSpacingMultiple, f.tabs, f.list, f.listLevel, f.row, f.rowMark,
+                f.box.borders, f.box.width, f.box.space, f.box.color.rgb, f.box.shading.rgb);
 }
 
 size_t Hash(const Tabs& tabs) {

@@ -64,6 +64,19 @@ enum class Alignment : uint8_t { kLeft = 0, kRight = 1, kCenter = 2, kJustify = 
 // the cell, that of the last cell the row too. As plain text kCellEnd is a tab.
 enum class RowMark : uint8_t { kNone, kCellEnd, kRowEnd };
 
+// Lines around a paragraph, and what is behind it. Neighbours with equal boxes and indents stand in one.
+struct ParaBox {
+  enum Side : uint8_t { kLeft = 1, kTop = 2, kRight = 4, kBottom = 8, kBetween = 16 };
+  uint8_t borders = 0;  // Side: which are drawn; without any the next three are as here
+  uint16_t width = 0;   // of the lines; 0 = the thinnest
+  uint16_t space = 0;   // between lines and text
+  Color color;
+  Color shading;  // automatic = none
+  bool empty() const { return borders == 0 && shading.isAuto(); }
+  bool operator==(const ParaBox&) const = default;
+};
+constexpr uint16_t kMaxBoxTwips = 1000;  // of width and space
+
 struct ParaFormat {
   Alignment alignment = Alignment::kLeft;
   bool bullet = false;
@@ -80,6 +93,7 @@ struct ParaFormat {
   uint8_t listLevel = 0;        // 0 .. 8
   RowId row = RowId::kNone;     // the table's row that the paragraph is in
   RowMark rowMark = RowMark::kNone;
+  ParaBox box;
   bool operator==(const ParaFormat&) const = default;
 };
 

@@ -72,6 +72,10 @@ const Row kRows[] = {
     {"a$[fi-360 li720 ri100]", "\\pard\\fi-360\\li720\\ri100\\f0\\fs24 a\\par\r\n"},
     {"a$[sb120 sa240 slm276]", "\\pard\\sb120\\sa240\\sl276\\slmult1\\f0\\fs24 a\\par\r\n"},
     {"a$[sl-240]", "\\pard\\sl-240\\slmult0\\f0\\fs24 a\\par\r\n"},
+    {"a$[box10/15/80/0000ff/00ffff]",
+     "\\pard\\brdrt\\brdrs\\brdrw15\\brsp80\\brdrcf1\\brdrb\\brdrs\\brdrw15\\brsp80\\brdrcf1\\cbpat2\\f0\\fs24 "
+     "a\\par\r\n",
+     "{\\f0\\fnil\\fcharset1 ;}", "\\red255\\green0\\blue0;\\red255\\green255\\blue0;"},
     {"a$[rtl]", "\\pard\\rtlpar\\f0\\fs24 a\\par\r\n"},
     {"a\tb$[tx720 tx1440]", "\\pard\\tx720\\tx1440\\f0\\fs24 a\\tab b\\par\r\n"},
     {"a\n[bullet fi-360 li720]b\n[bullet fi-360 li720]c",

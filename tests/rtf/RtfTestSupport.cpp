@@ -73,6 +73,13 @@ std::string DescribeRow(const TableRow& row) {
   return words + " ";
 }
 
+std::string DescribeBox(const ParaBox& box) {
+  std::string words =
+      "box" + std::to_string(box.borders) + "/" + std::to_string(box.width) + "/" + std::to_string(box.space);
+  for (const Color& color : {box.color, box.shading}) words += "/" + (color.isAuto() ? "-" : Hex(color));
+  return words + " ";
+}
+
 std::string DescribeParagraph(const FormatTable& formats, const ParaFormat& format) {
   constexpr const char* kAlignments[] = {"", "right ", "center ", "justify "};
   std::string words = kAlignments[static_cast<size_t>(format.alignment)];
@@ -88,6 +95,7 @@ std::string DescribeParagraph(const FormatTable& formats, const ParaFormat& form
   number("sa", format.spaceAfter);
   number(format.lineSpacingMultiple ? "slm" : "sl", format.lineSpacing);
   for (int32_t tab : formats[format.tabs]) words += "tx" + std::to_string(tab) + " ";
+  if (!format.box.empty()) words += DescribeBox(format.box);
   if (format.list != ListId::kNone) words += DescribeList(formats, format);
   if (format.row != RowId::kNone) words += DescribeRow(formats[format.row]);
   if (words.empty()) return {};

@@ -117,6 +117,12 @@ TEST(RtfSplice, Paragraphs) {
       {"{\\rtf1\\pard\\keepn\\tx720\\s3 one\\par}",
        [](Edited& e) { e.Paragraphs("one", [](ParaFormat& f) { f.tabs = TabsId::kNone; }); },
        "{\\rtf1\\pard\\keepn\\tx720\\s3 \\pard\\keepn\\s3 one\\par}"},
+      {"{\\rtf1\\pard\\box\\brdrdb\\tx720 one\\par}",
+       [](Edited& e) { e.Paragraphs("one", [](ParaFormat& f) { f.tabs = TabsId::kNone; }); },
+       "{\\rtf1\\pard\\box\\brdrdb\\tx720 \\pard\\box\\brdrdb one\\par}"},
+      {"{\\rtf1\\pard\\box\\brdrdb\\s3 one\\par}",
+       [](Edited& e) { e.Paragraphs("one", [](ParaFormat& f) { f.box = {}; }); },
+       "{\\rtf1\\pard\\box\\brdrdb\\s3 \\pard\\s3 one\\par}"},
   };
   for (const Row& row : kRows) Check(row);
 }

@@ -153,6 +153,9 @@ bool RtfReader::ParagraphProperty(const Keyword& word, int32_t number) {
     case Op::kTab:
       AddTab(number);
       break;
+    case Op::kParagraphShading:
+      s.paragraph.box.shading = number == 0 ? Color{} : ColorAt(number);
+      break;
     case Op::kInTable:
       s.inTable = true;
       TellParagraphWord(false);
@@ -213,18 +216,52 @@ void RtfReader::KeepHeaderWord(const Keyword& word, const Token& token) {
 
 void RtfReader::RowWord(const Keyword& word, int32_t number) {
   if (state().mode != Mode::kBody) return;
+  const Color color = number == 0 ? Color{} : ColorAt(number);
+  if (BoxWord(word, number, color)) return;
   RowDefinition& row = rows_.definition(state().nestedRow);
-  if (word.op != Op::kRowDefault) return row.Word(word, number, number == 0 ? Color{} : ColorAt(number));
+  if (word.op != Op::kRowDefault) return row.Word(word, number, color);
   row.Begin();
   recordingRow_ = true;
 }
 
+// The words about a line are the same for paragraphs, cells, rows and pages; what they are about stands before them.
+bool RtfReader::BoxWord(const Keyword& word, int32_t number, Color color) {
+  ParaBox& box = state().paragraph.box;
+  const auto length = static_cast<uint16_t>(std::clamp<int32_t>(number, 0, kMaxBoxTwips));
+  switch (word.op) {
+    case Op::kOtherBorder:
+      boxSides_ = static_cast<uint8_t>(word.value);
+      return false;
+    case Op::kBorderStyle:
+      if (boxSides_ == 0) return false;
+      box.borders = static_cast<uint8_t>(word.value != 0 ? box.borders | boxSides_ : box.borders & ~boxSides_);
+      break;
+    case Op::kBorderWidth:
+      if (boxSides_ != 0) box.width = length;
+      break;
+    case Op::kBorderSpace:
+      if (boxSides_ != 0) box.space = length;
+      break;
+    case Op::kBorderColor:
+      if (boxSides_ != 0) box.color = color;
+      break;
+    default:
+      boxSides_ = 0;
+      return false;
+  }
+  if (boxSides_ == 0) return true;
+  state().paragraphIdGood = false;
+  TellParagraphWord(false);
+  return true;
+}
+
 // Words that nothing here understands belong to the definition as long as no others come between.
 void RtfReader::RecordRow(const Keyword* word, const Token& token) {
-  if (state().mode != Mode::kBody || tooDeep_ > 0) return;
+  if (state().mode != Mode::kBody || tooDeep_ > 0 || boxSides_ != 0) return;
   const bool inTable = word && (word->op == Op::kInTable || word->op == Op::kTableLevel);
-  const bool colors = word && (word->op == Op::kCellColor || word->op == Op::kCellPatternColor ||
-                               word->op == Op::kCellPattern || word->op == Op::kRowPassing);
+  const bool colors =
+      word && (word->op == Op::kCellColor || word->op == Op::kCellPatternColor || word->op == Op::kCellPattern ||
+               word->op == Op::kRowPassing || word->op == Op::kBorderColor);
   if (word && word->kind != Kind::kRow && !inTable) {
     recordingRow_ = false;
   } else if (!inTable && !colors && !(word && word->op == Op::kRowDefault)) {
@@ -312,6 +349,7 @@ ParaFormatId RtfReader::CurrentParagraph() {
   s.paragraph.bullet = use.bullet;
   s.paragraph.list = use.list;
   s.paragraph.listLevel = use.level;
+  if (ParaBox& box = s.paragraph.box; box.borders == 0) box = {0, 0, 0, {}, box.shading};
   s.paragraph.tabs = s.tabs ? formats_.Intern(*s.tabs) : TabsId::kNone;
   s.paragraphId = formats_.Intern(s.paragraph);
   s.paragraphIdGood = true;

@@ -74,6 +74,7 @@ class RtfReader {
   bool CharacterProperty(const Keyword& word, bool on, int32_t number);
   bool ParagraphProperty(const Keyword& word, int32_t number);
   void RowWord(const Keyword& word, int32_t number);
+  bool BoxWord(const Keyword& word, int32_t number, Color color);
   void RecordRow(const Keyword* word, const Token& token);
   void KeepHeaderWord(const Keyword& word, const Token& token);
   void AddTab(int32_t position);
@@ -144,6 +145,7 @@ class RtfReader {
   size_t groupBegin_ = 0;      // of the innermost group just opened
   bool firstWord_ = false;     // nothing but \* has come in this group
   bool starred_ = false;       // \* has
+  uint8_t boxSides_ = 0;       // ParaBox::Side: what the next words about borders are about
   bool recordingRow_ = false;  // only words since \trowd
   bool done_ = false;
   bool cut_ = false;  // the file ended before its groups

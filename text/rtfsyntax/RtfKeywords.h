@@ -50,6 +50,7 @@ enum class Op : uint8_t {
   kTab,
   kListOverride,
   kListLevel,
+  kParagraphShading,
   kInTable,
   kTableLevel,
   // Inside the header's tables
@@ -80,8 +81,11 @@ enum class Op : uint8_t {
   kCellPatternColor,
   kCellJoinsLeft,
   kCellJoinsAbove,
-  kOtherBorder,
+  kOtherBorder,  // of paragraphs (ParaBox::Side), of pages (0)
   kBorderStyle,
+  kBorderWidth,
+  kBorderSpace,
+  kBorderColor,
   // Symbols
   kCharacter,
   kParagraph,

@@ -99,7 +99,7 @@ class RtfSplice : private RtfWatcher {
   void LeadTo(const Reach& here, const ParaFormat& from, const ParaFormat& to);
   void Deviate(const Reach& here, const ParaFormat& format, const ParaFormat& original);
   std::string ParagraphWords(const ParaFormat& from, const ParaFormat& to);
-  std::string UnknownParagraphWords() const;
+  std::string UnknownParagraphWords(bool boxToo) const;
 
   // --- RtfSpliceText.cpp: what is new
   void Insert(const Place& place, Units upTo);

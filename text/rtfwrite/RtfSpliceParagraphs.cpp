@@ -31,17 +31,23 @@ ParaFormat Changed(ParaFormat state, const ParaFormat& from, const ParaFormat& t
   take(&ParaFormat::listLevel);
   take(&ParaFormat::row);
   take(&ParaFormat::rowMark);
+  take(&ParaFormat::box);
   return state;
 }
 
 // Words about paragraphs that mean nothing to the model and outlive a \pard that it needs.
 bool IsKeptWord(std::string_view word) {
-  constexpr std::array<std::string_view, 30> kWords{
-      "intbl",       "itap",           "s",      "keep",         "keepn",    "widctlpar", "nowidctlpar",
-      "hyphpar",     "noline",         "level",  "outlinelevel", "pagebb",   "sbys",      "contextualspacing",
-      "aspalpha",    "aspnum",         "faauto", "fahang",       "facenter", "faroman",   "favar",
-      "adjustright", "nosnaplinegrid", "sbauto", "saauto",       "shading",  "cfpat",     "cbpat",
-      "box",         "wrapdefault"};
+  constexpr std::array<std::string_view, 26> kWords{
+      "intbl",       "itap",           "s",      "keep",         "keepn",      "widctlpar", "nowidctlpar",
+      "hyphpar",     "noline",         "level",  "outlinelevel", "pagebb",     "sbys",      "contextualspacing",
+      "aspalpha",    "aspnum",         "faauto", "fahang",       "facenter",   "faroman",   "favar",
+      "adjustright", "nosnaplinegrid", "sbauto", "saauto",       "wrapdefault"};
+  return std::find(kWords.begin(), kWords.end(), word) != kWords.end();
+}
+
+// Those about borders and shading, of which the model knows a part.
+bool IsBoxWord(std::string_view word) {
+  constexpr std::array<std::string_view, 5> kWords{"shading", "cfpat", "cbpat", "box", "brsp"};
   return std::find(kWords.begin(), kWords.end(), word) != kWords.end() || word.starts_with("brdr") ||
          (word.starts_with("bg") && word.size() > 2);
 }
@@ -119,18 +125,21 @@ void RtfSplice::OnParagraphWord(Span span, bool reset) {
 std::string RtfSplice::ParagraphWords(const ParaFormat& from, const ParaFormat& to) {
   std::string bytes;
   RtfWords words(bytes);
-  if (words.ParagraphChange(from, to, formats_)) return bytes;
+  TableNumbers numbers = Numbers();
+  if (words.ParagraphChange(from, to, formats_, numbers)) return bytes;
   bytes.clear();
   words.Begin();
-  TableNumbers numbers = Numbers();
   if (to.bullet) numbers.symbolFont = tables_.Number(formats_.Intern(Font{"Symbol", 2, 0}));
-  words.Paragraph(to, formats_, numbers);
-  bytes.insert(std::string_view("\\pard").size(), UnknownParagraphWords());
+  const bool sameBox = from.box == to.box;
+  ParaFormat modelled = to;
+  if (sameBox) modelled.box = {};
+  words.Paragraph(modelled, formats_, numbers);
+  bytes.insert(std::string_view("\\pard").size(), UnknownParagraphWords(sameBox));
   return bytes;
 }
 
 // Those since the last \pard that a new one would lose.
-std::string RtfSplice::UnknownParagraphWords() const {
+std::string RtfSplice::UnknownParagraphWords(bool boxToo) const {
   std::string kept;
   const size_t end = output_.position();
   if (lastReset_ >= end || end - lastReset_ > kMostLookedBack || !IsOpen(lastResetGroup_)) return kept;
@@ -142,7 +151,7 @@ std::string RtfSplice::UnknownParagraphWords() const {
       kept.resize(sizes.back());
       sizes.pop_back();
     }
-    if (token.kind != TokenKind::kWord || !IsKeptWord(token.text)) continue;
+    if (token.kind != TokenKind::kWord || !(IsKeptWord(token.text) || (boxToo && IsBoxWord(token.text)))) continue;
     kept += '\\';
     kept += token.text;
     if (token.hasParameter) kept += std::to_string(token.parameter);

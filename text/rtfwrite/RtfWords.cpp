@@ -34,6 +34,15 @@ constexpr LengthWord kLengthWords[] = {
     {&ParaFormat::spaceBefore, "sb"}, {&ParaFormat::spaceAfter, "sa"},
 };
 
+struct SideWord {
+  ParaBox::Side side;
+  std::string_view word;
+};
+constexpr SideWord kSideWords[] = {
+    {ParaBox::kTop, "brdrt"},   {ParaBox::kLeft, "brdrl"},      {ParaBox::kBottom, "brdrb"},
+    {ParaBox::kRight, "brdrr"}, {ParaBox::kBetween, "brdrbtw"},
+};
+
 // By Alignment.
 constexpr std::string_view kAlignments[] = {"ql", "qr", "qc", "qj"};
 
@@ -158,7 +167,21 @@ void RtfWords::Chars(const CharFormat& wasFormat, const CharFormat& toFormat, co
   if (to.offset != was.offset) Word(to.offset < 0 ? "dn" : "up", std::abs(to.offset) / 10);
 }
 
-bool RtfWords::ParagraphChange(const ParaFormat& from, const ParaFormat& to, const FormatTable& formats) {
+void RtfWords::Box(const ParaBox& box, const TableNumbers& numbers) {
+  for (const SideWord& side : kSideWords) {
+    if ((box.borders & side.side) == 0) continue;
+    Word(side.word);
+    Word("brdrs");
+    if (box.width > 0) Word("brdrw", box.width);
+    if (box.space > 0) Word("brsp", box.space);
+    if (!box.color.isAuto()) Word("brdrcf", numbers.color(box.color));
+  }
+  if (!box.shading.isAuto()) Word("cbpat", numbers.color(box.shading));
+}
+
+bool RtfWords::ParagraphChange(const ParaFormat& from, const ParaFormat& to, const FormatTable& formats,
+                               const TableNumbers& numbers) {
+  if (from.box != to.box && !from.box.empty()) return false;
   if (from.bullet != to.bullet || from.list != to.list || from.listLevel != to.listLevel || from.row != to.row)
     return false;
   const Tabs& had = formats[from.tabs];
@@ -173,6 +196,7 @@ bool RtfWords::ParagraphChange(const ParaFormat& from, const ParaFormat& to, con
   }
   for (const int32_t tab : wanted)
     if (tab >= 0 && !std::binary_search(had.begin(), had.end(), tab)) Word("tx", ClampLength(tab));
+  if (from.box != to.box) Box(to.box, numbers);
   if (from.alignment != to.alignment) Word(kAlignments[static_cast<size_t>(to.alignment)]);
   return true;
 }
@@ -190,7 +214,7 @@ void RtfWords::Paragraph(const ParaFormat& format, const FormatTable& formats, c
   unset.list = format.list;
   unset.listLevel = format.listLevel;
   unset.row = format.row;
-  ParagraphChange(unset, format, formats);
+  ParagraphChange(unset, format, formats, numbers);
 }
 
 }  // namespace text::rtf

@@ -62,8 +62,9 @@ class RtfWords {
   // The words that lead from one character format to another; nothing when both are written alike.
   void Chars(const CharFormat& from, const CharFormat& to, const TableNumbers& numbers);
   // The words that lead from one paragraph format to another without \pard. False, and nothing written, when only \pard
-  // can: stops to take away, labels or rows that differ.
-  bool ParagraphChange(const ParaFormat& from, const ParaFormat& to, const FormatTable& formats);
+  // can: stops or a box to take away, labels or rows that differ.
+  bool ParagraphChange(const ParaFormat& from, const ParaFormat& to, const FormatTable& formats,
+                       const TableNumbers& numbers);
   // \pard and the whole format, before the paragraph's text.
   void Paragraph(const ParaFormat& format, const FormatTable& formats, const TableNumbers& numbers);
   // A bullet as readers show it that know nothing of lists; stands before the text of every paragraph but those that
@@ -73,6 +74,7 @@ class RtfWords {
   void Row(const TableRow& row, const TableNumbers& numbers);
 
  private:
+  void Box(const ParaBox& box, const TableNumbers& numbers);
   void ListOf(const ParaFormat& format, const FormatTable& formats, const TableNumbers& numbers);
   void UnicodeWord(char32_t unit, int32_t fallbackCount);
 

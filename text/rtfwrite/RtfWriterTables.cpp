@@ -55,6 +55,8 @@ void RtfWriter::CollectParagraph(ParaFormatId id) {
   const ParaFormat& format = formats_[id];
   if (format.bullet && format.list == ListId::kNone) anyBullet_ = true;
   if (format.list != ListId::kNone) CollectList(format.list);
+  CollectColor(format.box.color);
+  CollectColor(format.box.shading);
   if (format.row == RowId::kNone) return;
   for (const TableCell& cell : formats_[format.row].cells) CollectColor(cell.shading);
 }
