@@ -2,10 +2,12 @@
 #include "LayoutTesting.h"
 #include "text/outline/ListNumbers.h"
 #include "text/pictures/Metafile.h"
+#include "text/pictures/MetafileCanvas.h"
 #include "text/pictures/Pictures.h"
 
 #include <QBuffer>
 
+#include <functional>
 #include <sstream>
 
 namespace text::layout {
@@ -89,11 +91,14 @@ TEST(Pictures, LyingOrHugeOnesAreFrames) {
   // A head that promises more pixels than are read, with the bytes of a small picture.
   std::string png = RedAndBlue("png");
   png[16] = png[20] = 0x7F;
+  QImage scan(7000, 5000, QImage::Format_Mono);
+  scan.fill(0);
   FormatTable formats;
   PictureCache cache;
   EXPECT_TRUE(cache.Get(formats, formats.Add(Picture(PictureType::kPng, png)), {100, 100}).isNull());
   EXPECT_TRUE(cache.Get(formats, formats.Add(Picture(PictureType::kJpeg, RedAndBlue("png"))), {9, 9}).isNull())
       << "of another type than it says";
+  EXPECT_FALSE(cache.Get(formats, formats.Add(Picture(PictureType::kPng, Encoded(scan, "png"))), {100, 70}).isNull());
   EXPECT_FALSE(cache.Get(formats, formats.Add(Picture(PictureType::kPng, RedAndBlue("png"))), {9, 9}).isNull());
 }
 
@@ -160,20 +165,63 @@ TEST(Metafiles, AreDrawn) {
   EXPECT_TRUE(DrawEmf(Wmf(), {10, 10}).isNull());
 }
 
-TEST(Metafiles, DamageIsHarmless) {
-  for (uint32_t seed = 1; seed <= 500; ++seed) {
-    uint32_t state = seed;
-    const auto next = [&state](size_t below) {
-      return (state = state * 1664525u + 1013904223u) / 65536 % static_cast<uint32_t>(below);
-    };
-    std::string wmf = Wmf(), emf = Emf();
-    for (std::string* bytes : {&wmf, &emf}) {
-      for (uint32_t i = 0; i <= next(6); ++i) (*bytes)[next(bytes->size())] = static_cast<char>(next(256));
-      if (next(4) == 0) bytes->resize(next(bytes->size()));
+TEST(Metafiles, LargeOnesAreDrawnSmaller) {
+  const QImage image = DrawEmf(Emf(), {20000, 10000});
+  EXPECT_NEAR(double(image.width()) / image.height(), 2, 0.01);
+  EXPECT_LE(image.width() * image.height(), 8 << 20);
+  EXPECT_EQ(image.pixelColor(image.width() / 4, image.height() / 2), QColor(Qt::red));
+}
+
+std::string Repeated(const std::string& record, int times) {
+  std::string all;
+  for (int i = 0; i < times; ++i) all += record;
+  return all;
+}
+
+TEST(Metafiles, StateComesBackFromAnyDepth) {
+  const std::string head = Emf().substr(0, Emf().size() - EmfRecord(14, {0, 0, 0}).size());
+  const std::string red = EmfRecord(37, {1}), blue = EmfRecord(37, {2}), save = EmfRecord(33, {});
+  const QImage image = DrawEmf(head + red + save + blue + Repeated(save, 299) + EmfRecord(34, {-300}) +
+                                   EmfRecord(43, {50, 0, 100, 100}) + EmfRecord(14, {0, 0, 0}),
+                               {200, 100});
+  EXPECT_EQ(image.pixelColor(150, 50), QColor(Qt::red));
+}
+
+TEST(Metafiles, APathThatPaintsItselfDoesNotGrow) {
+  const std::string fill = EmfRecord(62, {0, 0, 0, 0}), box = EmfRecord(43, {0, 0, 50, 100});
+  const std::string head = Emf().substr(0, Emf().size() - EmfRecord(14, {0, 0, 0}).size());
+  const std::string round = EmfRecord(59, {}) + fill + fill + box + EmfRecord(60, {});
+  EXPECT_FALSE(DrawEmf(head + Repeated(round, 60) + fill + EmfRecord(14, {0, 0, 0}), {200, 100}).isNull());
+}
+
+// What each kind of drawing costs is bounded: all of it ends long before a file does.
+TEST(Metafiles, WorkIsBounded) {
+  QPainterPath full, tangle, tooLong;
+  full.addRect(-1e6, -1e6, 2e6, 2e6);
+  for (int i = 0; i < 5000; ++i) tangle.lineTo(i * 7919 % 1000, i * 104729 % 1000);
+  for (int i = 0; i < 20000; ++i) tooLong.lineTo(i, i);
+  QImage dot(1, 1, QImage::Format_RGB32);
+  dot.fill(Qt::blue);
+  const std::string dib = Encoded(dot, "bmp").substr(14);
+  const std::function<void(MetafileCanvas&)> drawings[] = {
+      [&](MetafileCanvas& canvas) { canvas.Draw(full, true, false); },
+      [&](MetafileCanvas& canvas) { canvas.Draw(tangle, true, true); },
+      [&](MetafileCanvas& canvas) { canvas.Draw(tooLong, true, true); },
+      [&](MetafileCanvas& canvas) { canvas.DrawBitmap(dib, QRectF(-1e6, -1e6, 2e6, 2e6)); },
+      [&](MetafileCanvas& canvas) {
+        canvas.state.font.height = 1e6;
+        canvas.DrawText(QString(100, u'W'), {0, 0});
+      },
+      [&](MetafileCanvas& canvas) { canvas.Clip(tangle); },
+  };
+  for (size_t i = 0; i < std::size(drawings); ++i) {
+    MetafileCanvas canvas({1000, 1000});
+    int times = 0;
+    while (canvas.Spend(0) && times < 400000) {
+      drawings[i](canvas);
+      ++times;
     }
-    SCOPED_TRACE(seed);
-    DrawWmf(wmf, {64, 64});
-    DrawEmf(emf, {64, 64});
+    EXPECT_LT(times, 400000) << i;
   }
 }
 

@@ -12,7 +12,6 @@ namespace {
 constexpr uint32_t kHeader = 1, kEnd = 14;
 constexpr uint32_t kSignature = 0x464D4520;  // " EMF"
 constexpr uint32_t kStock = 0x80000000u;     // objects that always exist
-constexpr size_t kMaxPixels = 16 << 20;
 
 class EmfPlayer {
  public:
@@ -38,12 +37,6 @@ class EmfPlayer {
   }
 
  private:
-  struct Mapping {
-    QPointF windowOrigin, viewOrigin;
-    QPointF windowExtent{1, 1}, viewExtent{1, 1};
-    QTransform world;
-  };
-
   static QPointF Point(const RecordBytes& r, size_t at) { return {double(r.I32(at)), double(r.I32(at + 4))}; }
   static QRectF Rect(const RecordBytes& r, size_t at) { return QRectF(Point(r, at), Point(r, at + 8)).normalized(); }
   static double Real(const RecordBytes& r, size_t at) {
@@ -57,12 +50,13 @@ class EmfPlayer {
 
   void Map() {
     const auto ratio = [](double view, double window) { return window == 0 || view == 0 ? 1 : view / window; };
-    const double x = scaled_ ? ratio(map_.viewExtent.x(), map_.windowExtent.x()) : 1;
-    const double y = scaled_ ? ratio(map_.viewExtent.y(), map_.windowExtent.y()) : 1;
+    const MetafileMapping& map = canvas_.state.mapping;
+    const double x = map.scaled ? ratio(map.viewExtent.x(), map.windowExtent.x()) : 1;
+    const double y = map.scaled ? ratio(map.viewExtent.y(), map.windowExtent.y()) : 1;
     canvas_.state.toPixels =
-        map_.world * QTransform::fromTranslate(-map_.windowOrigin.x(), -map_.windowOrigin.y()) *
+        map.world * QTransform::fromTranslate(-map.windowOrigin.x(), -map.windowOrigin.y()) *
         QTransform::fromScale(x, y) *
-        QTransform::fromTranslate(map_.viewOrigin.x() - frame_.x(), map_.viewOrigin.y() - frame_.y()) *
+        QTransform::fromTranslate(map.viewOrigin.x() - frame_.x(), map.viewOrigin.y() - frame_.y()) *
         QTransform::fromScale(pixels_.width() / frame_.width(), pixels_.height() / frame_.height());
   }
 
@@ -84,8 +78,9 @@ class EmfPlayer {
   void Continue(const QPolygonF& points, bool curves) {
     if (points.isEmpty()) return;
     QPainterPath own;
-    auto& recorded = canvas_.recording();
+    QPainterPath* recorded = canvas_.recording();
     QPainterPath& path = recorded ? *recorded : own;
+    if (!recorded && canvas_.isRecording()) return;
     if (!recorded || path.elementCount() == 0 || path.currentPosition() != canvas_.state.position) {
       path.moveTo(canvas_.state.position);
     }
@@ -160,18 +155,6 @@ class EmfPlayer {
     const std::string_view bits = r.From(r.U(offsets + 8, 4), r.U(offsets + 12, 4));
     if (!header.empty() && !bits.empty()) canvas_.DrawBitmap(std::string(header) + std::string(bits), to);
   }
-  void Save(bool restore, int which) {
-    if (!restore) {
-      saved_.push_back(map_);
-      return canvas_.Save();
-    }
-    const auto count = static_cast<int>(saved_.size()), target = which < 0 ? count + which : which - 1;
-    if (target < 0 || target >= count) return;
-    map_ = saved_[static_cast<size_t>(target)];
-    saved_.resize(static_cast<size_t>(target));
-    canvas_.Restore(which);
-    Map();
-  }
   void Play(uint32_t type, const RecordBytes& r);
   bool PlayMapping(uint32_t type, const RecordBytes& r);
   bool PlayState(uint32_t type, const RecordBytes& r);
@@ -181,9 +164,6 @@ class EmfPlayer {
   RecordBytes all_;
   QSize pixels_;
   QRectF frame_;  // in the device's units
-  Mapping map_;
-  std::vector<Mapping> saved_;
-  bool scaled_ = false;  // the window's and the viewport's extents count
   MetafileCanvas canvas_;
 };
 
@@ -193,26 +173,24 @@ void EmfPlayer::Play(uint32_t type, const RecordBytes& r) {
 }
 
 bool EmfPlayer::PlayMapping(uint32_t type, const RecordBytes& r) {
+  MetafileMapping& map = canvas_.state.mapping;
   switch (type) {
     case 9:
-      return map_.windowExtent = Point(r, 8), true;
+      return map.windowExtent = Point(r, 8), true;
     case 10:
-      return map_.windowOrigin = Point(r, 8), true;
+      return map.windowOrigin = Point(r, 8), true;
     case 11:
-      return map_.viewExtent = Point(r, 8), true;
+      return map.viewExtent = Point(r, 8), true;
     case 12:
-      return map_.viewOrigin = Point(r, 8), true;
+      return map.viewOrigin = Point(r, 8), true;
     case 17:
-      return scaled_ = r.U(8, 4) >= 7, true;
+      return map.scaled = r.U(8, 4) >= 7, true;
     case 35:
-      return map_.world = Transform(r, 8), true;
+      return map.world = Transform(r, 8), true;
     case 36: {
       const uint32_t mode = r.U(32, 4);
       const QTransform change = Transform(r, 8);
-      map_.world = mode == 1   ? QTransform()
-                   : mode == 2 ? change * map_.world
-                   : mode == 3 ? map_.world * change
-                               : change;
+      map.world = mode == 1 ? QTransform() : mode == 2 ? change * map.world : mode == 3 ? map.world * change : change;
       return true;
     }
     default:
@@ -236,8 +214,9 @@ bool EmfPlayer::PlayState(uint32_t type, const RecordBytes& r) {
     case 27:
       return state.position = Point(r, 8), true;
     case 33:
+      return canvas_.Save(), true;
     case 34:
-      return Save(type == 34, r.I32(8)), true;
+      return canvas_.Restore(r.I32(8)), true;
     case 37:
       return Select(r.U(8, 4)), true;
     case 38:
@@ -325,8 +304,8 @@ void EmfPlayer::PlayShape(uint32_t type, const RecordBytes& r) {
 }  // namespace
 
 QImage DrawEmf(std::string_view bytes, QSize pixels) {
-  if (bytes.size() < 88 || pixels.isEmpty() || size_t(pixels.width()) * size_t(pixels.height()) > kMaxPixels) return {};
-  return EmfPlayer(bytes, pixels).Run();
+  if (bytes.size() < 88 || pixels.isEmpty()) return {};
+  return EmfPlayer(bytes, MetafilePixels(pixels)).Run();
 }
 
 }  // namespace text::pictures

@@ -8,8 +8,9 @@
 
 namespace text::pictures {
 
-// Null where nothing can be drawn. Records that are not known are passed over; their number and the points they may
-// have are bounded, so no picture takes long.
+// In at most 8 million pixels of the asked shape; null where nothing can be drawn. Records that are not known are
+// passed over. What painting costs is counted, and a clock stands beside it: a picture that would take more than about
+// half a second (a whole page of a printer: one) is what was drawn until then.
 QImage DrawWmf(std::string_view bytes, QSize pixels);
 QImage DrawEmf(std::string_view bytes, QSize pixels);
 

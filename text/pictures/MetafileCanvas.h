@@ -7,6 +7,7 @@
 #include <QPainterPath>
 #include <QPolygonF>
 
+#include <chrono>
 #include <cstdint>
 #include <optional>
 #include <string_view>
@@ -45,6 +46,14 @@ struct MetafileFont {
 // One slot of the table of objects that records select by number.
 using MetafileObject = std::variant<std::monostate, QPen, QBrush, MetafileFont>;
 
+// How the records' coordinates lead to the picture.
+struct MetafileMapping {
+  QPointF windowOrigin, viewOrigin;
+  QPointF windowExtent{1, 1}, viewExtent{1, 1};
+  QTransform world;
+  bool scaled = false;  // the extents count
+};
+
 class MetafileCanvas {
  public:
   explicit MetafileCanvas(QSize pixels);
@@ -58,7 +67,8 @@ class MetafileCanvas {
     unsigned textAlign = 0;
     Qt::FillRule fill = Qt::OddEvenFill;
     QPointF position;
-    QTransform toPixels;  // of the picture's coordinates
+    MetafileMapping mapping;
+    QTransform toPixels;  // of the picture's coordinates, as the mapping says
   };
   State state;
   void Save();
@@ -75,29 +85,38 @@ class MetafileCanvas {
   void DrawText(const QString& text, QPointF at);
   void DrawBitmap(std::string_view dib, const QRectF& to);
   void Clip(const QPainterPath& path);
-  // While a path is recorded shapes go into it.
+  // While a path is recorded shapes go into it, and no path is painted.
   void BeginPath() { path_.emplace(); }
   void EndPath();
   void PaintPath(bool filled, bool outlined);
   void ClipToPath();
   void ClosePath();
-  std::optional<QPainterPath>& recording() { return path_; }
+  // The path that is recorded, if it may grow.
+  QPainterPath* recording() { return path_ && path_->elementCount() < kMostElements ? &*path_ : nullptr; }
+  bool isRecording() const { return path_.has_value(); }
 
-  // False once too much was drawn.
-  bool Spend(size_t points);
+  // False once too much was drawn, or for too long. Everything costs, by about what it takes to paint.
+  bool Spend(double work);
   QImage Finish();
 
  private:
+  static constexpr int kMostElements = 10000;  // of a path
+  double WorkOf(const QRectF& pixels, double perPixel) const;
+
   QImage image_;
   QPainter painter_;
-  std::vector<std::pair<State, bool>> saved_;
+  std::vector<State> saved_;
+  int notSaved_ = 0;  // asked for beyond the most
   std::vector<MetafileObject> objects_;
   std::optional<QPainterPath> path_;  // being recorded
   QPainterPath finished_;
-  size_t left_;
+  double left_;
+  std::chrono::steady_clock::time_point end_;
   bool drawn_ = false;
 };
 
+// At most 8 million pixels of that shape; the painter makes it larger.
+QSize MetafilePixels(QSize pixels);
 QColor MetafileColor(uint32_t rgb);
 QPen MetafilePen(uint32_t style, double width, uint32_t color);
 QBrush MetafileBrush(uint32_t style, uint32_t color);

@@ -15,6 +15,7 @@ namespace text::pictures {
 namespace {
 
 constexpr double kTwipsPerPixel = 15;
+constexpr int kMegabytesToDecode = 512;
 constexpr double kWhole = 10000;  // of what crops are counted in
 
 // The bytes are not copied; a reader over them must not outlive them.
@@ -24,7 +25,9 @@ class PictureReader {
       : bytes_(
             QByteArray::fromRawData(object.picture.bytes.data(),
                                     static_cast<qsizetype>(std::min(object.picture.bytes.size(), kMaxPictureBytes)))) {
-    const char* format = FormatOf(object.type);
+    // For all of the process; the toolkit's own limit is below what kMaxPicturePixels needs.
+    static const bool raised = (QImageReader::setAllocationLimit(kMegabytesToDecode), true);
+    const char* format = raised ? FormatOf(object.type) : nullptr;
     if (!format || object.picture.bytes.empty() || object.picture.bytes.size() > kMaxPictureBytes) return;
     buffer_.setBuffer(&bytes_);
     if (!buffer_.open(QIODevice::ReadOnly)) return;

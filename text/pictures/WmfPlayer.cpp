@@ -9,17 +9,19 @@ namespace text::pictures {
 namespace {
 
 constexpr uint32_t kPlaceable = 0x9AC6CDD7u;
-constexpr size_t kMaxPixels = 16 << 20;
 
 class WmfPlayer {
  public:
-  WmfPlayer(std::string_view bytes, QSize pixels) : all_(bytes), pixels_(pixels), canvas_(pixels) {}
+  WmfPlayer(std::string_view bytes, QSize pixels) : all_(bytes), pixels_(pixels), canvas_(pixels) {
+    mapping().windowExtent = {0, 0};  // the whole picture
+  }
 
   QImage Run() {
     size_t at = 0;
     if (all_.U(0, 4) == kPlaceable) {
-      origin_ = {double(all_.I16(6)), double(all_.I16(8))};
-      extent_ = {all_.I16(10) - origin_.x(), all_.I16(12) - origin_.y()};
+      const QPointF origin(all_.I16(6), all_.I16(8));
+      mapping().windowOrigin = origin;
+      mapping().windowExtent = {all_.I16(10) - origin.x(), all_.I16(12) - origin.y()};
       at = 22;
     }
     const size_t header = 2 * size_t{all_.U(at + 2, 2)};
@@ -36,10 +38,12 @@ class WmfPlayer {
   }
 
  private:
+  MetafileMapping& mapping() { return canvas_.state.mapping; }
   void Map() {
-    const double width = extent_.x() == 0 ? pixels_.width() : extent_.x();
-    const double height = extent_.y() == 0 ? pixels_.height() : extent_.y();
-    canvas_.state.toPixels = QTransform::fromTranslate(-origin_.x(), -origin_.y()) *
+    const QPointF origin = mapping().windowOrigin, extent = mapping().windowExtent;
+    const double width = extent.x() == 0 ? pixels_.width() : extent.x();
+    const double height = extent.y() == 0 ? pixels_.height() : extent.y();
+    canvas_.state.toPixels = QTransform::fromTranslate(-origin.x(), -origin.y()) *
                              QTransform::fromScale(pixels_.width() / width, pixels_.height() / height);
   }
   // The n-th argument counted from the end, as a function's are written.
@@ -114,7 +118,6 @@ class WmfPlayer {
 
   RecordBytes all_;
   QSize pixels_;
-  QPointF origin_, extent_;
   MetafileCanvas canvas_;
 };
 
@@ -122,10 +125,10 @@ void WmfPlayer::Play(uint32_t function, const RecordBytes& r) {
   auto& state = canvas_.state;
   switch (function) {
     case 0x020B:
-      origin_ = Point(r, 0);
+      mapping().windowOrigin = Point(r, 0);
       return Map();
     case 0x020C:
-      extent_ = Point(r, 0);
+      mapping().windowExtent = Point(r, 0);
       return Map();
     case 0x001E:
       return canvas_.Save();
@@ -233,8 +236,8 @@ bool WmfPlayer::PlayBitmap(uint32_t function, const RecordBytes& r) {
 }  // namespace
 
 QImage DrawWmf(std::string_view bytes, QSize pixels) {
-  if (bytes.size() < 18 || pixels.isEmpty() || size_t(pixels.width()) * size_t(pixels.height()) > kMaxPixels) return {};
-  return WmfPlayer(bytes, pixels).Run();
+  if (bytes.size() < 18 || pixels.isEmpty()) return {};
+  return WmfPlayer(bytes, MetafilePixels(pixels)).Run();
 }
 
 }  // namespace text::pictures
