@@ -184,5 +184,43 @@ TEST(Preedit, InAnEmptyTextAndAtEveryEdge) {
   }
 }
 
+struct BoxCase {
+  const char* name;
+  uint8_t borders;
+  int indent;  // of the second paragraph
+  int lines;   // across a column beside the text
+};
+
+TEST(Boxes, NeighboursShareOne) {
+  constexpr uint8_t kAll = ParaBox::kLeft | ParaBox::kTop | ParaBox::kRight | ParaBox::kBottom;
+  for (const BoxCase& c : {BoxCase{"one box", kAll, 0, 2},
+                           {"between", kAll | ParaBox::kBetween, 0, 3},
+                           {"of different indents", kAll, 300, 4},
+                           {"a line below", ParaBox::kBottom, 0, 1},
+                           {"only shaded", 0, 0, 0}}) {
+    ParaFormat format, plain;
+    format.box = {c.borders, 30, 45, Color{0x0000FF}, Color{0x00FFFF}};
+    format.spaceBefore = format.spaceAfter = plain.spaceBefore = 150;
+    RichText text;
+    text.Add("H", plain).Add("H", format);
+    format.leftIndent = c.indent;
+    Document document = text.Add("H", format).Add("H", plain).Finish();
+    TestView view(document);
+    const QImage image = PaintToImage(view, Options(true));
+    int lines = 0, shaded = 0;
+    for (int y = 1; y < 200; ++y) {
+      lines += image.pixelColor(200, y) == Qt::red && image.pixelColor(200, y - 1) != Qt::red;
+      shaded += image.pixelColor(200, y) == Qt::yellow;
+    }
+    EXPECT_EQ(lines, c.lines) << c.name;
+    EXPECT_GT(shaded, 30) << c.name;
+    EXPECT_EQ(image.pixelColor(200, 10), QColor(20, 20, 20)) << c.name;
+    const QRect first = view.CaretRect({Units(2)}).toRect().adjusted(1, 0, 12, 0);
+    EXPECT_GT(CountOf(image, Qt::black, first), 5) << "dark text on light shading: " << c.name;
+    const double inset = c.borders & ParaBox::kLeft ? 5 : 0;
+    EXPECT_EQ(view.CaretRect({Units(2)}).left(), 4 + inset) << c.name;
+  }
+}
+
 }  // namespace
 }  // namespace text::layout

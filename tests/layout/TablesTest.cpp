@@ -206,5 +206,25 @@ TEST(Tables, BordersAndShadingArePainted) {
   EXPECT_LT(image.pixelColor(54, 4).lightness(), 80);
 }
 
+TEST(Tables, NoLineCrossesAJoinedCell) {
+  TableRow upper = MakeRow({1500, 3000}), lower = upper;
+  for (TableRow* row : {&upper, &lower}) {
+    for (TableCell& cell : row->cells) cell.borders = 15;
+  }
+  lower.cells[0].joinsAbove = true;
+  const auto linesAt = [&](int x) {
+    Document document = RichText().AddRow({"", ""}, upper).AddRow({"", ""}, lower).Add("").Finish();
+    TestView view(document, 300, 100);
+    const QImage image = PaintToImage(view);
+    int lines = 0;
+    for (int y = 1; y < 100; ++y) {
+      lines += image.pixelColor(x, y).lightness() < 80 && image.pixelColor(x, y - 1).lightness() >= 80;
+    }
+    return lines;
+  };
+  EXPECT_EQ(linesAt(4 + 50), 2);
+  EXPECT_EQ(linesAt(4 + 150), 3);
+}
+
 }  // namespace
 }  // namespace text::layout

@@ -20,6 +20,7 @@ struct BlockKey {
   ParaFormatId paragraph = ParaFormatId::kDefault;
   bool rightToLeft = false;  // of a segment behind the first: its paragraph's direction
   QString label;             // of its list paragraphs
+  uint32_t around = 0;       // what its neighbours make of it
 };
 
 template <class T>
@@ -35,7 +36,8 @@ class BlockCache {
     const bool same = entry->end == key.span.range.end && entry->startsParagraph == key.span.startsParagraph() &&
                       entry->endsParagraph == key.span.endsParagraph() && entry->tableRow == key.span.tableRow &&
                       entry->paragraph == key.paragraph && entry->width == key.width &&
-                      entry->rightToLeft == key.rightToLeft && (anyLabel || entry->label == key.label);
+                      entry->rightToLeft == key.rightToLeft && entry->around == key.around &&
+                      (anyLabel || entry->label == key.label);
     if (!same) return nullptr;
     entry->used = ++clock_;
     return entry->block;
@@ -55,7 +57,7 @@ class BlockCache {
     units_ += range.size().value();
     entries_.insert(first,
                     {range.begin, range.end, key.span.startsParagraph(), key.span.endsParagraph(), key.span.tableRow,
-                     key.rightToLeft, key.width, key.paragraph, key.label, ++clock_, std::move(block)});
+                     key.rightToLeft, key.width, key.paragraph, key.label, key.around, ++clock_, std::move(block)});
     Shrink();
   }
 
@@ -92,6 +94,7 @@ class BlockCache {
     double width;
     ParaFormatId paragraph;
     QString label;
+    uint32_t around;
     uint64_t used;
     std::shared_ptr<const T> block;
   };

@@ -20,8 +20,10 @@ QRect OnPixels(const QRectF& rect) {
   return {left, top, qRound(rect.right()) - left, qRound(rect.bottom()) - top};
 }
 
-QColor Rgb(Color color) {
-  return QColor(color.rgb & 255, color.rgb >> 8 & 255, color.rgb >> 16 & 255);
+QRectF Between(QRectF rect, double top, double bottom) {
+  rect.setTop(std::max(rect.top(), top));
+  rect.setBottom(std::max(rect.top(), std::min(rect.bottom(), bottom)));
+  return rect;
 }
 
 // In the screen's measures whatever the device, as all text here is; from the rectangle's top or in its middle.
@@ -56,14 +58,20 @@ BlockPainter::BlockPainter(QPainter& painter, const QRectF& clip, double x, cons
     : painter_(painter), clip_(clip), x_(x), options_(options), formats_(formats), pictures_(pictures) {
   const QPalette& palette = options.palette;
   const auto group = options.selectionActive ? QPalette::Active : QPalette::Inactive;
-  text_ = palette.color(QPalette::Text);
+  text_ = ink_ = palette.color(QPalette::Text);
   highlight_ = palette.color(group, QPalette::Highlight);
   highlightedText_ = palette.color(group, QPalette::HighlightedText);
   faint_ = Blend(text_, options.background.isValid() ? options.background : palette.color(QPalette::Base));
 }
 
 QColor BlockPainter::ColorOf(const FormatLook& look) const {
-  return look.source.color.isAuto() ? text_ : Rgb(look.source.color);
+  if (!look.source.color.isAuto()) return ColorFrom(look.source.color);
+  return look.source.background.isAuto() ? ink_ : ReadableOn(look.source.background);
+}
+
+// Automatic text is the palette's, but where the document says what is behind it.
+QColor BlockPainter::InkOn(Color behind) const {
+  return behind.isAuto() ? text_ : ReadableOn(behind);
 }
 
 BlockPainter::Selected BlockPainter::SelectedIn(const PlacedPart& part) const {
@@ -92,6 +100,7 @@ void BlockPainter::PaintLines(const PlacedPart& part, size_t first, size_t last)
   const LayoutBlock& block = *part.block;
   const QPointF origin(x_ + part.x, part.top);
   const Selected selected = SelectedIn(part);
+  ink_ = InkOn(part.behind);
   for (size_t line = first; line <= last; ++line) {
     PaintBackgrounds(block, line, origin);
     PaintSelection(block, line, selected, origin);
@@ -103,20 +112,38 @@ void BlockPainter::PaintLines(const PlacedPart& part, size_t first, size_t last)
   }
 }
 
-// --- Tables
+// --- Tables and boxes
 
 void BlockPainter::PaintShading(const PlacedBlock& placed, double from, double to) {
   for (const CellFrame& frame : placed.row->frames()) {
     if (frame.shading.isAuto()) continue;
-    QRectF rect = frame.rect.translated(x_, placed.top);
-    rect.setTop(std::max(rect.top(), from));
-    rect.setBottom(std::min(rect.bottom(), to));
-    if (rect.height() > 0) painter_.fillRect(OnPixels(rect), Rgb(frame.shading));
+    painter_.fillRect(OnPixels(Between(frame.rect.translated(x_, placed.top), from, to)), ColorFrom(frame.shading));
   }
+  for (size_t i = 0; i < placed.row->parts().size(); ++i) {
+    const PlacedPart part = placed.Part(i);
+    const BlockBox& box = part.block->box();
+    if (box.shading.isAuto()) continue;
+    painter_.fillRect(OnPixels(Between(box.rect.translated(x_ + part.x, part.top), from, to)), ColorFrom(box.shading));
+  }
+}
+
+void BlockPainter::PaintBoxBorders(const PlacedPart& part, double from, double to) {
+  const BlockBox& box = part.block->box();
+  if (box.sides == 0) return;
+  const QRectF all = OnPixels(box.rect.translated(x_ + part.x, part.top));
+  const QColor color = box.color.isAuto() ? text_ : ColorFrom(box.color);
+  const auto side = [&](ParaBox::Side which, QRectF line) {
+    if (box.sides & which) painter_.fillRect(Between(line, from, to), color);
+  };
+  side(ParaBox::kLeft, QRectF(all.left(), all.top(), box.line, all.height()));
+  side(ParaBox::kRight, QRectF(all.right() - box.line, all.top(), box.line, all.height()));
+  side(ParaBox::kTop, QRectF(all.left(), all.top(), all.width(), box.line));
+  side(ParaBox::kBottom, QRectF(all.left(), all.bottom() - box.line, all.width(), box.line));
 }
 
 // A line lies on the pixels to the right of and below its edge; neighbours draw the same ones.
 void BlockPainter::PaintBorders(const PlacedBlock& placed, double from, double to) {
+  for (size_t i = 0; i < placed.row->parts().size(); ++i) PaintBoxBorders(placed.Part(i), from, to);
   const auto line = [&](const QPointF& a, const QPointF& b, bool guide) {
     const double top = std::max(a.y(), from), bottom = std::min(b.y(), to);
     if (bottom < top) return;
@@ -150,7 +177,7 @@ void BlockPainter::PaintBackgrounds(const LayoutBlock& block, size_t line, QPoin
     if (color.isAuto()) continue;
     std::vector<QRectF> rects;
     block.AddRects(line, runs[i].begin, runs[i].end, &rects);
-    for (const QRectF& rect : rects) painter_.fillRect(OnPixels(rect.translated(origin)), Rgb(color));
+    for (const QRectF& rect : rects) painter_.fillRect(OnPixels(rect.translated(origin)), ColorFrom(color));
   }
 }
 
@@ -169,7 +196,7 @@ void BlockPainter::PaintText(const LayoutBlock& block, size_t line, const Select
   const QTextLine qt = block.qtLine(line);
   const QPointF position = origin + QPointF(0, geometry.baseline - qt.ascent());
   const int from = std::max(selected.from, geometry.begin), to = std::min(selected.to, geometry.end);
-  painter_.setPen(text_);
+  painter_.setPen(ink_);
   // On paper what stands in for objects would be text.
   const auto object = std::lower_bound(block.text().objects.begin(), block.text().objects.end(), geometry.begin);
   if (options_.printing && object != block.text().objects.end() && *object < geometry.end) {
@@ -206,7 +233,7 @@ void BlockPainter::PaintGlyphs(const LayoutBlock& block, size_t line, int from, 
     if (end - begin == 1 && Contains(block.text().objects, begin)) continue;
     const FormatLook& look = block.LookOfRun(i);
     const bool colored = look.format.hasProperty(QTextFormat::ForegroundBrush);
-    if (ownColors) painter_.setPen(colored ? look.format.foreground().color() : text_);
+    if (ownColors) painter_.setPen(colored ? look.format.foreground().color() : ink_);
     const QPointF position = linePosition - QPointF(0, look.raise);
     for (QGlyphRun glyphs : qt.glyphRuns(begin, end - begin)) {
       glyphs.setFlags({});  // the painter misplaces the lines of a part of a run
@@ -321,8 +348,10 @@ void BlockPainter::PaintLabel(const LayoutBlock& block, QPointF origin) {
             block.rightToLeft());
 }
 
-void BlockPainter::PaintCaret(const CaretShape& shape, QPointF origin, const FormatLook& look, const QRectF& cell) {
-  QColor color = text_;
+void BlockPainter::PaintCaret(const CaretShape& shape, const PlacedPart& part, const FormatLook& look,
+                              const QRectF& cell) {
+  const QPointF origin(part.x, part.top);
+  QColor color = InkOn(part.behind);
   if (!cell.isEmpty()) {
     color.setAlpha(110);
     painter_.fillRect(cell.translated(origin + QPointF(x_, 0)), color);

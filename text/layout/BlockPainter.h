@@ -20,7 +20,7 @@ class BlockPainter {
   void PaintShading(const PlacedBlock& placed, double from, double to);
   void PaintBorders(const PlacedBlock& placed, double from, double to);
   // The look is that of the text typed next; in overtype `cell` is the character under the block caret.
-  void PaintCaret(const CaretShape& shape, QPointF origin, const FormatLook& look, const QRectF& cell);
+  void PaintCaret(const CaretShape& shape, const PlacedPart& part, const FormatLook& look, const QRectF& cell);
 
  private:
   struct Selected {
@@ -39,7 +39,9 @@ class BlockPainter {
   void PaintNamedFrame(const FormatLook& look, const QRectF& box, const QColor& color);
   void PaintStandIn(const QRectF& box, const QColor& color);
   void PaintLabel(const LayoutBlock& block, QPointF origin);
+  void PaintBoxBorders(const PlacedPart& part, double from, double to);
   QColor ColorOf(const FormatLook& look) const;
+  QColor InkOn(Color behind) const;
 
   QPainter& painter_;
   QRectF clip_;
@@ -47,7 +49,7 @@ class BlockPainter {
   const PaintOptions& options_;
   const FormatTable& formats_;
   pictures::PictureCache& pictures_;
-  QColor text_, highlight_, highlightedText_, faint_;
+  QColor text_, ink_, highlight_, highlightedText_, faint_;
 };
 
 }  // namespace text::layout

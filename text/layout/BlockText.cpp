@@ -1,6 +1,7 @@
 #include "text/layout/BlockText.h"
 
 #include "text/layout/FormatFonts.h"
+#include "text/layout/ParagraphBox.h"
 #include "text/layout/ViewLayout.h"
 #include "text/outline/SymbolFonts.h"
 
@@ -162,6 +163,7 @@ BlockText ReadBlockText(const Document& document, const BlockSpan& span, const P
   BlockText block;
   block.paragraph = formats[content.ParaFormatOf(span.paragraphNumber)];
   block.label = label;
+  block.boxJoins = BoxJoinsOf(content, span.paragraphNumber);
   block.startsParagraph = span.startsParagraph();
   block.endsParagraph = span.endsParagraph();
   std::u16string text = content.Utf16(span.range);

@@ -33,6 +33,7 @@ struct BlockText {
   bool startsParagraph = true;
   bool endsParagraph = true;
   bool rightToLeft = false;  // the paragraph's direction
+  uint8_t boxJoins = 0;      // BoxJoin
   bool mixed = false;        // some character may be shown right to left
   bool tabs = false;
   int preeditBegin = -1;

@@ -92,7 +92,9 @@ void Blocks::SetPreedit(std::optional<Preedit> preedit) {
 }
 
 BlockKey Blocks::KeyOf(const BlockSpan& span, double width) const {
-  BlockKey key{span, width, content().ParaFormatOf(span.paragraphNumber), false, {}};
+  BlockKey key{span, width, content().ParaFormatOf(span.paragraphNumber), false, {}, 0};
+  key.around = span.tableRow ? static_cast<uint32_t>(RowJoinedBelow(content(), span))
+                             : BoxJoinsOf(content(), span.paragraphNumber);
   if (!span.startsParagraph()) {
     key.rightToLeft = IsParagraphRightToLeft(content(), span.paragraph, content().formats()[key.paragraph]);
   }

@@ -55,6 +55,14 @@ QFont FontOf(const FormatTable& formats, const CharFormat& format, const QFont& 
   return font;
 }
 
+QColor ColorFrom(Color color) {
+  return QColor(color.rgb & 255, color.rgb >> 8 & 255, color.rgb >> 16 & 255);
+}
+
+QColor ReadableOn(Color background) {
+  return qGray(ColorFrom(background).rgb()) > 110 ? Qt::black : Qt::white;
+}
+
 void FormatFonts::Set(const QFont& defaultFont, double zoom) {
   defaultFont_ = defaultFont;
   zoom_ = zoom;
@@ -78,14 +86,16 @@ FormatLook FormatFonts::Make(const FormatTable& formats, const CharFormat& forma
   look.raise = std::clamp(format.offset / kTwipsPerPixel * zoom_, -kMaxPixels / 2, kMaxPixels / 2);
   look.format.setFont(look.font);
   if (!format.color.isAuto()) {
-    const uint32_t rgb = format.color.rgb;
-    look.format.setForeground(QColor(rgb & 255, rgb >> 8 & 255, rgb >> 16 & 255));
+    look.format.setForeground(ColorFrom(format.color));
+  } else if (!format.background.isAuto()) {
+    look.format.setForeground(ReadableOn(format.background));
   } else if (format.link != LinkId::kNone) {
     look.format.setForeground(linkColor_);
   }
   if (format.object != ObjectId::kNone) look.object = pictures::ShownSize(formats[format.object], look.font, zoom_);
   if (look.raise != 0) look.format.setBaselineOffset(100 * look.raise / (look.ascent + look.descent));
-  look.fontOnly = format.color.isAuto() && format.link == LinkId::kNone && look.raise == 0;
+  look.fontOnly =
+      format.color.isAuto() && format.background.isAuto() && format.link == LinkId::kNone && look.raise == 0;
   return look;
 }
 

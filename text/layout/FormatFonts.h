@@ -27,6 +27,10 @@ struct FormatLook {
   QSizeF object;           // pixels, of what stands for an embedded object
 };
 
+QColor ColorFrom(Color color);
+// Black or white, whichever is read better on a colour.
+QColor ReadableOn(Color background);
+
 class FormatFonts {
  public:
   void Set(const QFont& defaultFont, double zoom);

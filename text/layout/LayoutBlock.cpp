@@ -44,12 +44,14 @@ LayoutBlock::LayoutBlock(BlockText text, const BlockStyle& style) : text_(std::m
   for (const BlockRun& run : text_.runs) looks_.push_back(&style.fonts->Of(*style.formats, run.format));
   raises_ = std::any_of(looks_.begin(), looks_.end(), [](const FormatLook* look) { return look->raise != 0; });
   endLook_ = text_.runs.empty() ? &style.fonts->Of(*style.formats, text_.endFormat) : looks_.back();
+  boxMeasures_ = BoxMeasures(text_.paragraph.box, text_.boxJoins, style.fonts->zoom());
   if (!text_.label.isEmpty()) MeasureLabel(style);
   if (!text_.objects.empty()) LimitObjects(style);
   SetUpLayout(style);
   PlaceLines(style);
   if (text_.mixed) FindLevels();
   PlaceLabel(style.fonts->zoom());
+  if (!text_.paragraph.box.empty()) PlaceBox(style.fonts->zoom());
 }
 
 // --- Objects
@@ -136,8 +138,10 @@ LayoutBlock::Edges LayoutBlock::EdgesOf(bool firstLine, double zoom) const {
     lead = labelled ? std::max(lead, std::max(0.0, first) + labelRect_.width() + kLabelGap * zoom) : first;
   }
   const double room = std::max(0.0, width_ - std::min(width_, kMinTextPixels));
-  lead = std::clamp(lead, 0.0, room);
-  const double trail = std::clamp(Pixels(format.rightIndent, zoom), 0.0, room - lead);
+  const QMarginsF& inset = boxMeasures_.inset;
+  lead = std::clamp(lead, std::min(text_.rightToLeft ? inset.right() : inset.left(), room), room);
+  const double least = std::min(text_.rightToLeft ? inset.left() : inset.right(), room - lead);
+  const double trail = std::clamp(Pixels(format.rightIndent, zoom), least, room - lead);
   return text_.rightToLeft ? Edges{trail, lead} : Edges{lead, trail};
 }
 
@@ -204,7 +208,7 @@ void LayoutBlock::MeasureLine(const QTextLine& line, double zoom, BlockLine* mea
 
 void LayoutBlock::PlaceLines(const BlockStyle& style) {
   const double zoom = style.fonts->zoom();
-  double y = text_.startsParagraph ? Space(text_.paragraph.spaceBefore, zoom) : 0;
+  double y = text_.startsParagraph ? Space(text_.paragraph.spaceBefore, zoom) + boxMeasures_.inset.top() : 0;
   layout_.beginLayout();
   for (QTextLine line = layout_.createLine(); line.isValid(); line = layout_.createLine()) {
     const bool first = lines_.empty() && text_.startsParagraph;
@@ -229,7 +233,32 @@ void LayoutBlock::PlaceLines(const BlockStyle& style) {
   }
   layout_.endLayout();
   tabsDiffer_ = lines_.size() > 1 && firstTabs_ != otherTabs_;
-  height_ = y + (text_.endsParagraph ? Space(text_.paragraph.spaceAfter, zoom) : 0);
+  height_ = y;
+  if (text_.endsParagraph) height_ += boxMeasures_.inset.bottom() + Space(text_.paragraph.spaceAfter, zoom);
+}
+
+// What is between two paragraphs of one box belongs to it.
+void LayoutBlock::PlaceBox(double zoom) {
+  const ParaFormat& format = text_.paragraph;
+  const bool above = text_.boxJoins & kJoinsAbove, below = text_.boxJoins & kJoinsBelow;
+  const Edges edges = EdgesOf(format.firstIndent < 0, zoom);
+  Edges outer = EdgesOf(false, zoom);
+  const double hanging = Pixels(format.leftIndent + std::min(0, format.firstIndent), zoom);
+  double& lead = text_.rightToLeft ? outer.right : outer.left;
+  lead = std::min({lead, text_.rightToLeft ? edges.right : edges.left,
+                   std::max(hanging, text_.rightToLeft ? boxMeasures_.inset.right() : boxMeasures_.inset.left())});
+  const double left = outer.left - boxMeasures_.inset.left();
+  const double right = width_ - outer.right + boxMeasures_.inset.right();
+  const double top = text_.startsParagraph && !above ? Space(format.spaceBefore, zoom) : 0;
+  const double bottom = text_.endsParagraph && !below ? height_ - Space(format.spaceAfter, zoom) : height_;
+  box_ = {QRectF(QPointF(left, top), QPointF(right, bottom)), 0, boxMeasures_.line, format.box.color,
+          format.box.shading};
+  uint8_t hidden = ParaBox::kBetween;
+  if (!text_.startsParagraph || above) hidden |= ParaBox::kTop;
+  if (!text_.endsParagraph || below) hidden |= ParaBox::kBottom;
+  box_.sides = static_cast<uint8_t>(format.box.borders & ~hidden);
+  const bool between = text_.endsParagraph && below && (format.box.borders & ParaBox::kBetween);
+  if (between) box_.sides |= ParaBox::kBottom;
 }
 
 // The label is written as the paragraph begins, but in the list's font if that names one.

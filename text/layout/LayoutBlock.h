@@ -7,6 +7,7 @@
 #include "text/layout/BlockText.h"
 #include "text/layout/FormatFonts.h"
 #include "text/layout/LineOrder.h"
+#include "text/layout/ParagraphBox.h"
 
 #include <QPointF>
 #include <QRectF>
@@ -95,6 +96,7 @@ class LayoutBlock {
   // Where a list paragraph's label stands, an empty rectangle without one, and its font.
   QRectF labelRect() const { return labelRect_; }
   const QFont& labelFont() const { return labelFont_; }
+  const BlockBox& box() const { return box_; }
   // What stands for the object at a shown offset.
   QSizeF ObjectSize(int shown) const { return ObjectSizeOf(LookAt(shown)); }
 
@@ -111,6 +113,7 @@ class LayoutBlock {
   void MeasureLine(const QTextLine& line, double zoom, BlockLine* measured, double* ascent, double* descent) const;
   void MeasureLabel(const BlockStyle& style);
   void PlaceLabel(double zoom);
+  void PlaceBox(double zoom);
   void LimitObjects(const BlockStyle& style);
   QSizeF ObjectSizeOf(const FormatLook& look) const;
   QTextCharFormat ObjectFormat(const FormatLook& look, QChar standIn) const;
@@ -140,6 +143,8 @@ class LayoutBlock {
   std::vector<uint8_t> levels_;  // of each shown unit, if some may run to the left
   QRectF labelRect_;
   QFont labelFont_;
+  BoxMeasures boxMeasures_;
+  BlockBox box_;
   QSizeF objectLimit_;
   double width_ = 0;
   double height_ = 0;

@@ -15,7 +15,7 @@ double Outside(double at, double from, double to) {
 LayoutRow::LayoutRow(std::shared_ptr<const LayoutBlock> alone) : height_(alone->height()) {
   const int units = alone->units();
   const double width = alone->width();
-  parts_.push_back({std::move(alone), 0, units, 0, 0, 0, width});
+  parts_.push_back({std::move(alone), 0, units, 0, 0, 0, width, {}});
 }
 
 size_t LayoutRow::PartOf(int offset, Bias bias) const {

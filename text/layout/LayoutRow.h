@@ -16,6 +16,7 @@ struct RowPart {
   int begin = 0, end = 0;
   double x = 0, y = 0;
   double left = 0, right = 0;  // of the cell it stands in
+  Color behind;                // the cell's shading
   double bottom() const { return y + block->height(); }
 };
 

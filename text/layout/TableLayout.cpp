@@ -22,7 +22,8 @@ class RowPlacer {
       : content_(content), formats_(content.formats()), range_(range), zoom_(zoom), lay_(lay) {}
 
   // The texts as one row of a table of that level; returns its height.
-  double PlaceRow(const CellText* begin, const CellText* end, uint8_t level, double x, double y, double width);
+  double PlaceRow(const CellText* begin, const CellText* end, uint8_t level, RowId below, double x, double y,
+                  double width);
 
   std::vector<RowPart> parts;
   std::vector<CellFrame> frames;
@@ -35,6 +36,7 @@ class RowPlacer {
   };
   struct Frame {
     double left, right;
+    Color shading;
   };
   std::vector<Cell> CellsOf(const CellText* begin, const CellText* end, uint8_t level) const;
   std::vector<double> EdgesOf(const TableRow& row, size_t cells, double x, double width) const;
@@ -81,7 +83,22 @@ std::vector<double> RowPlacer::EdgesOf(const TableRow& row, size_t cells, double
   return edges;
 }
 
-double RowPlacer::PlaceRow(const CellText* begin, const CellText* end, uint8_t level, double x, double y,
+// A cell is continued where the row below has one of the same edges that says so.
+bool IsContinued(const TableRow& row, size_t first, size_t last, const TableRow& below) {
+  constexpr int32_t kAlmost = 30;
+  const auto near = [](int32_t a, int32_t b) { return std::abs(a - b) <= kAlmost; };
+  if (last >= row.cells.size()) return false;
+  const auto leftOf = [](const TableRow& of, size_t cell) { return cell == 0 ? of.left : of.cells[cell - 1].right; };
+  for (size_t i = 0; i < below.cells.size(); ++i) {
+    if (!below.cells[i].joinsAbove || !near(leftOf(below, i), leftOf(row, first))) continue;
+    size_t end = i;
+    while (end + 1 < below.cells.size() && below.cells[end + 1].joinsLeft) ++end;
+    if (near(below.cells[end].right, row.cells[last].right)) return true;
+  }
+  return false;
+}
+
+double RowPlacer::PlaceRow(const CellText* begin, const CellText* end, uint8_t level, RowId below, double x, double y,
                            double width) {
   const std::vector<Cell> cells = CellsOf(begin, end, level);
   const CellText* definition = std::find_if(begin, end, [&](const CellText& text) { return text.level == level; });
@@ -96,22 +113,24 @@ double RowPlacer::PlaceRow(const CellText* begin, const CellText* end, uint8_t l
   for (size_t i = 0; i < count;) {
     size_t next = i + 1;
     while (next < count && definitionOf(next).joinsLeft) ++next;
-    const Frame frame{edges[i], edges[next]};
+    const Frame frame{edges[i], edges[next], definitionOf(i).shading};
     const double gap = std::min(Pixels(std::max(0, row.gap), zoom_), (frame.right - frame.left) / 4);
     const double textWidth = std::max(kMinTextWidth, frame.right - frame.left - 2 * gap - kLine);
     double bottom = y + kLine;
     for (size_t cell = i; cell < std::min(next, cells.size()); ++cell) {
       // What is left of a joined cell is mostly its mark; it takes no room.
       const bool ghost = cell > i && cells[cell].isEmpty();
-      const double below =
+      const double end =
           PlaceTexts(cells[cell], level, frame, frame.left + gap + kLine, ghost ? y + kLine : bottom, textWidth);
-      if (!ghost) bottom = below;
+      if (!ghost) bottom = end;
     }
     height = std::max(height, bottom - y + kLine);
     const TableCell first = definitionOf(i), last = definitionOf(next - 1);
     const auto borders =
         static_cast<uint8_t>((first.borders & ~TableCell::kRight) | (last.borders & TableCell::kRight));
-    const auto hidden = static_cast<uint8_t>(first.joinsAbove ? TableCell::kTop : 0);
+    const bool continued = below != RowId::kNone && IsContinued(row, i, next - 1, formats_[below]);
+    const auto hidden =
+        static_cast<uint8_t>((first.joinsAbove ? TableCell::kTop : 0) | (continued ? TableCell::kBottom : 0));
     frames.push_back({QRectF(frame.left, y, frame.right - frame.left, 0), static_cast<uint8_t>(borders & ~hidden),
                       static_cast<uint8_t>(kAllSides & ~borders & ~hidden), first.shading});
     i = next;
@@ -137,7 +156,8 @@ double RowPlacer::PlaceTexts(const Cell& cell, uint8_t level, Frame frame, doubl
       return candidate.level == inner && candidate.mark == RowMark::kRowEnd;
     });
     if (rowEnd != end) end = rowEnd + 1;
-    y = PlaceRow(text, end, inner, x, y, width);
+    const bool another = end != cell.end && end->level == inner;
+    y = PlaceRow(text, end, inner, another ? end->row : RowId::kNone, x, y, width);
     text = end;
   }
   return y;
@@ -152,6 +172,7 @@ double RowPlacer::PlaceText(const CellText& text, Frame frame, double x, double 
     part.y = y;
     part.left = frame.left;
     part.right = frame.right;
+    part.behind = frame.shading;
     y += part.block->height();
     parts.push_back(std::move(part));
   }
@@ -160,6 +181,15 @@ double RowPlacer::PlaceText(const CellText& text, Frame frame, double x, double 
 
 }  // namespace
 
+RowId RowJoinedBelow(const Content& content, const BlockSpan& row) {
+  const Breaks next = row.paragraphNumber + row.inner + Breaks(1);
+  if (next > content.breaks()) return RowId::kNone;
+  const RowId below = content.formats()[content.ParaFormatOf(next)].row;
+  const auto& cells = content.formats()[below].cells;
+  return std::any_of(cells.begin(), cells.end(), [](const TableCell& cell) { return cell.joinsAbove; }) ? below
+                                                                                                        : RowId::kNone;
+}
+
 std::shared_ptr<const LayoutRow> LayTableRow(const Content& content, const BlockSpan& span, double width, double zoom,
                                              const LayPart& lay) {
   const RowParagraphs row{span.paragraphNumber, span.paragraphNumber + span.inner};
@@ -167,7 +197,8 @@ std::shared_ptr<const LayoutRow> LayTableRow(const Content& content, const Block
   uint8_t level = texts.front().level;
   for (const CellText& text : texts) level = std::min(level, text.level);
   RowPlacer placer(content, span.range, zoom, lay);
-  const double height = placer.PlaceRow(texts.data(), texts.data() + texts.size(), level, 0, 0, width);
+  const RowId below = RowJoinedBelow(content, span);
+  const double height = placer.PlaceRow(texts.data(), texts.data() + texts.size(), level, below, 0, 0, width);
   return std::make_shared<const LayoutRow>(std::move(placer.parts), std::move(placer.frames), height);
 }
 

@@ -21,7 +21,8 @@ bool PlacedBlock::Holds(CaretPlace place) const {
 PlacedPart PlacedBlock::Part(size_t index) const {
   const RowPart& part = row->parts()[index];
   const Range range{span.range.begin + Units(part.begin), span.range.begin + Units(part.end)};
-  return {part.block.get(), range, part.x, top + part.y, index};
+  const Color behind = part.block->box().shading;
+  return {part.block.get(), range, part.x, top + part.y, index, behind.isAuto() ? part.behind : behind};
 }
 
 PlacedPart PlacedBlock::PartOf(CaretPlace place) const {

@@ -18,6 +18,7 @@ struct PlacedPart {
   Range range;  // of its text
   double x = 0, top = 0;
   size_t index = 0;  // among the row's parts
+  Color behind;      // its text: shading of the paragraph or the cell
   int ShownOffset(Units position) const {
     const Units inside = std::clamp(position, range.begin, range.end);
     return block->ToShown(static_cast<int>((inside - range.begin).value()));

@@ -392,7 +392,7 @@ void ViewLayout::PaintCaret(BlockPainter& painter, const PaintOptions& options) 
   if (options.overtype) part.block->AddRects(line, shown, part.block->NextShown(shown), &cell);
   const FormatLook look = impl_->blocks.fonts().Make(impl_->content().formats(), options.caretFormat);
   shape.baseline = part.block->lines()[line].baseline - look.raise;
-  painter.PaintCaret(shape, {part.x, part.top}, look, cell.empty() ? QRectF() : cell.front());
+  painter.PaintCaret(shape, part, look, cell.empty() ? QRectF() : cell.front());
 }
 
 size_t ViewLayout::cachedBlocks() const {
