@@ -7,6 +7,7 @@
 #include "ui/Hourglass.h"
 #include "ui/PathText.h"
 #include "ui/PendingEvents.h"
+#include "ui/desktop/DesktopFileOperations.h"
 #include "ui/frame/LeftPane.h"
 #include "ui/frame/StatusBar.h"
 
@@ -20,6 +21,7 @@ namespace shell {
 frmMyMDI::frmMyMDI(ui::Dialogs& dialogs, ui::Shell& shell, Place place)
     : dialogs_(dialogs),
       shell_(shell),
+      fileOperations_(std::make_unique<ui::DesktopFileOperations>(dialogs)),
       place_(std::move(place)),
       settingsFile_(place_.application.settings, place_.recovery,
                     place_.onlyLooking ? SettingsFile::Access::kReadOnly : SettingsFile::Access::kReadWrite),

@@ -9,7 +9,9 @@
 #include <atomic>
 #include <cstdint>
 #include <functional>
+#include <mutex>
 #include <optional>
+#include <utility>
 #include <vector>
 
 namespace ui {
@@ -71,10 +73,21 @@ class WorkPort {
   int64_t done() const { return done_.load(std::memory_order_relaxed); }
   bool cancelled() const { return cancelled_.load(std::memory_order_relaxed); }
   void Cancel() { cancelled_.store(true, std::memory_order_relaxed); }
+  // What is being worked on, for a line of the progress.
+  void ShowDetail(QString detail) {
+    const std::lock_guard lock(mutex_);
+    detail_ = std::move(detail);
+  }
+  QString detail() const {
+    const std::lock_guard lock(mutex_);
+    return detail_;
+  }
 
  private:
   std::atomic<int64_t> done_ = 0;
   std::atomic<bool> cancelled_ = false;
+  mutable std::mutex mutex_;
+  QString detail_;
 };
 
 class Dialogs {

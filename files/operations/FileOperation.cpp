@@ -133,6 +133,14 @@ class Operation {
 
 }  // namespace
 
+std::vector<std::string> WithoutNested(const std::vector<std::string>& paths) {
+  const std::vector<size_t> outer = FindOuter(paths);
+  std::vector<std::string> kept;
+  for (size_t i = 0; i < paths.size(); ++i)
+    if (outer[i] == i) kept.push_back(paths[i]);
+  return kept;
+}
+
 OperationOutcome RunOperation(const FileOperation& operation, OperationUser& user) {
   return Operation(operation, user).Run();
 }

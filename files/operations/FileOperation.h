@@ -89,4 +89,7 @@ struct OperationOutcome {
 
 OperationOutcome RunOperation(const FileOperation& operation, OperationUser& user);
 
+// The paths without those that lie in another one of them, and each only once, by their texts; in their order.
+std::vector<std::string> WithoutNested(const std::vector<std::string>& paths);
+
 }  // namespace files

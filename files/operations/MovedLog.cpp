@@ -124,7 +124,7 @@ class LogDeletion {
   FolderChain chain_;
   std::vector<Level> levels_;
   const bool wasCancelled_;  // that was about later items, not about these
-  int64_t lost_ = 0;  // folders of the log around here that are not entered
+  int64_t lost_ = 0;         // folders of the log around here that are not entered
 };
 
 void MovedLog::DeleteSources(OperationJob& job) {

@@ -23,6 +23,7 @@ constexpr milliseconds kUnnoticed(40);
 constexpr milliseconds kUntilProgress(500);
 constexpr milliseconds kBetweenUpdates(80);
 constexpr int kSteps = 1000;
+constexpr int kDetailWidth = 420;
 
 // Ended once, seen by both threads.
 class EndSignal {
@@ -54,6 +55,15 @@ void ShowUntilEnded(QWidget* owner, const QString& text, int64_t total, WorkPort
   label->setTextFormat(Qt::PlainText);  // names may look like markup
   label->setWordWrap(true);
   progress.setLabel(label);
+  const QString plain = label->text();
+  const auto showDetail = [&] {
+    const QString detail = port.detail();
+    if (detail.isEmpty()) return;
+    // The width stays as it is whatever the names.
+    label->setMinimumWidth(kDetailWidth);
+    label->setText(plain + QLatin1Char('\n') + label->fontMetrics().elidedText(detail, Qt::ElideMiddle, kDetailWidth));
+  };
+  showDetail();
   progress.setRange(0, total > 0 ? kSteps : 0);
   QObject::connect(&progress, &QProgressDialog::canceled, &loop, [&] {
     port.Cancel();
@@ -62,12 +72,15 @@ void ShowUntilEnded(QWidget* owner, const QString& text, int64_t total, WorkPort
   });
   QTimer update;
   QObject::connect(&update, &QTimer::timeout, &loop, [&] {
+    showDetail();
     if (total > 0)
       progress.setValue(static_cast<int>(std::min<double>(1, double(port.done()) / double(total)) * kSteps));
   });
   update.start(kBetweenUpdates);
   progress.show();
   if (!end.WaitFor(milliseconds(0))) loop.exec();
+  // The program ends, and nobody is there any more to wait.
+  if (!end.WaitFor(milliseconds(0))) port.Cancel();
 }
 
 void WaitWithEvents(QWidget* owner, const QString& text, int64_t total, WorkPort& port, EndSignal& end,
