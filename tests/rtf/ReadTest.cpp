@@ -188,6 +188,25 @@ const Row kLists[] = {
      "<embedded/png/30x200/'A.B'>\uFFFC<>x"},
 };
 
+const std::string kStyles =
+    "{\\stylesheet{\\fs30 N;}{\\s1\\b\\fs40\\li300 H;}{\\s2\\sbasedon1\\i\\tx9 S;}{\\*\\cs3\\additive\\ul "
+    "C;}{\\s4\\sbasedon5\\qc;}{\\s5\\sbasedon4\\b;}{\\ts6\\b;}}\\pard";
+
+const Row kStyled[] = {
+    {kStyles + "\\s1 a\\par\\pard b", "<b fs40>a\n[li300]<>b"},
+    {kStyles + "\\s1\\li300\\fs40 a\\par b\\li0\\par", "<fs40>a\n[li300]b"},
+    {kStyles + "\\s1\\ul\\sb20 a\\fs20 b\\par", "<b ul fs40>a<b ul fs20>b$[li300 sb20]"},
+    {kStyles + "\\s1 a{\\plain b}c\\plain d\\par\\pard\\plain\\s1\\plain e",
+     "<b fs40>a<>b<b fs40>c<>d\n[li300]<b fs40>e$[li300]"},
+    {kStyles + "\\s2 a{\\cs3 b}{\\cs3\\ul0 c}d", "<b i fs40>a<b i ul fs40>b<b i fs40>cd$[li300 tx9]"},
+    {kStyles + "\\s4 a\\s0 b\\s6 c\\s9 d", "<b>a<fs30>b<>cd"},
+    {kStyles + "\\s1\\lang9 a\\par\\pard\\s1 b", "<b fs40>a\n[li300]b$[li300]"},
+    {"{\\*\\listtable{\\list{\\listlevel\\levelnfc23\\fi-9\\li70}\\listid7}}{\\*\\listoverridetable{"
+     "\\listoverride\\listid7\\ls1}}"
+     "\\ls1 a\\par\\li0 b\\par\\pard c",
+     "a\n[bullet fi-9 li70]b\n[bullet fi-9]c"},
+};
+
 const Row kObjects[] = {
     {R"({\pict\wmetafile8\picw2540\pich1270 01000900000300000000000000000000000000})", "<picture/wmf/1440x720>\uFFFC"},
     {R"({\pict\dibitmap0\picw2\pich2 424d})", "<picture/30x30>\uFFFC"},
@@ -216,6 +235,7 @@ INSTANTIATE_TEST_SUITE_P(Paragraphs, RtfReading, testing::ValuesIn(kParagraphs))
 INSTANTIATE_TEST_SUITE_P(Groups, RtfReading, testing::ValuesIn(kGroups));
 INSTANTIATE_TEST_SUITE_P(Links, RtfReading, testing::ValuesIn(kLinks));
 INSTANTIATE_TEST_SUITE_P(Lists, RtfReading, testing::ValuesIn(kLists));
+INSTANTIATE_TEST_SUITE_P(Styled, RtfReading, testing::ValuesIn(kStyled));
 INSTANTIATE_TEST_SUITE_P(Objects, RtfReading, testing::ValuesIn(kObjects));
 INSTANTIATE_TEST_SUITE_P(Tables, RtfReading, testing::ValuesIn(kTables));
 

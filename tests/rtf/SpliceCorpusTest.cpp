@@ -53,7 +53,7 @@ class Replay : public RtfWatcher {
     Follow(span);
     CharFormat format = source_.content.formats()[source_.content.CharFormatAt(Here())];
     format.object = ObjectId::kNone;
-    if (format != reader_.inForce().chars) complaint += "format of " + std::string(utf8) + "\n";
+    if (kind != Text::kGroup && format != reader_.inForce().chars) complaint += "format of " + std::string(utf8) + "\n";
     if (kind == Text::kBytes && static_cast<unsigned char>(utf8[0]) < 0x80 &&
         utf8 != Bytes().substr(span.begin, span.size()))
       complaint += "bytes of " + std::string(utf8) + "\n";
@@ -75,6 +75,7 @@ class Replay : public RtfWatcher {
   void OnGroupEnd(size_t) override {}
   void OnField(size_t) override {}
   void OnParagraphWord(Span, bool) override {}
+  void OnUnknownWord(Span) override {}
   void OnTableEnd(Table, size_t) override {}
   void OnEnd(size_t) override {}
 

@@ -194,6 +194,86 @@ TEST(RtfSplice, SavingIsCancelledAtEachReport) {
   }
 }
 
+// What the model does not know stays where it is, whatever happens beside it.
+TEST(RtfSplice, Unknown) {
+  const auto bullet = [](const std::string& text) -> Edit {
+    return [=](Edited& e) { e.Paragraphs(text, [](ParaFormat& f) { f.bullet = !f.bullet, f.list = ListId::kNone; }); };
+  };
+  const auto replace = [](const std::string& old, const std::string& text) -> Edit {
+    return [=](Edited& e) { e.Put(e.Find(old), text, e.content.CharFormatAt(e.Find(old).begin)); };
+  };
+  const auto listed = [](const std::string& text) -> Edit {
+    return [=](Edited& e) {
+      e.Paragraphs(text, [&](ParaFormat& f) {
+        const std::string label(1, 0);
+        f.list = e.formats().Intern(List{5, {{.label = label + "."}, {.label = label + ")"}}});
+      });
+    };
+  };
+  const auto moveNote = [](Edited& e) {
+    const Range note = e.Find("\uFFFC");
+    const Content moved = e.content.Slice(note);
+    e.content = e.content.WithReplaced(note, Content(e.content.store())).WithReplaced({Units(0), Units(0)}, moved);
+  };
+  const Row kRows[] = {
+      {"{\\rtf1\\pard\\plain a\\par\\pard\\plain\\pagebb\\keepn\\caps b\\par}", Type("a", "\r\nq"),
+       "{\\rtf1\\pard\\plain a\\par\r\nq\\par\\pard\\plain\\pagebb\\keepn\\caps b\\par}"},
+      {"{\\rtf1\\pard\\tqr\\tldot\\tx900\\absw300 a\\par b\\par}", bullet("a"),
+       "{\\rtf1{\\fonttbl{\\f1\\fnil\\fcharset2 Symbol;}}\\pard\\tqr\\tldot\\tx900\\absw300 "
+       "{\\pntext\\f1\\'B7\\tab}{\\*\\pn\\pnlvlblt\\pnf1\\pnindent0{\\pntxtb\\'B7}}a\\par "
+       "\\pard\\tqr\\tldot\\tx900\\absw300 b\\par}"},
+      {"{\\rtf1\\pard\\tqr\\tx900{\\keep\\tqc\\tx500 a\\par}b\\par}",
+       [](Edited& e) { e.Paragraphs("a", [&](ParaFormat& f) { f.tabs = e.formats().Intern(Tabs{500}); }); },
+       "{\\rtf1\\pard\\tqr\\tx900{\\keep\\tqc\\tx500 \\pard\\keep\\tqc\\tx500 a\\par}b\\par}"},
+      {"{\\rtf1 a {\\uldb dou ble} b\\par}", replace("dou ble", "xyz"), "{\\rtf1 a {\\uldb xyz} b\\par}"},
+      {"{\\rtf1 {\\*\\bkmkstart m}bc{\\*\\bkmkend m}\\par}", replace("bc", "X"),
+       "{\\rtf1 {\\*\\bkmkstart m}X{\\*\\bkmkend m}\\par}"},
+      {"{\\rtf1{\\field{\\*\\fldinst FORMTEXT}{\\fldrslt old}}\\par}", replace("old", "new"),
+       "{\\rtf1{\\field{\\*\\fldinst FORMTEXT}{\\fldrslt new}}\\par}"},
+      {"{\\rtf1 a\\chftn{\\footnote {\\b N}}\\par}", moveNote, "{\\rtf1 \\chftn{\\footnote {\\b N}}a\\par}"},
+      {"{\\rtf1{\\*\\listtable{\\list{\\listlevel\\levelnfc23{\\leveltext\\'01\\'b7;}}{\\listlevel\\levelnfc23\\li9{"
+       "\\leveltext\\'01o;}}\\listid7}}{\\*\\listoverridetable{\\listoverride\\listid7\\ls2}}\\pard\\ls2\\ilvl1 a\\par "
+       "b\\par}",
+       bullet("a"),
+       "{\\rtf1{\\*\\listtable{\\list{\\listlevel\\levelnfc23{\\leveltext\\'01\\'b7;}}{\\listlevel\\levelnfc23\\li9{"
+       "\\leveltext\\'01o;}}\\listid7}}{\\*\\listoverridetable{\\listoverride\\listid7\\ls2}}\\pard\\ls2\\ilvl1 "
+       "\\pard\\li9 a\\par \\ls2\\ilvl1\\fi0\\li9 b\\par}"},
+      {"{\\rtf1\\ansi a\\par b\\par}", listed("a"),
+       "{\\rtf1\\ansi "
+       "{\\*\\listtable{\\list\\listtemplateid5{"
+       "\\listlevel\\levelnfc0\\levelnfcn0\\leveljc0\\leveljcn0\\levelfollow0\\levelstartat1{\\leveltext\\'02\\'00.;}{"
+       "\\levelnumbers\\'01;}}{\\listlevel\\levelnfc0\\levelnfcn0\\leveljc0\\leveljcn0\\levelfollow0\\levelstartat1{"
+       "\\leveltext\\'02\\'00);}{\\levelnumbers\\'01;}}{\\listname "
+       ";}\\listid5}\r\n}{\\*\\listoverridetable{\\listoverride\\listid5\\listoverridecount0\\ls1}}"
+       "\\ls1\\ilvl0\\fi0\\li0 a\\par "
+       "\\pard b\\par}"},
+      {"{\\rtf1{\\colortbl\\red0;\\red255;}{\\highlight1 a}\\par}",
+       [](Edited& e) { e.Chars("a", [](CharFormat& f) { f.background = Color{}; }); },
+       "{\\rtf1{\\colortbl\\red0;\\red255;}{\\highlight1 {\\highlight0 a}}\\par}"},
+      {"{\\rtf1 a{\\field{\\*\\fldinst SYMBOL 183 \\\\f \"Symbol\"}}b\\par}", Flag("\uF0B7", kBold),
+       "{\\rtf1 {\\fonttbl{\\f1\\fnil\\fcharset2 Symbol;}}a{\\b\\f1\\'b7}b\\par}"},
+      {"{\\rtf1 a{\\object{\\result{bc}}}d\\par}", Delete("bc"), "{\\rtf1 ad\\par}"},
+      {"{\\rtf1 a\\u8364\\par b\\par}", Delete("\r\n"), "{\\rtf1 a\\u8364{}b\\par}"},
+      {"{\\rtf1{\\stylesheet{\\s1\\li300\\sb240\\b H;}}\\pard\\s1\\tx9 a\\par}",
+       [](Edited& e) { e.Paragraphs("a", [](ParaFormat& f) { f.tabs = TabsId::kNone; }); },
+       "{\\rtf1{\\stylesheet{\\s1\\li300\\sb240\\b H;}}\\pard\\s1\\tx9 \\pard\\s1\\li300\\sb240 a\\par}"},
+  };
+  for (const Row& row : kRows) Check(row);
+}
+
+// A field that goes takes with it the places for new text that were in it.
+TEST(RtfSplice, WholeFields) {
+  std::string inner;
+  for (int i = 0; i < 30; ++i) inner += "x{\\field{\\*\\fldinst PAGEREF m}{\\fldrslt 1}}";
+  Edited edited("{\\rtf1{\\field{\\*\\fldinst DATE}{\\fldrslt a" + inner +
+                "b}}{\\field{\\*\\fldinst HYPERLINK y}{\\fldrslt c}}\\par}");
+  const Range all{edited.Find("a").begin, edited.Find("b").end};
+  CharFormat bold;
+  bold.flags = kBold;
+  edited.Put(all, "XYZ", edited.formats().Intern(bold));
+  EXPECT_EQ(edited.Saved(), "{\\rtf1{\\b XYZ}{\\field{\\*\\fldinst HYPERLINK y}{\\fldrslt c}}\\par}");
+}
+
 // Whatever is edited, it finds its place in the file.
 TEST(RtfSplice, RandomEdits) {
   const std::string kSources[] = {

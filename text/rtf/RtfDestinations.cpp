@@ -32,6 +32,9 @@ bool RtfReader::OpenTable(Op op) {
     case Op::kOpenColors:
       if (inText) Enter(Mode::kColors, Opened::kNothing);
       return true;
+    case Op::kOpenStyles:
+      if (inText) Enter(Mode::kStyles, Opened::kStyles);
+      return true;
     case Op::kOpenLists:
       if (inText) Enter(Mode::kLists, Opened::kNothing);
       return true;
@@ -135,11 +138,18 @@ bool RtfReader::OpenText(Op op) {
 void RtfReader::Enter(Mode mode, Opened opened) {
   SetMode(mode);
   state().opened = opened;
-  if (mode == Mode::kColors) tables_.colors.clear(), color_ = Color{};
+  if (mode == Mode::kColors) inForce_.tables().colors.clear(), color_ = Color{};
   if (opened == Opened::kList) lists_.BeginList();
   if (opened == Opened::kOverride) lists_.BeginOverride();
   if (opened == Opened::kNumbering) lists_.BeginNumbering();
   if (opened == Opened::kFonts) fontNumber_.reset(), font_ = FontEntry{};
+}
+
+// Each group of the style sheet is a style of its own.
+void RtfReader::BeginStyle() {
+  static_cast<Look&>(state()) = {};
+  state().opened = Opened::kStyle;
+  inForce_.styles().Begin();
 }
 
 // The group's own bytes, closing brace included, unless the file's end cuts it off or raw data makes it unfit for
@@ -173,15 +183,18 @@ void RtfReader::OpenUnicodeAlternative() {
 
 void RtfReader::OpenField() {
   state().opened = Opened::kField;
-  fields_.push_back({{}, false, output_.count(), groupBegin_});
+  fields_.push_back({{}, false, {}, output_.count(), groupBegin_});
   if (watcher_) watcher_->OnField(groupBegin_);
 }
 
 void RtfReader::OpenResult() {
-  const Field& field = fields_.back();
-  const std::string target = field.tooLong ? std::string() : LinkTarget(field.instruction);
-  if (target.empty()) return;
-  state().link = formats_.InternLink(target);
+  Field& field = fields_.back();
+  if (!field.link) {
+    const std::string target = field.tooLong ? std::string() : LinkTarget(field.instruction);
+    field.link = formats_.InternLink(target);
+  }
+  if (field.link == LinkId::kNone) return;
+  state().link = *field.link;
   state().charIdGood = false;
 }
 
@@ -194,13 +207,10 @@ void RtfReader::CloseField() {
   if (symbol.character == 0) return;
   span_ = {field.begin, tokenizer_.position()};
   spanKind_ = RtfWatcher::Text::kGroup;
-  CurrentChars();
-  if (!symbol.font.empty()) {
-    state().chars.font = formats_.Intern(Font{symbol.font, 2, 0});
-    state().charIdGood = false;
-  }
   if (symbol.character == '\r' || symbol.character == '\n') return Paragraph();
+  if (!symbol.font.empty()) symbolFont_ = formats_.Intern(Font{symbol.font, 2, 0});
   Character(symbol.character);
+  symbolFont_.reset();
 }
 
 // A note within a note, or in what is no text, is passed over.
@@ -236,6 +246,7 @@ void RtfReader::Object() {
   ScannedObject scanned = ScanObject(tokenizer_, owner_);
   if (scanned.showsText) {
     state().inObject = true;
+    if (watcher_) watcher_->OnField(groupBegin_);
     return;
   }
   Skip();

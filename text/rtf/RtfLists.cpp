@@ -96,6 +96,12 @@ void RtfLists::Word(const Keyword& word, int32_t number, bool overrides) {
     case Op::kFont:
       if (level_) level_->font = number;
       return;
+    case Op::kLeftIndent:
+      if (level_) level_->leftIndent = ClampLength(number);
+      return;
+    case Op::kFirstIndent:
+      if (level_) level_->firstIndent = ClampLength(number);
+      return;
     case Op::kLevelStart:
       if (overrides && override_.levelCount > 0 && override_.levelCount <= kMaxListLevels)
         override_.starts[override_.levelCount - 1] = number;
@@ -124,7 +130,7 @@ void RtfLists::LevelByte(uint8_t raw) {
 
 bool RtfLists::FinishList() {
   level_ = nullptr;
-  found_.clear();
+  found_.clear(), numbersKnown_ = false;
   if (!listId_) return true;
   if (lists_.size() == kMaxLists) return false;
   lists_.insert_or_assign(*listId_, std::move(list_));
@@ -133,7 +139,7 @@ bool RtfLists::FinishList() {
 
 bool RtfLists::FinishOverride() {
   level_ = nullptr;
-  found_.clear();
+  found_.clear(), numbersKnown_ = false;
   if (!listId_ || !overrideNumber_) return true;
   if (overrides_.size() == kMaxLists) return false;
   override_.list = *listId_;
@@ -225,13 +231,22 @@ std::optional<ListUse> RtfLists::Find(int32_t number, int32_t level, const Label
   const auto at = static_cast<uint8_t>(std::clamp<int32_t>(level, 0, static_cast<int32_t>(levels.size()) - 1));
   const bool isBullet = levels[at].kind == kBulletKind;
   const bool shown = isBullet || !list.levels[at].label.empty();
-  return found_[{number, level}] = UseOf(std::move(list), at, shown);
+  ListUse use = UseOf(std::move(list), at, shown);
+  use.leftIndent = levels[at].leftIndent;
+  use.firstIndent = levels[at].firstIndent;
+  return found_[{number, level}] = use;
 }
 
+// A level may have the usual bullet, which is no list of its own.
 int32_t RtfLists::NumberOf(ListId list, const LabelFonts& fonts) {
-  for (const auto& [number, override] : overrides_)
-    if (const auto use = Find(number, 0, fonts); use && use->list == list) return number;
-  return 0;
+  if (!std::exchange(numbersKnown_, true)) {
+    numbers_.clear();
+    for (const auto& [number, override] : overrides_)
+      for (int32_t level = 0; level < static_cast<int32_t>(kMaxListLevels); ++level)
+        if (const auto use = Find(number, level, fonts)) numbers_.try_emplace(use->list, number);
+  }
+  const auto found = list == ListId::kNone ? numbers_.end() : numbers_.find(list);
+  return found == numbers_.end() ? 0 : found->second;
 }
 
 }  // namespace text::rtf

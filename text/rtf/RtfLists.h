@@ -20,6 +20,7 @@ struct ListUse {
   bool bullet = false;
   ListId list = ListId::kNone;
   uint8_t level = 0;
+  std::optional<int32_t> leftIndent, firstIndent;  // that the level gives
 };
 
 // What a font number of the file means.
@@ -53,7 +54,7 @@ class RtfLists {
   int32_t numberingFont() const { return numbering_.font; }  // -1: none
   ListUse FinishNumbering(const LabelFonts& fonts);
 
-  // The \ls that means the list; 0 for none.
+  // An \ls that means the list; 0 for none.
   int32_t NumberOf(ListId list, const LabelFonts& fonts);
   // What \ls and \ilvl mean; nothing when \ls is not defined.
   std::optional<ListUse> Find(int32_t number, int32_t level, const LabelFonts& fonts);
@@ -63,6 +64,7 @@ class RtfLists {
     int32_t kind = 0;  // \levelnfc
     int32_t start = 1;
     int32_t font = -1;
+    std::optional<int32_t> leftIndent, firstIndent;
     std::string label;  // a raw byte b past 0x7F as U+F000 + b
     bool counted = false;
   };
@@ -88,6 +90,8 @@ class RtfLists {
   std::map<int32_t, std::vector<Level>> lists_;  // by \listid
   std::map<int32_t, Override> overrides_;        // by \ls
   std::map<std::pair<int32_t, int32_t>, ListUse> found_;
+  std::map<ListId, int32_t> numbers_;
+  bool numbersKnown_ = false;
 
   // --- Under way
   std::vector<Level> list_;

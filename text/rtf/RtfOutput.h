@@ -28,6 +28,7 @@ class RtfOutput {
   void Break(CharFormatId format, ParaFormatId paragraph);
   // True behind the end of a cell.
   bool atCellEnd() const { return held_ && formats_[heldParagraph_].rowMark == RowMark::kCellEnd; }
+  bool atRowEnd() const { return held_ && formats_[heldParagraph_].rowMark == RowMark::kRowEnd; }
   // The format of the break that is held; it may be changed.
   ParaFormatId& heldParagraph() { return heldParagraph_; }
 

@@ -41,7 +41,8 @@ void ResetChars(GroupState& s) {
   s.chars = CharFormat{};
   s.script = 0;
   s.fontNumber = -1;
-  s.fontGeneration = 0;
+  s.said &= ~kAboutChars;
+  s.charStyle.inForce = false;
 }
 
 void ResetParagraph(GroupState& s) {
@@ -51,16 +52,9 @@ void ResetParagraph(GroupState& s) {
   s.inTable = false;
   s.tableLevel = 0;
   s.tabs.reset();
-}
-
-size_t SlotOf(const CharFormat& format, size_t slots) {
-  uint32_t hash = static_cast<uint32_t>(format.font) * 31 + format.halfPoints;
-  hash = hash * 31 + format.flags;
-  hash = hash * 31 + (format.color.rgb ^ format.color.rgb >> 12);
-  hash = hash * 31 + (format.background.rgb ^ format.background.rgb >> 12);
-  hash = hash * 31 + static_cast<uint32_t>(format.offset);
-  hash = hash * 31 + static_cast<uint32_t>(format.link);
-  return (hash ^ hash >> 7) % slots;
+  s.said &= ~kAboutParagraphs;
+  if (s.style.inForce) s.charIdGood = false;
+  s.style.EndParagraphFormat();
 }
 
 }  // namespace
@@ -83,8 +77,46 @@ void RtfReader::Property(const Keyword& word, const Token& token) {
       break;
   }
   if (word.kind == Kind::kRow) return RowWord(word, number);
-  if (CharacterProperty(word, on, number) || ParagraphProperty(word, number)) return;
-  DocumentProperty(word, token);
+  if (const Said said = SaidBy(word)) Say(said);
+  if (CharacterProperty(word, on, number) || ParagraphProperty(word, number) || StyleProperty(word, number)) return;
+  if (state().mode != Mode::kStyles || word.op == Op::kFallbackCount) DocumentProperty(word, token);
+}
+
+void RtfReader::Say(Said said) {
+  GroupState& s = state();
+  s.said |= said;
+  s.style.Say(said, stack_.size());
+  s.charStyle.Say(said, stack_.size());
+}
+
+// In the style sheet these words say what style is being defined.
+bool RtfReader::StyleProperty(const Keyword& word, int32_t number) {
+  using StyleKind = RtfStyles::Kind;
+  const bool defines = state().mode == Mode::kStyles;
+  RtfStyles& styles = inForce_.styles();
+  GroupState& s = state();
+  switch (word.op) {
+    case Op::kParagraphStyle:
+      if (defines) return styles.Number(StyleKind::kParagraph, number), true;
+      s.style.Name(number, stack_.size());
+      s.paragraphIdGood = false;
+      TellParagraphWord(false);
+      break;
+    case Op::kCharStyle:
+      if (defines) return styles.Number(StyleKind::kCharacter, number), true;
+      s.charStyle.Name(number, stack_.size());
+      break;
+    case Op::kOtherStyle:
+      if (defines) styles.Number(StyleKind::kOther, number);
+      return true;
+    case Op::kStyleBase:
+      if (defines) styles.BasedOn(number);
+      return true;
+    default:
+      return false;
+  }
+  s.charIdGood = false;
+  return true;
 }
 
 bool RtfReader::CharacterProperty(const Keyword& word, bool on, int32_t number) {
@@ -97,17 +129,17 @@ bool RtfReader::CharacterProperty(const Keyword& word, bool on, int32_t number) 
       s.chars.flags = WithFlag(s.chars.flags, text::kUnderline, false);
       break;
     case Op::kFont:
-      s.fontNumber = number, s.fontGeneration = 0;
+      s.fontNumber = number;
       break;
     case Op::kFontSize:
       if (number > 0) s.chars.halfPoints = static_cast<uint16_t>(std::min(number, kMaxHalfPoints));
       break;
     case Op::kColor:
-      s.chars.color = ColorAt(number);
+      s.chars.color = inForce_.tables().ColorAt(number);
       break;
     // Unlike the others, 0 here means none even if the table gives that place a colour.
     case Op::kBackground:
-      s.chars.background = number == 0 ? Color{} : ColorAt(number);
+      s.chars.background = number == 0 ? Color{} : inForce_.tables().ColorAt(number);
       break;
     case Op::kUp:
     case Op::kDown:
@@ -118,7 +150,10 @@ bool RtfReader::CharacterProperty(const Keyword& word, bool on, int32_t number) 
       break;
     case Op::kPlain:
       ResetChars(s);
+      s.style.Plain(stack_.size());
       break;
+    case Op::kLanguage:
+      return true;
     default:
       return false;
   }
@@ -154,7 +189,7 @@ bool RtfReader::ParagraphProperty(const Keyword& word, int32_t number) {
       AddTab(number);
       break;
     case Op::kParagraphShading:
-      s.paragraph.box.shading = number == 0 ? Color{} : ColorAt(number);
+      s.paragraph.box.shading = number == 0 ? Color{} : inForce_.tables().ColorAt(number);
       break;
     case Op::kInTable:
       s.inTable = true;
@@ -182,13 +217,13 @@ void RtfReader::DocumentProperty(const Keyword& word, const Token& token) {
       state().fallbackCount = static_cast<uint8_t>(std::clamp(number, 0, 255));
       return;
     case Op::kAnsiCodePage:
-      ansiCodePage_ = number;
+      inForce_.tables().ansiCodePage = number;
       break;
     case Op::kCharacterSet:
-      characterSet_ = word.value;
+      inForce_.tables().characterSet = word.value;
       break;
     case Op::kDefaultFont:
-      defaultFont_ = number;
+      inForce_.tables().defaultFont = number;
       break;
     case Op::kDefaultTab:
       result_.properties.defaultTab = std::clamp(number, 1, kMaxLength);
@@ -202,8 +237,7 @@ void RtfReader::DocumentProperty(const Keyword& word, const Token& token) {
     default:
       return;
   }
-  ++tables_.fontGeneration;
-  return;
+  ++inForce_.tables().fontGeneration;
 }
 
 void RtfReader::KeepHeaderWord(const Keyword& word, const Token& token) {
@@ -215,9 +249,10 @@ void RtfReader::KeepHeaderWord(const Keyword& word, const Token& token) {
 }
 
 void RtfReader::RowWord(const Keyword& word, int32_t number) {
-  if (state().mode != Mode::kBody) return;
-  const Color color = number == 0 ? Color{} : ColorAt(number);
-  if (BoxWord(word, number, color)) return;
+  if (state().mode == Mode::kStyles && word.word == "ts") inForce_.styles().Number(RtfStyles::Kind::kOther, number);
+  if (state().mode != Mode::kBody && state().mode != Mode::kStyles) return;
+  const Color color = number == 0 ? Color{} : inForce_.tables().ColorAt(number);
+  if (BoxWord(word, number, color) || state().mode == Mode::kStyles) return;
   RowDefinition& row = rows_.definition(state().nestedRow);
   if (word.op != Op::kRowDefault) return row.Word(word, number, color);
   row.Begin();
@@ -250,6 +285,7 @@ bool RtfReader::BoxWord(const Keyword& word, int32_t number, Color color) {
       return false;
   }
   if (boxSides_ == 0) return true;
+  Say(kSaidBox);
   state().paragraphIdGood = false;
   TellParagraphWord(false);
   return true;
@@ -285,75 +321,6 @@ void RtfReader::AddTab(int32_t position) {
     return;
   }
   s.tabs->insert(place, position);
-}
-
-void RtfReader::LookUpFont() {
-  GroupState& s = state();
-  auto found = s.fontNumber < 0 ? tables_.fonts.end() : tables_.fonts.find(s.fontNumber);
-  if (found == tables_.fonts.end()) found = tables_.fonts.find(defaultFont_);
-  int page = ansiCodePage_ > 0 ? ansiCodePage_ : characterSet_;
-  s.chars.font = FontId::kDefault;
-  if (found != tables_.fonts.end()) {
-    FontEntry& entry = found->second;
-    if (!entry.id) entry.id = formats_.Intern(entry.font);
-    s.chars.font = *entry.id;
-    page = PageOf(entry);
-  }
-  s.codePage = &pages_[page];
-  s.fontGeneration = tables_.fontGeneration;
-  s.charIdGood = false;
-}
-
-Color RtfReader::ColorAt(int32_t index) const {
-  if (index < 0 || static_cast<size_t>(index) >= tables_.colors.size()) return {};
-  return tables_.colors[static_cast<size_t>(index)];
-}
-
-CharFormatId RtfReader::CurrentChars() {
-  GroupState& s = state();
-  if (s.fontGeneration != tables_.fontGeneration) LookUpFont();
-  if (s.charIdGood) return s.charId;
-  CharFormat format = s.chars;
-  format.link = s.link;
-  if (s.script != 0) {
-    // As word processors draw it: two thirds of the size, raised by a third or lowered by a sixth.
-    const int32_t size = format.halfPoints;
-    format.halfPoints = static_cast<uint16_t>(std::max(1, size * 2 / 3));
-    format.offset += s.script > 0 ? size / 3 * 10 : -(size / 6 * 10);
-  }
-  CachedFormat& cached = cache_[SlotOf(format, cache_.size())];
-  if (!cached.used || cached.format != format) cached = {format, formats_.Intern(format), true};
-  s.charId = cached.id;
-  s.charIdGood = true;
-  return s.charId;
-}
-
-CharFormatId RtfReader::CharsOfBreak() {
-  const CharFormatId current = CurrentChars();
-  if (state().link == LinkId::kNone) return current;
-  CharFormat format = formats_[current];
-  format.link = LinkId::kNone;
-  return formats_.Intern(format);
-}
-
-ListUse RtfReader::ListOf(const GroupState& group) {
-  if (group.listOverride == 0) return group.numbering;
-  return lists_.Find(group.listOverride, group.listLevel, [this](int32_t f) { return LabelFontOf(f); })
-      .value_or(group.numbering);
-}
-
-ParaFormatId RtfReader::CurrentParagraph() {
-  GroupState& s = state();
-  if (s.paragraphIdGood) return s.paragraphId;
-  const ListUse use = ListOf(s);
-  s.paragraph.bullet = use.bullet;
-  s.paragraph.list = use.list;
-  s.paragraph.listLevel = use.level;
-  if (ParaBox& box = s.paragraph.box; box.borders == 0) box = {0, 0, 0, {}, box.shading};
-  s.paragraph.tabs = s.tabs ? formats_.Intern(*s.tabs) : TabsId::kNone;
-  s.paragraphId = formats_.Intern(s.paragraph);
-  s.paragraphIdGood = true;
-  return s.paragraphId;
 }
 
 }  // namespace text::rtf

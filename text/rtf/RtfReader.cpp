@@ -43,9 +43,9 @@ ReadResult RtfReader::Run(bool fragment, const Progress& progress) {
   FlushSurrogate();
   if (output_.inParagraph()) tailParagraph_ = rows_.AtBreak(tailParagraph_, tailLevel_, output_.breaks());
   result_.content = output_.Finish(fragment, tailParagraph_, rows_.Finish());
-  const int page = ansiCodePage_ > 0 ? ansiCodePage_ : characterSet_;
-  result_.properties.codePage = IsKnownCodePage(page) ? page : 1252;
-  if (const auto found = tables_.fonts.find(defaultFont_); found != tables_.fonts.end())
+  const Tables& tables = inForce_.tables();
+  result_.properties.codePage = IsKnownCodePage(tables.codePage()) ? tables.codePage() : 1252;
+  if (const auto found = tables.fonts.find(tables.defaultFont); found != tables.fonts.end())
     result_.properties.defaultFont = formats_.Intern(found->second.font);
   return std::move(result_);
 }
@@ -112,7 +112,8 @@ void RtfReader::OpenGroup() {
   }
   if (watcher_) watcher_->OnGroup(groupBegin_);
   stack_.push_back(stack_.back());
-  state().opened = Opened::kNothing;
+  const bool style = std::exchange(state().opened, Opened::kNothing) == Opened::kStyles;
+  if (style) BeginStyle();
 }
 
 void RtfReader::CloseGroup() {
@@ -138,17 +139,22 @@ void RtfReader::CloseGroup() {
       CloseField();
       break;
     case Opened::kNumbering:
-      stack_[stack_.size() - 2].numbering = lists_.FinishNumbering([this](int32_t f) { return LabelFontOf(f); });
-      stack_[stack_.size() - 2].paragraphIdGood = false;
+      inForce_.FinishNumbering(stack_[stack_.size() - 2]);
       TellParagraphWord(false);
       break;
+    case Opened::kStyle:
+      LimitUnless(inForce_.styles().Finish(state()));
+      break;
     case Opened::kNothing:
+    case Opened::kStyles:
     case Opened::kNote:
     case Opened::kAlternative:
       break;
   }
   if (watcher_) TellClosing();
   if (stack_.size() == 1) {
+    // Behind a table's last row there is a paragraph that no \par needs to close.
+    if (output_.atRowEnd()) tailParagraph_ = CurrentParagraph();
     done_ = true;
     return;
   }
@@ -156,6 +162,11 @@ void RtfReader::CloseGroup() {
   stack_.pop_back();
   if (note) CloseNote();
   if (watcher_) watcher_->OnGroupEnd(tokenizer_.position());
+}
+
+void RtfReader::SawText() {
+  sawText_ = true;
+  state().style.sealed = state().charStyle.sealed = kAboutChars | kAboutParagraphs;
 }
 
 // A paragraph format ends with its group; a last paragraph without \par keeps the one its last text had.
@@ -174,7 +185,9 @@ void RtfReader::Word(const Token& token) {
   }
   if (recordingRow_ || (word && word->kind == Kind::kRow)) RecordRow(word, token);
   const bool destination = word && word->kind == Kind::kDestination;
-  if (starred_ && !destination) return Skip();
+  const bool styleName = state().mode == Mode::kStyles && word && word->op == Op::kCharStyle;
+  if (starred_ && !destination && !styleName) return Skip();
+  if (watcher_ && (!word || word->kind == Kind::kRow) && !recordingRow_ && inBody()) watcher_->OnUnknownWord(span_);
   if (!word) return;
   if (destination) {
     // The data of pictures and objects is no text wherever its word stands.
@@ -252,14 +265,14 @@ void RtfReader::Hex(int32_t value) {
 const CodePage& RtfReader::Page() {
   const Mode mode = state().mode;
   if (mode == Mode::kFonts) {
-    const int page = PageOf(font_);
+    const Tables& tables = inForce_.tables();
+    const int page = tables.CodePageOf(font_);
     // Names of symbol fonts are no symbols.
-    return pages_[page != kSymbolCodePage ? page : ansiCodePage_ > 0 ? ansiCodePage_ : characterSet_];
+    return inForce_.Page(page != kSymbolCodePage ? page : tables.codePage());
   }
   if (mode == Mode::kLabelBefore || mode == Mode::kLabelAfter)
-    if (const CodePage* page = LabelFontOf(lists_.numberingFont()).codePage) return *page;
-  if (state().fontGeneration != tables_.fontGeneration) LookUpFont();
-  return *state().codePage;
+    if (const CodePage* page = inForce_.LabelFontOf(lists_.numberingFont()).codePage) return *page;
+  return inForce_.Page(state());
 }
 
 void RtfReader::Byte(uint8_t byte) {
@@ -333,9 +346,15 @@ void RtfReader::EmitBody(std::string_view utf8) {
   if (utf8.empty()) return;
   FlushSurrogate();
   if (watcher_) TellText(utf8);
-  output_.Text(utf8, CurrentChars());
+  CharFormatId id = CurrentChars();
+  if (symbolFont_) {
+    CharFormat format = formats_[id];
+    format.font = *symbolFont_;
+    id = formats_.Intern(format);
+  }
+  output_.Text(utf8, id);
   tailDepth_ = stack_.size();
-  sawText_ = true;
+  SawText();
 }
 
 // One character that stands for the object.
@@ -349,7 +368,7 @@ void RtfReader::Anchor(EmbeddedObject object) {
   }
   output_.Text("\uFFFC", formats_.Intern(format));
   tailDepth_ = stack_.size();
-  sawText_ = true;
+  SawText();
 }
 
 bool LooksLikeRtf(std::string_view bytes) {

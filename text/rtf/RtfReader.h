@@ -2,11 +2,10 @@
 #pragma once
 
 #include "text/rtf/Rtf.h"
-#include "text/rtf/RtfLists.h"
+#include "text/rtf/RtfFormats.h"
 #include "text/rtf/RtfOutput.h"
 #include "text/rtf/RtfRows.h"
 #include "text/rtf/RtfState.h"
-#include "text/rtf/RtfTables.h"
 #include "text/rtf/RtfWatcher.h"
 #include "text/rtfsyntax/RtfCodePages.h"
 #include "text/rtfsyntax/RtfTokenizer.h"
@@ -24,23 +23,20 @@ class RtfReader {
   InForce inForce();
   // False where text is none of the document's.
   bool inBody() const { return stack_.back().mode == Mode::kBody; }
-  int32_t NumberOf(ListId list) {
-    return lists_.NumberOf(list, [this](int32_t font) { return LabelFontOf(font); });
-  }
-  const Tables& tables() const { return tables_; }
-  const int32_t& defaultFont() const { return defaultFont_; }
+  int32_t NumberOf(ListId list) { return inForce_.NumberOf(list); }
+  const Tables& tables() { return inForce_.tables(); }
 
  private:
   struct Field {
     std::string instruction;
     bool tooLong = false;
-    int64_t textBefore = 0;  // the output's count at its beginning
+    std::optional<LinkId> link;  // of its result, once asked for
+    int64_t textBefore = 0;      // the output's count at its beginning
     size_t begin = 0;
   };
 
   // --- RtfReader.cpp: groups and text
   void Handle(const Token& token);
-  void SkipRest();
   void SetMode(Mode mode);
   void OpenGroup();
   void CloseGroup();
@@ -56,6 +52,7 @@ class RtfReader {
   void EmitBody(std::string_view utf8);
   void Anchor(EmbeddedObject object);
   void RememberTail();
+  void SawText();
   GroupState& state() { return stack_.back(); }
 
   // --- RtfWatch.cpp
@@ -78,12 +75,11 @@ class RtfReader {
   void RecordRow(const Keyword* word, const Token& token);
   void KeepHeaderWord(const Keyword& word, const Token& token);
   void AddTab(int32_t position);
-  void LookUpFont();
-  Color ColorAt(int32_t index) const;
-  ListUse ListOf(const GroupState& group);
-  CharFormatId CurrentChars();
-  CharFormatId CharsOfBreak();  // never a link
-  ParaFormatId CurrentParagraph();
+  bool StyleProperty(const Keyword& word, int32_t number);
+  void Say(Said said);
+  CharFormatId CurrentChars() { return inForce_.Chars(state()); }
+  CharFormatId CharsOfBreak() { return inForce_.CharsOfBreak(state()); }
+  ParaFormatId CurrentParagraph() { return inForce_.Paragraph(state()); }
 
   // --- RtfSymbols.cpp: symbols and \u
   void ControlSymbol(char symbol);
@@ -96,13 +92,13 @@ class RtfReader {
 
   // --- RtfDestinations.cpp: what groups hold
   void Destination(const Keyword& word);
-  void OpenDestination(Op op);
   bool OpenTable(Op op);
   bool OpenList(Op op);
   bool OpenText(Op op);
   void Skip() { tokenizer_.SkipGroup(); }
   void KeepGroup();
   void Enter(Mode mode, Opened opened);
+  void BeginStyle();
   void OpenField();
   void OpenResult();
   void CloseField();
@@ -121,15 +117,14 @@ class RtfReader {
   void ColorWord(const Keyword& word, int32_t number);
   void ColorText(std::string_view text);
   void LimitUnless(bool whole);
-  LabelFont LabelFontOf(int32_t number);
-  int PageOf(const FontEntry& entry) const;
 
   std::shared_ptr<const std::string> owner_;
   std::string_view bytes_;
   RtfTokenizer tokenizer_;
   RtfOutput output_;
   FormatTable& formats_;
-  CodePages pages_;
+  RtfFormats inForce_{formats_};
+  RtfLists& lists_ = inForce_.lists();
   ReadResult result_;
 
   // --- What the watcher is told of
@@ -162,12 +157,7 @@ class RtfReader {
   uint8_t tailLevel_ = 0;  // of tables
 
   // --- Document
-  Tables tables_;
-  RtfLists lists_{formats_};
   RtfRows rows_{formats_};
-  int32_t ansiCodePage_ = 0;  // 0: not said
-  int32_t characterSet_ = 1252;
-  int32_t defaultFont_ = 0;
   bool sawText_ = false;
 
   // --- Table entries under way
@@ -175,16 +165,10 @@ class RtfReader {
   FontEntry font_;
   Color color_;
   std::vector<Field> fields_;
+  std::optional<FontId> symbolFont_;  // that a field gives its character
   std::string noteText_, shapeName_;
   size_t noteBegin_ = 0;
   bool sawShapePicture_ = false;  // {\*\shppict}, whose like for old readers is to follow
-
-  struct CachedFormat {
-    CharFormat format;
-    CharFormatId id = CharFormatId::kDefault;
-    bool used = false;
-  };
-  std::array<CachedFormat, 64> cache_{};
 };
 
 }  // namespace text::rtf

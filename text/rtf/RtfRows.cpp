@@ -34,6 +34,10 @@ void RowDefinition::Begin() {
 
 void RowDefinition::Word(const Keyword& word, int32_t number, Color color) {
   if (ended_ && word.op != Op::kOtherBorder && word.op != Op::kBorderStyle) Begin();
+  if (word.op == Op::kOtherBorder || word.op == Op::kRowPassing || (word.op == Op::kBorderStyle && !bordersAtHand_)) {
+    bordersAtHand_ = word.op == Op::kOtherBorder ? nullptr : bordersAtHand_;
+    return;
+  }
   ids_.fill({});
   switch (word.op) {
     case Op::kRowLeft:
@@ -53,9 +57,6 @@ void RowDefinition::Word(const Keyword& word, int32_t number, Color color) {
       bordersAtHand_ = &cell_.cell.borders;
       sideAtHand_ = static_cast<uint8_t>(word.value);
       cell_.said |= sideAtHand_;
-      return;
-    case Op::kOtherBorder:
-      bordersAtHand_ = nullptr;
       return;
     case Op::kBorderStyle:
       return SetBorder(word.value != 0);

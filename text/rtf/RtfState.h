@@ -3,9 +3,9 @@
 
 #include "text/Formats.h"
 #include "text/rtf/RtfLists.h"
+#include "text/rtf/RtfStyles.h"
 
 #include <cstdint>
-#include <memory>
 
 namespace text::rtf {
 
@@ -19,6 +19,7 @@ enum class Mode : uint8_t {
   kShapeName,    // the name of one
   kFonts,
   kColors,
+  kStyles,
   kLists,
   kOverrides,
   kLevelText,  // the label of a list's level
@@ -31,6 +32,8 @@ enum class Mode : uint8_t {
 enum class Opened : uint8_t {
   kNothing,
   kFonts,
+  kStyles,
+  kStyle,
   kList,
   kOverride,
   kNumbering,
@@ -39,7 +42,7 @@ enum class Opened : uint8_t {
   kAlternative,
 };
 
-struct GroupState {
+struct GroupState : Look {
   Mode mode = Mode::kBody;
   Opened opened = Opened::kNothing;
   uint8_t fallbackCount = 1;  // \uc
@@ -47,25 +50,23 @@ struct GroupState {
   bool nestedRow = false;     // in {\*\nesttableprops}
   LinkId link = LinkId::kNone;
 
-  // --- Characters. chars.font and codePage follow from fontNumber; -1 = the document's default font.
-  CharFormat chars;
-  int8_t script = 0;  // \super 1, \sub -1
-  bool charIdGood = false;
-  CharFormatId charId = CharFormatId::kDefault;  // of all the above
-  int32_t fontNumber = -1;
-  uint32_t fontGeneration = 0;  // of the font table when chars.font and codePage were looked up
-  const CodePage* codePage = nullptr;
+  // --- The styles named last, of paragraphs and of characters
+  StyleUse style, charStyle;
 
-  // --- Paragraphs. Tabs and label of `paragraph` follow from what is below it.
-  ParaFormat paragraph;
+  // --- What chars and paragraph mean with these, valid while the flag beside it says so
+  bool charIdGood = false;
+  CharFormatId charId = CharFormatId::kDefault;
+  uint32_t fontGeneration = 0;  // of the font table when this was looked up; 0: never
+  int32_t lookedUp = 0;         // the font's number
+  FontId font = FontId::kDefault;
+  const CodePage* codePage = nullptr;
   bool paragraphIdGood = false;
   ParaFormatId paragraphId = ParaFormatId::kDefault;
-  ListUse numbering;         // from {\*\pn}
-  int32_t listOverride = 0;  // \ls; 0 = none
-  int32_t listLevel = 0;
-  bool inTable = false;        // \intbl
-  uint8_t tableLevel = 0;      // \itap
-  std::shared_ptr<Tabs> tabs;  // shared with the groups around until one of them adds a tab
+
+  // --- Paragraphs
+  ListUse numbering;       // from {\*\pn}
+  bool inTable = false;    // \intbl
+  uint8_t tableLevel = 0;  // \itap
 
   uint8_t level() const { return tableLevel > 0 ? tableLevel : inTable ? 1 : 0; }
 };

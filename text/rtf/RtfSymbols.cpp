@@ -70,7 +70,7 @@ void RtfReader::Symbol(const Keyword& word) {
   tailParagraph_ = CurrentParagraph();
   tailLevel_ = state().level();
   tailDepth_ = 0;
-  sawText_ = true;
+  SawText();
 }
 
 void RtfReader::EndCell(uint8_t level) {
@@ -102,7 +102,7 @@ void RtfReader::Paragraph() {
   if (watcher_) TellBreak(false);
   output_.Break(CharsOfBreak(), format);
   tailDepth_ = 0;
-  sawText_ = true;
+  SawText();
 }
 
 // Numbers are signed 16 bit, but some writers give them unsigned, and a few whole characters past U+FFFF.

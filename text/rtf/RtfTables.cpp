@@ -44,13 +44,14 @@ void RtfReader::FinishFont() {
   font_ = FontEntry{};
   const std::optional<int32_t> number = std::exchange(fontNumber_, std::nullopt);
   if (!number) return;
-  if (tables_.fonts.size() == kMaxFonts && !tables_.fonts.contains(*number)) {
+  Tables& tables = inForce_.tables();
+  if (tables.fonts.size() == kMaxFonts && !tables.fonts.contains(*number)) {
     result_.limited = true;
     return;
   }
   entry.font.name = CleanFontName(entry.font.name);
-  tables_.fonts.insert_or_assign(*number, std::move(entry));
-  ++tables_.fontGeneration;
+  tables.fonts.insert_or_assign(*number, std::move(entry));
+  ++tables.fontGeneration;
 }
 
 void RtfReader::ColorWord(const Keyword& word, int32_t number) {
@@ -62,31 +63,19 @@ void RtfReader::ColorWord(const Keyword& word, int32_t number) {
 }
 
 void RtfReader::ColorText(std::string_view text) {
+  Tables& tables = inForce_.tables();
   for (char c : text) {
     if (c != ';') continue;
-    if (tables_.colors.size() == kMaxColors) {
+    if (tables.colors.size() == kMaxColors) {
       result_.limited = true;
       return;
     }
-    tables_.colors.push_back(std::exchange(color_, Color{}));
+    tables.colors.push_back(std::exchange(color_, Color{}));
   }
 }
 
 void RtfReader::LimitUnless(bool whole) {
   if (!whole) result_.limited = true;
-}
-
-LabelFont RtfReader::LabelFontOf(int32_t number) {
-  const auto found = tables_.fonts.find(number);
-  if (found == tables_.fonts.end()) return {};
-  FontEntry& entry = found->second;
-  if (!entry.id) entry.id = formats_.Intern(entry.font);
-  return {*entry.id, entry.charset == 2, &pages_[PageOf(entry)]};
-}
-
-int RtfReader::PageOf(const FontEntry& entry) const {
-  const int ansi = ansiCodePage_ > 0 ? ansiCodePage_ : characterSet_;
-  return entry.codePage > 0 ? entry.codePage : CodePageOfCharset(entry.charset, ansi);
 }
 
 }  // namespace text::rtf

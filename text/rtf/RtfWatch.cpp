@@ -12,10 +12,10 @@ bool RtfReader::Watch(RtfWatcher& watcher, const Progress& progress) {
 InForce RtfReader::inForce() {
   InForce now;
   now.chars = formats_[CurrentChars()];
-  now.plainChars = state().chars;
-  now.plainChars.link = now.chars.link;
-  now.script = state().script != 0;
+  now.script = inForce_.PlainChars(state(), now.plainChars);
   now.paragraph = formats_[CurrentParagraph()];
+  now.ofStyle = inForce_.OfStyle(state());
+  now.besideStyle = state().style.charsOff;
   now.tableLevel = state().level();
   now.fallbackCount = state().fallbackCount;
   now.multiByte = state().codePage->multiByte();
@@ -75,8 +75,10 @@ void RtfReader::TellClosing() {
   }
   if (!atBrace) return;
   if (group.opened == Opened::kFonts) watcher_->OnTableEnd(RtfWatcher::Table::kFonts, tokenizer_.begin());
-  if (group.mode == Mode::kColors && stack_[stack_.size() - 2].mode != Mode::kColors)
-    watcher_->OnTableEnd(RtfWatcher::Table::kColors, tokenizer_.begin());
+  if (group.mode == stack_[stack_.size() - 2].mode) return;
+  if (group.mode == Mode::kColors) watcher_->OnTableEnd(RtfWatcher::Table::kColors, tokenizer_.begin());
+  if (group.mode == Mode::kLists) watcher_->OnTableEnd(RtfWatcher::Table::kLists, tokenizer_.begin());
+  if (group.mode == Mode::kOverrides) watcher_->OnTableEnd(RtfWatcher::Table::kOverrides, tokenizer_.begin());
 }
 
 }  // namespace text::rtf

@@ -21,15 +21,17 @@ struct InForce {
   CharFormat plainChars;   // without what \super and \sub make of it
   bool script = false;     // these are in force
   ParaFormat paragraph;    // without its row
+  ParaFormat ofStyle;      // what the style that is named says of paragraphs
   uint8_t tableLevel = 0;  // 0: in no table
   int32_t fallbackCount = 1;
   bool multiByte = false;
-  int codePage = 1252;  // of the font
+  int codePage = 1252;       // of the font
+  bool besideStyle = false;  // \plain came behind the style's name: naming it again would bring its characters' look
 };
 
 class RtfWatcher {
  public:
-  enum class Table : uint8_t { kFonts, kColors };
+  enum class Table : uint8_t { kFonts, kColors, kLists, kOverrides };
   enum class Text : uint8_t {
     kBytes,  // as many units as bytes, each for itself
     kWhole,  // cannot be taken apart
@@ -55,6 +57,8 @@ class RtfWatcher {
   virtual void OnField(size_t begin) = 0;
   // A word or group that changes the paragraph's format; `reset` is \pard.
   virtual void OnParagraphWord(Span span, bool reset) = 0;
+  // A word that means nothing to the reader, or no more than part of a border.
+  virtual void OnUnknownWord(Span span) = 0;
   virtual void OnTableEnd(Table table, size_t end) = 0;  // before its brace
   // Before the brace that closes everything, or at the end of the bytes.
   virtual void OnEnd(size_t offset) = 0;

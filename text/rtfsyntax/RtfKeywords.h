@@ -36,6 +36,8 @@ enum class Op : uint8_t {
   kUp,
   kDown,
   kScript,
+  kLanguage,  // not read; says that a style's words are repeated
+  kCharStyle,
   // Paragraphs
   kParagraphDefault,
   kAlign,
@@ -53,7 +55,10 @@ enum class Op : uint8_t {
   kParagraphShading,
   kInTable,
   kTableLevel,
+  kParagraphStyle,
   // Inside the header's tables
+  kOtherStyle,  // of sections and tables
+  kStyleBase,
   kFontFamily,
   kFontCharset,
   kFontCodePage,
@@ -97,6 +102,7 @@ enum class Op : uint8_t {
   kSkipGroup,
   kKeepGroup,  // skipped, its bytes given back on saving
   kOpenFonts,
+  kOpenStyles,
   kOpenColors,
   kOpenLists,
   kOpenList,

@@ -10,6 +10,7 @@ namespace text::rtf {
 constexpr size_t kMaxDepth = 100'000;  // groups; deeper ones are only counted
 constexpr size_t kMaxFonts = 32'768;
 constexpr size_t kMaxColors = 65'536;
+constexpr size_t kMaxStyles = 32'768;
 constexpr size_t kMaxLists = 32'768;
 constexpr size_t kMaxListLevels = 9;
 constexpr size_t kMaxNameBytes = 256;          // of a font name

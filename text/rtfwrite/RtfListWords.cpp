@@ -1,4 +1,5 @@
 // The words for lists and tables' rows.
+#include "text/Utf16.h"
 #include "text/rtf/RtfLists.h"
 #include "text/rtfsyntax/RtfCharacters.h"
 #include "text/rtfsyntax/RtfCodePages.h"
@@ -13,6 +14,11 @@ namespace text::rtf {
 namespace {
 
 constexpr uint8_t kSymbolCharset = 2;
+
+// \levelnfc of a NumberStyle.
+constexpr std::array<int32_t, 7> kLevelKinds = {0, 1, 2, 3, 4, 5, 255};
+constexpr int32_t kBulletKind = 23;
+constexpr size_t kMaxLabelCount = 31;  // what is larger could be taken for a character where the count is missing
 
 // By NumberStyle.
 constexpr std::array<std::string_view, 7> kOldStyles = {"pndec",   "pnucrm", "pnlcrm", "pnucltr",
@@ -58,7 +64,8 @@ void RtfWords::Label(const ParaFormat& format, const FormatTable& formats, const
   Raw("\\tab}");
 }
 
-void RtfWords::ListOf(const ParaFormat& format, const FormatTable& formats, const TableNumbers& numbers) {
+void RtfWords::GiveList(const ParaFormat& format, const FormatTable& formats, const TableNumbers& numbers) {
+  Label(format, formats, numbers);
   if (format.list == ListId::kNone) {
     if (format.bullet) Raw("{\\*\\pn\\pnlvlblt"), Word("pnf", numbers.symbolFont), Raw("\\pnindent0{\\pntxtb\\'B7}}");
     return;
@@ -84,6 +91,50 @@ void RtfWords::ListOf(const ParaFormat& format, const FormatTable& formats, cons
   text("pntxtb", label.substr(0, number));
   if (number != std::string_view::npos) text("pntxta", label.substr(number + 1));
   Raw("}");
+}
+
+void RtfWords::LevelEntry(const ListLevel& level, const FormatTable& formats, const TableNumbers& numbers) {
+  const bool bullet = IsBullet(level) && level.style == NumberStyle::kNone;
+  const int32_t kind = bullet ? kBulletKind : kLevelKinds[static_cast<size_t>(level.style)];
+  Raw("{"), Word("listlevel");
+  for (const std::string_view word : {"levelnfc", "levelnfcn"}) Word(word, kind);
+  for (const std::string_view word : {"leveljc", "leveljcn", "levelfollow"}) Word(word, 0);
+  Word("levelstartat", level.start);
+  std::string text, places;
+  RtfWords label(text);
+  const TextCoding coding{level.font != FontId::kDefault && formats[level.font].charset == 2 ? kSymbolCodePage : 0, 1};
+  RtfWords placeWords(places);
+  size_t units = 0;
+  for (std::string_view rest = level.label; !rest.empty();) {
+    const char32_t c = TakeCharacter(rest);
+    const bool number = c < kMaxListLevels;
+    units += c > 0xFFFF ? 2 : 1;
+    if (number) placeWords.Hex(static_cast<uint8_t>(std::min<size_t>(units, 0xFF)));
+    if (number || c < 0x20) {
+      label.Hex(static_cast<uint8_t>(c));
+    } else {
+      std::string utf8;
+      AppendUtf8(utf8, c);
+      label.Text(utf8, coding);
+    }
+  }
+  Raw("{\\leveltext"), Hex(static_cast<uint8_t>(std::min(units, kMaxLabelCount))), Raw(text + ";}");
+  Raw("{\\levelnumbers" + places + ";}");
+  if (level.font != FontId::kDefault) Word("f", numbers.font(level.font));
+  Raw("}");
+}
+
+void RtfWords::ListEntry(const List& list, int32_t id, const FormatTable& formats, const TableNumbers& numbers) {
+  Raw("{"), Word("list"), Word("listtemplateid", id);
+  if (list.levels.size() == 1) Word("listsimple", 1);
+  for (size_t level = 0; level < list.levels.size() && level < kMaxListLevels; ++level)
+    LevelEntry(list.levels[level], formats, numbers);
+  Raw("{\\listname ;}"), Word("listid", id), Raw("}\r\n");
+}
+
+void RtfWords::OverrideEntry(int32_t id, int32_t number) {
+  Raw("{"), Word("listoverride"), Word("listid", id);
+  Word("listoverridecount", 0), Word("ls", number), Raw("}");
 }
 
 void RtfWords::Row(const TableRow& row, const TableNumbers& numbers) {

@@ -129,8 +129,8 @@ class Comparison {
   bool SameObjects(ObjectId a, ObjectId b) const {
     if (a == ObjectId::kNone || b == ObjectId::kNone) return a == b;
     const EmbeddedObject &x = a_[a], &y = b_[b];
-    return x.kind == y.kind && x.type == y.type && x.picture.bytes == y.picture.bytes && SameSize(x.width, y.width) &&
-           SameSize(x.height, y.height);
+    return x.kind == y.kind && (x.kind == ObjectKind::kPicture || x.name == y.name) && x.type == y.type &&
+           x.picture.bytes == y.picture.bytes && SameSize(x.width, y.width) && SameSize(x.height, y.height);
   }
 
   // One that was not said becomes the picture's own; crops are rounded.
@@ -138,13 +138,14 @@ class Comparison {
     return wanted <= 0 || std::abs(wanted - read) <= kTwipsPerPixel;
   }
 
-  bool CompareParagraphs(const ParaFormat& aFormat, const ParaFormat& bFormat) const {
+  bool CompareParagraphs(const ParaFormat& aFormat, const ParaFormat& bFormat) {
     ParaFormat a = aFormat, b = bFormat;
     if (Stops(a_[a.tabs]) != Stops(b_[b.tabs])) return false;
     if ((a.list == ListId::kNone) != (b.list == ListId::kNone) || !SameLists(a_[a.list], b_[b.list])) return false;
     if ((a.row == RowId::kNone) != (b.row == RowId::kNone)) return false;
     if (a.row != RowId::kNone && !SameRows(a_[a.row], b_[b.row])) return false;
     for (ParaFormat* format : {&a, &b}) {
+      if (format->list == ListId::kNone) format->listLevel = 0;
       format->tabs = TabsId::kNone;
       format->list = ListId::kNone;
       format->row = RowId::kNone;
@@ -155,12 +156,18 @@ class Comparison {
     return a == b;
   }
 
-  bool SameLists(const List& a, const List& b) const {
+  bool SameLists(const List& a, const List& b) {
     const auto same = [this](const ListLevel& x, const ListLevel& y) {
       return x.style == y.style && x.start == y.start && x.label == y.label && SameFonts(a_[x.font], b_[y.font]);
     };
-    return a.identity == b.identity &&
+    return SameIdentities(a.identity, b.identity) &&
            std::equal(a.levels.begin(), a.levels.end(), b.levels.begin(), b.levels.end(), same);
+  }
+
+  // Which number tells a list apart does not matter.
+  bool SameIdentities(int32_t a, int32_t b) {
+    if (a == 0 || b == 0) return a == b;
+    return aIdentities_.try_emplace(a, b).first->second == b && bIdentities_.try_emplace(b, a).first->second == a;
   }
 
   static Tabs Stops(const Tabs& tabs) {
@@ -178,6 +185,7 @@ class Comparison {
   const FormatTable &a_, &b_;
   const FontId aDefault_, bDefault_;
   std::unordered_map<uint64_t, bool> chars_, paragraphs_;
+  std::unordered_map<int32_t, int32_t> aIdentities_, bIdentities_;
 };
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include "text/rtfwrite/RtfSplice.h"
 
 #include <algorithm>
+#include <functional>
 
 namespace text::rtf {
 
@@ -11,7 +12,8 @@ RtfSplice::RtfSplice(const Source& source, const Content& wanted)
       formats_(wanted.formats()),
       reader_(source.bytes, bytes_, wanted.store()),
       output_(bytes_),
-      tables_(bytes_, wanted.formats(), reader_.tables(), reader_.defaultFont()) {}
+      tables_(bytes_, wanted.formats(), reader_.tables()),
+      sourceBytes_(source.bytes) {}
 
 std::string RtfSplice::Run(const Progress& progress) {
   MakeEdits(progress);
@@ -21,9 +23,13 @@ std::string RtfSplice::Run(const Progress& progress) {
   ownTables_ = output_.Here();
   if (!reader_.Watch(*this, progress)) return {};
   output_.CopyTo(bytes_.size());
-  if (fontsEnd_) output_.Insert(*fontsEnd_, tables_.newFonts());
-  if (colorsEnd_) output_.Insert(*colorsEnd_, tables_.newColors());
-  output_.Insert(ownTables_, tables_.OwnTables(!fontsEnd_, !colorsEnd_));
+  std::string own;
+  for (size_t i = 0; i < tablesEnd_.size(); ++i) {
+    const auto table = static_cast<Table>(i);
+    if (tablesEnd_[i]) output_.Insert(*tablesEnd_[i], tables_.New(table));
+    if (!tablesEnd_[i]) own += tables_.OwnTable(table);
+  }
+  output_.Insert(ownTables_, own);
   return output_.Joined();
 }
 
@@ -32,6 +38,7 @@ void RtfSplice::MakeEdits(const Progress& progress) {
   const auto add = [this](Range before, Range after, Edit::Kind kind) {
     if (before.empty() && after.empty()) return;
     edits_.push_back({before, after, kind});
+    if (before.empty()) SlideInsertion();
   };
   for (const Match& match : Compare(before_, after_, [&] { return !progress || progress(0); })) {
     add({a, match.before.begin}, {b, match.after.begin}, Edit::Kind::kReplace);
@@ -41,6 +48,32 @@ void RtfSplice::MakeEdits(const Progress& progress) {
   add({a, before_.size()}, {b, after_.size()}, Edit::Kind::kReplace);
   keptEnd_ = !edits_.empty() && edits_.back().kind != Edit::Kind::kReplace;
   edits_.push_back({{before_.size(), before_.size() + Units(1)}, {after_.size(), after_.size() + Units(1)}, {}});
+}
+
+// A paragraph put in between two others may be told as text and a break before the second or as a break and text
+// behind the first. Where it ends like the first, that is the one it was typed in, and whose words count for it.
+void RtfSplice::SlideInsertion() {
+  Edit inserted = edits_.back();
+  edits_.pop_back();
+  const auto isBreak = [&](Units at) { return after_.ParagraphEnd(after_.ParagraphAt(at)) == at; };
+  const auto last = inserted.after.end - Units(1), first = inserted.after.begin - Units(1);
+  const bool behindBreak = !edits_.empty() && edits_.back().kind == Edit::Kind::kSame && isBreak(first);
+  const auto same = [&] {
+    const ParaFormatId a = after_.ParaFormatOf(after_.ParagraphAt(first));
+    return a == after_.ParaFormatOf(after_.ParagraphAt(last)) && formats_[a].row == RowId::kNone &&
+           after_.CharFormatAt(first) == after_.CharFormatAt(last);
+  };
+  if (!behindBreak || !isBreak(last) || !same()) return edits_.push_back(inserted);
+  Edit& before = edits_.back();
+  Edit tail = before;
+  before.before.end -= Units(1), before.after.end -= Units(1);
+  inserted.before = {before.before.end, before.before.end};
+  inserted.after = {first, last};
+  tail.before.begin = before.before.end;
+  tail.after = {last, last + Units(1)};
+  if (before.before.empty()) edits_.pop_back();
+  edits_.push_back(inserted);
+  edits_.push_back(tail);
 }
 
 // That of the unit at read_.
@@ -58,8 +91,6 @@ void RtfSplice::OnText(Span span, std::string_view utf8, Text kind) {
   }
   if (units == 0) return;
   if (kind != Text::kGroup) return Piece(span, Units(units), kind);
-  const ObjectId object = formats_[before_.CharFormatAt(read_)].object;
-  if (object != ObjectId::kNone) objects_[object] = bytes_.substr(span.begin, span.size());
   const uint32_t group = groups_.back();
   groups_.pop_back();
   Piece(span, Units(units), kind);
@@ -67,6 +98,7 @@ void RtfSplice::OnText(Span span, std::string_view utf8, Text kind) {
 }
 
 void RtfSplice::OnFallback(size_t end) {
+  openEnd_ = 0;
   if (dropped_) return output_.DropTo(end);
   if (!last_) return;
   output_.CopyTo(end);
@@ -87,6 +119,10 @@ void RtfSplice::Piece(Span span, Units units, Text kind) {
 
 void RtfSplice::Part(Span span, Units units, Text kind) {
   const Edit& edit = CurrentEdit();
+  if (edit.kind != Edit::Kind::kSame) {
+    const size_t marked = span.end - WithMark(bytes_.substr(span.begin, span.size())).size();
+    if (output_.position() <= marked) span.begin = marked;
+  }
   switch (edit.kind) {
     case Edit::Kind::kSame:
       Keep(span, units, kind);
@@ -97,6 +133,7 @@ void RtfSplice::Part(Span span, Units units, Text kind) {
       Drop(span);
       break;
     case Edit::Kind::kReplace:
+      if (read_ == edit.before.begin && written_ < edit.after.end) ReplaceHere(span.begin, edit);
       Drop(span);
       break;
   }
@@ -118,8 +155,23 @@ void RtfSplice::TornPiece(Span span, Units units) {
   Drop(span);
 }
 
+// What takes the place of other text in its format stands where that stood, in the words, fields and marks there.
+void RtfSplice::ReplaceHere(size_t offset, const Edit& edit) {
+  const bool bare = !last_ || last_->bare;
+  Place place = Here(offset);
+  place.bare = bare;
+  CharFormat first = Writable(formats_[after_.CharFormatAt(written_)]);
+  first.object = ObjectId::kNone;
+  if (first != place.state.chars || !Allows(place.state, edit.after.end)) return;
+  Insert(place, edit.after.end);
+  MarkUsed();
+  last_.reset(), middle_.reset();
+}
+
 void RtfSplice::Drop(Span span) {
   output_.CopyTo(span.begin);
+  // Without its own, a character would take what follows now for its fallback.
+  if (openEnd_ == span.begin && openEnd_ > 0) output_.Append("{}");
   output_.DropTo(span.end);
   dropped_ = true;
 }
@@ -133,6 +185,7 @@ void RtfSplice::Keep(Span span, Units units, Text kind) {
   }
   MarkUsed();
   dropped_ = false;
+  openEnd_ = kind == Text::kOpen && reader_.inForce().fallbackCount > 0 ? span.end : 0;
   written_ = to + units;
   last_.reset(), middle_.reset();
   if (read_ + units == edits_[edit_].before.end) {
@@ -280,6 +333,7 @@ void RtfSplice::OnOldPicture(Span span) {
 void RtfSplice::OnGroup(size_t begin) {
   if (atParagraphBegin_ && !paragraphGroup_ && reader_.inBody()) paragraphGroup_ = ReachHere(begin);
   groups_.push_back(++lastGroup_);
+  paragraphWords_.OnGroup();
 }
 
 void RtfSplice::OnField(size_t begin) {
@@ -292,19 +346,32 @@ void RtfSplice::OnGroupEnd(size_t end) {
   if (groups_.size() < 2) return;
   const uint32_t group = groups_.back();
   groups_.pop_back();
+  paragraphWords_.OnGroupEnd();
   if (fields_.empty() || fields_.back().group != group) return;
   const OpenField field = fields_.back();
   fields_.pop_back();
-  if (!field.used && read_ > field.before) {
+  const bool gone = !field.used && read_ > field.before;
+  if (gone) {
     output_.CopyTo(end);
     output_.CutTo(field.at);
+    Forget(field.at);
   }
-  if (last_ || CurrentEdit().kind != Edit::Kind::kSame) middle_ = Here(end);
+  if (gone || last_ || CurrentEdit().kind != Edit::Kind::kSame) middle_ = Here(end);
+}
+
+// What was cut off is no place any more.
+void RtfSplice::Forget(const SpliceOutput::Place& cut) {
+  const auto check = [&](auto& place, auto at) {
+    if (place && std::invoke(at, *place).slot > cut.slot) place.reset();
+  };
+  for (auto& end : tablesEnd_) check(end, [](const SpliceOutput::Place& place) { return place; });
+  const auto at = [](const Reach& reach) { return reach.at; };
+  check(last_, at), check(middle_, at), check(paragraphBegin_, at), check(paragraphGroup_, at), check(deviation_, at);
 }
 
 void RtfSplice::OnTableEnd(Table table, size_t end) {
   output_.CopyTo(end);
-  (table == Table::kFonts ? fontsEnd_ : colorsEnd_) = output_.Here();
+  tablesEnd_[static_cast<size_t>(table)] = output_.Here();
   if (table == Table::kColors) tables_.ColorTableEnds(bytes_.substr(0, end));
 }
 

@@ -14,7 +14,7 @@
 #include "text/rtfwrite/RtfSpliceTables.h"
 #include "text/rtfwrite/RtfWords.h"
 
-#include <map>
+#include <array>
 #include <optional>
 #include <string>
 #include <vector>
@@ -70,16 +70,20 @@ class RtfSplice : private RtfWatcher {
   void OnGroupEnd(size_t end) override;
   void OnField(size_t begin) override;
   void OnParagraphWord(Span span, bool reset) override;
+  void OnUnknownWord(Span span) override { paragraphWords_.OnWord(span); }
   void OnTableEnd(Table table, size_t end) override;
   void OnEnd(size_t offset) override;
 
   void MakeEdits(const Progress& progress);
   const Edit& CurrentEdit();
   Units Mapped(Units position) const { return edits_[edit_].after.begin + (position - edits_[edit_].before.begin); }
+  void SlideInsertion();
   void Piece(Span span, Units units, Text kind);
   void TornPiece(Span span, Units units);
   void Part(Span span, Units units, Text kind);
   void Drop(Span span);
+  void ReplaceHere(size_t offset, const Edit& edit);
+  void Forget(const SpliceOutput::Place& cut);
   void Keep(Span span, Units units, Text kind);
   // Writes what is new up to there; false when no place allows it yet.
   bool Flush(size_t here, Units upTo, bool beforeBreak);
@@ -98,8 +102,8 @@ class RtfSplice : private RtfWatcher {
   void CopyBreak(Span span, std::optional<CharFormatId> chars);
   void LeadTo(const Reach& here, const ParaFormat& from, const ParaFormat& to);
   void Deviate(const Reach& here, const ParaFormat& format, const ParaFormat& original);
-  std::string ParagraphWords(const ParaFormat& from, const ParaFormat& to);
-  std::string UnknownParagraphWords(bool boxToo) const;
+  std::string WordsFor(const ParaFormat& from, const ParaFormat& to);
+  std::string CharWordsBesideStyle();
 
   // --- RtfSpliceText.cpp: what is new
   void Insert(const Place& place, Units upTo);
@@ -109,6 +113,7 @@ class RtfSplice : private RtfWatcher {
   std::string RowWords(RowId row);
   std::string BreakWord(const ParaFormat& format);
   void InsertObject(ObjectId id);
+  std::string_view WithMark(std::string_view note) const;
   void EndInsertedParagraphs(const SpliceOutput::Place& at);
   void OpenRun(CharFormatId id);
   void CloseRun();
@@ -123,6 +128,7 @@ class RtfSplice : private RtfWatcher {
   RtfReader reader_;
   SpliceOutput output_;
   SpliceTables tables_;
+  std::shared_ptr<const std::string> sourceBytes_;
   std::vector<Edit> edits_;
   size_t edit_ = 0;
   Units read_{0};     // of before_
@@ -132,9 +138,9 @@ class RtfSplice : private RtfWatcher {
   uint32_t lastGroup_ = 0;
   uint32_t paragraphWord_ = 0;
   std::vector<OpenField> fields_;
-  std::map<ObjectId, std::string_view> objects_;  // their groups in the file
   SpliceOutput::Place ownTables_;
-  std::optional<SpliceOutput::Place> fontsEnd_, colorsEnd_;
+  std::array<std::optional<SpliceOutput::Place>, 4> tablesEnd_;  // by Table
+  size_t openEnd_ = 0;                                           // behind a character whose fallback has not come
   std::optional<Place> last_;    // behind the last text that was kept, if something new may follow
   std::optional<Place> middle_;  // behind a field that ended since
   bool dropped_ = false;         // the last thing that was read
@@ -145,8 +151,7 @@ class RtfSplice : private RtfWatcher {
   std::optional<Reach> paragraphBegin_, paragraphGroup_;
   bool atParagraphBegin_ = true;
   std::optional<Deviation> deviation_;
-  size_t lastReset_ = 0;  // behind the last \pard
-  uint32_t lastResetGroup_ = 0;
+  ParagraphWords paragraphWords_{bytes_};
 
   // --- Under way in Insert
   std::string inserted_;

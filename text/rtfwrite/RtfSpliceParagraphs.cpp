@@ -2,13 +2,10 @@
 #include "text/rtfwrite/RtfSplice.h"
 
 #include <algorithm>
-#include <array>
 
 namespace text::rtf {
 
 namespace {
-
-constexpr size_t kMostLookedBack = 1 << 16;
 
 // What `state` becomes when a paragraph of the format `from` gets the format `to`: the state may know more of a table's
 // row, or less.
@@ -33,23 +30,6 @@ ParaFormat Changed(ParaFormat state, const ParaFormat& from, const ParaFormat& t
   take(&ParaFormat::rowMark);
   take(&ParaFormat::box);
   return state;
-}
-
-// Words about paragraphs that mean nothing to the model and outlive a \pard that it needs.
-bool IsKeptWord(std::string_view word) {
-  constexpr std::array<std::string_view, 26> kWords{
-      "intbl",       "itap",           "s",      "keep",         "keepn",      "widctlpar", "nowidctlpar",
-      "hyphpar",     "noline",         "level",  "outlinelevel", "pagebb",     "sbys",      "contextualspacing",
-      "aspalpha",    "aspnum",         "faauto", "fahang",       "facenter",   "faroman",   "favar",
-      "adjustright", "nosnaplinegrid", "sbauto", "saauto",       "wrapdefault"};
-  return std::find(kWords.begin(), kWords.end(), word) != kWords.end();
-}
-
-// Those about borders and shading, of which the model knows a part.
-bool IsBoxWord(std::string_view word) {
-  constexpr std::array<std::string_view, 5> kWords{"shading", "cfpat", "cbpat", "box", "brsp"};
-  return std::find(kWords.begin(), kWords.end(), word) != kWords.end() || word.starts_with("brdr") ||
-         (word.starts_with("bg") && word.size() > 2);
 }
 
 }  // namespace
@@ -86,7 +66,7 @@ ParaFormat RtfSplice::Settled(const Reach& here, const ParaFormat& state) {
   if (!IsOpen(was.group)) return state;
   if (was.paragraphWord == here.paragraphWord && was.group == here.group) return was.format;
   if (was.reset && here.paragraphWord != was.paragraphWord) return state;
-  const std::string back = ParagraphWords(was.format, was.original);
+  const std::string back = WordsFor(was.format, was.original);
   output_.Insert(was.at, back);
   if (paragraphBegin_ && paragraphBegin_->at.slot == was.at.slot) paragraphBegin_->at.at += back.size();
   return state;
@@ -95,7 +75,7 @@ ParaFormat RtfSplice::Settled(const Reach& here, const ParaFormat& state) {
 // At the paragraph's beginning, where readers expect it, if the words reach from there to its end.
 void RtfSplice::LeadTo(const Reach& here, const ParaFormat& from, const ParaFormat& to) {
   if (from == to) return;
-  const std::string words = ParagraphWords(from, to);
+  const std::string words = WordsFor(from, to);
   for (const auto& begin : {paragraphBegin_, paragraphGroup_})
     if (begin && begin->group == here.group && begin->paragraphWord == here.paragraphWord)
       return output_.Insert(begin->at, words);
@@ -117,46 +97,42 @@ void RtfSplice::OnParagraphWord(Span span, bool reset) {
   note(deviation_);
   note(last_);
   ++paragraphWord_;
-  if (!reset) return;
-  lastReset_ = span.end;
-  lastResetGroup_ = groups_.back();
+  if (reset) return paragraphWords_.OnReset();
+  paragraphWords_.OnWord(span);
 }
 
-std::string RtfSplice::ParagraphWords(const ParaFormat& from, const ParaFormat& to) {
+// Where only \pard can take something away, what it takes besides is said again.
+std::string RtfSplice::WordsFor(const ParaFormat& from, const ParaFormat& to) {
   std::string bytes;
   RtfWords words(bytes);
   TableNumbers numbers = Numbers();
-  if (words.ParagraphChange(from, to, formats_, numbers)) return bytes;
+  if (to.bullet && to.list == ListId::kNone) numbers.symbolFont = tables_.Number(formats_.Intern(Font{"Symbol", 2, 0}));
+  const InForce state = reader_.inForce();
+  const ParagraphWords::Kept kept = paragraphWords_.Replay(state.paragraph, to, formats_);
+  ParaFormat listed = from, given = state.ofStyle;
+  if (!from.bullet && from.list == ListId::kNone) {
+    listed.bullet = to.bullet, listed.list = to.list, listed.listLevel = to.listLevel;
+    words.Words(kept.list);
+    if (kept.list.empty()) words.GiveList(to, formats_, numbers);
+    if (GivesIndents(to, formats_)) given.leftIndent = given.firstIndent = 1;
+  }
+  if (words.ParagraphChange(listed, to, formats_, numbers, given)) return bytes;
   bytes.clear();
   words.Begin();
-  if (to.bullet) numbers.symbolFont = tables_.Number(formats_.Intern(Font{"Symbol", 2, 0}));
-  const bool sameBox = from.box == to.box;
-  ParaFormat modelled = to;
-  if (sameBox) modelled.box = {};
-  words.Paragraph(modelled, formats_, numbers);
-  bytes.insert(std::string_view("\\pard").size(), UnknownParagraphWords(sameBox));
+  words.Paragraph(to, formats_, numbers, kept, state.ofStyle);
+  words.Words(CharWordsBesideStyle());
   return bytes;
 }
 
-// Those since the last \pard that a new one would lose.
-std::string RtfSplice::UnknownParagraphWords(bool boxToo) const {
-  std::string kept;
-  const size_t end = output_.position();
-  if (lastReset_ >= end || end - lastReset_ > kMostLookedBack || !IsOpen(lastResetGroup_)) return kept;
-  RtfTokenizer tokenizer(bytes_.substr(lastReset_, end - lastReset_));
-  std::vector<size_t> sizes;  // of what was kept before the open groups
-  for (Token token = tokenizer.Next(); token.kind != TokenKind::kEnd; token = tokenizer.Next()) {
-    if (token.kind == TokenKind::kOpen) sizes.push_back(kept.size());
-    if (token.kind == TokenKind::kClose && !sizes.empty()) {
-      kept.resize(sizes.back());
-      sizes.pop_back();
-    }
-    if (token.kind != TokenKind::kWord || !(IsKeptWord(token.text) || (boxToo && IsBoxWord(token.text)))) continue;
-    kept += '\\';
-    kept += token.text;
-    if (token.hasParameter) kept += std::to_string(token.parameter);
-  }
-  return kept;
+// Naming the style again gives its look to characters that had put it off.
+std::string RtfSplice::CharWordsBesideStyle() {
+  std::string bytes;
+  const InForce state = reader_.inForce();
+  if (!state.besideStyle) return bytes;
+  CharFormat other = UnknownChars();
+  other.flags = static_cast<uint16_t>(kAllCharFlags & ~state.plainChars.flags);
+  RtfWords(bytes).Chars(other, state.plainChars, Numbers());
+  return bytes;
 }
 
 // Before the brace that closes everything, or where the file ends without one.

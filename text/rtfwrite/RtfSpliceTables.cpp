@@ -24,13 +24,16 @@ bool IsColorWord(std::string_view word) {
 }  // namespace
 
 // Words in pictures' data and the like count too; that costs a number.
-const SpliceTables::Highest& SpliceTables::InUse() {
+SpliceTables::Highest& SpliceTables::InUse() {
   if (inUse_) return *inUse_;
   Highest highest;
-  highest.font = std::max(0, defaultFont_);
+  highest.font = std::max(0, tables_.defaultFont);
   RtfTokenizer tokenizer(source_);
   for (Token token = tokenizer.Next(); token.kind != TokenKind::kEnd; token = tokenizer.Next()) {
-    if (token.kind != TokenKind::kWord || token.parameter <= 0) continue;
+    if (token.kind != TokenKind::kWord) continue;
+    if (token.text == "listid") highest.listIds.insert(token.parameter);
+    if (token.parameter <= 0) continue;
+    if (token.text == "ls") highest.list = std::max(highest.list, std::min(token.parameter, 1 << 30));
     if (IsFontWord(token.text)) highest.font = std::max(highest.font, std::min(token.parameter, 1 << 30));
     if (IsColorWord(token.text) && token.parameter < static_cast<int32_t>(kMaxColors))
       highest.color = std::max(highest.color, token.parameter);
@@ -59,7 +62,7 @@ void SpliceTables::KnowFonts() {
 }
 
 int32_t SpliceTables::Number(FontId font) {
-  if (font == FontId::kDefault) return defaultFont_;
+  if (font == FontId::kDefault) return tables_.defaultFont;
   KnowFonts();
   if (const auto found = fonts_.find(font); found != fonts_.end()) return found->second;
   const auto [place, isNew] = ownFonts_.try_emplace(font, 0);
@@ -101,15 +104,39 @@ void SpliceTables::ColorTableEnds(std::string_view table) {
   openColor_ = last != std::string_view::npos && table[last] != ';' && !table.ends_with("\\colortbl");
 }
 
-std::string SpliceTables::newColors() const {
-  return openColor_ && !newColors_.empty() ? ";" + newColors_ : newColors_;
+int32_t SpliceTables::Number(ListId list) {
+  const auto [place, isNew] = ownLists_.try_emplace(list, 0);
+  if (!isNew) return place->second;
+  Highest& inUse = InUse();
+  int32_t id = formats_[list].identity;
+  while (id == 0 || !inUse.listIds.insert(id).second) id = static_cast<int32_t>(static_cast<uint32_t>(id) + 1);
+  place->second = inUse.list + static_cast<int32_t>(ownLists_.size());
+  TableNumbers numbers;
+  numbers.font = [this](FontId font) { return Number(font); };
+  RtfWords(newLists_).ListEntry(formats_[list], id, formats_, numbers);
+  RtfWords(newOverrides_).OverrideEntry(id, place->second);
+  return place->second;
 }
 
-std::string SpliceTables::OwnTables(bool fonts, bool colors) const {
-  std::string tables;
-  if (fonts && !newFonts_.empty()) tables += "{\\fonttbl" + newFonts_ + "}";
-  if (colors && !newColors_.empty()) tables += "{\\colortbl" + newColors_ + "}";
-  return tables;
+std::string SpliceTables::New(RtfWatcher::Table table) const {
+  switch (table) {
+    case RtfWatcher::Table::kFonts:
+      return newFonts_;
+    case RtfWatcher::Table::kColors:
+      return openColor_ && !newColors_.empty() ? ";" + newColors_ : newColors_;
+    case RtfWatcher::Table::kLists:
+      return newLists_;
+    case RtfWatcher::Table::kOverrides:
+      return newOverrides_;
+  }
+  return {};
+}
+
+std::string SpliceTables::OwnTable(RtfWatcher::Table table) const {
+  constexpr std::array<std::string_view, 4> kBegins{"{\\fonttbl", "{\\colortbl", "{\\*\\listtable",
+                                                    "{\\*\\listoverridetable"};
+  const std::string entries = New(table);
+  return entries.empty() ? entries : std::string(kBegins[static_cast<size_t>(table)]) + entries + "}";
 }
 
 size_t EndOfHeader(std::string_view source) {

@@ -3,9 +3,11 @@
 
 #include "text/FormatTable.h"
 #include "text/rtf/RtfTables.h"
+#include "text/rtf/RtfWatcher.h"
 
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 
@@ -13,26 +15,28 @@ namespace text::rtf {
 
 class SpliceTables {
  public:
-  // `tables` and `defaultFont` grow while the file is read.
-  SpliceTables(std::string_view source, FormatTable& formats, const Tables& tables, const int32_t& defaultFont)
-      : source_(source), formats_(formats), tables_(tables), defaultFont_(defaultFont) {}
+  // `tables` grow while the file is read.
+  SpliceTables(std::string_view source, FormatTable& formats, const Tables& tables)
+      : source_(source), formats_(formats), tables_(tables) {}
 
   int32_t Number(FontId font);
   int32_t Number(Color color);
+  // Of a list that the file does not have.
+  int32_t Number(ListId list);
 
   // The bytes of the file's colour table, without its closing brace.
   void ColorTableEnds(std::string_view table);
   // What the file's tables take in before their closing brace.
-  const std::string& newFonts() const { return newFonts_; }
-  std::string newColors() const;
-  // Tables of their own, for a file without.
-  std::string OwnTables(bool fonts, bool colors) const;
+  std::string New(RtfWatcher::Table table) const;
+  // Tables of their own for what the file has none for.
+  std::string OwnTable(RtfWatcher::Table table) const;
 
  private:
   struct Highest {
-    int32_t font = -1, color = -1;
+    int32_t font = -1, color = -1, list = 0;
+    std::set<int32_t> listIds;
   };
-  const Highest& InUse();
+  Highest& InUse();
   void KnowFonts();
   void AddFont(int32_t number, const Font& font);
   int32_t NewColor(std::optional<uint32_t> rgb);
@@ -40,13 +44,13 @@ class SpliceTables {
   std::string_view source_;
   FormatTable& formats_;
   const Tables& tables_;
-  const int32_t& defaultFont_;
   uint32_t generation_ = 0;  // of the table that fonts_ is about
   std::map<FontId, int32_t> fonts_, ownFonts_;
   std::map<std::optional<uint32_t>, int32_t> ownColors_;
   bool openColor_ = false;  // the file's last entry lacks its semicolon
   std::optional<Highest> inUse_;
-  std::string newFonts_, newColors_;
+  std::map<ListId, int32_t> ownLists_;
+  std::string newFonts_, newColors_, newLists_, newOverrides_;
 };
 
 // Where a table may stand in a file that has none: behind the words about the whole document.

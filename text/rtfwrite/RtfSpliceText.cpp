@@ -16,7 +16,10 @@ TableNumbers RtfSplice::Numbers() {
   TableNumbers numbers;
   numbers.font = [this](FontId font) { return tables_.Number(font); };
   numbers.color = [this](Color color) { return tables_.Number(color); };
-  numbers.list = [this](ListId list) { return reader_.NumberOf(list); };
+  numbers.list = [this](ListId list) {
+    const int32_t number = reader_.NumberOf(list);
+    return number != 0 ? number : tables_.Number(list);
+  };
   return numbers;
 }
 
@@ -122,15 +125,30 @@ TextCoding RtfSplice::CodingFor(const CharFormat& format) const {
   return coding;
 }
 
+// A group of this file goes as it is.
 void RtfSplice::InsertObject(ObjectId id) {
-  const auto inFile = objects_.find(id);
-  if (inFile != objects_.end()) return words_.Raw(inFile->second);
+  const SharedBytes& group = formats_[id].rtf;
+  if (group.owner == sourceBytes_ && !group.bytes.empty()) return words_.Raw(WithMark(group.bytes));
   const ByteSink append = [this](std::string_view bytes) {
     words_.Raw(bytes);
     return true;
   };
   const DocumentProperties properties;
   RtfWriter(after_, properties, append).RunObject(formats_[id]);
+}
+
+// With the \chftn in the text that shows a note's number, where it stands directly before.
+std::string_view RtfSplice::WithMark(std::string_view note) const {
+  constexpr std::string_view kMark = "\\chftn";
+  const auto begin = static_cast<size_t>(note.data() - bytes_.data());
+  const std::string_view before = bytes_.substr(0, begin);
+  if (!note.starts_with("{\\footnote")) return note;
+  for (const size_t blanks : {0, 1}) {
+    const size_t size = kMark.size() + blanks;
+    if (begin >= size && before.substr(begin - size).starts_with(kMark) && (blanks == 0 || before.ends_with(' ')))
+      return bytes_.substr(begin - size, size + note.size());
+  }
+  return note;
 }
 
 // The rows that end in what is put in. A paragraph in no such row belongs to that around its place.
@@ -158,9 +176,10 @@ void RtfSplice::InsertBreak(CharFormatId id, const ParaFormat& wantedFormat) {
   std::string row = inRow && rowBegins_ ? RowWords(rows_[row_]) : std::string();
   if (!inRow && wantedFormat.row != RowId::kNone && place_->state.tableLevel == 0) row = "\\intbl";
   if (paragraph_ || atParagraphBegin_) {
-    PutIn(inserted_, paragraphAt_, row + (from == look ? std::string() : ParagraphWords(from, look)));
+    PutIn(inserted_, paragraphAt_, row + (from == look ? std::string() : WordsFor(from, look)));
   } else {
     LeadTo(*place_, from, look);
+    words_.Words(row);
   }
   const std::string lead = CharLead(place_->state, formats_[id]);
   if (!lead.empty()) words_.Raw("{" + lead);

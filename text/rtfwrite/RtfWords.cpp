@@ -160,10 +160,13 @@ void RtfWords::Chars(const CharFormat& wasFormat, const CharFormat& toFormat, co
   const auto number = [this](std::string_view word, int32_t before, int32_t after) {
     if (before != after) Word(word, after);
   };
-  if (to.font != was.font) number("f", numbers.font(was.font), numbers.font(to.font));
+  const bool known = was.font != kUnknownFont;
+  if (to.font != was.font) number("f", known ? numbers.font(was.font) : -1, numbers.font(to.font));
   number("fs", wasFormat.halfPoints == 0 ? 0 : was.halfPoints, to.halfPoints);
   if (to.color != was.color) number("cf", numbers.color(was.color), numbers.color(to.color));
-  if (to.background != was.background) number("highlight", numbers.color(was.background), numbers.color(to.background));
+  // The first colour means none even where it is one.
+  const auto background = [&](Color color) { return color.isAuto() ? 0 : numbers.color(color); };
+  if (to.background != was.background) number("highlight", background(was.background), background(to.background));
   if (to.offset != was.offset) Word(to.offset < 0 ? "dn" : "up", std::abs(to.offset) / 10);
 }
 
@@ -179,42 +182,54 @@ void RtfWords::Box(const ParaBox& box, const TableNumbers& numbers) {
   if (!box.shading.isAuto()) Word("cbpat", numbers.color(box.shading));
 }
 
+bool GivesIndents(const ParaFormat& format, const FormatTable& formats) {
+  return format.list != ListId::kNone && !IsOldList(formats[format.list]);
+}
+
 bool RtfWords::ParagraphChange(const ParaFormat& from, const ParaFormat& to, const FormatTable& formats,
-                               const TableNumbers& numbers) {
+                               const TableNumbers& numbers, const ParaFormat& style) {
   if (from.box != to.box && !from.box.empty()) return false;
   if (from.bullet != to.bullet || from.list != to.list || from.listLevel != to.listLevel || from.row != to.row)
     return false;
-  const Tabs& had = formats[from.tabs];
+  constexpr ParaFormat kUsual;
+  const Tabs& had = formats[style.tabs == TabsId::kNone ? from.tabs : TabsId::kNone];
   const Tabs& wanted = formats[to.tabs];
   if (!std::includes(wanted.begin(), wanted.end(), had.begin(), had.end())) return false;
-  if (from.rightToLeft != to.rightToLeft) Word(to.rightToLeft ? "rtlpar" : "ltrpar");
+  if (from.rightToLeft != to.rightToLeft || style.rightToLeft) Word(to.rightToLeft ? "rtlpar" : "ltrpar");
   for (const LengthWord& word : kLengthWords)
-    if (ClampLength(from.*word.field) != ClampLength(to.*word.field)) Word(word.word, ClampLength(to.*word.field));
-  if (!SameLines(from, to)) {
+    if (ClampLength(from.*word.field) != ClampLength(to.*word.field) || style.*word.field != 0)
+      Word(word.word, ClampLength(to.*word.field));
+  if (!SameLines(from, to) || !SameLines(style, kUsual)) {
     Word("sl", ClampLength(to.lineSpacing));
     Word("slmult", to.lineSpacingMultiple ? 1 : 0);
   }
   for (const int32_t tab : wanted)
     if (tab >= 0 && !std::binary_search(had.begin(), had.end(), tab)) Word("tx", ClampLength(tab));
-  if (from.box != to.box) Box(to.box, numbers);
-  if (from.alignment != to.alignment) Word(kAlignments[static_cast<size_t>(to.alignment)]);
+  if (from.box != to.box || !style.box.empty()) Box(to.box, numbers);
+  if (from.alignment != to.alignment || style.alignment != kUsual.alignment)
+    Word(kAlignments[static_cast<size_t>(to.alignment)]);
   return true;
 }
 
-void RtfWords::Paragraph(const ParaFormat& format, const FormatTable& formats, const TableNumbers& numbers) {
+void RtfWords::Paragraph(const ParaFormat& format, const FormatTable& formats, const TableNumbers& numbers,
+                         const ParagraphWords::Kept& kept, const ParaFormat& style) {
   Word("pard");
+  Words(kept.words);
   if (format.row != RowId::kNone) {
     Word("intbl");
     if (formats[format.row].level > 1) Word("itap", formats[format.row].level);
   }
-  Label(format, formats, numbers);
-  ListOf(format, formats, numbers);
+  if (kept.list.empty()) GiveList(format, formats, numbers);
   ParaFormat unset;
   unset.bullet = format.bullet;
   unset.list = format.list;
   unset.listLevel = format.listLevel;
   unset.row = format.row;
-  ParagraphChange(unset, format, formats, numbers);
+  unset.tabs = kept.stops;
+  if (kept.box) unset.box = format.box;
+  ParaFormat given = style;
+  if (GivesIndents(format, formats)) given.leftIndent = given.firstIndent = 1;
+  ParagraphChange(unset, format, formats, numbers, given);
 }
 
 }  // namespace text::rtf

@@ -1,7 +1,7 @@
 // The words and escapes that formats and text are written with, at the end of a string that grows.
 #pragma once
 
-#include "text/FormatTable.h"
+#include "text/rtfwrite/RtfParagraphWords.h"
 
 #include <cstdint>
 #include <functional>
@@ -62,20 +62,27 @@ class RtfWords {
   // The words that lead from one character format to another; nothing when both are written alike.
   void Chars(const CharFormat& from, const CharFormat& to, const TableNumbers& numbers);
   // The words that lead from one paragraph format to another without \pard. False, and nothing written, when only \pard
-  // can: stops or a box to take away, labels or rows that differ.
+  // can: stops or a box to take away, labels or rows that differ. What a style in force gives is said in any case,
+  // since a word of the style that stands there makes the others void.
   bool ParagraphChange(const ParaFormat& from, const ParaFormat& to, const FormatTable& formats,
-                       const TableNumbers& numbers);
-  // \pard and the whole format, before the paragraph's text.
-  void Paragraph(const ParaFormat& format, const FormatTable& formats, const TableNumbers& numbers);
+                       const TableNumbers& numbers, const ParaFormat& style = {});
+  // \pard, what is to stand behind it as it was, and the rest of the format, before the paragraph's text.
+  void Paragraph(const ParaFormat& format, const FormatTable& formats, const TableNumbers& numbers,
+                 const ParagraphWords::Kept& kept = {}, const ParaFormat& style = {});
   // A bullet as readers show it that know nothing of lists; stands before the text of every paragraph but those that
   // begin with the words above.
   void Label(const ParaFormat& format, const FormatTable& formats, const TableNumbers& numbers);
+  // The label, and the words or the group that make the paragraph part of its list.
+  void GiveList(const ParaFormat& format, const FormatTable& formats, const TableNumbers& numbers);
+  // Their entries in {\*\listtable} and {\*\listoverridetable}.
+  void ListEntry(const List& list, int32_t id, const FormatTable& formats, const TableNumbers& numbers);
+  void OverrideEntry(int32_t id, int32_t number);
   // \trowd and what defines the row.
   void Row(const TableRow& row, const TableNumbers& numbers);
 
  private:
   void Box(const ParaBox& box, const TableNumbers& numbers);
-  void ListOf(const ParaFormat& format, const FormatTable& formats, const TableNumbers& numbers);
+  void LevelEntry(const ListLevel& level, const FormatTable& formats, const TableNumbers& numbers);
   void UnicodeWord(char32_t unit, int32_t fallbackCount);
 
   std::string& out_;
@@ -84,7 +91,10 @@ class RtfWords {
 
 // In front of everything: no flags and colours, but a font and a size that differ from any other.
 CharFormat UnknownChars();
-constexpr FontId kUnknownFont{0xFFFFFFFF};  // numbers.font must give it none of its numbers
+constexpr FontId kUnknownFont{0xFFFFFFFF};
+
+// True where the paragraph's list may have a level with indents of its own, so that the paragraph must say its own.
+bool GivesIndents(const ParaFormat& format, const FormatTable& formats);
 
 // True for a list that {\*\pn} can say.
 bool IsOldList(const List& list);

@@ -51,7 +51,6 @@ class RtfWriter {
   void FontTable();
   void ColorTable();
   void ListTables();
-  void Level(const ListLevel& level);
 
   // --- RtfWriter.cpp: text
   void Body(Range range);

@@ -18,11 +18,6 @@ constexpr std::string_view kGenerator = "Quillmark 0.1.0";
 
 constexpr std::string_view kFamilies[] = {"fnil", "froman", "fswiss", "fmodern", "fscript", "fdecor", "ftech", "fbidi"};
 
-// \levelnfc of a NumberStyle.
-constexpr std::array<int32_t, 7> kLevelKinds = {0, 1, 2, 3, 4, 5, 255};
-constexpr int32_t kBulletKind = 23;
-constexpr size_t kMaxLabelCount = 31;  // what is larger could be taken for a character where the count is missing
-
 }  // namespace
 
 void RtfWriter::CollectFormats(Range range) {
@@ -101,7 +96,6 @@ void RtfWriter::CollectColor(Color color) {
 }
 
 int32_t RtfWriter::FontNumber(FontId id) const {
-  if (id == kUnknownFont) return -1;
   if (id == FontId::kDefault) id = properties_.defaultFont;
   const auto found = fontNumbers_.find(id);
   return found == fontNumbers_.end() ? 0 : found->second;
@@ -168,51 +162,10 @@ void RtfWriter::ListTables() {
     ids.push_back(identity);
   }
   words_.Raw("{\\*\\listtable");
-  for (size_t i = 0; i < lists_.size(); ++i) {
-    const List& list = formats_[lists_[i]];
-    words_.Raw("{"), words_.Word("list"), words_.Word("listtemplateid", ids[i]);
-    if (list.levels.size() == 1) words_.Word("listsimple", 1);
-    for (size_t level = 0; level < list.levels.size() && level < kMaxListLevels; ++level) Level(list.levels[level]);
-    words_.Raw("{\\listname ;}"), words_.Word("listid", ids[i]), words_.Raw("}\r\n");
-  }
+  for (size_t i = 0; i < lists_.size(); ++i) words_.ListEntry(formats_[lists_[i]], ids[i], formats_, numbers_);
   words_.Raw("}{\\*\\listoverridetable");
-  for (size_t i = 0; i < lists_.size(); ++i) {
-    words_.Raw("{"), words_.Word("listoverride"), words_.Word("listid", ids[i]);
-    words_.Word("listoverridecount", 0), words_.Word("ls", static_cast<int64_t>(i) + 1), words_.Raw("}");
-  }
+  for (size_t i = 0; i < lists_.size(); ++i) words_.OverrideEntry(ids[i], static_cast<int32_t>(i) + 1);
   words_.Raw("}\r\n");
-}
-
-void RtfWriter::Level(const ListLevel& level) {
-  const bool bullet = IsBullet(level) && level.style == NumberStyle::kNone;
-  const int32_t kind = bullet ? kBulletKind : kLevelKinds[static_cast<size_t>(level.style)];
-  words_.Raw("{"), words_.Word("listlevel");
-  for (const std::string_view word : {"levelnfc", "levelnfcn"}) words_.Word(word, kind);
-  for (const std::string_view word : {"leveljc", "leveljcn", "levelfollow"}) words_.Word(word, 0);
-  words_.Word("levelstartat", level.start);
-  std::string text, places;
-  RtfWords label(text);
-  const TextCoding coding{level.font != FontId::kDefault && formats_[level.font].charset == 2 ? kSymbolCodePage : 0, 1};
-  RtfWords numbers(places);
-  size_t units = 0;
-  for (std::string_view rest = level.label; !rest.empty();) {
-    const char32_t c = TakeCharacter(rest);
-    const bool number = c < kMaxListLevels;
-    units += c > 0xFFFF ? 2 : 1;
-    if (number) numbers.Hex(static_cast<uint8_t>(std::min<size_t>(units, 0xFF)));
-    if (number || c < 0x20) {
-      label.Hex(static_cast<uint8_t>(c));
-    } else {
-      std::string utf8;
-      AppendUtf8(utf8, c);
-      label.Text(utf8, coding);
-    }
-  }
-  words_.Raw("{\\leveltext"), words_.Hex(static_cast<uint8_t>(std::min(units, kMaxLabelCount))),
-      words_.Raw(text + ";}");
-  words_.Raw("{\\levelnumbers" + places + ";}");
-  if (level.font != FontId::kDefault) words_.Word("f", FontNumber(level.font));
-  words_.Raw("}");
 }
 
 }  // namespace text::rtf
