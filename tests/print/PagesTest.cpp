@@ -1,5 +1,6 @@
 // How text is divided into pages.
 #include "tests/layout/LayoutTesting.h"
+#include "text/print/PageSetup.h"
 #include "text/print/Pages.h"
 #include "text/print/Printing.h"
 

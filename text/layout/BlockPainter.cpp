@@ -290,7 +290,8 @@ void BlockPainter::PaintObject(const LayoutBlock& block, size_t line, int offset
     QFont font = look.font;
     font.setPointSizeF(std::max(1.0, font.pointSizeF() * 0.75));
     painter_.setPen(color);
-    return DrawLines(painter_, QStringLiteral("*"), font, box.adjusted(-2, 0, 2, 0), Qt::AlignHCenter);
+    const QString mark = options_.noteMark ? options_.noteMark(look.source.object) : QStringLiteral("*");
+    return DrawLines(painter_, mark, font, box.adjusted(-8, 0, 8, 0), Qt::AlignHCenter);
   }
   if (!PaintPicture(look, box)) return PaintNamedFrame(look, box, color);
   if (!selected) return;

@@ -12,6 +12,7 @@
 #include <QSizeF>
 #include <QTextLayout>
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -44,9 +45,10 @@ struct PaintOptions {
   bool selectionActive = true;  // the control has the focus
   bool showCaret = false;
   Bias caretAffinity = Bias::kRight;
-  bool overtype = false;   // block caret
-  bool printing = false;   // without what only helps while editing
-  CharFormat caretFormat;  // of the text typed next; the caret leans when italic
+  bool overtype = false;                      // block caret
+  bool printing = false;                      // without what only helps while editing
+  CharFormat caretFormat;                     // of the text typed next; the caret leans when italic
+  std::function<QString(ObjectId)> noteMark;  // what is shown for a note; "*" without
 };
 
 class ViewLayout {

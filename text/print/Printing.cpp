@@ -1,161 +1,189 @@
 #include "text/print/Printing.h"
 
-#include "text/layout/BlockPainter.h"
+#include "text/print/PageNotes.h"
+#include "text/print/PageTexts.h"
 #include "text/print/Pages.h"
+#include "text/print/SlicePainter.h"
 
 #include <QPageLayout>
 #include <QPagedPaintDevice>
 #include <QPainter>
 
 #include <algorithm>
-#include <charconv>
-#include <cmath>
 
 namespace text::layout {
 namespace {
 
-constexpr double kTwipsPerPoint = 20;
-constexpr double kDefaultMargin = 25 / 25.4 * 72;  // points
 constexpr double kPixelsPerPoint = 96.0 / 72;
-constexpr double kSmallestText = 72;  // points, of the page's width and height
-
-QPalette Black() {
-  QPalette palette;
-  for (const auto group : {QPalette::Active, QPalette::Inactive, QPalette::Disabled}) {
-    palette.setColor(group, QPalette::Text, Qt::black);
-    palette.setColor(group, QPalette::Base, Qt::white);
-  }
-  return palette;
-}
+constexpr int kUsualEdge = 720;             // twips, between paper and headers
+constexpr double kBesideHeader = 6;         // pixels, between it and the text
+constexpr double kMostOfHeaders = 1.0 / 3;  // of the paper
 
 class Printer {
  public:
   Printer(const Document& document, const PrintOptions& options, QPagedPaintDevice& device)
       : options_(options),
         device_(device),
-        document_(Content(document.content()).Slice(options.range)),
-        blocks_(document_) {
-    const Breaks first = document.content().ParagraphAt(options.range.begin);
-    blocks_.numbers().StartBehind(document.content(), first);
-    QFont font = options.defaultFont;
-    font.setHintingPreference(QFont::PreferNoHinting);  // lines are as wide on paper as they were measured
-    blocks_.SetFont(font, 1);
-    blocks_.SetDefaultTab(options.defaultTab);
-    blocks_.SetDefaultStops(options.defaultStops);
-    blocks_.SetLinkColor(QColor(0x05, 0x63, 0xC1));
-    const QRectF area = device.pageLayout().paintRect(QPageLayout::Point);
-    size_ = area.size() * kPixelsPerPoint;
-    blocks_.SetWidth(std::max(1.0, size_.width()));
-    blocks_.SetObjectHeight(std::max(1.0, size_.height()));
+        words_(ReadPageWords(options.properties ? options.properties->headerWords : std::string())),
+        texts_(options.properties ? *options.properties : rtf::DocumentProperties(), words_),
+        document_(Content(document.content()).Slice(options.range)) {
+    whole_ = document.content();
+    FindAreas();
   }
 
-  Printed Run() {
+  Printed PrintAll() {
+    if (texts_.countPages() && !Count()) return Printed::kCancelled;
     QPainter painter;
     if (!painter.begin(&device_)) return Printed::kFailed;
     const double scale = device_.logicalDpiX() / 96.0;
-    Pages pages(blocks_, size_.height());
-    const double units = std::max<double>(1, static_cast<double>(document_.content().size().value()));
-    for (int number = 1;; ++number) {
-      const double part = static_cast<double>(pages.position().value()) / units;
-      const auto page = pages.Next();
-      if (!page) break;
-      if (options_.progress && !options_.progress(number, part)) return Printed::kCancelled;
+    painter.scale(scale, scale);
+    Run run(*this);
+    for (int number = 1; auto page = run.Next(); ++number) {
+      if (!Tell(number, page->before, texts_.countPages() ? 0.5 : 0)) return Printed::kCancelled;
       if (number > 1 && !device_.newPage()) return Printed::kFailed;
-      painter.save();
-      painter.scale(scale, scale);
-      PaintPage(painter, *page);
-      painter.restore();
+      run.Paint(painter, *page, number);
     }
     return painter.end() ? Printed::kAll : Printed::kFailed;
   }
 
  private:
-  void PaintPage(QPainter& painter, const std::vector<PageSlice>& page) {
-    PaintOptions options;
-    options.palette = Black();
-    options.printing = true;
-    const QRectF all(QPointF(), size_);
-    BlockPainter blockPainter(painter, all, 0, options, document_.formats(), pictures_);
-    for (const PageSlice& slice : page) {
-      const PlacedBlock& block = slice.block;
-      blockPainter.PaintShading(block, block.top + slice.from, block.top + slice.to);
-      for (size_t i = 0; i < block.row->parts().size(); ++i) PaintPart(blockPainter, block, i, slice);
-      blockPainter.PaintBorders(block, block.top + slice.from, block.top + slice.to);
+  struct Page {
+    double before = 0;  // the part of the text
+    std::vector<PageSlice> text;
+    std::vector<PageNotes::Part> foot;
+  };
+
+  // One way through the pages.
+  class Run {
+   public:
+    explicit Run(Printer& printer)
+        : printer_(printer),
+          blocks_(printer.document_),
+          notes_(printer.document_, printer.texts_, printer.height_, [&printer](Blocks& b) { printer.SetUp(b); }),
+          pages_((printer.SetUpText(blocks_), blocks_), printer.height_) {
+      if (notes_.any()) pages_.SetFoot([this](Range text) { return notes_.HeightFor(text); });
     }
+    std::optional<Page> Next() {
+      Page page;
+      const Units begin = pages_.position();
+      page.before = static_cast<double>(begin.value()) / std::max<double>(1, blocks_.content().size().value());
+      auto text = pages_.Next();
+      if (!text && !notes_.leftOver()) return std::nullopt;
+      if (text) page.text = std::move(*text);
+      page.foot = notes_.Take({begin, pages_.position()}, printer_.height_ - HeightOf(page.text));
+      return page;
+    }
+    void Paint(QPainter& painter, const Page& page, int number) {
+      SlicePainter slices(painter, printer_.width_);
+      slices.SetNoteMarks([this](ObjectId object) { return notes_.MarkOf(object); });
+      painter.save();
+      painter.translate(0, printer_.top_);
+      slices.Paint(page.text, 0, blocks_.content().formats(), pictures_);
+      notes_.Paint(page.foot, slices, painter);
+      painter.restore();
+      printer_.PaintBeside(slices, number);
+    }
+
+   private:
+    Printer& printer_;
+    Blocks blocks_;
+    PageNotes notes_;
+    Pages pages_;
+    pictures::PictureCache pictures_;
+  };
+
+  void SetUp(Blocks& blocks) const {
+    QFont font = options_.defaultFont;
+    font.setHintingPreference(QFont::PreferNoHinting);  // lines are as wide on paper as they were measured
+    blocks.SetFont(font, 1);
+    blocks.SetDefaultTab(options_.defaultTab);
+    blocks.SetDefaultStops(options_.defaultStops);
+    blocks.SetLinkColor(QColor(0x05, 0x63, 0xC1));
+    blocks.SetWidth(width_);
+    blocks.SetObjectHeight(height_);
+  }
+  void SetUpText(Blocks& blocks) const {
+    blocks.numbers().StartBehind(whole_, whole_.ParagraphAt(options_.range.begin));
+    SetUp(blocks);
   }
 
-  // Only the lines of this page are drawn: what is merely clipped would still be text of the file.
-  static void PaintPart(BlockPainter& painter, const PlacedBlock& block, size_t index, const PageSlice& slice) {
-    const RowPart& part = block.row->parts()[index];
-    const auto& lines = part.block->lines();
-    const auto isHere = [&](const BlockLine& line) {
-      const double middle = part.y + line.top + line.height / 2;
-      return middle >= slice.from && middle < slice.to;
+  bool Tell(int number, double part, double from) const {
+    return !options_.progress || options_.progress(number, from + part * (texts_.countPages() ? 0.5 : 1));
+  }
+
+  // How many pages there are is known only behind the last.
+  bool Count() {
+    Run run(*this);
+    for (pages_ = 0; const auto page = run.Next(); ++pages_) {
+      if (!Tell(pages_ + 1, page->before, 0)) return false;
+    }
+    return true;
+  }
+
+  // The text's area, from the margins' corner, where the painter's coordinates begin.
+  void FindAreas() {
+    const QRectF paper = device_.pageLayout().fullRect(QPageLayout::Point);
+    const QRectF inside = device_.pageLayout().paintRect(QPageLayout::Point);
+    width_ = std::max(1.0, inside.width() * kPixelsPerPoint);
+    height_ = std::max(1.0, inside.height() * kPixelsPerPoint);
+    const auto edge = [](int twips) { return (twips > 0 ? twips : kUsualEdge) / kTwipsPerPixel; };
+    headerTop_ = edge(words_.headerTop) - inside.top() * kPixelsPerPoint;
+    footerBottom_ = height_ + (paper.bottom() - inside.bottom()) * kPixelsPerPoint - edge(words_.footerBottom);
+    const double most = paper.height() * kPixelsPerPoint * kMostOfHeaders;
+    double header = 0, footer = 0;
+    for (int page = 1; page <= 3; ++page) {
+      if (PageText* text = texts_.Header(page)) header = std::max(header, HeightOfText(*text));
+      if (PageText* text = texts_.Footer(page)) footer = std::max(footer, HeightOfText(*text));
+    }
+    if (header > 0) top_ = std::max(0.0, headerTop_ + std::min(header, most) + kBesideHeader);
+    double bottom = height_;
+    if (footer > 0) bottom = std::min(bottom, footerBottom_ - std::min(footer, most) - kBesideHeader);
+    height_ = std::max(height_ * kMostOfHeaders, bottom - top_);
+  }
+
+  double HeightOfText(const PageText& text) const {
+    double height = 0;
+    WithText(text, {}, [&](Blocks&, const std::vector<PageSlice>& slices) { height = HeightOf(slices); });
+    return height;
+  }
+
+  template <class F>
+  void WithText(const PageText& text, const PageNumbers& numbers, const F& visit) const {
+    const Document document = Filled(text.content, numbers);
+    Blocks blocks(document);
+    SetUp(blocks);
+    Pages pages(blocks, kMaxPixels);
+    if (const auto slices = pages.Next()) visit(blocks, *slices);
+  }
+
+  void PaintBeside(SlicePainter& painter, int number) {
+    const PageNumbers numbers{number, pages_, 0};
+    const auto paint = [&](PageText* text, const std::function<double(double height)>& top) {
+      if (!text) return;
+      WithText(*text, numbers, [&](Blocks& blocks, const std::vector<PageSlice>& slices) {
+        painter.Paint(slices, top(HeightOf(slices)), blocks.content().formats(), text->pictures);
+      });
     };
-    const auto first = std::find_if(lines.begin(), lines.end(), isHere);
-    const auto end = std::find_if_not(first, lines.end(), isHere);
-    if (first == end) return;
-    painter.PaintLines(block.Part(index), static_cast<size_t>(first - lines.begin()),
-                       static_cast<size_t>(end - lines.begin()) - 1);
+    paint(texts_.Header(number), [&](double) { return headerTop_; });
+    paint(texts_.Footer(number), [&](double height) { return footerBottom_ - height; });
   }
 
   const PrintOptions& options_;
   QPagedPaintDevice& device_;
+  PageWords words_;
+  PageTexts texts_;
   Document document_;
-  Blocks blocks_;
-  pictures::PictureCache pictures_;
-  QSizeF size_;  // of the pages' text area, pixels
+  Content whole_;
+  double width_ = 1, height_ = 1;            // of the text's area
+  double top_ = 0;                           // where it begins
+  double headerTop_ = 0, footerBottom_ = 0;  // from there
+  int pages_ = 1;
 };
 
 }  // namespace
 
-PageWords ReadPageWords(std::string_view words) {
-  PageWords page;
-  constexpr int kMostTwips = 31680;
-  const struct {
-    std::string_view name;
-    int* value;
-  } known[] = {{"paperw", &page.width}, {"paperh", &page.height}, {"margl", &page.left},
-               {"margt", &page.top},    {"margr", &page.right},   {"margb", &page.bottom}};
-  for (size_t at = words.find('\\'); at != std::string_view::npos; at = words.find('\\', at + 1)) {
-    const std::string_view rest = words.substr(at + 1);
-    const size_t letters = std::min(rest.find_first_not_of("abcdefghijklmnopqrstuvwxyz"), rest.size());
-    const std::string_view name = rest.substr(0, letters);
-    if (name == "landscape") page.landscape = true;
-    for (const auto& word : known) {
-      if (name != word.name) continue;
-      int value = 0;
-      std::from_chars(rest.data() + letters, rest.data() + rest.size(), value);
-      *word.value = std::clamp(value, 0, kMostTwips);
-    }
-  }
-  return page;
-}
-
-void SetUpPages(const PageWords& words, bool sizeToo, QPagedPaintDevice& device) {
-  const QSizeF size(words.width / kTwipsPerPoint, words.height / kTwipsPerPoint);
-  if (sizeToo && size.width() >= 2 * kSmallestText && size.height() >= 2 * kSmallestText) {
-    // A paper's own size is upright.
-    const bool wide = size.width() > size.height();
-    device.setPageOrientation(wide ? QPageLayout::Landscape : QPageLayout::Portrait);
-    device.setPageSize(QPageSize(wide ? size.transposed() : size, QPageSize::Point, {}, QPageSize::FuzzyMatch));
-  }
-  const auto margin = [](int twips) { return twips > 0 ? twips / kTwipsPerPoint : kDefaultMargin; };
-  QMarginsF margins(margin(words.left), margin(words.top), margin(words.right), margin(words.bottom));
-  const QSizeF paper = device.pageLayout().fullRect(QPageLayout::Point).size();
-  if (paper.width() - margins.left() - margins.right() < kSmallestText) {
-    margins.setLeft(std::min(kDefaultMargin, paper.width() / 4));
-    margins.setRight(margins.left());
-  }
-  if (paper.height() - margins.top() - margins.bottom() < kSmallestText) {
-    margins.setTop(std::min(kDefaultMargin, paper.height() / 4));
-    margins.setBottom(margins.top());
-  }
-  device.setPageMargins(margins, QPageLayout::Point);
-}
-
 Printed Print(const Document& document, const PrintOptions& options, QPagedPaintDevice& device) {
-  return Printer(document, options, device).Run();
+  return Printer(document, options, device).PrintAll();
 }
 
 }  // namespace text::layout

@@ -51,6 +51,7 @@ bool WritePdf(const text::Document& document, const text::rtf::DocumentPropertie
   SetUpPages(text::layout::ReadPageWords(properties.headerWords), true, writer);
   text::layout::PrintOptions options;
   options.range = document.content().all();
+  options.properties = &properties;
   const std::string& font = document.formats()[properties.defaultFont].name;
   if (!font.empty()) options.defaultFont = QFont(QString::fromStdString(font));
   options.defaultTab = properties.defaultTab;

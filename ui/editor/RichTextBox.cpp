@@ -311,6 +311,7 @@ text::layout::Printed RichTextBox::Print(QPagedPaintDevice& device, bool selecti
   options.defaultTab = rtfProperties().defaultTab;
   options.defaultStops = impl_->defaultTabStops;
   options.progress = progress;
+  options.properties = &rtfProperties();
   SetUpPages(text::layout::ReadPageWords(rtfProperties().headerWords), false, device);
   return text::layout::Print(impl_->document, options, device);
 }
