@@ -70,7 +70,7 @@ ROOMS = {
     "text/outline": room(["text"], ["QtCore"], "the outline knows the engine and of Qt only QtCore"),
     "text/layout": room(["text", "text/pictures", "text/outline"], ["QtCore", "QtGui"],
                         "the layout knows the engine, the outline, pictures, QtCore and QtGui, but no widget and no file format"),
-    "text/print": room(["text", "text/plain", "text/rtf"] + PAGES, ["QtCore", "QtGui"],
+    "text/print": room(["text", "text/plain", "text/rtfsyntax", "text/rtf"] + PAGES, ["QtCore", "QtGui"],
                        "printing knows the layout, the RTF reader, QtCore and QtGui, but no widget"),
     "ui": room(WINDOW, ANY_QT, "the window layer knows the engine, files/, the layout and Qt"),
     "ui/desktop": room(WINDOW, ANY_QT + ["gio", "xkb", "chm"], "ui/desktop/ knows what ui/ does, GIO, XKB and libchm"),
