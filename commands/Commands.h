@@ -4,6 +4,7 @@
 #include "autocomplete/AutoComplete.h"
 #include "documents/DocumentTable.h"
 #include "documents/Opening.h"
+#include "foldertree/FolderTree.h"
 #include "project/ProjectList.h"
 #include "search/Find.h"
 #include "services/Services.h"
@@ -17,13 +18,14 @@ namespace commands {
 class Commands {
  public:
   Commands(services::Services& services, documents::DocumentTable& table, documents::Opening& opening,
-           project::Project& project, project::ProjectList& list, search::Find& find,
+           project::Project& project, project::ProjectList& list, foldertree::FolderTree& tree, search::Find& find,
            autocomplete::AutoComplete& autoComplete, ui::ToolBar& toolbar)
       : services_(services),
         table_(table),
         opening_(opening),
         project_(project),
         list_(list),
+        tree_(tree),
         find_(find),
         autoComplete_(autoComplete),
         Toolbar1_(toolbar) {}
@@ -55,6 +57,14 @@ class Commands {
   void mnuProjListClearSelected_Click() { list_.mnuProjListClearSelected_Click(); }
   void mnuListSort_Click() { list_.mnuListSort_Click(); }
   void mnuListEditPrj_Click() { list_.mnuListEditPrj_Click(); }
+
+  // --- Folder tree
+  void mnuTreeSync_Click() { tree_.mnuTreeSync_Click(); }
+  void mnuTreeDirChg_Click() { tree_.mnuTreeDirChg_Click(); }
+  void mnuTreeCollapseAll_Click() { tree_.mnuTreeCollapseAll_Click(); }
+  void mnuTreeClearSelections_Click() { tree_.mnuTreeClearSelections_Click(); }
+  void mnuTreeRefresh_Click() { tree_.mnuTreeRefresh_Click(); }
+  void mnuTreeExplore_Click() { tree_.mnuTreeExplore_Click(); }
 
   // --- Options
   void mnuAutoCompleteToggle_Click() { autoComplete_.mnuAutoCompleteToggle_Click(); }
@@ -88,6 +98,7 @@ class Commands {
   documents::Opening& opening_;
   project::Project& project_;
   project::ProjectList& list_;
+  foldertree::FolderTree& tree_;
   search::Find& find_;
   autocomplete::AutoComplete& autoComplete_;
   ui::ToolBar& Toolbar1_;

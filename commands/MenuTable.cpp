@@ -198,6 +198,16 @@ constexpr Row kMenus[] = {
     Main("mnuListSort", QT_TRANSLATE_NOOP("Menu", "&Sort"), "", "", "", &Commands::mnuListSort_Click),
     Main("mnuListEditPrj", QT_TRANSLATE_NOOP("Menu", "&Edit project file as document"), "", "", "", &Commands::mnuListEditPrj_Click),
   End(),
+  Menu("mnuTreeView", QT_TRANSLATE_NOOP("Menu", "&Tree view")),
+    Main("mnuTreeSync", QT_TRANSLATE_NOOP("Menu", "&Synchronize w/current directory"), "", "", "", &Commands::mnuTreeSync_Click),
+    Main("mnuTreeDirChg", QT_TRANSLATE_NOOP("Menu", "Change to selected &directory"), "", "", "", &Commands::mnuTreeDirChg_Click),
+    Separator(),
+    Main("mnuTreeCollapseAll", QT_TRANSLATE_NOOP("Menu", "Collapse &All"), "", "", "", &Commands::mnuTreeCollapseAll_Click),
+    Main("mnuTreeClearSelections", QT_TRANSLATE_NOOP("Menu", "Clear &Selections"), "", "", "", &Commands::mnuTreeClearSelections_Click),
+    Separator(),
+    Main("mnuTreeRefresh", QT_TRANSLATE_NOOP("Menu", "&Refresh selected folder"), "", "", "F5", &Commands::mnuTreeRefresh_Click),
+    Main("mnuTreeExplore", QT_TRANSLATE_NOOP("Menu", "&Explore folder"), "", "", "", &Commands::mnuTreeExplore_Click),
+  End(),
   Menu("mnuOptions", QT_TRANSLATE_NOOP("Menu", "&Options")),
     Choice("mnuAutoCompleteToggle", QT_TRANSLATE_NOOP("Menu", "Toggle &Auto-Complete"), "Shift+F4", &Commands::mnuAutoCompleteToggle_Click, &Commands::AutoCompleteOn),
     Separator(),
@@ -240,6 +250,13 @@ constexpr Row kListPopup[] = {
   Main("mnuRCCopyPath", QT_TRANSLATE_NOOP("Menu", "&Copy selected pathname(s) to clipboard"), "", "", "", &Commands::mnuCopyListPath_Click),
   Main("mnuRCRemove", QT_TRANSLATE_NOOP("Menu", "&Remove selected items from project"), "", "", "", &Commands::mnuRemoveFile_Click),
 };
+constexpr Row kTreePopup[] = {
+  Main("mnuRCTreeDirChange", QT_TRANSLATE_NOOP("Menu", "Change to this &directory"), "", "", "", &Commands::mnuTreeDirChg_Click),
+  Main("mnuRCTreeCollapseAll", QT_TRANSLATE_NOOP("Menu", "Collapse &All"), "", "", "", &Commands::mnuTreeCollapseAll_Click),
+  Main("mnuRCTreeClearSelections", QT_TRANSLATE_NOOP("Menu", "Clear &Selections"), "", "", "", &Commands::mnuTreeClearSelections_Click),
+  Main("mnuRCTreeRefresh", QT_TRANSLATE_NOOP("Menu", "&Refresh selected folder"), "", "", "", &Commands::mnuTreeRefresh_Click),
+  Main("mnuRCTreeExplore", QT_TRANSLATE_NOOP("Menu", "&Explore"), "", "", "", &Commands::mnuTreeExplore_Click),
+};
 // clang-format on
 
 }  // namespace
@@ -252,6 +269,9 @@ std::span<const Row> DocumentPopupTable() {
 }
 std::span<const Row> ListPopupTable() {
   return kListPopup;
+}
+std::span<const Row> TreePopupTable() {
+  return kTreePopup;
 }
 
 }  // namespace commands

@@ -22,5 +22,6 @@ struct Row {
 std::span<const Row> MenuTable();
 std::span<const Row> DocumentPopupTable();
 std::span<const Row> ListPopupTable();  // mnuRCProjList
+std::span<const Row> TreePopupTable();  // mnuRCTree
 
 }  // namespace commands

@@ -123,8 +123,15 @@ void Menus::ShowDocumentPopup(documents::frmText& document, const QPoint& global
 }
 
 void Menus::ShowListPopup(const QPoint& globalPosition) {
+  ShowPopup(ListPopupTable(), globalPosition);
+}
+void Menus::ShowTreePopup(const QPoint& globalPosition) {
+  ShowPopup(TreePopupTable(), globalPosition);
+}
+
+// Rows that are always enabled.
+void Menus::ShowPopup(std::span<const Row> rows, const QPoint& globalPosition) {
   const ui::CommandScope scope;
-  const std::span<const Row> rows = ListPopupTable();
   const std::vector<bool> enabled(rows.size(), true);
   if (const auto chosen = ui::PickFromPopup(globalPosition, MenuRows(rows), enabled)) RunRow(rows[*chosen]);
 }

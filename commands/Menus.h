@@ -20,6 +20,7 @@ class Menus {
   void Fill();
   void ShowDocumentPopup(documents::frmText& document, const QPoint& globalPosition);
   void ShowListPopup(const QPoint& globalPosition);
+  void ShowTreePopup(const QPoint& globalPosition);
   void ShowRecentFiles(const std::vector<std::string>& paths);
 
   ui::MenuBar& bar() { return bar_; }
@@ -31,6 +32,7 @@ class Menus {
   void FillWindowList();
   void ActivateListed(size_t index);
   void RunRow(const Row& row);
+  void ShowPopup(std::span<const Row> rows, const QPoint& globalPosition);
 
   Commands& commands_;
   services::Services& services_;

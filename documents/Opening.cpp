@@ -79,6 +79,7 @@ void Opening::mnuOpenFile_Click() {
   std::string path = chosen.native();
   OpenDocument(path);
   ui::LetPendingEventsRun();
+  services::SyncTree(services_);
 }
 
 }  // namespace documents

@@ -329,6 +329,12 @@ SaveOutcome frmText::mnuSaveFileAs_Click() {
   origin_.fileHas = Origin::FileHas::kWhatWasRead;
   const SaveOutcome outcome = mnuSaveFile_Click();
   ui::LetPendingEventsRun();
+  if (services_.settings().TreeSync) {
+    services_.mnuTreeSync_Click();
+    ui::LetPendingEventsRun();
+    // The tree has the focus now, where Delete means files.
+    if (!unloaded_) Activate();
+  }
   return outcome;
 }
 

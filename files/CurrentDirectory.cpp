@@ -2,9 +2,11 @@
 
 #include "files/Io.h"
 
+#include <algorithm>
 #include <cassert>
 #include <cerrno>
 #include <cstdlib>
+#include <fcntl.h>
 #include <unistd.h>
 #include <vector>
 
@@ -21,6 +23,10 @@ std::string Join(const std::vector<std::string_view>& parts) {
 bool IsRealFolder(const std::string& path) {
   struct stat status;
   return lstat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+bool IsInside(const std::string& path, const std::string& folder) {
+  return path == folder || (path.starts_with(folder) && (folder.ends_with('/') || path[folder.size()] == '/'));
 }
 
 // `path` is absolute.
@@ -66,9 +72,37 @@ Status CurrentDirectory::Change(const Path& folder) {
   struct stat status;
   if (stat(next.c_str(), &status) != 0) return SystemError(errno, folder);
   if (!S_ISDIR(status.st_mode)) return SystemError(ENOTDIR, folder);
+  if (faccessat(AT_FDCWD, next.c_str(), X_OK, AT_EACCESS) != 0) return SystemError(errno, folder);
   if (!next.has_filename() && next.has_relative_path()) next = next.parent_path();
   path_ = std::move(next);
+  remembered_[drive()] = path_;
   return {};
+}
+
+void CurrentDirectory::SetDrives(const std::vector<Path>& drives) {
+  drives_ = {"/"};
+  for (const Path& drive : drives)
+    if (drive.is_absolute() && std::ranges::find(drives_, drive) == drives_.end()) drives_.push_back(drive);
+}
+
+const Path& CurrentDirectory::DriveOf(const Path& path) const {
+  const Path* longest = &drives_.front();
+  for (const Path& drive : drives_)
+    if (drive.native().size() > longest->native().size() && IsInside(path.native(), drive.native())) longest = &drive;
+  return *longest;
+}
+
+Status CurrentDirectory::ChangeDrive(const Path& drive) {
+  if (this->drive() == drive) return {};
+  const auto remembered = remembered_.find(drive);
+  if (remembered != remembered_.end() && DriveOf(remembered->second) == drive && Change(remembered->second)) return {};
+  return Change(drive);
+}
+
+std::string JoinPath(std::string folder, std::string_view name) {
+  if (!folder.ends_with('/')) folder += '/';
+  folder += name;
+  return folder;
 }
 
 Path CurrentDirectory::MakeAbsolute(const Path& path) const {

@@ -145,6 +145,7 @@ Saved Project::mnuSaveProjectAs_Click() {
   couldNotBeRead_ = false;
   const Saved saved = mnuSaveProject_Click();
   ui::LetPendingEventsRun();
+  services::SyncTree(services_);
   return saved;
 }
 
@@ -170,6 +171,7 @@ void Project::mnuOpen_Click() {
   ProjectFile = chosen.native();
   LoadProject();
   ui::LetPendingEventsRun();
+  services::SyncTree(services_);
 }
 
 bool Project::fncconfirm(std::string_view what) {

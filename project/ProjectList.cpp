@@ -122,8 +122,9 @@ ProjectList::Opened ProjectList::OpenEntry(std::string entry, services::PathFilt
   }
   const auto attributes = files::GetAttributes(path);
   if (attributes && attributes.value() & files::kDirectory) {
-    static_cast<void>(services_.ChangeDirectory(path));  // what is no folder any more cannot be changed to
+    services_.ChangeDirectory(path);
     ui::LetPendingEventsRun();
+    services_.mnuTreeSync_Click();
     return Opened::kAll;
   }
   if (!CanBeRead(entry, path)) {
@@ -149,6 +150,7 @@ void ProjectList::PickDocument(const services::PathFilter& filter) {
   std::string path = chosen.native();
   services_.OpenDocument(path);
   ui::LetPendingEventsRun();
+  services::SyncTree(services_);
 }
 
 void ProjectList::mnuListEditPrj_Click() {

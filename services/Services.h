@@ -88,7 +88,11 @@ class Services {
 
   // --- The current directory, a value of the program
   virtual files::Path MakeAbsolute(const files::Path& path) const = 0;
-  virtual files::Status ChangeDirectory(const files::Path& folder) = 0;
+
+  // --- The folder tree
+  virtual void ChangeDirectory(const files::Path& folder) = 0;  // says so when it cannot be entered
+  virtual void TreeSyncWithCurDir() = 0;
+  virtual void mnuTreeSync_Click() = 0;  // and gives the tree the focus
 
   // --- Documents
   virtual void OpenDocument(std::string& path) = 0;
@@ -133,5 +137,8 @@ class Services {
   virtual void ShowOvertype(bool overtype) = 0;                      // the panel stsInsert
   virtual void ShowDocumentMenu(int slot, const QPoint& globalPosition) = 0;
 };
+
+// Where the setting says that the tree follows the current directory.
+void SyncTree(Services& services);
 
 }  // namespace services

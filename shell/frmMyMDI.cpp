@@ -34,9 +34,11 @@ frmMyMDI::frmMyMDI(ui::Dialogs& dialogs, ui::Shell& shell, Place place)
       find_(*this),
       project_(*this, frame_.leftPane().List1()),
       projectList_(*this, project_, frame_.leftPane().List1()),
-      commands_(*this, table_, opening_, project_, projectList_, find_, autoComplete_, frame_.toolbar()),
+      tree_(*this, commonDialogs_.currentDirectory(), frame_.leftPane().Drive1(), frame_.leftPane().TreeView1()),
+      commands_(*this, table_, opening_, project_, projectList_, tree_, find_, autoComplete_, frame_.toolbar()),
       toolbar_(frame_, commands_, *this, table_),
       listToolbar_(frame_.leftPane(), commands_, *this, table_),
+      treeToolbar_(frame_.leftPane().Toolbar3(), commands_, *this),
       menus_(frame_, commands_, *this, table_),
       recentFiles_(settingsFile_, [this] { menus_.ShowRecentFiles(recentFiles_.shown()); }) {
   frame_.SetCaption("Quillmark");
@@ -44,6 +46,7 @@ frmMyMDI::frmMyMDI(ui::Dialogs& dialogs, ui::Shell& shell, Place place)
     services::ShowError(dialogs_, &frame_, QCoreApplication::translate("Messages", "Error: ") + reason);
   });
   projectList_.SetMenu([this](const QPoint& position) { menus_.ShowListPopup(position); });
+  tree_.SetMenu([this](const QPoint& position) { menus_.ShowTreePopup(position); });
   frame_.TakeDrops([this](const std::vector<std::string>& paths) { TakeDropped(paths); });
   QObject::connect(&frame_.area(), &ui::ChildArea::CurrentChanged, &menus_.bar(), [this] {
     forms_.Guarded([this] {

@@ -6,9 +6,11 @@
 #include "commands/ListToolbar.h"
 #include "commands/Menus.h"
 #include "commands/Toolbar.h"
+#include "commands/TreeToolbar.h"
 #include "documents/DocumentTable.h"
 #include "documents/Opening.h"
 #include "files/LockFile.h"
+#include "foldertree/FolderTree.h"
 #include "project/ProjectList.h"
 #include "search/Find.h"
 #include "search/frmYesNoAll.h"
@@ -70,6 +72,7 @@ class frmMyMDI final : public services::Services {
   search::Find& find() { return find_; }
   project::Project& project() { return project_; }
   project::ProjectList& projectList() { return projectList_; }
+  foldertree::FolderTree& folderTree() { return tree_; }
   autocomplete::AutoComplete& autoComplete() { return autoComplete_; }
   CommonDialogAPI& commonDialogs() { return commonDialogs_; }
   void SetFileOperations(std::unique_ptr<ui::FileOperations> operations) { fileOperations_ = std::move(operations); }
@@ -102,9 +105,9 @@ class frmMyMDI final : public services::Services {
   files::Path MakeAbsolute(const files::Path& path) const override {
     return commonDialogs_.currentDirectory().MakeAbsolute(path);
   }
-  files::Status ChangeDirectory(const files::Path& folder) override {
-    return commonDialogs_.currentDirectory().Change(folder);
-  }
+  void ChangeDirectory(const files::Path& folder) override { tree_.ChangeDirectory(folder); }
+  void TreeSyncWithCurDir() override { tree_.TreeSyncWithCurDir(); }
+  void mnuTreeSync_Click() override { tree_.mnuTreeSync_Click(); }
   ui::Shell& shell() override { return shell_; }
   ui::FileOperations& fileOperations() override { return *fileOperations_; }
   void OpenDocument(std::string& path) override { opening_.OpenDocument(path); }
@@ -179,9 +182,11 @@ class frmMyMDI final : public services::Services {
   search::Find find_;
   project::Project project_;
   project::ProjectList projectList_;
+  foldertree::FolderTree tree_;
   commands::Commands commands_;
   commands::Toolbar toolbar_;
   commands::ListToolbar listToolbar_;
+  commands::TreeToolbar treeToolbar_;
   commands::Menus menus_;
   RecentFiles recentFiles_;
 };

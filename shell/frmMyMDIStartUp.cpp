@@ -86,8 +86,10 @@ void frmMyMDI::MDIForm_Activate(const std::vector<files::Path>& paths) {
   if (place_.onlyLooking && settings_.AutoTagFile.empty()) settings_.AutoCompleteAtStartup = false;
   autoComplete_.StartUp();
   if (settings_.SaveWindowState && settings_.SaveArrange >= 0) commands_.Arrange(settings_.SaveArrange);
+  tree_.ReadDrives();
   OpenFirst(paths);
   ui::LetPendingEventsRun();
+  services::SyncTree(*this);
   ReportSettingsProblem(Found::kAtTheStart);
 }
 

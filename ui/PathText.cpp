@@ -2,9 +2,12 @@
 
 #include <QTextDocument>
 
+#include <algorithm>
 #include <dirent.h>
 #include <memory>
+#include <iterator>
 #include <optional>
+#include <vector>
 
 namespace ui {
 namespace {
@@ -24,6 +27,20 @@ std::optional<std::string> OnlyEntryShownAs(const files::Path& folder, const QSt
     found = entry->d_name;
   }
   return found;
+}
+
+// The bytes behind each U+FFFD of what is shown, in their order.
+std::vector<std::string_view> BytesOfUnknown(std::string_view name) {
+  std::vector<std::string_view> unknown;
+  for (size_t at = 0; at < name.size();) {
+    size_t length = 4;
+    const auto shown = [&] { return DisplayText(name.substr(at, length)); };
+    // Of a character of several bytes each shorter part is no character.
+    while (length > 1 && (at + length > name.size() || shown().toUcs4().size() != 1)) --length;
+    if (shown() == kUnknown) unknown.push_back(name.substr(at, length));
+    at += length;
+  }
+  return unknown;
 }
 
 }  // namespace
@@ -65,6 +82,26 @@ files::Path PathOfChosen(const QString& chosen, const files::Path& proposed) {
     path /= entry ? *entry : part.toStdString();
   }
   return path;
+}
+
+std::string EditedName(std::string_view name, const QString& edited) {
+  const QString shown = DisplayText(name);
+  const std::vector<std::string_view> unknown = BytesOfUnknown(name);
+  if (static_cast<qsizetype>(unknown.size()) != shown.count(kUnknown)) return edited.toStdString();
+  const auto before = std::mismatch(edited.begin(), edited.end(), shown.begin(), shown.end()).first;
+  const auto behind = std::mismatch(edited.rbegin(), std::make_reverse_iterator(before), shown.rbegin(), shown.rend());
+  const auto unknownBehind = std::count(edited.rbegin(), behind.first, kUnknown);
+  const auto all = edited.count(kUnknown), had = shown.count(kUnknown);
+  std::string result;
+  qsizetype seen = 0, at = 0;
+  for (qsizetype end; (end = edited.indexOf(kUnknown, at)) >= 0; at = end + 1, ++seen) {
+    result += edited.mid(at, end - at).toStdString();
+    // The last ones stay the last ones, all others are counted from the beginning.
+    const qsizetype which = seen >= all - unknownBehind ? had - (all - seen) : seen;
+    const bool known = which >= 0 && which < had && (seen >= all - unknownBehind || which < had - unknownBehind);
+    result += known ? unknown[static_cast<size_t>(which)] : std::string_view("\xEF\xBF\xBD");
+  }
+  return result + edited.mid(at).toStdString();
 }
 
 }  // namespace ui

@@ -26,4 +26,8 @@ QString PlainToolTip(const QString& text);
 // U+FFFD the folders are looked through for the one name that shows like this. Otherwise the text's own UTF-8.
 files::Path PathOfChosen(const QString& chosen, const files::Path& proposed = {});
 
+// The name that is meant by a text which was edited out of DisplayText(name). What stands before and behind the changed
+// part keeps its bytes.
+std::string EditedName(std::string_view name, const QString& edited);
+
 }  // namespace ui

@@ -25,6 +25,9 @@ class ScriptedShell final : public ui::Shell {
     return kStarted;
   }
 
+  std::vector<files::Path> Volumes() override { return volumes; }
+
+  std::vector<files::Path> volumes;
   std::vector<std::string> asked;
   files::Path ranIn;  // where the last program was started
   std::function<int(const std::string&)> opens;

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cctype>
 #include <gio/gio.h>
+#include <gio/gunixmounts.h>
 #include <memory>
 #include <optional>
 
@@ -142,6 +143,18 @@ int DesktopShell::Run(const std::string& program, const std::vector<std::string>
   const bool missing = g_error_matches(error, G_SPAWN_ERROR, G_SPAWN_ERROR_NOENT);
   g_error_free(error);
   return missing ? kNotFound : kAccessDenied;
+}
+
+std::vector<files::Path> DesktopShell::Volumes() {
+  std::vector<files::Path> volumes;
+  GList* const mounts = g_unix_mounts_get(nullptr);
+  for (const GList* each = mounts; each; each = each->next) {
+    auto* mount = static_cast<GUnixMountEntry*>(each->data);
+    if (g_unix_mount_guess_should_display(mount)) volumes.emplace_back(g_unix_mount_get_mount_path(mount));
+  }
+  g_list_free_full(mounts, reinterpret_cast<GDestroyNotify>(g_unix_mount_free));
+  std::ranges::sort(volumes);
+  return volumes;
 }
 
 }  // namespace ui

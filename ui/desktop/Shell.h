@@ -30,12 +30,16 @@ class Shell {
   // "Notepad.exe" and "Wordpad.exe", when they are not on PATH, are the default programs for plain and for rich text.
   virtual int Run(const std::string& program, const std::vector<std::string>& arguments,
                   const files::Path& directory) = 0;
+
+  // Where the volumes are mounted that a file manager would show, besides "/".
+  virtual std::vector<files::Path> Volumes() = 0;
 };
 
 class DesktopShell final : public Shell {
  public:
   int Open(const std::string& pathOrAddress) override;
   int Run(const std::string& program, const std::vector<std::string>& arguments, const files::Path& directory) override;
+  std::vector<files::Path> Volumes() override;
 };
 
 // "mailto:somebody", "https://...": letters, digits and "+-." before a colon, at least two of them.
