@@ -74,8 +74,8 @@ Status CurrentDirectory::Change(const Path& folder) {
   if (!S_ISDIR(status.st_mode)) return SystemError(ENOTDIR, folder);
   if (faccessat(AT_FDCWD, next.c_str(), X_OK, AT_EACCESS) != 0) return SystemError(errno, folder);
   if (!next.has_filename() && next.has_relative_path()) next = next.parent_path();
-  path_ = std::move(next);
   remembered_[drive()] = path_;
+  path_ = std::move(next);
   return {};
 }
 

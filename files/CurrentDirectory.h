@@ -17,7 +17,8 @@ class CurrentDirectory {
   static CurrentDirectory OfProcess();
 
   const Path& path() const { return path_; }
-  // Changes to a folder, kept as it was entered. Relative ones start from here. The folder must be one that may be entered. Its drive is the current one then, and remembers it.
+  // Changes to a folder, kept as it was entered. Relative ones start from here. The folder must be one that may be
+  // entered. Its drive is the current one then; the one that is left remembers where it was.
   Status Change(const Path& folder);
   // Joined to this directory when relative, without "." and doubled separators. ".." takes the folder before it away
   // unless that is a link (it would lead elsewhere) or missing. A separator at the end stays: it marks a folder. The
@@ -30,7 +31,8 @@ class CurrentDirectory {
   // The longest one that contains the absolute path.
   const Path& DriveOf(const Path& path) const;
   const Path& drive() const { return DriveOf(path_); }
-  // Changes to the folder that was last the current one of that drive, its root at first or when that folder has gone.
+  // Changes to the folder that was the current one when that drive was left, its root at first or when that folder has
+  // gone.
   // Nothing changes when the drive is the current one already.
   Status ChangeDrive(const Path& drive);
 

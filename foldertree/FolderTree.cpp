@@ -80,8 +80,8 @@ void FolderTree::ClearNodes() {
 
 bool FolderTree::ChangeDirectory(const files::Path& path) {
   if (path.empty()) {
-    services_.dialogs().ShowMessage(
-        services_.forms().at(0), {.text = tr("Please enter the directory to CD"), .icon = ui::Icon::kNone});
+    services_.dialogs().ShowMessage(services_.forms().at(0),
+                                    {.text = tr("Please enter the directory to CD"), .icon = ui::Icon::kNone});
     return false;
   }
   bool changed = true;
@@ -143,8 +143,7 @@ void FolderTree::AddFolderNodes(const std::string& parentKey) {
   if (count == 0 || !parent) return;
   // No key is there twice.
   TreeView1_.RemoveBelow(*parent, 0, nodes_.Count(nodes_.ListBelow(*parent)), [&] { nodes_.RemoveChildren(*parent); });
-  NodeTable::Children children =
-      nodes_.Sort(FolderEntryNames, FolderEntryAttributes, nodes_.Checked(*parent));
+  NodeTable::Children children = nodes_.Sort(FolderEntryNames, FolderEntryAttributes, nodes_.Checked(*parent));
   const int last = children.lastAdded;
   TreeView1_.InsertBelow(*parent, 0, static_cast<int>(children.nodes.size()),
                          [&] { nodes_.SetChildren(*parent, std::move(children)); });

@@ -97,6 +97,7 @@ void FolderTree::TreeSyncWithCurDir() {
 bool FolderTree::StartWalk(const std::string& cur, std::string& from) {
   from = cur;
   if (Exists(cur) && ImageOf(cur) == TreeImage::kOpen) {
+    Select(cur);
     RefreshFolderNode(cur);
     return false;
   }

@@ -1,5 +1,5 @@
-// The nodes of the folder tree. Listed folders hold their entries in one array each, in the order of their texts without
-// regard to letter case; a node's key is its path. An entry costs some 24 bytes beside its name.
+// The nodes of the folder tree. Listed folders hold their entries in one array each, in the order of their texts
+// without regard to letter case; a node's key is its path. An entry costs some 24 bytes beside its name.
 #pragma once
 
 #include "ui/controls/TreeSource.h"

@@ -4,8 +4,8 @@
 
 #include <algorithm>
 #include <dirent.h>
-#include <memory>
 #include <iterator>
+#include <memory>
 #include <optional>
 #include <vector>
 

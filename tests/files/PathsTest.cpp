@@ -235,6 +235,29 @@ TEST(CurrentDirectoryTest, Change) {
   EXPECT_EQ("/x", current.MakeAbsolute("x").native());
 }
 
+TEST(CurrentDirectoryTest, EachDriveHasItsOwn) {
+  const ScratchFolder scratch;
+  std::filesystem::create_directories(scratch / "usb/a/b");
+  std::filesystem::create_directories(scratch / "usb2");
+  CurrentDirectory current(scratch.path());
+  current.SetDrives({"/", scratch / "usb", "relative", scratch / "usb/a", scratch / "usb"});
+  EXPECT_EQ(current.drives().size(), 3u);
+  EXPECT_EQ(current.DriveOf(scratch / "usb2"), "/");
+  EXPECT_EQ(current.DriveOf(scratch / "usb/a"), scratch / "usb/a");
+  EXPECT_EQ(current.DriveOf(scratch / "usb/ax"), scratch / "usb");
+  const auto goTo = [&](const Path& drive) { return Outcome(current.ChangeDrive(drive)) + current.path().native(); };
+  EXPECT_EQ(goTo(scratch / "usb/a"), (scratch / "usb/a").native()) << "its root at first";
+  EXPECT_EQ("", Outcome(current.Change("b")));
+  EXPECT_EQ(goTo("/"), scratch.path().native());
+  EXPECT_EQ(goTo(scratch / "usb/a"), (scratch / "usb/a/b").native());
+  EXPECT_EQ(goTo("/"), scratch.path().native());
+  std::filesystem::remove(scratch / "usb/a/b");
+  EXPECT_EQ(goTo(scratch / "usb/a"), (scratch / "usb/a").native()) << "what was remembered has gone";
+  std::filesystem::remove_all(scratch / "usb");
+  EXPECT_EQ(goTo("/"), scratch.path().native());
+  EXPECT_EQ(goTo(scratch / "usb"), "53 No such file or directory" + scratch.path().native());
+}
+
 TEST(CurrentDirectoryTest, OfProcess) {
   const ScratchFolder scratch;
   std::filesystem::create_directory(scratch / "real");

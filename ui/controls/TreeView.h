@@ -45,9 +45,9 @@ class TreeView : public QTreeView {
 
  Q_SIGNALS:
   // From the event loop, outside of commands; the node was not moved meanwhile.
-  void NodeClicked(TreePlace node);    // on its picture or text, and let go there
-  void ToggleWanted(TreePlace node);   // of a folder, by its arrow or a key
-  void DoubleClicked();                // on the selected node
+  void NodeClicked(TreePlace node);   // on its picture or text, and let go there
+  void ToggleWanted(TreePlace node);  // of a folder, by its arrow or a key
+  void DoubleClicked();               // on the selected node
   void LabelEdited(const std::string& name);
   // At once.
   void EnterPressed();
