@@ -3,6 +3,9 @@
 
 #include "files/Result.h"
 
+#include <string>
+#include <string_view>
+
 namespace files {
 
 enum Attribute : int {
@@ -21,6 +24,7 @@ Status SetReadOnly(const Path& path, bool readOnly);
 // The path with letter case taken away, for tables that look up candidates: SamePath(a, b) implies equal keys. Bytes
 // that are not UTF-8 stay as they are.
 std::string PathKey(const Path& path);
+std::string NameKey(std::string_view name);  // the same for the bytes of a name
 
 // The program's one comparison of paths: equal without regard to letter case. Two paths that differ by case alone and
 // exist as different files (device and inode) are never the same. Nothing is normalised and links are not resolved, so

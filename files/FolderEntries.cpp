@@ -13,22 +13,19 @@ namespace {
 
 constexpr size_t kEntriesBetweenQuestions = 1000;
 
-int AttributesOfMode(mode_t mode) {
-  int attributes = mode & S_IWUSR ? 0 : kReadOnly;
-  if (S_ISDIR(mode)) attributes |= kDirectory;
-  if (S_ISCHR(mode) || S_ISBLK(mode) || S_ISFIFO(mode) || S_ISSOCK(mode)) attributes |= kSystem;
-  return attributes;
+int AttributesOfType(unsigned char type) {
+  if (type == DT_DIR) return kDirectory;
+  return type == DT_CHR || type == DT_BLK || type == DT_FIFO || type == DT_SOCK ? kSystem : 0;
 }
 
-// Nothing when the entry has vanished.
+// Nothing when the entry has vanished. What the folder itself says of most entries spares a look at each.
 std::optional<int> AttributesOf(int folder, const dirent& entry) {
+  if (entry.d_type != DT_UNKNOWN && entry.d_type != DT_LNK) return AttributesOfType(entry.d_type);
   struct stat status;
-  if (fstatat(folder, entry.d_name, &status, 0) == 0) return AttributesOfMode(status.st_mode);
-  if (fstatat(folder, entry.d_name, &status, AT_SYMLINK_NOFOLLOW) == 0)
-    return S_ISLNK(status.st_mode) ? 0 : AttributesOfMode(status.st_mode);
+  if (fstatat(folder, entry.d_name, &status, 0) == 0) return AttributesOfType(IFTODT(status.st_mode));
+  if (fstatat(folder, entry.d_name, &status, AT_SYMLINK_NOFOLLOW) == 0) return AttributesOfType(IFTODT(status.st_mode));
   if (errno == ENOENT) return std::nullopt;
-  // A folder that may be listed but not entered.
-  return AttributesOfMode(DTTOIF(entry.d_type) | S_IWUSR);
+  return 0;  // a link in a folder that may be listed but not entered
 }
 
 }  // namespace

@@ -60,11 +60,18 @@ bool Look(const Path& path, struct stat& status) {
 }  // namespace
 
 std::string PathKey(const Path& path) {
-  const std::string& bytes = path.native();
+  return NameKey(path.native());
+}
+
+std::string NameKey(std::string_view bytes) {
   std::string key;
   key.reserve(bytes.size());
   for (size_t i = 0; i < bytes.size();) {
-    const Character character = Decode(std::string_view(bytes).substr(i));
+    if (static_cast<unsigned char>(bytes[i]) < 0x80) {
+      key += static_cast<char>(Fold(static_cast<unsigned char>(bytes[i++])));
+      continue;
+    }
+    const Character character = Decode(bytes.substr(i));
     if (character.length == 0) {
       key += bytes[i++];
     } else {

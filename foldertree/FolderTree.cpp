@@ -102,9 +102,10 @@ void FolderTree::Report(const std::string& key, const files::Status& status) {
                           .arg(ui::ShortDisplayText(key), QString::fromStdString(status.error().text)));
 }
 
+// A big folder's names are given back.
 void FolderTree::ClearFolderLists() {
-  FolderEntryNames.clear();
-  FolderEntryAttributes.clear();
+  std::vector<std::string>().swap(FolderEntryNames);
+  std::vector<int>().swap(FolderEntryAttributes);
 }
 
 files::Status FolderTree::ListFolder(const std::string& path) {
@@ -215,6 +216,7 @@ files::Status FolderTree::RefreshNode(const std::string& key) {
   if (!status && !root) CloseNode(key);
   if (lists && !FolderEntryNames.empty()) {
     AddFolderNodes(key);
+    ClearFolderLists();
     ui::LetPendingEventsRun();
   } else {
     EnsureVisible(key);

@@ -20,7 +20,7 @@ struct SortKey {
   std::string folded;
   std::string_view bytes;
 
-  explicit SortKey(std::string_view name) : folded(files::PathKey(name)), bytes(name) {}
+  explicit SortKey(std::string_view name) : folded(files::NameKey(name)), bytes(name) {}
   auto operator<=>(const SortKey&) const = default;
 };
 
@@ -79,8 +79,8 @@ std::optional<TreePlace> NodeTable::Find(std::string_view key) const {
 std::optional<int> NodeTable::FindChild(TreeList listNumber, std::string_view name) const {
   if (listNumber == ui::kNoList) return std::nullopt;
   const List& list = ListAt(listNumber);
-  const std::string folded = files::PathKey(name);
-  const auto keyOf = [&](const Node& node) { return files::PathKey(NameIn(list.names, node)); };
+  const std::string folded = files::NameKey(name);
+  const auto keyOf = [&](const Node& node) { return files::NameKey(NameIn(list.names, node)); };
   const auto alike = std::ranges::equal_range(list.nodes, folded, {}, keyOf);
   const auto rowOf = [&](auto node) { return static_cast<int>(node - list.nodes.begin()); };
   for (auto node = alike.begin(); node != alike.end(); ++node)

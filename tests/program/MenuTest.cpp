@@ -55,6 +55,11 @@ class MenuTest : public ProgramTest {
         {"mnuSaveProjectAs", "mnuOpenAutoComplete"},
         {"mnuSelAll", "mnuAutoComplete"},
         {"mnuLinkAdd", "mnuRemoveFile"},
+        {"mnuTreeSync", "mnuTreeClearSelections"},
+        {"mnuTreeAdd2List", "mnuTreeSync"},
+        {"mnuTreeAdd2List", "mnuTreeClearSelections"},
+        {"mnuTreeDirChg", "mnuTreeDelete"},
+        {"mnuTreeRename", "mnuTreeRefresh"},
     };
     return kClashes.contains({a, b});
   }
@@ -95,7 +100,7 @@ class MenuTest : public ProgramTest {
 };
 
 TEST_F(MenuTest, WithoutADocument) {
-  EXPECT_EQ(TopLevel(), (QStringList{"&File", "Project &list", "&Options", "&Window"}));
+  EXPECT_EQ(TopLevel(), (QStringList{"&File", "Project &list", "&Tree view", "&Options", "&Window"}));
   EXPECT_EQ(Shown("mnuFile"), (QStringList{"&New project", "&Open a project...", "Save &project file",
                                            "Save project file &as...", "-", "&New document", "Open a &document...",
                                            "Save a&ll", "-", "Load &Auto-Complete file...", "-", "E&xit"}));
@@ -107,7 +112,8 @@ TEST_F(MenuTest, WithoutADocument) {
 
 TEST_F(MenuTest, WithADocument) {
   New();
-  EXPECT_EQ(TopLevel(), (QStringList{"&File", "&Edit", "For&mat", "&Strip", "Project &list", "&Options", "&Window"}));
+  EXPECT_EQ(TopLevel(),
+            (QStringList{"&File", "&Edit", "For&mat", "&Strip", "Project &list", "&Tree view", "&Options", "&Window"}));
   EXPECT_EQ(Shown("mnuFile"),
             (QStringList{"&New project", "&Open a project...", "Save &project file", "Save project file &as...", "-",
                          "&New document", "Open a &document...", "&Save document", "Save document &as...", "Save a&ll",
