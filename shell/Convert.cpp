@@ -64,7 +64,13 @@ class Conversion {
   Conversion(const files::Path& in, const files::Path& out, const files::Path& recoveryFolder)
       : in_(in), out_(out), recoveryFolder_(recoveryFolder) {}
 
-  std::string Run() {
+  Converted Run() {
+    std::string error = Do();
+    return {std::move(error), std::move(note_)};
+  }
+
+ private:
+  std::string Do() {
     const auto from = FormatOf(in_), to = FormatOf(out_);
     if (!from || *from == Format::kPdf) return Line(in_, "cannot read this format (.txt, .html and .rtf)");
     if (!to) return Line(out_, "cannot write this format (.txt, .html, .rtf and .pdf)");
@@ -75,7 +81,6 @@ class Conversion {
     return Save([&](const files::ByteSink& sink) { return CopyBytes(file.value().descriptor(), sink, readError_); });
   }
 
- private:
   std::string FromRtf(files::InputFile& file, Format to) {
     auto bytes = files::ReadAll(file);
     if (!bytes) return Line(in_, bytes.error().text);
@@ -83,7 +88,7 @@ class Conversion {
     if (!bytes.value().empty()) {
       read = text::rtf::Read(std::move(bytes.value()), text::Content().store());
       if (!read.isRtf) return Line(in_, "is not rich text, although its name says so");
-      if (read.limited) return Line(in_, "holds more than this program reads");
+      if (read.limited) note_ = Line(in_, "holds more than this program reads; some of it was left out");
     }
     return Save([&](const files::ByteSink& sink) { return WriteRich(read, to, sink); });
   }
@@ -93,7 +98,7 @@ class Conversion {
       case Format::kText:
         return text::WritePlainText(read.content, {}, sink, {.fromRichText = true});
       case Format::kRtf:
-        return text::rtf::Write(read.content, read.properties, sink);
+        return text::rtf::WriteAnew(read.content, read.properties, sink);
       case Format::kPdf:
         return WritePages(read.content, read.properties, sink);
       case Format::kHtml:
@@ -128,15 +133,16 @@ class Conversion {
   const files::Path& out_;
   const files::Path& recoveryFolder_;
   int readError_ = 0;
+  std::string note_;
 };
 
 }  // namespace
 
-std::string Convert(const files::Path& in, const files::Path& out, const files::Path& recoveryFolder) {
+Converted Convert(const files::Path& in, const files::Path& out, const files::Path& recoveryFolder) {
   try {
     return Conversion(in, out, recoveryFolder).Run();
   } catch (const std::exception& failure) {
-    return Line(in, failure.what());
+    return {Line(in, failure.what()), {}};
   }
 }
 

@@ -7,9 +7,15 @@
 
 namespace shell {
 
-// Formats go by the names: .txt, .htm, .html, .rtf, and .pdf to write. Text and HTML are copied verbatim between each other. An empty
-// result is success, else one line that says what went wrong. `recoveryFolder` as for files::AtomicSave.
-std::string Convert(const files::Path& in, const files::Path& out, const files::Path& recoveryFolder);
+// Each one line, or empty.
+struct Converted {
+  std::string error;  // what went wrong; empty: it is done
+  std::string note;   // what the new file lacks
+};
+
+// Formats go by the names: .txt, .htm, .html, .rtf, and .pdf to write. Text and HTML are copied verbatim between each
+// other; RTF is read and written anew. `recoveryFolder` as for files::AtomicSave.
+Converted Convert(const files::Path& in, const files::Path& out, const files::Path& recoveryFolder);
 
 // One line for the terminal, whatever bytes the texts hold.
 std::string OneLine(const std::string& text);

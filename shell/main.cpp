@@ -13,8 +13,12 @@ namespace {
 
 using shell::CommandLine;
 
-int Fail(const std::string& text) {
+void Say(const std::string& text) {
   std::fprintf(stderr, "quillmark: %s\n", shell::OneLine(text).c_str());
+}
+
+int Fail(const std::string& text) {
+  Say(text);
   return 1;
 }
 
@@ -47,8 +51,10 @@ int Run(const CommandLine& line, const files::CurrentDirectory& directory) {
   const auto folders = files::FindUserFolders();
   if (!folders) return Fail(folders.error().text);
   if (line.action != Action::kConvert) return RunWindow(line, shell::FindPlace(folders.value(), directory));
-  const std::string error = shell::Convert(line.paths[0], line.paths[1], folders.value().recovery());
-  return error.empty() ? 0 : Fail(error);
+  const shell::Converted done = shell::Convert(line.paths[0], line.paths[1], folders.value().recovery());
+  if (!done.error.empty()) return Fail(done.error);
+  if (!done.note.empty()) Say(done.note);
+  return 0;
 }
 
 }  // namespace

@@ -72,6 +72,18 @@ TEST_F(CommandLineTest, RichTextThroughTheReaderAndTheWriter) {
   EXPECT_EQ(Bytes(At("b.txt")), Bytes(At("a.txt")));
 }
 
+TEST_F(CommandLineTest, WhatIsLeftOutIsSaid) {
+  std::string stops;
+  for (int i = 0; i < 70; ++i) stops += "\\tx" + std::to_string(i);
+  const Ran ran = Convert(Put("a.rtf", "{\\rtf1{\\*\\foo x}" + stops + " one}"), At("a.txt"));
+  EXPECT_EQ(ran.status, 0);
+  EXPECT_EQ(ran.error, "quillmark: " + At("a.rtf").native() +
+                           ": holds more than this program reads; some of it was left out\n");
+  EXPECT_EQ(Bytes(At("a.txt")), "one");
+  EXPECT_EQ(Convert(At("a.rtf"), At("b.rtf")).status, 0);
+  EXPECT_EQ(Bytes(At("b.rtf")).find("foo"), std::string::npos) << "written anew";
+}
+
 TEST_F(CommandLineTest, RichTextToHtml) {
   const files::Path in = Put("a&b.rtf",
                              "{\\rtf1\\ansi{\\colortbl;\\red255\\green0\\blue16;}\\fs24 one {\\b two {\\i three}}\\par"

@@ -138,12 +138,6 @@ const HostileRow kHostile[] = {
                   "}\\f39999 a");
      },
      "a", true},
-    {"colliding_fonts",
-     [] {
-       return Rtf("{\\fonttbl" + Numbered(30000, [](size_t i) { return "{\\f" + std::to_string(i * 62233) + " F;}"; }) +
-                  "}a");
-     },
-     "a"},
     {"long_word", [] { return Rtf("a\\" + std::string(1 << 20, 'w') + " b"); }, "ab"},
     {"long_number", [] { return Rtf("a\\fs" + std::string(1 << 20, '9') + " b"); }, "ab"},
     {"deep_fields",
@@ -172,7 +166,7 @@ const HostileRow kHostile[] = {
     {"row_per_edge", [] { return Rtf("\\trowd" + Repeat("\\cellx9\\row", 50000)); }, Repeat("\n", 50000)},
     {"long_picture", [] { return Rtf("a{\\pict " + std::string(8 << 20, '0') + "}b"); }, "ab"},
     {"picture_of_a_billion_pixels", [] { return Rtf("{\\pict 89504e470d0a1a0a0000000d494844527fffffff7fffffff}b"); },
-     "b"},
+     "b", true},
     {"many_lists",
      [] {
        return Rtf("{\\*\\listtable" +
@@ -185,7 +179,20 @@ const HostileRow kHostile[] = {
     {"font_table_per_character", [] { return Rtf(Repeat("{", 50000) + Repeat("{\\fonttbl{\\f0 A;}}x", 50000)); },
      Repeat("x", 50000)},
     {"lead_bytes", [] { return Rtf("\\ansicpg932 " + Repeat("\\'81", 200001)); }, Repeat("＝", 100000) + "\uFFFD"},
-    {"styles_on_each_other", [] { return Rtf("{\\stylesheet{\\s1\\sbasedon2 A;}{\\s2\\sbasedon1 B;}}\\s1 a"); }, "a"},
+    {"styles_on_each_other",
+     [] {
+       return Rtf("{\\stylesheet" +
+                  Numbered(40000,
+                           [](size_t i) {
+                             return "{\\s" + std::to_string(i) + "\\sbasedon" + std::to_string(i + 1) + "\\b F;}";
+                           }) +
+                  "}" + Numbered(40000, [](size_t i) { return "\\s" + std::to_string(i) + " a"; }));
+     },
+     Repeat("a", 40000), true},
+    {"lines_behind_a_row", [] { return Rtf("\\trowd" + Repeat("\\cellx9", 1024) + Repeat("\\brdrs\\row", 20000)); },
+     Repeat("\n", 20000)},
+    {"descriptions",
+     [] { return Rtf(Repeat("{\\shp{\\sp{\\sn pib}{\\sv{\\pict}}}", 20000) + Repeat("}", 20000) + "a"); }, "a"},
 };
 INSTANTIATE_TEST_SUITE_P(Files, RtfHostile, testing::ValuesIn(kHostile),
                          [](const auto& row) { return std::string(row.param.name); });

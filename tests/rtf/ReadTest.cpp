@@ -155,7 +155,7 @@ const Row kGroups[] = {
     {" a\\cell b\\par c\\cell", "a|[row1/0/4500/9000]b\n[row1/0/4500/9000]c||[row1/0/4500/9000]"},
     {"\\trowd a{\\*\\nesttableprops\\trowd}b\\nestcell c\\nestcell\\nestrow d\\cell\\row",
      "ab|[row2/0/4500/9000]c||[row2/0/4500/9000]d||[row1/0/9000]"},
-    {"{{{\\NeXTGraphic x.tiff }}}a", "<picture/'x.tiff'>\uFFFC<>a"},
+    {"{{\\NeXTGraphic x.tiff }\\'ac}a\\'ac", "<picture/'x.tiff'>\uFFFC<>a¬"},
 };
 
 const Row kLinks[] = {
@@ -184,6 +184,10 @@ const Row kLists[] = {
      "<picture/png/1350x1650/crop1000,0,0,-1000>\uFFFC"},
     {R"({\shp{\*\shpinst\shpleft1{\sp{\sn pib}{\sv{\pict\pngblip 89504e470d0a1a0a}}}{\sp{\sn a}{\sv 1}}{\shptxt t}}{\shprslt r}})",
      "<picture/png>\uFFFC<>t"},
+    {R"({\pict{\*\picprop{\sp{\sn wzName}{\sv n}}{\sp{\sn wzDescription}{\sv a\u8364?b\'e4}}}\pngblip 89504e470d0a1a0a})",
+     "<picture/png/'a€bä'>\uFFFC"},
+    {R"({\shp{\*\shpinst{\sp{\sn pib}{\sv{\pict\pngblip 89504e470d0a1a0a}}}{\sp{\sn wzDescription}{\sv x}}}}{\sp{\sn wzDescription}{\sv y}})",
+     "<picture/png/'x'>\uFFFC"},
     {R"({\object\objemb\objw300\objh200{\*\objclass A.B}{\*\objdata 0102}{\result{\pict\pngblip\picwgoal30 89504e470d0a1a0a}}}x)",
      "<embedded/png/30x200/'A.B'>\uFFFC<>x"},
 };

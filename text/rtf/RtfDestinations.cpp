@@ -1,4 +1,5 @@
 // Destinations: what a group holds, and what to do at its end.
+#include "text/rtf/RtfDescription.h"
 #include "text/rtf/RtfFields.h"
 #include "text/rtf/RtfPictures.h"
 #include "text/rtf/RtfReader.h"
@@ -235,7 +236,11 @@ void RtfReader::Picture() {
   const bool ofShape = state().mode == Mode::kShape && shapeName_ == "pib";
   if (tooDeep_ > 0 || (state().mode != Mode::kBody && !ofShape)) return Skip();
   const bool whole = firstWord_;
-  EmbeddedObject picture = ReadPicture(tokenizer_, owner_);
+  ReadingPictures reading{owner_, inForce_.Page(state())};
+  EmbeddedObject picture = ReadPicture(tokenizer_, reading);
+  LimitUnless(!reading.limited);
+  // The description stands in a property behind that of the picture; picture, value and property must end before.
+  if (ofShape && picture.name.empty()) picture.name = FindDescription(tokenizer_, 4, descriptionScan_, reading.page);
   if (whole) picture.rtf = WholeGroup();
   Anchor(std::move(picture));
 }
@@ -243,12 +248,14 @@ void RtfReader::Picture() {
 // An object is one character, unless its result is text that wants to be read.
 void RtfReader::Object() {
   if (state().mode != Mode::kBody || state().inObject) return;
-  ScannedObject scanned = ScanObject(tokenizer_, owner_);
+  ReadingPictures reading{owner_, inForce_.Page(state())};
+  ScannedObject scanned = ScanObject(tokenizer_, reading);
   if (scanned.showsText) {
     state().inObject = true;
     if (watcher_) watcher_->OnField(groupBegin_);
     return;
   }
+  LimitUnless(!reading.limited);
   Skip();
   scanned.object.rtf = WholeGroup();
   Anchor(std::move(scanned.object));
@@ -260,6 +267,7 @@ void RtfReader::Attachment() {
   EmbeddedObject picture = ReadAttachment(tokenizer_);
   if (whole) picture.rtf = WholeGroup();
   Anchor(std::move(picture));
+  attachmentEnds_ = stack_.size() - 1;
 }
 
 }  // namespace text::rtf

@@ -12,8 +12,7 @@ namespace {
 
 class ObjectScan {
  public:
-  ObjectScan(RtfTokenizer tokenizer, const std::shared_ptr<const std::string>& owner)
-      : tokenizer_(tokenizer), owner_(owner) {}
+  ObjectScan(RtfTokenizer tokenizer, ReadingPictures& reading) : tokenizer_(tokenizer), reading_(reading) {}
 
   ScannedObject Run() {
     while (depth_ > 0 && !scanned_.showsText) {
@@ -89,7 +88,7 @@ class ObjectScan {
   }
 
   void TakePicture() {
-    EmbeddedObject picture = ReadPicture(tokenizer_, owner_);
+    EmbeddedObject picture = ReadPicture(tokenizer_, reading_);
     if (InResult() && scanned_.object.type == PictureType::kNone) {
       picture.name = std::move(scanned_.object.name);
       scanned_.object = std::move(picture);
@@ -97,7 +96,7 @@ class ObjectScan {
   }
 
   RtfTokenizer tokenizer_;
-  const std::shared_ptr<const std::string>& owner_;
+  ReadingPictures& reading_;
   ScannedObject scanned_;
   size_t depth_ = 1, resultDepth_ = 0;
   bool first_ = false, starred_ = false;
@@ -106,8 +105,8 @@ class ObjectScan {
 
 }  // namespace
 
-ScannedObject ScanObject(RtfTokenizer tokenizer, const std::shared_ptr<const std::string>& owner) {
-  return ObjectScan(tokenizer, owner).Run();
+ScannedObject ScanObject(RtfTokenizer tokenizer, ReadingPictures& reading) {
+  return ObjectScan(tokenizer, reading).Run();
 }
 
 }  // namespace text::rtf

@@ -1,5 +1,6 @@
 #include "text/rtf/RtfPictures.h"
 
+#include "text/rtf/RtfDescription.h"
 #include "text/rtfsyntax/RtfKeywords.h"
 #include "text/rtfsyntax/RtfLimits.h"
 
@@ -142,14 +143,15 @@ bool TooLarge(PixelSize size) {
 }
 
 // A picture in hand: its type by its bytes; one that is too large stays a frame.
-void TakeBytes(EmbeddedObject& object, SharedBytes data, const PictureWords& words) {
+void TakeBytes(EmbeddedObject& object, SharedBytes data, const PictureWords& words, ReadingPictures& reading) {
   if (data.bytes.starts_with("BM") && IsDib(data.bytes.substr(std::min<size_t>(14, data.bytes.size()))))
     data.bytes.remove_prefix(14);
   object.type = SniffPicture(data.bytes);
   if (object.type == PictureType::kNone && words.mac && data.bytes.size() > 512) object.type = PictureType::kMac;
-  if (object.type == PictureType::kNone || data.bytes.size() > kMaxPictureBytes ||
-      TooLarge(PixelsOf(object.type, data.bytes))) {
+  if (object.type == PictureType::kNone) return;
+  if (data.bytes.size() > kMaxPictureBytes || TooLarge(PixelsOf(object.type, data.bytes))) {
     object.type = PictureType::kNone;
+    reading.limited = true;
     return;
   }
   object.picture = std::move(data);
@@ -168,6 +170,11 @@ void TakeSize(EmbeddedObject& object, const PictureWords& words) {
 
 void AppendAscii(std::string& text, const Token& token, size_t most) {
   if (token.kind == TokenKind::kText && text.size() < most) text += token.text.substr(0, most - text.size());
+}
+
+bool IsPropertiesNext(RtfTokenizer tokenizer) {
+  const Token token = tokenizer.Next();
+  return token.kind == TokenKind::kWord && token.text == "picprop";
 }
 
 }  // namespace
@@ -196,24 +203,35 @@ PixelSize PixelsOf(PictureType type, std::string_view bytes) {
 }
 
 // Groups inside hold properties; one without a destination is but a wrapping of data.
-EmbeddedObject ReadPicture(RtfTokenizer& tokenizer, const std::shared_ptr<const std::string>& owner) {
+EmbeddedObject ReadPicture(RtfTokenizer& tokenizer, ReadingPictures& reading) {
   EmbeddedObject object;
   PictureWords words;
   HexBytes hex;
   std::optional<std::string_view> binary;
+  DescriptionScan description(reading.page);
+  size_t properties = 0;  // the depth that they end above
   for (size_t depth = 0; depth > 0 || !tokenizer.AtClose();) {
     const Token token = tokenizer.Next();
     if (token.kind == TokenKind::kEnd) break;
     if (token.kind == TokenKind::kOpen) ++depth;
     if (token.kind == TokenKind::kClose) --depth;
+    if (depth < properties) properties = 0;
+    if (token.kind == TokenKind::kWord && token.text == "picprop") properties = depth;
+    if (properties > 0) {
+      description.Take(token);
+      continue;
+    }
     const Keyword* word = token.kind == TokenKind::kWord ? FindKeyword(token.text) : nullptr;
     const bool starred = token.kind == TokenKind::kSymbol && token.text == "*";
+    if (starred && IsPropertiesNext(tokenizer)) continue;
     if (depth > 0 && (starred || (word && word->kind == Kind::kDestination))) tokenizer.SkipGroup();
     if (token.kind == TokenKind::kWord) TakeWord(words, token);
     if (token.kind == TokenKind::kText && hex.size() <= kMaxPictureBytes) hex.Add(token.text);
     if (token.kind == TokenKind::kBinary && !binary) binary = token.text;
   }
-  TakeBytes(object, binary && !binary->empty() ? SharedBytes(owner, *binary) : SharedBytes(hex.Take()), words);
+  TakeBytes(object, binary && !binary->empty() ? SharedBytes(reading.owner, *binary) : SharedBytes(hex.Take()), words,
+            reading);
+  object.name = description.description();
   TakeSize(object, words);
   return object;
 }

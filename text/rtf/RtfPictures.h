@@ -2,6 +2,7 @@
 #pragma once
 
 #include "text/Objects.h"
+#include "text/rtfsyntax/RtfCodePages.h"
 #include "text/rtfsyntax/RtfTokenizer.h"
 
 #include <memory>
@@ -20,8 +21,13 @@ struct PixelSize {
 PixelSize PixelsOf(PictureType type, std::string_view bytes);
 
 // Reads the rest of a {\pict} group, behind that word, and stops before its closing brace. The group's own slice is
-// for the caller to add. `bytes` is what the tokenizer reads, owned by `owner`.
-EmbeddedObject ReadPicture(RtfTokenizer& tokenizer, const std::shared_ptr<const std::string>& owner);
+// for the caller to add. What the tokenizer reads is owned by `owner`; `page` is that of the text around.
+struct ReadingPictures {
+  const std::shared_ptr<const std::string>& owner;
+  const CodePage& page;
+  bool limited = false;  // a picture was too large and is left out
+};
+EmbeddedObject ReadPicture(RtfTokenizer& tokenizer, ReadingPictures& reading);
 
 struct ScannedObject {
   bool showsText = false;  // its result holds text, not just a picture
@@ -29,7 +35,7 @@ struct ScannedObject {
 };
 
 // The same for {\object}, but only looks: the tokenizer is a copy.
-ScannedObject ScanObject(RtfTokenizer tokenizer, const std::shared_ptr<const std::string>& owner);
+ScannedObject ScanObject(RtfTokenizer tokenizer, ReadingPictures& reading);
 
 // Name and size of a Cocoa attachment, from behind \NeXTGraphic.
 EmbeddedObject ReadAttachment(RtfTokenizer& tokenizer);

@@ -242,7 +242,8 @@ void RtfReader::DocumentProperty(const Keyword& word, const Token& token) {
 
 void RtfReader::KeepHeaderWord(const Keyword& word, const Token& token) {
   std::string& words = result_.properties.headerWords;
-  if (sawText_ || stack_.size() != 1 || words.size() > kMaxHeaderWords) return;
+  if (sawText_ || stack_.size() != 1) return;
+  if (words.size() > kMaxHeaderWords) return LimitUnless(false);
   words += '\\';
   words += word.word;
   if (token.hasParameter) words += std::to_string(token.parameter);

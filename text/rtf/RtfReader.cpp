@@ -11,7 +11,8 @@ namespace {
 
 constexpr size_t kProgressStep = 1 << 20;
 constexpr size_t kDecodeAt = 4096;
-constexpr char kLowestTrail = 0x30;  // of a second byte, in any double-byte code page
+constexpr int32_t kAttachment = 0xAC;  // stands behind the name of one, in any code page
+constexpr char kLowestTrail = 0x30;    // of a second byte, in any double-byte code page
 
 }  // namespace
 
@@ -252,6 +253,11 @@ void RtfReader::RawBytes(std::string_view bytes) {
 void RtfReader::Hex(int32_t value) {
   if (skipUnits_ > 0) return TellSkipped(1, span_.end);
   if (value < 0) return;
+  if (value == kAttachment && attachmentEnds_ == stack_.size()) {
+    attachmentEnds_ = 0;
+    if (watcher_) watcher_->OnFallback(span_.end);
+    return;
+  }
   if (state().mode == Mode::kLevelText) return lists_.LevelByte(static_cast<uint8_t>(value));
   if (value < 0x20) {
     FlushBytes();
@@ -327,6 +333,7 @@ void RtfReader::Emit(std::string_view utf8) {
       return;
     }
     case Mode::kNote:
+      LimitUnless(noteText_.size() + utf8.size() <= kMaxNoteBytes);
       if (noteText_.size() + utf8.size() <= kMaxNoteBytes) noteText_ += utf8;
       return;
     case Mode::kShapeName:
@@ -345,6 +352,7 @@ void RtfReader::Emit(std::string_view utf8) {
 void RtfReader::EmitBody(std::string_view utf8) {
   if (utf8.empty()) return;
   FlushSurrogate();
+  attachmentEnds_ = 0;
   if (watcher_) TellText(utf8);
   CharFormatId id = CurrentChars();
   if (symbolFont_) {

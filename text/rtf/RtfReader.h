@@ -168,6 +168,8 @@ class RtfReader {
   std::optional<FontId> symbolFont_;  // that a field gives its character
   std::string noteText_, shapeName_;
   size_t noteBegin_ = 0;
+  size_t descriptionScan_ = kMaxDescriptionScan;
+  size_t attachmentEnds_ = 0;     // in the group of this depth, with the character that stands for one
   bool sawShapePicture_ = false;  // {\*\shppict}, whose like for old readers is to follow
 };
 

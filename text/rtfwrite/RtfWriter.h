@@ -71,6 +71,7 @@ class RtfWriter {
   void Object(const EmbeddedObject& object);
   void Picture(const EmbeddedObject& object);
   void Note(const EmbeddedObject& object);
+  void Description(const EmbeddedObject& object);
   void HexBytes(std::string_view bytes);
   void Group(std::string_view group);
 

@@ -87,6 +87,17 @@ void RtfWriter::Object(const EmbeddedObject& object) {
   const bool picture = object.kind == ObjectKind::kPicture;
   const bool raw = object.rtf.bytes.find("\\bin") != std::string_view::npos;
   if (picture && (object.rtf.bytes.empty() || (raw && object.type != PictureType::kNone))) return Picture(object);
+  if (object.rtf.bytes.starts_with("{\\NeXTGraphic")) {
+    words_.Raw("{"), Group(object.rtf.bytes), words_.Raw("\\'ac}");
+    return;
+  }
+  constexpr std::string_view kPicture = "{\\pict";
+  // A shape has the description beside its picture.
+  const bool described = object.rtf.bytes.find("wzDescription") != std::string_view::npos;
+  if (picture && !object.name.empty() && !described && object.rtf.bytes.starts_with(kPicture)) {
+    words_.Raw(kPicture), Description(object), Group(object.rtf.bytes.substr(kPicture.size()));
+    return;
+  }
   if (!object.rtf.bytes.empty()) return Group(object.rtf.bytes);
   words_.Raw("{\\object\\objemb");
   if (object.width > 0) words_.Word("objw", object.width);
@@ -125,9 +136,17 @@ void RtfWriter::Picture(const EmbeddedObject& object) {
   number("picwgoal", across.goal), number("pichgoal", down.goal);
   number("piccropl", across.before), number("piccropr", across.after);
   number("piccropt", down.before), number("piccropb", down.after);
+  Description(object);
   words_.Raw("\r\n");
   HexBytes(DataOf(object));
   words_.Raw("}");
+}
+
+void RtfWriter::Description(const EmbeddedObject& object) {
+  if (object.kind != ObjectKind::kPicture || object.name.empty()) return;
+  words_.Raw("{\\*\\picprop{\\sp{\\sn wzDescription}{\\sv ");
+  words_.Text(object.name, TextCoding());
+  words_.Raw("}}}");
 }
 
 void RtfWriter::HexBytes(std::string_view bytes) {
