@@ -14,6 +14,7 @@ namespace {
 
 constexpr QChar kUnknown(0xFFFD);
 constexpr QChar kEllipsis(0x2026);
+constexpr qsizetype kNameBegin = 30, kNameEnd = 50;
 constexpr qsizetype kHalfShown = 500;          // characters of each end of a long text
 constexpr size_t kHalfBytes = 4 * kHalfShown;  // which hold that many in any case
 
@@ -58,6 +59,15 @@ QString ShortDisplayText(std::string_view bytes) {
   if (!cut && head.size() <= 2 * kHalfShown) return head;
   QString tail = (cut ? DisplayText(bytes.substr(bytes.size() - kHalfBytes)) : head).right(kHalfShown);
   head.truncate(kHalfShown);
+  if (head.back().isHighSurrogate()) head.chop(1);
+  if (tail.front().isLowSurrogate()) tail.remove(0, 1);
+  return head + kEllipsis + tail;
+}
+
+QString NameInText(std::string_view bytes) {
+  QString text = ShortDisplayText(bytes);
+  if (text.size() <= kNameBegin + kNameEnd + 1) return text;
+  QString head = text.left(kNameBegin), tail = text.right(kNameEnd);
   if (head.back().isHighSurrogate()) head.chop(1);
   if (tail.front().isLowSurrogate()) tail.remove(0, 1);
   return head + kEllipsis + tail;

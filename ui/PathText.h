@@ -16,6 +16,9 @@ QString DisplayText(std::string_view bytes);
 // The same, but of a long text only the beginning and the end, with an ellipsis between: about a thousand characters.
 QString ShortDisplayText(std::string_view bytes);
 
+// A name or path in a sentence: at most some eighty characters, its beginning and more of its end.
+QString NameInText(std::string_view bytes);
+
 // "&" doubled, for menus and buttons.
 QString DoubleAmpersands(QString text);
 

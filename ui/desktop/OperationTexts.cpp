@@ -20,7 +20,7 @@ QString Translated(const char* text) {
 QString NameOf(const std::string& path) {
   const size_t end = path.find_last_not_of('/');
   const size_t slash = end == std::string::npos ? end : path.rfind('/', end);
-  return ShortDisplayText(slash == std::string::npos ? path : path.substr(slash + 1, end - slash));
+  return NameInText(slash == std::string::npos ? path : path.substr(slash + 1, end - slash));
 }
 
 bool IsFolder(const std::string& path) {

@@ -14,12 +14,12 @@ namespace {
 using files::ItemKind;
 
 QString NameOf(const std::string& path) {
-  return ShortDisplayText(std::string_view(path).substr(path.rfind('/') + 1));
+  return NameInText(std::string_view(path).substr(path.rfind('/') + 1));
 }
 
 QString FolderOf(const std::string& path) {
   const size_t slash = path.rfind('/');
-  return ShortDisplayText(slash == 0 || slash == std::string::npos ? "/" : path.substr(0, slash));
+  return NameInText(slash == 0 || slash == std::string::npos ? "/" : path.substr(0, slash));
 }
 
 QString Describe(const files::ItemInfo& item) {
@@ -78,9 +78,10 @@ ConflictForm::ConflictForm(const files::Conflict& conflict, QWidget* owner) : Mo
   const bool folders = conflict.source.kind == ItemKind::kFolder && conflict.target.kind == ItemKind::kFolder;
   auto* Label1 = new Label("Label1", QuestionOf(conflict));
   auto* Label2 = new Label("Label2", tr("Already there: %1").arg(Describe(conflict.target)));
-  auto* Label3 = new Label("Label3", tr("To go there: %1").arg(Describe(conflict.source)));
-  chkAll_ = new CheckBox("chkAll", folders ? tr("&Apply this choice to all folders that meet")
-                                           : tr("&Apply this choice to all names that meet"));
+  auto* Label3 = new Label("Label3", tr("From the source: %1").arg(Describe(conflict.source)));
+  for (Label* label : {Label2, Label3}) label->setWordWrap(false);
+  chkAll_ = new CheckBox("chkAll", folders ? tr("&Apply this choice to all other folder conflicts")
+                                           : tr("&Apply this choice to all other conflicts"));
   const auto choose = [this](files::ConflictChoice choice) {
     return [this, choice] {
       choice_ = choice;
@@ -108,8 +109,8 @@ files::ConflictAnswer ConflictForm::answer() const {
 FailureForm::FailureForm(const files::OperationFailure& failure, QWidget* owner) : ModalForm(owner) {
   setObjectName(QStringLiteral("FailureForm"));
   setWindowTitle(QCoreApplication::applicationName());
-  auto* Label1 = new Label("Label1", tr("Error: ") + ShortDisplayText(failure.path) + QStringLiteral("\r\n") +
-                                         ShortDisplayText(failure.text));
+  auto* Label1 = new Label(
+      "Label1", tr("Error: ") + NameInText(failure.path) + QStringLiteral("\r\n") + ShortDisplayText(failure.text));
   chkAll_ = new CheckBox("chkAll", tr("&Skip whatever else fails"));
   const auto choose = [this](files::FailureChoice choice) {
     return [this, choice] {
