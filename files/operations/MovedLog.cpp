@@ -23,8 +23,16 @@ void MovedLog::Add(Record::Kind kind, const std::string& name, const struct stat
   names_.append(name.c_str(), name.size() + 1);
 }
 
-void MovedLog::DropFrom(size_t size) {
-  records_.resize(size);
+void MovedLog::EndItem() {
+  // What was only renamed has left nothing to delete.
+  if (items_.back().begin == records_.size())
+    items_.pop_back();
+  else
+    records_.push_back({.kind = Record::kEnd});
+}
+
+void MovedLog::DropItem() {
+  records_.resize(items_.back().begin);
   items_.pop_back();
 }
 
@@ -41,8 +49,8 @@ class LogDeletion {
   LogDeletion(OperationJob& job, const MovedLog& log, const std::string& path, int folder)
       : job_(job), log_(log), path_(path), chain_(folder), wasCancelled_(job.cancelled()) {}
 
-  // Deletes from the record on; gives back the record behind the item.
-  size_t Run(size_t at) {
+  // Deletes what the item's records say, from that one on.
+  void Run(size_t at) {
     for (; log_.records_[at].kind != MovedLog::Record::kEnd; ++at) {
       const MovedLog::Record& record = log_.records_[at];
       // What is below a folder that is not the one we copied, or after the user had enough, stays.
@@ -53,7 +61,6 @@ class LogDeletion {
       else
         Try(record);
     }
-    return at + 1;
   }
 
  private:
@@ -128,16 +135,11 @@ class LogDeletion {
 };
 
 void MovedLog::DeleteSources(OperationJob& job) {
-  size_t at = 0;
-  for (const auto& [number, path] : items_) {
+  for (const auto& [number, path, begin] : items_) {
     const int64_t failed = job.outcome.failed;
     FolderEntry entry = FindEntry(path);
     while (entry.error && job.Retry(path, entry.error)) entry = FindEntry(path);
-    if (!entry.error)
-      at = LogDeletion(job, *this, path, entry.folder.get()).Run(at);
-    else
-      while (records_[at++].kind != Record::kEnd) {
-      }
+    if (!entry.error) LogDeletion(job, *this, path, entry.folder.get()).Run(begin);
     if (job.outcome.failed > failed) job.outcome.items[number] = OperationOutcome::State::kPartly;
   }
   *this = {};

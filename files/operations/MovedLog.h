@@ -11,16 +11,16 @@ namespace files {
 class MovedLog {
  public:
   // An item of the operation begins; its other records follow.
-  void Begin(size_t number, std::string path) { items_.push_back({number, std::move(path)}); }
+  void Begin(size_t number, std::string path) { items_.push_back({number, std::move(path), records_.size()}); }
   void Enter(const std::string& name, const struct stat& folder) { Add(Record::kEnter, name, folder); }
   void Item(const std::string& name, const struct stat& source) { Add(Record::kItem, name, source); }
   // `keeps`: something in it was not moved.
   void Leave(bool keeps) { records_.push_back({.kind = Record::kLeave, .keeps = keeps}); }
-  void EndItem() { records_.push_back({.kind = Record::kEnd}); }
+  void EndItem();
 
   size_t size() const { return records_.size(); }
   // Takes the last item back: it was not moved completely.
-  void DropFrom(size_t size);
+  void DropItem();
 
   void DeleteSources(OperationJob& job);
 
@@ -43,6 +43,7 @@ class MovedLog {
   struct Moved {
     size_t number;  // in the operation
     std::string path;
+    size_t begin;  // in records_
   };
   std::vector<Moved> items_;
 };

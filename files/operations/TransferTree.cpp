@@ -41,13 +41,12 @@ void TransferTree::Transfer(size_t item, const std::string& path) {
   levels_.clear();
   firstMade_ = {};
   lost_ = false;
-  const size_t logged = log_.size();
   log_.Begin(item, path);
   One(entry.name);
   if (Walk())
     log_.EndItem();
   else
-    log_.DropFrom(logged);
+    log_.DropItem();
 }
 
 bool TransferTree::Walk() {

@@ -12,10 +12,12 @@
 
 namespace files {
 
-// A fresh folder that anybody may enter, removed with the object. On a real disk, so that attributes work.
+// A fresh folder that anybody may enter, removed with the object. On a real disk, so that attributes work, or where it
+// is quickest.
 class ScratchFolder {
  public:
-  ScratchFolder();
+  enum class Place { kDisk, kMemory };
+  explicit ScratchFolder(Place place = Place::kDisk);
   ~ScratchFolder();
   const Path& path() const { return path_; }
   Path operator/(const Path& name) const { return path_ / name; }

@@ -21,7 +21,7 @@ constexpr size_t kMega = size_t{1} << 20;
 
 class OperationHazardsTest : public testing::Test {
  protected:
-  ScratchFolder scratch;
+  ScratchFolder scratch{ScratchFolder::Place::kMemory};
 
   OperationOutcome Run(OperationKind kind, const std::string& source, const std::string& folder, TestUser& user) {
     return RunOperation({kind, {scratch / source}, scratch / folder}, user);
@@ -191,7 +191,7 @@ TEST_F(OperationHazardsTest, WithoutRights) {
 
 // Folders in folders, each name as long as may be: no path is short enough for one call, and the stack is small.
 TEST_F(OperationHazardsTest, DeepTree) {
-  constexpr int kDepth = 4000;
+  constexpr int kDepth = 20000;
   Begin("t/ d/");
   int folder = open((scratch / "d").c_str(), O_PATH);
   for (int i = 0; i < kDepth; ++i) {
@@ -215,7 +215,7 @@ TEST_F(OperationHazardsTest, DeepTree) {
   }};
   pthread_attr_t small;
   pthread_attr_init(&small);
-  ASSERT_EQ(0, pthread_attr_setstacksize(&small, 128 * 1024));
+  ASSERT_EQ(0, pthread_attr_setstacksize(&small, 256 * 1024));
   pthread_t thread;
   ASSERT_EQ(0, pthread_create(
                    &thread, &small,

@@ -187,7 +187,7 @@ TEST_P(OperationModelTest, RandomOperations) {
   const char* const given = std::getenv("QUILLMARK_SEED");
   const unsigned first = given ? static_cast<unsigned>(std::strtoul(given, nullptr, 10)) : std::random_device()();
   for (unsigned seed = first; seed < first + 10; ++seed) {
-    ScratchFolder scratch;
+    ScratchFolder scratch(ScratchFolder::Place::kMemory);
     MakeTree(scratch.path(), "one/ two/");
     const auto play = [&]() -> std::string {
       Player player(scratch.path(), seed);

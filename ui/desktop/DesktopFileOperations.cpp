@@ -72,7 +72,7 @@ files::OperationOutcome DesktopFileOperations::PutIntoTrash(Form* owner, const P
     for (size_t i = 0; i < paths.size(); ++i) {
       outcome.cancelled = !port.Report(static_cast<int64_t>(i));
       if (outcome.cancelled) return;
-      port.ShowDetail(DisplayText(paths[i]));
+      port.ShowDetail(ShortDisplayText(paths[i]));
       auto failure = trash_->Put(paths[i]);
       if (!failure)
         ++outcome.done;

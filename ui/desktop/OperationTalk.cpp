@@ -36,7 +36,7 @@ void OperationTalk::Run() {
 void OperationTalk::Wait(WorkPort& port) {
   std::unique_lock lock(mutex_);
   const auto look = [&] {
-    port.ShowDetail(DisplayText(current_));
+    port.ShowDetail(ShortDisplayText(current_));
     if (port.Report(done_)) return;
     cancelled_ = true;
     changed_.notify_all();
