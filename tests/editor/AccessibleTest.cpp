@@ -116,6 +116,27 @@ TEST_F(AccessibleTest, NamesObjectsAndLinks) {
   const QString attributes = text->attributes(4, &start, &end);
   EXPECT_TRUE(attributes.contains("object-name:\"EMF picture: a plan of it\";")) << attributes.toStdString();
   EXPECT_TRUE(attributes.contains("link:\"https://quillmark.example/\";"));
+
+  const int widgets = root->childCount() - 1;
+  QAccessibleInterface* child = root->child(widgets);
+  ASSERT_TRUE(child && child->isValid());
+  EXPECT_EQ(child->role(), QAccessible::Graphic);
+  EXPECT_EQ(child->text(QAccessible::Name), "EMF picture: a \"plan\"; of it");
+  EXPECT_EQ(child->imageInterface()->imageDescription(), "a \"plan\"; of it");
+  EXPECT_EQ(child->rect(), text->characterRect(4));
+  EXPECT_EQ(child->parent(), root);
+  EXPECT_EQ(root->indexOfChild(child), widgets);
+  EXPECT_EQ(root->child(widgets + 1), nullptr);
+  edit->deleteText(4, 5);
+  EXPECT_EQ(root->childCount(), widgets);
+  EXPECT_FALSE(child->isValid());
+  EXPECT_EQ(child->rect(), QRect());
+}
+
+TEST_F(AccessibleTest, GivesNoMoreThanAMessageHolds) {
+  box.SetSelText(QString(5'000'000, u'x'));
+  EXPECT_EQ(At(9, QAccessible::ParagraphBoundary).size(), 1 << 22);
+  EXPECT_EQ(end, 1 << 22);
 }
 
 // --- What listeners are told

@@ -3,7 +3,9 @@
 #include "ui/editor/RichTextBox.h"
 
 #include <QApplication>
+#include <QBuffer>
 #include <QClipboard>
+#include <QImage>
 #include <gtest/gtest.h>
 
 namespace ui::test {
@@ -111,6 +113,71 @@ TEST(Clipboard, APageComesInWithItsFormatsWhereTheyAreWanted) {
     EXPECT_EQ(editor.Shown(), wanted ? "1\n2\na b|" : "1\t2\na b|");
     EXPECT_EQ(editor.Flagged(text::kBold), wanted ? "b," : "");
   }
+}
+
+QByteArray Encoded(const QImage& image, const char* format) {
+  QByteArray bytes;
+  QBuffer buffer(&bytes);
+  buffer.open(QIODevice::WriteOnly);
+  image.save(&buffer, format);
+  return bytes;
+}
+
+void PutPicture(const QByteArray& bytes, text::PictureType type, Editor& editor) {
+  text::EmbeddedObject object;
+  object.type = type;
+  object.picture = text::SharedBytes(bytes.toStdString());
+  text::CharFormat format;
+  format.object = editor.document.formats().Add(object);
+  editor.document.Replace({text::Units(1), text::Units(1)}, "\uFFFC", editor.document.formats().Intern(format),
+                          text::EditKind::kCommand, {});
+}
+
+TEST(Clipboard, APictureAloneIsOfferedAsOne) {
+  QImage red(30, 20, QImage::Format_RGB32);
+  red.fill(Qt::red);
+  const QByteArray jpeg = Encoded(red, "jpeg");
+  Editor editor("a|b");
+  PutPicture(jpeg, text::PictureType::kJpeg, editor);
+  editor.controller.Select({text::Units(1), text::Units(2)});
+  editor.Press("Ctrl+C");
+  const QMimeData& data = *editor.host.data[QClipboard::Clipboard];
+  EXPECT_TRUE(data.hasImage());
+  EXPECT_FALSE(data.hasText());
+  EXPECT_EQ(data.data("image/jpeg"), jpeg);
+  EXPECT_EQ(QImage::fromData(data.data("image/png")).size(), red.size());
+  EXPECT_EQ(data.imageData().value<QImage>().size(), red.size());
+  EXPECT_TRUE(data.data("text/rtf").contains("\\pict"));
+  Editor to("|");
+  to.controller.Insert(data, false);
+  EXPECT_EQ(to.document.content().size(), text::Units(1));
+  editor.controller.Select({text::Units(0), text::Units(3)});
+  editor.Press("Ctrl+C");
+  const QMimeData& mixed = *editor.host.data[QClipboard::Clipboard];
+  EXPECT_FALSE(mixed.hasImage());
+  EXPECT_EQ(mixed.text(), "ab");
+  Editor plain("|");
+  plain.controller.Insert(mixed, true);
+  EXPECT_EQ(plain.Shown(), "ab|") << "an object is nothing in plain text";
+}
+
+TEST(Clipboard, TakesThePictureThatLosesNothing) {
+  QImage clear(9, 9, QImage::Format_ARGB32);
+  clear.fill(Qt::transparent);
+  QMimeData data;
+  data.setData("image/jpeg", Encoded(clear, "jpeg"));
+  Editor editor("|");
+  const auto type = [&] {
+    const auto fragment = PictureFragment(data, editor.document);
+    const text::FormatTable& formats = editor.document.formats();
+    return fragment ? formats[formats[fragment->CharFormatAt(text::Units(0))].object].type : text::PictureType::kNone;
+  };
+  data.setImageData(clear);
+  EXPECT_EQ(type(), text::PictureType::kJpeg);
+  data.setData("image/bmp", "BM");
+  EXPECT_EQ(type(), text::PictureType::kPng) << "made of the image";
+  data.setData("image/png", Encoded(clear, "png"));
+  EXPECT_EQ(type(), text::PictureType::kPng);
 }
 
 // Through the real clipboard, from one control to another.

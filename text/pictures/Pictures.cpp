@@ -137,6 +137,30 @@ QString NameOf(const EmbeddedObject& object) {
   return name.isEmpty() ? kind : kind + QStringLiteral(": ") + name;
 }
 
+QImage ImageOf(const EmbeddedObject& object) {
+  constexpr double kFiner = 2;  // than on the screen
+  constexpr int kAny = 1 << 14;
+  if (object.type != PictureType::kWmf && object.type != PictureType::kEmf) return Decode(object, {kAny, kAny});
+  const QSizeF size = ShownSize(object, QFont(), kFiner).boundedTo({kAny, kAny});
+  return Decode(object, size.toSize().expandedTo({1, 1}));
+}
+
+const char* MimeTypeOf(const EmbeddedObject& object) {
+  if (object.cropLeft != 0 || object.cropTop != 0 || object.cropRight != 0 || object.cropBottom != 0) return nullptr;
+  switch (object.type) {
+    case PictureType::kPng:
+      return "image/png";
+    case PictureType::kJpeg:
+      return "image/jpeg";
+    case PictureType::kWmf:
+      return "image/x-wmf";
+    case PictureType::kEmf:
+      return "image/x-emf";
+    default:
+      return nullptr;
+  }
+}
+
 QImage PictureCache::Get(const FormatTable& formats, ObjectId id, QSize pixels) {
   pixels = pixels.expandedTo({1, 1});
   const auto found = std::find_if(entries_.begin(), entries_.end(),

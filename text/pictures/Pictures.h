@@ -23,6 +23,11 @@ QSizeF ShownSize(const EmbeddedObject& object, const QFont& font, double zoom);
 // What is written where there is no picture to show, for people: "PNG picture", or the object's own name.
 QString NameOf(const EmbeddedObject& object);
 
+// The shown part in the picture's own pixels, a metafile as large as it is shown; null when it cannot be drawn.
+QImage ImageOf(const EmbeddedObject& object);
+// The type of the picture's bytes where they are all that is shown and a type other programs know, else null.
+const char* MimeTypeOf(const EmbeddedObject& object);
+
 // The pictures painted last, as large as they were painted.
 class PictureCache {
  public:

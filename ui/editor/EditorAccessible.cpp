@@ -3,6 +3,7 @@
 #include "text/Movement.h"
 #include "text/pictures/Pictures.h"
 #include "ui/editor/EditorClipboard.h"
+#include "ui/editor/ObjectAccessible.h"
 #include "ui/editor/RichTextBoxImpl.h"
 
 #include <algorithm>
@@ -85,6 +86,74 @@ std::unique_ptr<QAccessibleEvent> EventOfSelectionChange(RichTextBox& box, const
 }
 
 EditorAccessible::EditorAccessible(RichTextBox* box) : QAccessibleWidget(box, QAccessible::EditableText) {}
+
+EditorAccessible::~EditorAccessible() {
+  for (const QAccessible::Id id : children_) {
+    if (id != 0) QAccessible::deleteAccessibleInterface(id);
+  }
+}
+
+// --- Objects
+
+const std::vector<int>& EditorAccessible::Objects() const {
+  const text::Revision revision = box().document().revision();
+  if (objectsKnown_ && objectsOf_ == revision) return objects_;
+  objects_.clear();
+  objectsKnown_ = true;
+  objectsOf_ = revision;
+  const Content& all = content();
+  if (!all.Summarize(all.all()).anyObject) return objects_;
+  Units at(0);
+  all.ForEachPiece(all.all(), [&](const text::PieceView& piece) {
+    const bool object = all.formats()[piece.charFormat].object != text::ObjectId::kNone;
+    for (Units unit(0); object && unit < piece.sums.units; ++unit) objects_.push_back(OffsetOf(at + unit));
+    at += piece.sums.units;
+    return objects_.size() < kMostObjects;
+  });
+  return objects_;
+}
+
+int EditorAccessible::OffsetOfObject(int index) const {
+  return box().impl_->Guard([&]() -> int {
+    const auto& objects = Objects();
+    return index >= 0 && index < static_cast<int>(objects.size()) ? objects[static_cast<size_t>(index)] : -1;
+  });
+}
+
+int EditorAccessible::childCount() const {
+  return QAccessibleWidget::childCount() +
+         box().impl_->Guard([&]() -> int { return static_cast<int>(Objects().size()); });
+}
+
+QAccessibleInterface* EditorAccessible::child(int index) const {
+  const int widgets = QAccessibleWidget::childCount();
+  if (index < widgets) return QAccessibleWidget::child(index);
+  if (OffsetOfObject(index - widgets) < 0) return nullptr;
+  const auto object = static_cast<size_t>(index - widgets);
+  if (object >= children_.size()) children_.resize(object + 1);
+  if (children_[object] == 0) {
+    children_[object] =
+        QAccessible::registerAccessibleInterface(new ObjectAccessible(&box(), static_cast<int>(object)));
+  }
+  return QAccessible::accessibleInterface(children_[object]);
+}
+
+int EditorAccessible::indexOfChild(const QAccessibleInterface* child) const {
+  const auto* object = dynamic_cast<const ObjectAccessible*>(child);
+  return object ? QAccessibleWidget::childCount() + object->index() : QAccessibleWidget::indexOfChild(child);
+}
+
+QAccessibleInterface* EditorAccessible::childAt(int x, int y) const {
+  const int widgets = QAccessibleWidget::childCount();
+  const auto under = box().impl_->Guard([&]() -> int {
+    const auto place = box().impl_->layout.CharacterAt(box().viewport()->mapFromGlobal(QPoint(x, y)));
+    const auto& objects = Objects();
+    const int offset = place ? OffsetOf(*place) : -1;
+    const auto found = std::lower_bound(objects.begin(), objects.end(), offset);
+    return found != objects.end() && *found == offset ? static_cast<int>(found - objects.begin()) + 1 : 0;
+  });
+  return under > 0 ? child(widgets + under - 1) : QAccessibleWidget::childAt(x, y);
+}
 
 RichTextBox& EditorAccessible::box() const {
   return *static_cast<RichTextBox*>(widget());
@@ -203,6 +272,7 @@ Range EditorAccessible::RangeAround(Units position, QAccessible::TextBoundaryTyp
 }
 
 QString EditorAccessible::Give(Range range, int* start, int* end) const {
+  range.end = content().Snap(std::min(range.end, range.begin + Units(kMostGiven)), Bias::kLeft);
   *start = OffsetOf(range.begin);
   *end = OffsetOf(range.end);
   return TextOf(content(), range);

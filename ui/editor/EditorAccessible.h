@@ -7,6 +7,7 @@
 #include <QAccessibleWidget>
 
 #include <memory>
+#include <vector>
 
 namespace ui {
 
@@ -25,10 +26,18 @@ class EditorAccessible : public QAccessibleWidget,
                          public QAccessibleEditableTextInterface {
  public:
   explicit EditorAccessible(RichTextBox* box);
+  ~EditorAccessible() override;
 
   void* interface_cast(QAccessible::InterfaceType type) override;
   QAccessible::State state() const override;
   QString text(QAccessible::Text kind) const override;  // its name is the caption of the window it stands in
+
+  // The objects of the text follow the widgets; at most kMostObjects.
+  int childCount() const override;
+  QAccessibleInterface* child(int index) const override;
+  int indexOfChild(const QAccessibleInterface* child) const override;
+  QAccessibleInterface* childAt(int x, int y) const override;
+  int OffsetOfObject(int index) const;  // -1 without one
 
   // QAccessibleTextInterface
   void selection(int index, int* start, int* end) const override;
@@ -57,6 +66,9 @@ class EditorAccessible : public QAccessibleWidget,
   // More does not fit a message of the bus, and nobody reads it at once.
   static constexpr int64_t kMostGiven = int64_t{1} << 22;
 
+  static constexpr size_t kMostObjects = 1000;
+
+  const std::vector<int>& Objects() const;  // their offsets, ascending
   RichTextBox& box() const;
   const text::Content& content() const;
   text::Units UnitsOf(int offset) const;
@@ -64,6 +76,11 @@ class EditorAccessible : public QAccessibleWidget,
   text::Range RangeOf(int start, int end) const;
   text::Range RangeAround(text::Units position, QAccessible::TextBoundaryType boundary) const;
   QString Give(text::Range range, int* start, int* end) const;
+
+  mutable std::vector<int> objects_;
+  mutable text::Revision objectsOf_ = 0;
+  mutable bool objectsKnown_ = false;
+  mutable std::vector<QAccessible::Id> children_;  // those that were asked for
 };
 
 }  // namespace ui

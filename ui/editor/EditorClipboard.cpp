@@ -3,6 +3,7 @@
 #include "text/TextStore.h"
 #include "text/html/HtmlReader.h"
 #include "text/html/HtmlWriter.h"
+#include "text/pictures/Pictures.h"
 #include "text/rtfwrite/RtfSave.h"
 #include "ui/editor/EditorController.h"
 #include "ui/editor/EditorOperation.h"
@@ -12,6 +13,7 @@
 #include <QDebug>
 #include <QImage>
 
+#include <algorithm>
 #include <map>
 
 namespace ui {
@@ -31,6 +33,8 @@ namespace {
 constexpr QChar kObject(0xFFFC);
 const QString kPlainType = QStringLiteral("text/plain");
 const QString kHtmlType = QStringLiteral("text/html");
+const QString kPngType = QStringLiteral("image/png");
+const QString kImageType = QStringLiteral("application/x-qt-image");
 const QString kRtfTypes[] = {QStringLiteral("text/rtf"), QStringLiteral("application/rtf")};
 
 bool IsRtfType(const QString& type) {
@@ -173,12 +177,38 @@ QByteArray HtmlOf(const Content& content, const text::rtf::DocumentProperties& p
 }  // namespace
 
 EditorMimeData::EditorMimeData(Content content, Range range, text::rtf::DocumentProperties properties, bool html)
-    : content_(std::move(content)), range_(range), properties_(std::move(properties)), html_(html) {}
+    : content_(std::move(content)), range_(range), properties_(std::move(properties)), html_(html) {
+  const text::FormatTable& table = content_.formats();
+  const text::ObjectId object = table[content_.CharFormatAt(range_.begin)].object;
+  const bool alone = range_.size() == text::Units(1) && object != text::ObjectId::kNone;
+  if (alone && table[object].type != text::PictureType::kNone) picture_ = &table[object];
+}
+
+QStringList EditorMimeData::ImageTypes() const {
+  QStringList types{kPngType};
+  const char* own = text::pictures::MimeTypeOf(*picture_);
+  if (own && kPngType != QLatin1String(own)) types.append(QLatin1String(own));
+  return types << kImageType;
+}
+
+QVariant EditorMimeData::ImageData(const QString& mimeType) const {
+  const char* own = text::pictures::MimeTypeOf(*picture_);
+  if (own && mimeType == QLatin1String(own)) {
+    return QByteArray(picture_->picture.bytes.data(), static_cast<qsizetype>(picture_->picture.bytes.size()));
+  }
+  const QImage image = text::pictures::ImageOf(*picture_);
+  if (image.isNull() || mimeType == kImageType) return image;
+  QByteArray png;
+  QBuffer buffer(&png);
+  const bool written = buffer.open(QIODevice::WriteOnly) && image.save(&buffer, "PNG");
+  return written ? png : QByteArray();
+}
 
 // What somebody added to a drag (files, for instance) comes behind our own.
 QStringList EditorMimeData::formats() const {
-  QStringList own{kRtfTypes[0], kRtfTypes[1], kPlainType};
-  if (html_) own.insert(2, kHtmlType);
+  QStringList own{kRtfTypes[0], kRtfTypes[1]};
+  if (html_) own.append(kHtmlType);
+  own.append(picture_ ? ImageTypes() : QStringList(kPlainType));
   return own + QMimeData::formats();
 }
 
@@ -188,6 +218,7 @@ bool EditorMimeData::hasFormat(const QString& mimeType) const {
 
 QVariant EditorMimeData::retrieveData(const QString& mimeType, QMetaType type) const {
   const auto convert = [&]() -> QVariant {
+    if (picture_ && ImageTypes().contains(mimeType)) return ImageData(mimeType);
     if (mimeType == kPlainType) return PlainTextForOthers(content_, range_);
     if (IsRtfType(mimeType)) return QByteArray::fromStdString(WriteFragment(content_, range_, properties_));
     if (mimeType == kHtmlType && html_) return HtmlOf(content_.Slice(range_), properties_);
@@ -243,11 +274,16 @@ std::optional<Content> PictureFragment(const QMimeData& data, const text::Docume
   if (!data.hasImage() || data.hasText()) return std::nullopt;
   constexpr qsizetype kMaxBytes = 64 << 20;
   text::EmbeddedObject object;
-  QByteArray bytes = data.data(QStringLiteral("image/jpeg"));
-  object.type = text::PictureType::kJpeg;
-  if (bytes.isEmpty()) {
-    bytes = data.data(QStringLiteral("image/png"));
-    object.type = text::PictureType::kPng;
+  object.type = text::PictureType::kPng;
+  QByteArray bytes = data.data(kPngType);
+  // What is lossless is taken before JPEG, which a program may offer of the same picture beside it.
+  const QStringList types = data.formats();
+  const bool lossless = std::any_of(types.begin(), types.end(), [](const QString& type) {
+    return type == u"image/bmp" || type == u"image/tiff" || type == u"image/x-bmp" || type == u"image/webp";
+  });
+  if (bytes.isEmpty() && !lossless) {
+    bytes = data.data(QStringLiteral("image/jpeg"));
+    if (!bytes.isEmpty()) object.type = text::PictureType::kJpeg;
   }
   if (bytes.isEmpty()) {
     QBuffer buffer(&bytes);
@@ -264,9 +300,32 @@ std::optional<Content> PictureFragment(const QMimeData& data, const text::Docume
   return builder.Finish();
 }
 
+namespace {
+
+// Stray bytes stay as they are; objects are nothing, and the ends of cells tabs.
+std::string OwnPlainBytes(const Content& content, Range range, LineEnd lineEnd) {
+  const text::FormatTable& formats = content.formats();
+  std::string plain;
+  content.ForEachPiece(range, [&](const PieceView& piece) {
+    const bool object = formats[piece.charFormat].object != text::ObjectId::kNone;
+    const bool cells = formats[piece.paraFormat].rowMark == text::RowMark::kCellEnd;
+    if (cells) {
+      std::string part = WithLineEnds(piece.bytes, LineEnd::kLf);
+      std::replace(part.begin(), part.end(), '\n', '\t');
+      plain += part;
+    } else if (!object) {
+      plain += piece.bytes;
+    }
+    return true;
+  });
+  return WithLineEnds(plain, lineEnd);
+}
+
+}  // namespace
+
 std::optional<std::string> PlainBytes(const QMimeData& data, LineEnd lineEnd) {
   if (const auto* own = qobject_cast<const EditorMimeData*>(&data)) {
-    return WithLineEnds(own->content().ByteString(own->range()), lineEnd);
+    return OwnPlainBytes(own->content(), own->range(), lineEnd);
   }
   QString plain;
   if (data.hasText()) {

@@ -1,4 +1,5 @@
-// Text to and from the clipboard and drags: text/plain, text/rtf and application/rtf, text/html; pictures come in.
+// Text to and from the clipboard and drags: text/plain, text/rtf and application/rtf, text/html; a picture that stands
+// alone also as image/png, with its own bytes if they are of another type.
 #pragma once
 
 #include "text/Document.h"
@@ -30,10 +31,13 @@ class EditorMimeData : public QMimeData {
   QVariant retrieveData(const QString& mimeType, QMetaType type) const override;
 
  private:
+  QStringList ImageTypes() const;
+  QVariant ImageData(const QString& mimeType) const;
   text::Content content_;
   text::Range range_;
   text::rtf::DocumentProperties properties_;
   bool html_;
+  const text::EmbeddedObject* picture_ = nullptr;  // that is all of the range
 };
 
 // As other programs get it: breaks as LF, U+FFFD for a stray byte, an object as nothing.
