@@ -26,6 +26,10 @@ LONGEST_CALL = 1.0
 
 RTF = (r"{\rtf1\ansi{\fonttbl{\f0 DejaVu Sans;}{\f1 DejaVu Serif;}}\f0\fs24 plain {\b bold} {\f1\fs40 large}\par "
        r"second\par}")
+RED_DOT = ("89504e470d0a1a0a0000000d4948445200000001000000010802000000907753de0000000c49444154789c63f8cfc000"
+           "0003010100c9fe92ef0000000049454e44ae426082")
+OBJECTS = (r"{\rtf1 a {\pict{\*\picprop{\sp{\sn wzDescription}{\sv A red dot}}}\pngblip\picwgoal600\pichgoal450 " + RED_DOT +
+           r"}b\par\trowd\cellx2000\cellx4000\pard\intbl one\cell two\cell\row\pard note{\footnote of the foot}\par}")
 MIXED = "abc \u05d0\u05d1\u05d2 d\u0301ef\nsmile \U0001f600 \U0001f468\u200d\U0001f469\u200d\U0001f467 end\n\u05e9\u05dc\u05d5\u05dd\n"
 
 # The toolkit answers the older questions only.
@@ -305,10 +309,28 @@ def check_large(program):
     timed("caret", text.get_caret_offset)
 
 
+def check_objects(program):
+    """A picture, a note and a table's cells, in the order of the text."""
+    expect("text of cells and objects", program.all(), "a \ufffcb\none\ntwo\nnote\ufffc")
+    editor = program.editor
+    editor.clear_cache()
+    objects = [child for child in (editor.get_child_at_index(i) for i in range(editor.get_child_count()))
+               if child.get_role() in (Atspi.Role.IMAGE, Atspi.Role.COMMENT)]
+    described = [(child.get_name(), child.get_description()) for child in objects]
+    expect("objects", described, [("PNG picture: A red dot", "A red dot"), ("Note", "of the foot")])
+    box = objects[0].get_component_iface().get_extents(Atspi.CoordType.SCREEN)
+    expect("the picture's size", (40 <= box.width <= 41, box.height > 29), (True, True))
+    program.edit.delete_text(2, 3)
+    editor.clear_cache()
+    left = [editor.get_child_at_index(i).get_name() for i in range(editor.get_child_count())]
+    expect("what is left", ("Note" in left, any("picture" in (name or "") for name in left)), (True, False))
+
+
 DOCUMENTS = [
     ("formats.rtf", lambda: RTF.encode(),
      lambda p: [check_description(p, "formats.rtf"), check_formats(p), check_extents(p, 23), check_selection(p),
                 check_typing(p), check_editing(p)]),
+    ("objects.rtf", lambda: OBJECTS.encode(), check_objects),
     ("mixed.txt", lambda: MIXED.encode(), check_mixed),
     ("large.txt", lambda: b"".join(b"line %d of a large document, with some text in it\n" % i for i in range(1850000)),
      check_large),

@@ -46,10 +46,11 @@ TEST(PageTexts, EachPageHasItsOwn) {
 }
 
 TEST(PageTexts, KeepFontsAndColours) {
-  const auto properties =
-      rtf::Read("{\\rtf1\\deff1{\\fonttbl{\\f1 Arial;}}{\\colortbl;\\red255\\green0\\blue0;}{\\header\\cf1 H}t}",
-                Content().store())
-          .properties;
+  const auto properties = rtf::Read(
+                              "{\\rtf1\\deff1{\\upr{\\fonttbl{\\f1 A;}}{\\*\\ud{\\fonttbl{\\f1 "
+                              "Arial;}}}}{\\colortbl;\\red255\\green0\\blue0;}{\\header\\cf1 H}t}",
+                              Content().store())
+                              .properties;
   const Content header = PageTexts(properties, {}).Header(1)->content;
   const CharFormat& format = header.formats()[header.CharFormatAt(Units(0))];
   EXPECT_EQ(header.formats()[format.font].name, "Arial");

@@ -122,7 +122,11 @@ QSizeF ShownSize(const EmbeddedObject& object, const QFont& font, double zoom) {
 }
 
 QString NameOf(const EmbeddedObject& object) {
-  const QString name = QString::fromStdString(object.name).simplified();
+  // It is measured and shaped at every painting.
+  constexpr qsizetype kMostShown = 256;
+  const auto bytes = static_cast<qsizetype>(std::min<size_t>(object.name.size(), 4 * kMostShown));
+  QString name = QString::fromUtf8(object.name.data(), bytes).simplified().left(kMostShown);
+  if (!name.isEmpty() && name.back().isHighSurrogate()) name.chop(1);
   const auto tr = [](const char* text) { return QCoreApplication::translate("text::pictures", text); };
   if (object.kind == ObjectKind::kNote) return tr(QT_TRANSLATE_NOOP("text::pictures", "Note"));
   if (object.kind == ObjectKind::kEmbedded) {

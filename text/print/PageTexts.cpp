@@ -168,9 +168,9 @@ void PageTexts::Find(std::string_view bytes) {
       head_ += bytes.substr(tokenizer.begin(), inside - tokenizer.begin());
     } else if (first && IsPassedOver(token.text)) {
       tokenizer.SkipGroup();
-    } else if (first && depth > 1 && IsHeadGroup(token.text)) {
+    } else if (first && depth > 1 && IsHeadGroup(token.text)) {  // also within \upr
       tokenizer.SkipGroup();
-      if (depth == 2) head_ += std::string(bytes.substr(begin, tokenizer.position() - begin)) + "}";
+      head_ += std::string(bytes.substr(begin, tokenizer.position() - begin)) + "}";
     } else if (first && depth > 1 && (token.text.starts_with("header") || token.text.starts_with("footer"))) {
       tokenizer.SkipGroup();
       any = Keep(token.text, bytes.substr(inside, tokenizer.position() - inside)) || any;

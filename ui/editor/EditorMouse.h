@@ -43,11 +43,8 @@ class EditorMouse {
   const std::optional<text::layout::CaretPlace>& dropPlace() const { return dropPlace_; }
 
  private:
-  enum class State : uint8_t {
-    kIdle,
-    kSelecting,
-    kArmed
-  };  // kArmed: a drag of the selection starts with the next move
+  // kArmed: a drag of the selection starts when the pointer has gone far enough.
+  enum class State : uint8_t { kIdle, kSelecting, kArmed };
   enum class Unit : uint8_t { kCharacter, kWord, kParagraph };
 
   text::Units CharacterUnder(QPointF point);

@@ -60,8 +60,4 @@ QAccessible::State ObjectAccessible::state() const {
   return state;
 }
 
-void* ObjectAccessible::interface_cast(QAccessible::InterfaceType type) {
-  return type == QAccessible::ImageInterface ? static_cast<QAccessibleImageInterface*>(this) : nullptr;
-}
-
 }  // namespace ui

@@ -12,7 +12,7 @@ namespace ui {
 
 class RichTextBox;
 
-class ObjectAccessible : public QAccessibleInterface, public QAccessibleImageInterface {
+class ObjectAccessible : public QAccessibleInterface {
  public:
   // The n-th object of the text, counted from 0.
   ObjectAccessible(RichTextBox* box, int index);
@@ -30,12 +30,6 @@ class ObjectAccessible : public QAccessibleInterface, public QAccessibleImageInt
   QRect rect() const override;
   QAccessible::Role role() const override;
   QAccessible::State state() const override;
-  void* interface_cast(QAccessible::InterfaceType type) override;
-
-  // QAccessibleImageInterface
-  QString imageDescription() const override { return text(QAccessible::Description); }
-  QSize imageSize() const override { return rect().size(); }
-  QPoint imagePosition() const override { return rect().topLeft(); }
 
  private:
   const text::EmbeddedObject* Shown() const;
