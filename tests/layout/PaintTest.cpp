@@ -184,6 +184,29 @@ TEST(Preedit, InAnEmptyTextAndAtEveryEdge) {
   }
 }
 
+// Black letters of a document are no black ones on a dark desktop, but on shading and on paper.
+TEST(Paint, ColoursAreLegibleOnDarkPaper) {
+  CharFormat black, marked, orange;
+  black.color = Color{0};
+  marked = orange = black;
+  marked.background = Color{0x00FFFF};
+  orange.color = Color{0x0080FF};
+  RichText text;
+  Document document = text.Add("HHHH", {}, black).Add("HHHH", {}, marked).Add("HHHH", {}, orange).Finish();
+  TestView view(document);
+  const auto row = [&](int paragraph) { return view.CaretRect({Units(5 * paragraph)}).toRect().adjusted(0, 0, 60, 0); };
+  for (const bool printing : {false, true}) {
+    PaintOptions options = Options(true);
+    options.printing = printing;
+    const QImage image = PaintToImage(view, options);
+    EXPECT_EQ(CountOf(image, Qt::black, row(0)) == 0, !printing);
+    EXPECT_EQ(CountOf(image, Qt::white, row(0)) > 20, !printing);
+    EXPECT_GT(CountOf(image, Qt::black, row(1)), 20);
+    EXPECT_GT(CountOf(image, QColor(255, 128, 0), row(2)), 20);
+  }
+  EXPECT_GT(CountOf(PaintToImage(view, Options(false)), Qt::black, row(0)), 20);
+}
+
 struct BoxCase {
   const char* name;
   uint8_t borders;

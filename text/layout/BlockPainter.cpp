@@ -47,6 +47,22 @@ void DrawLines(QPainter& painter, const QString& text, const QFont& font, const 
   layout.draw(&painter, rect.topLeft() + QPointF(0, y));
 }
 
+constexpr int kDarkPaper = 100;  // of 255
+
+bool IsLegibleOn(const QColor& paper, const QColor& color) {
+  constexpr int kLeast = 80;
+  return std::abs(qGray(color.rgb()) - qGray(paper.rgb())) >= kLeast;
+}
+
+// The colour with its lightness turned around.
+QColor LegibleOn(const QColor& paper, const QColor& color) {
+  QColor light = QColor::fromHsl(color.hslHue(), color.hslSaturation(), 255 - color.lightness());
+  while (!IsLegibleOn(paper, light) && light.lightness() < 255) {
+    light = QColor::fromHsl(light.hslHue(), light.hslSaturation(), std::min(255, light.lightness() + 20));
+  }
+  return light;
+}
+
 bool Contains(const std::vector<int>& offsets, int offset) {
   return std::binary_search(offsets.begin(), offsets.end(), offset);
 }
@@ -61,12 +77,21 @@ BlockPainter::BlockPainter(QPainter& painter, const QRectF& clip, double x, cons
   text_ = ink_ = palette.color(QPalette::Text);
   highlight_ = palette.color(group, QPalette::Highlight);
   highlightedText_ = palette.color(group, QPalette::HighlightedText);
-  faint_ = Blend(text_, options.background.isValid() ? options.background : palette.color(QPalette::Base));
+  paper_ = options.background.isValid() ? options.background : palette.color(QPalette::Base);
+  darkPaper_ = !options.printing && qGray(paper_.rgb()) < kDarkPaper;
+  faint_ = Blend(text_, paper_);
 }
 
 QColor BlockPainter::ColorOf(const FormatLook& look) const {
+  if (IsTooDark(look)) return LegibleOn(paper_, ColorFrom(look.source.color));
   if (!look.source.color.isAuto()) return ColorFrom(look.source.color);
   return look.source.background.isAuto() ? ink_ : ReadableOn(look.source.background);
+}
+
+// Documents are made for white paper: on a dark one of the desktop's, colours that would vanish are made lighter.
+bool BlockPainter::IsTooDark(const FormatLook& look) const {
+  return darkPaper_ && behind_.isAuto() && look.source.background.isAuto() && !look.source.color.isAuto() &&
+         !IsLegibleOn(paper_, ColorFrom(look.source.color));
 }
 
 // Automatic text is the palette's, but where the document says what is behind it.
@@ -100,7 +125,8 @@ void BlockPainter::PaintLines(const PlacedPart& part, size_t first, size_t last)
   const LayoutBlock& block = *part.block;
   const QPointF origin(x_ + part.x, part.top);
   const Selected selected = SelectedIn(part);
-  ink_ = InkOn(part.behind);
+  behind_ = part.behind;
+  ink_ = InkOn(behind_);
   for (size_t line = first; line <= last; ++line) {
     PaintBackgrounds(block, line, origin);
     PaintSelection(block, line, selected, origin);
@@ -202,7 +228,17 @@ void BlockPainter::PaintText(const LayoutBlock& block, size_t line, const Select
   if (options_.printing && object != block.text().objects.end() && *object < geometry.end) {
     return PaintGlyphs(block, line, geometry.begin, geometry.end, position, true);
   }
-  if (from >= to) return qt.draw(&painter_, position);
+  bool dark = false;
+  const auto& runs = block.text().runs;
+  const bool own = darkPaper_ && block.text().preeditLength == 0;  // what is composed has formats of its own
+  for (size_t i = block.RunBehind(geometry.begin); own && i < runs.size() && runs[i].begin < geometry.end; ++i) {
+    dark = dark || IsTooDark(block.LookOfRun(i));
+  }
+  const auto draw = [&] {
+    if (dark) return PaintGlyphs(block, line, geometry.begin, geometry.end, position, true);
+    qt.draw(&painter_, position);
+  };
+  if (from >= to) return draw();
   std::vector<QRectF> rects;
   block.AddRects(line, from, to, &rects);
   QRegion inside;
@@ -213,7 +249,7 @@ void BlockPainter::PaintText(const LayoutBlock& block, size_t line, const Select
                              .toAlignedRect();
     painter_.save();
     painter_.setClipRegion(QRegion(around) - inside, Qt::IntersectClip);
-    qt.draw(&painter_, position);
+    draw();
     painter_.restore();
   }
   painter_.save();
@@ -232,8 +268,8 @@ void BlockPainter::PaintGlyphs(const LayoutBlock& block, size_t line, int from, 
     const int begin = std::max(from, runs[i].begin), end = std::min(to, runs[i].end);
     if (end - begin == 1 && Contains(block.text().objects, begin)) continue;
     const FormatLook& look = block.LookOfRun(i);
-    const bool colored = look.format.hasProperty(QTextFormat::ForegroundBrush);
-    if (ownColors) painter_.setPen(colored ? look.format.foreground().color() : ink_);
+    const bool colored = look.format.hasProperty(QTextFormat::ForegroundBrush) && !IsTooDark(look);
+    if (ownColors) painter_.setPen(colored ? look.format.foreground().color() : ColorOf(look));
     const QPointF position = linePosition - QPointF(0, look.raise);
     for (QGlyphRun glyphs : qt.glyphRuns(begin, end - begin)) {
       glyphs.setFlags({});  // the painter misplaces the lines of a part of a run

@@ -42,6 +42,7 @@ class BlockPainter {
   void PaintBoxBorders(const PlacedPart& part, double from, double to);
   QColor ColorOf(const FormatLook& look) const;
   QColor InkOn(Color behind) const;
+  bool IsTooDark(const FormatLook& look) const;
 
   QPainter& painter_;
   QRectF clip_;
@@ -49,7 +50,9 @@ class BlockPainter {
   const PaintOptions& options_;
   const FormatTable& formats_;
   pictures::PictureCache& pictures_;
-  QColor text_, ink_, highlight_, highlightedText_, faint_;
+  bool darkPaper_ = false;
+  Color behind_;  // the part that is painted
+  QColor paper_, text_, ink_, highlight_, highlightedText_, faint_;
 };
 
 }  // namespace text::layout
