@@ -174,6 +174,31 @@ TEST(RtfWriter, DocumentPropertiesComeBack) {
   EXPECT_EQ(Written(second), written);
 }
 
+TEST(RtfWriter, TakesWhatTheFileItWasReadFromHas) {
+  const std::pair<std::string, std::string> rows[] = {
+      {"{\\fonttbl{\\f3 A;}{\\f7 B;}}{\\colortbl;;\\red9;}{\\header\\s1\\f7\\cf2 h\\par}{\\*\\x{\\header i}}{\\header "
+       "j}x",
+       "{\\header\\f1\\cf1 h\\par}\r\n\\pard"},
+      {"{\\fonttbl{\\f7 B;}}x\\chftn{\\footnote\\f7{\\b y}}", "x\\chftn{\\footnote\\f1{\\b y}}"},
+      // Other programs leave a table in a table with its row.
+      {"\\trowd\\cellx9\\itap2 a\\nestcell "
+       "b\\nestcell{\\*\\nesttableprops\\trowd\\cellx5\\cellx7\\nestrow}c\\nestcell{\\*"
+       "\\nesttableprops\\trowd\\cellx5\\nestrow}\\itap1\\cell\\row",
+       "\\nestrow}{\\nonesttables\\par}\r\n\\pard\\intbl\\itap2 c\\nestcell"},
+      // They number these lists themselves.
+      {"{\\*\\listtable{\\list{\\listlevel\\levelnfc0{\\leveltext\\'01\\'00;}}\\listid7}}{\\*\\listoverridetable{"
+       "\\listoverride\\listid7\\ls1}}{\\*\\pn\\pnlvlblt}x\\par\\pard\\ls1 y",
+       "\\ls101\\ilvl0"},
+  };
+  for (const auto& [read, written] : rows) {
+    const ReadResult result = ReadNew("{\\rtf1" + read + "}");
+    const std::string anew = Written(result.content, result.properties);
+    EXPECT_NE(anew.find(written), std::string::npos) << anew;
+    const ReadResult again = ReadNew(anew);
+    EXPECT_EQ(Written(again.content, again.properties), anew);
+  }
+}
+
 TEST(RtfWriter, KeptGroupsStaySound) {
   const std::pair<std::string, std::string> rows[] = {
       {std::string("{\\info\0tle}", 11), "{\\info\ntle}"},

@@ -179,7 +179,8 @@ TEST(RtfCorpus, EditsKeepAllWords) {
     if (!LooksLikeRtf(bytes)) continue;
     ++count;
     Edited edited(bytes);
-    const std::string anew = Written(ReadNew(bytes));
+    const ReadResult read = ReadNew(bytes);
+    const std::string anew = Written(read.content, read.properties);
     const std::string gone = EditLikeAUser(edited, 1);
     const std::string saved = edited.Saved();
     std::map<std::string, int> after = ControlWords(saved);

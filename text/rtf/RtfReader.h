@@ -20,6 +20,8 @@ class RtfReader {
 
   // Reads what was read before, in the same store, and only tells the watcher. False when cancelled.
   bool Watch(RtfWatcher& watcher, const Progress& progress = {});
+  // Reads for the sake of the tables alone.
+  const Tables& ReadTables();
   InForce inForce();
   // False where text is none of the document's.
   bool inBody() const { return stack_.back().mode == Mode::kBody; }

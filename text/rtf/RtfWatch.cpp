@@ -9,6 +9,12 @@ bool RtfReader::Watch(RtfWatcher& watcher, const Progress& progress) {
   return !Run(true, progress).cancelled;
 }
 
+const Tables& RtfReader::ReadTables() {
+  output_.Mute();
+  Run(true, {});
+  return tables();
+}
+
 InForce RtfReader::inForce() {
   InForce now;
   now.chars = formats_[CurrentChars()];

@@ -165,7 +165,7 @@ class RtfSplice : private RtfWatcher {
   std::optional<ParaFormat> paragraph_;
   std::vector<RowId> rows_;  // of the outermost tables, that are put in whole
   size_t row_ = 0;
-  bool rowBegins_ = true;
+  bool rowBegins_ = true, nestedRowEnded_ = false;
 };
 
 }  // namespace text::rtf

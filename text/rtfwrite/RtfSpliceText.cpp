@@ -156,6 +156,7 @@ void RtfSplice::FindRows(Units upTo) {
   rows_.clear();
   row_ = 0;
   rowBegins_ = true;
+  nestedRowEnded_ = false;
   after_.ForEachPiece({written_, upTo}, [&](const PieceView& piece) {
     const ParaFormat& format = formats_[piece.paraFormat];
     const bool ends = piece.sums.breaks > Breaks(0) && format.rowMark == RowMark::kRowEnd;
@@ -175,7 +176,11 @@ void RtfSplice::InsertBreak(CharFormatId id, const ParaFormat& wantedFormat) {
   const ParaFormat from = paragraph_ ? *paragraph_ : Settled(*place_, place_->state.paragraph);
   std::string row = inRow && rowBegins_ ? RowWords(rows_[row_]) : std::string();
   if (!inRow && wantedFormat.row != RowId::kNone && place_->state.tableLevel == 0) row = "\\intbl";
-  if (paragraph_ || atParagraphBegin_) {
+  if (inRow && nestedRowEnded_) {
+    std::string words;
+    RtfWords(words).Paragraph(wanted, formats_, Numbers());
+    PutIn(inserted_, paragraphAt_, row + words);
+  } else if (paragraph_ || atParagraphBegin_) {
     PutIn(inserted_, paragraphAt_, row + (from == look ? std::string() : WordsFor(from, look)));
   } else {
     LeadTo(*place_, from, look);
@@ -185,6 +190,8 @@ void RtfSplice::InsertBreak(CharFormatId id, const ParaFormat& wantedFormat) {
   if (!lead.empty()) words_.Raw("{" + lead);
   words_.Raw(BreakWord(wanted));
   words_.Raw(lead.empty() ? "\r\n" : "}\r\n");
+  // Some readers have left the table behind such a row, whatever words are in force.
+  nestedRowEnded_ = wanted.rowMark == RowMark::kRowEnd && formats_[wanted.row].level > 1;
   if (inRow) rowBegins_ = wanted.rowMark == RowMark::kRowEnd && formats_[wanted.row].level <= 1;
   if (inRow && rowBegins_) ++row_;
   paragraph_ = look;

@@ -25,7 +25,7 @@ RtfWriter::RtfWriter(const Content& content, const DocumentProperties& propertie
 }
 
 bool RtfWriter::Run(Range range, bool wholeDocument) {
-  CollectFormats(range);
+  CollectFormats(range, wholeDocument);
   Header(wholeDocument);
   Body(range);
   const bool openEnd = wholeDocument || !paragraph_.empty();
@@ -99,6 +99,8 @@ void RtfWriter::Close(const ParaFormat& format) {
     words_.Raw("\\nestrow}{\\nonesttables\\par}");
   }
   words_.Raw("\r\n");
+  // Some readers have left the table behind such a row, whatever words are in force.
+  if (format.rowMark == RowMark::kRowEnd) anyParagraph_ = false, paragraphWords_.clear();
 }
 
 bool RtfWriter::ParagraphFormat(const ParaFormat& format) {

@@ -2,6 +2,8 @@
 #pragma once
 
 #include "text/rtf/Rtf.h"
+#include "text/rtf/RtfTables.h"
+#include "text/rtfsyntax/RtfTokenizer.h"
 #include "text/rtfwrite/RtfRowPlan.h"
 #include "text/rtfwrite/RtfWords.h"
 
@@ -38,7 +40,7 @@ class RtfWriter {
   };
 
   // --- RtfWriterTables.cpp: what the tables must hold
-  void CollectFormats(Range range);
+  void CollectFormats(Range range, bool wholeDocument);
   void CollectParagraph(ParaFormatId id);
   void CollectFont(FontId id);
   std::optional<int32_t> NumberFont(Font font);
@@ -47,6 +49,7 @@ class RtfWriter {
   int32_t FontNumber(FontId id) const;
   int32_t ColorNumber(Color color) const;
   int32_t ListNumber(ListId id) const;
+  int32_t ListsBefore() const;
   void Header(bool wholeDocument);
   void FontTable();
   void ColorTable();
@@ -73,9 +76,17 @@ class RtfWriter {
   void Note(const EmbeddedObject& object);
   void Description(const EmbeddedObject& object);
   void HexBytes(std::string_view bytes);
-  void Group(std::string_view group);
+  // As it is, or with the numbers of its file's tables translated.
+  void Group(std::string_view group, bool translated = false);
 
   void SendIfLarge();
+
+  // --- RtfWriterSource.cpp
+  static std::vector<std::string_view> PageGroups(std::string_view source);
+  void CollectFromSource(Range range, bool wholeDocument);
+  bool IsOfSource(const EmbeddedObject& object) const;
+  FontId SourceFont(int32_t number) const;
+  std::string Translated(const Token& token, std::string_view bytes) const;
 
   const Content& content_;
   const FormatTable& formats_;
@@ -94,7 +105,10 @@ class RtfWriter {
   std::vector<Color> colors_;
   std::map<ListId, int32_t> listNumbers_;
   std::vector<ListId> lists_;
-  bool anyBullet_ = false;
+  bool anyBullet_ = false, anyOldList_ = false;
+
+  std::optional<Tables> sourceTables_;
+  std::vector<std::string_view> pageGroups_;
 
   RtfRowPlan plan_;
   int64_t paragraphNumber_ = 0;  // from the beginning of the range

@@ -110,6 +110,10 @@ void RtfWriter::Object(const EmbeddedObject& object) {
 }
 
 void RtfWriter::Note(const EmbeddedObject& note) {
+  if (sourceTables_ && IsOfSource(note)) {
+    words_.Raw("\\chftn"), Group(note.rtf.bytes, true);
+    return;
+  }
   words_.Raw("\\chftn{"), words_.Word("footnote");
   if (note.rtf.bytes.find("\\ftnalt") != std::string_view::npos) words_.Word("ftnalt");
   words_.Raw("\\pard\\plain{\\super\\chftn}");
@@ -163,7 +167,7 @@ void RtfWriter::HexBytes(std::string_view bytes) {
 }
 
 // One or more whole groups, in 7 bits: raw data becomes hex, which is what the data of pictures and objects may be.
-void RtfWriter::Group(std::string_view group) {
+void RtfWriter::Group(std::string_view group, bool translated) {
   words_.Begin();
   RtfTokenizer tokenizer(group);
   size_t done = 0;
@@ -182,7 +186,11 @@ void RtfWriter::Group(std::string_view group) {
     begin = tokenizer.position();
     const Token token = tokenizer.Next();
     if (token.kind == TokenKind::kEnd) break;
-    if (token.kind == TokenKind::kBinary) {
+    if (translated && token.kind == TokenKind::kWord) {
+      begin = tokenizer.begin();
+      copy(begin);
+      out_ += Translated(token, group.substr(begin, tokenizer.position() - begin));
+    } else if (token.kind == TokenKind::kBinary) {
       copy(begin);
       HexBytes(token.text);
     } else {

@@ -16,12 +16,15 @@ namespace {
 
 constexpr std::string_view kGenerator = "Quillmark 0.1.0";
 
+constexpr int32_t kOldLists = 100;
+
 constexpr std::string_view kFamilies[] = {"fnil", "froman", "fswiss", "fmodern", "fscript", "fdecor", "ftech", "fbidi"};
 
 }  // namespace
 
-void RtfWriter::CollectFormats(Range range) {
+void RtfWriter::CollectFormats(Range range, bool wholeDocument) {
   CollectFont(properties_.defaultFont);
+  CollectFromSource(range, wholeDocument);
   content_.ForEachPiece(range, [this](const PieceView& piece) {
     if (piece.sums.breaks.value() > 0) {
       CollectParagraph(piece.paraFormat);
@@ -59,14 +62,23 @@ void RtfWriter::CollectParagraph(ParaFormatId id) {
 void RtfWriter::CollectList(ListId id) {
   for (const ListLevel& level : formats_[id].levels)
     if (level.font != FontId::kDefault) CollectFont(level.font);
-  if (IsOldList(formats_[id]) || listNumbers_.contains(id) || lists_.size() == kMaxLists) return;
+  if (IsOldList(formats_[id])) {
+    anyOldList_ = true;
+    return;
+  }
+  if (listNumbers_.contains(id) || lists_.size() == kMaxLists) return;
   lists_.push_back(id);
   listNumbers_[id] = static_cast<int32_t>(lists_.size());
 }
 
 int32_t RtfWriter::ListNumber(ListId id) const {
   const auto found = listNumbers_.find(id);
-  return found == listNumbers_.end() ? 0 : found->second;
+  return found == listNumbers_.end() ? 0 : found->second + ListsBefore();
+}
+
+// Some readers give {\*\pn} numbers of their own, from 1 on.
+int32_t RtfWriter::ListsBefore() const {
+  return anyBullet_ || anyOldList_ ? kOldLists : 0;
 }
 
 // The font without a name is the document's default, whatever its number.
@@ -123,6 +135,7 @@ void RtfWriter::Header(bool wholeDocument) {
   if (properties_.defaultTab != 720) words_.Word("deftab", std::clamp(properties_.defaultTab, 1, kMaxLength));
   if (wholeDocument) words_.Raw(properties_.headerWords);
   words_.Raw("\r\n");
+  for (const std::string_view group : pageGroups_) Group(group, true), words_.Raw("\r\n");
 }
 
 void RtfWriter::FontTable() {
@@ -164,7 +177,7 @@ void RtfWriter::ListTables() {
   words_.Raw("{\\*\\listtable");
   for (size_t i = 0; i < lists_.size(); ++i) words_.ListEntry(formats_[lists_[i]], ids[i], formats_, numbers_);
   words_.Raw("}{\\*\\listoverridetable");
-  for (size_t i = 0; i < lists_.size(); ++i) words_.OverrideEntry(ids[i], static_cast<int32_t>(i) + 1);
+  for (size_t i = 0; i < lists_.size(); ++i) words_.OverrideEntry(ids[i], ListsBefore() + static_cast<int32_t>(i) + 1);
   words_.Raw("}\r\n");
 }
 
