@@ -1,8 +1,8 @@
 // Destinations: what a group holds, and what to do at its end.
-#include "text/rtf/RtfDescription.h"
-#include "text/rtf/RtfFields.h"
-#include "text/rtf/RtfPictures.h"
 #include "text/rtf/RtfReader.h"
+#include "text/rtfsyntax/RtfDescription.h"
+#include "text/rtfsyntax/RtfFields.h"
+#include "text/rtfsyntax/RtfPictures.h"
 
 #include <algorithm>
 #include <utility>

@@ -24,6 +24,7 @@ constexpr size_t kMaxPictureBytes = 64 << 20;
 constexpr int64_t kMaxPicturePixels = 64 << 20;
 constexpr size_t kMaxKeptHeader = 1 << 20;  // bytes of header groups that are given back
 
+constexpr int32_t kTwipsPerPixel = 15;     // at 96 dots an inch
 constexpr int32_t kMaxLength = 1'000'000;  // twips, either sign
 constexpr int32_t kMaxHalfPoints = 3276;
 

@@ -137,6 +137,22 @@ void RtfWords::OverrideEntry(int32_t id, int32_t number) {
   Word("listoverridecount", 0), Word("ls", number), Raw("}");
 }
 
+void RtfWords::Break(const ParaFormat& format, const FormatTable& formats, const TableNumbers& numbers) {
+  if (format.rowMark == RowMark::kNone || format.row == RowId::kNone) return Word("par");
+  const TableRow& row = formats[format.row];
+  const bool ends = format.rowMark == RowMark::kRowEnd;
+  if (row.level <= 1) {
+    Word("cell");
+    if (ends) Word("row");
+    return;
+  }
+  // Readers that know no tables in tables make paragraphs of their cells.
+  constexpr std::string_view kElsewhere = "{\\nonesttables\\par}";
+  Word("nestcell"), Raw(kElsewhere);
+  if (!ends) return;
+  Raw("{\\*\\nesttableprops"), Row(row, numbers), Word("nestrow"), Raw("}"), Raw(kElsewhere);
+}
+
 void RtfWords::Row(const TableRow& row, const TableNumbers& numbers) {
   const auto shade = [&](const TableCell& cell) {
     if (!cell.shading.isAuto()) Word("clcbpat", numbers.color(cell.shading));

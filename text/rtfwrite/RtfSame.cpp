@@ -15,7 +15,6 @@ namespace text::rtf {
 
 namespace {
 
-constexpr int32_t kTwipsPerPixel = 15;
 constexpr int64_t kBetweenReports = 1 << 20;
 
 // Text without a break, or a break.

@@ -111,7 +111,6 @@ class RtfSplice : private RtfWatcher {
   void InsertBreak(CharFormatId id, const ParaFormat& wanted);
   void FindRows(Units upTo);
   std::string RowWords(RowId row);
-  std::string BreakWord(const ParaFormat& format);
   void InsertObject(ObjectId id);
   std::string_view WithMark(std::string_view note) const;
   void EndInsertedParagraphs(const SpliceOutput::Place& at);

@@ -1,5 +1,7 @@
 #include "text/rtfwrite/RtfSpliceOutput.h"
 
+#include "text/rtfwrite/RtfWords.h"
+
 namespace text::rtf {
 
 namespace {
@@ -9,13 +11,6 @@ bool IsLetter(char c) {
 }
 bool IsDigit(char c) {
   return c >= '0' && c <= '9';
-}
-
-// True when the bytes, put behind a control word, would be taken for a part of it.
-bool ContinuesWord(std::string_view bytes) {
-  if (bytes.empty()) return false;
-  const char next = bytes.front();
-  return IsLetter(next) || IsDigit(next) || next == '-' || next == ' ';
 }
 
 void Join(std::string& out, std::string_view bytes) {

@@ -41,19 +41,6 @@ SpliceTables::Highest& SpliceTables::InUse() {
   return inUse_.emplace(highest);
 }
 
-void SpliceTables::AddFont(int32_t number, const Font& font) {
-  constexpr std::array<std::string_view, 8> kFamilies{"fnil",    "froman", "fswiss", "fmodern",
-                                                      "fscript", "fdecor", "ftech",  "fbidi"};
-  RtfWords words(newFonts_);
-  words.Raw("{");
-  words.Word("f", number);
-  words.Word(kFamilies[std::min<size_t>(font.family, kFamilies.size() - 1)]);
-  words.Word("fcharset", font.charset);
-  words.Raw(" ");
-  words.Name(font.name);
-  words.Raw(";}");
-}
-
 void SpliceTables::KnowFonts() {
   if (generation_ == tables_.fontGeneration) return;
   generation_ = tables_.fontGeneration;
@@ -68,7 +55,7 @@ int32_t SpliceTables::Number(FontId font) {
   const auto [place, isNew] = ownFonts_.try_emplace(font, 0);
   if (!isNew) return place->second;
   place->second = InUse().font + static_cast<int32_t>(ownFonts_.size());
-  AddFont(place->second, formats_[font]);
+  RtfWords(newFonts_).FontEntry(place->second, formats_[font]);
   return place->second;
 }
 
@@ -93,9 +80,7 @@ int32_t SpliceTables::NewColor(std::optional<uint32_t> rgb) {
   const int32_t first = std::max({defined, InUse().color + 1, 1});
   if (newColors_.empty()) newColors_.assign(static_cast<size_t>(first - defined), ';');
   place->second = first + static_cast<int32_t>(ownColors_.size()) - 1;
-  RtfWords words(newColors_);
-  if (rgb) words.Word("red", *rgb & 0xFF), words.Word("green", *rgb >> 8 & 0xFF), words.Word("blue", *rgb >> 16 & 0xFF);
-  words.Raw(";");
+  RtfWords(newColors_).ColorEntry(rgb ? Color{*rgb} : Color{});
   return place->second;
 }
 

@@ -38,7 +38,6 @@ class SpliceTables {
   };
   Highest& InUse();
   void KnowFonts();
-  void AddFont(int32_t number, const Font& font);
   int32_t NewColor(std::optional<uint32_t> rgb);
 
   std::string_view source_;

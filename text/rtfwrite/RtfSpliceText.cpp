@@ -1,6 +1,6 @@
 // What is new in a spliced file, in groups that begin with what is in force at their place.
 #include "text/Utf16.h"
-#include "text/rtf/RtfFields.h"
+#include "text/rtfsyntax/RtfFields.h"
 #include "text/rtfwrite/RtfSplice.h"
 #include "text/rtfwrite/RtfWriter.h"
 
@@ -188,7 +188,7 @@ void RtfSplice::InsertBreak(CharFormatId id, const ParaFormat& wantedFormat) {
   }
   const std::string lead = CharLead(place_->state, formats_[id]);
   if (!lead.empty()) words_.Raw("{" + lead);
-  words_.Raw(BreakWord(wanted));
+  words_.Break(wanted, formats_, Numbers());
   words_.Raw(lead.empty() ? "\r\n" : "}\r\n");
   // Some readers have left the table behind such a row, whatever words are in force.
   nestedRowEnded_ = wanted.rowMark == RowMark::kRowEnd && formats_[wanted.row].level > 1;
@@ -203,17 +203,6 @@ std::string RtfSplice::RowWords(RowId row) {
   std::string bytes;
   RtfWords(bytes).Row(formats_[row], Numbers());
   return bytes;
-}
-
-std::string RtfSplice::BreakWord(const ParaFormat& format) {
-  if (format.rowMark == RowMark::kNone || format.row == RowId::kNone) return "\\par";
-  if (formats_[format.row].level <= 1) return format.rowMark == RowMark::kCellEnd ? "\\cell" : "\\cell\\row";
-  // Readers that know no tables in tables make paragraphs of their cells.
-  constexpr std::string_view kElsewhere = "{\\nonesttables\\par}";
-  std::string bytes = "\\nestcell" + std::string(kElsewhere);
-  if (format.rowMark == RowMark::kCellEnd) return bytes;
-  bytes += "{\\*\\nesttableprops" + RowWords(format.row) + "\\nestrow}";
-  return bytes += kElsewhere;
 }
 
 // Behind the last break that was put in.

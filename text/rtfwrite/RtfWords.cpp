@@ -50,15 +50,17 @@ bool IsPlain(char c) {
   return c >= ' ' && c < 0x7F && c != '\\' && c != '{' && c != '}';
 }
 
-bool WouldJoinWord(char c) {
-  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-' || c == ' ';
-}
-
 bool SameLines(const ParaFormat& a, const ParaFormat& b) {
   return ClampLength(a.lineSpacing) == ClampLength(b.lineSpacing) && a.lineSpacingMultiple == b.lineSpacingMultiple;
 }
 
 }  // namespace
+
+bool ContinuesWord(std::string_view bytes) {
+  if (bytes.empty()) return false;
+  const char c = bytes.front();
+  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-' || c == ' ';
+}
 
 CharFormat UnknownChars() {
   CharFormat format;
@@ -91,7 +93,7 @@ std::string_view RtfWords::Text(std::string_view utf8, const TextCoding& coding,
     size_t plain = 0;
     while (plain < utf8.size() && IsPlain(utf8[plain])) ++plain;
     if (plain > 0) {
-      if (needsDelimiter_ && WouldJoinWord(utf8.front())) out_ += ' ';
+      if (needsDelimiter_ && ContinuesWord(utf8)) out_ += ' ';
       Raw(utf8.substr(0, plain));
       utf8.remove_prefix(plain);
     } else {
@@ -151,6 +153,24 @@ void RtfWords::Name(std::string_view utf8) {
       Character(c, {});
     }
   }
+}
+
+void RtfWords::FontEntry(int32_t number, const Font& font) {
+  constexpr std::array<std::string_view, 8> kFamilies{"fnil",    "froman", "fswiss", "fmodern",
+                                                      "fscript", "fdecor", "ftech",  "fbidi"};
+  Raw("{");
+  Word("f", number);
+  Word(kFamilies[std::min<size_t>(font.family, kFamilies.size() - 1)]);
+  Word("fcharset", font.charset);
+  Raw(" ");
+  Name(font.name);
+  Raw(";}");
+}
+
+void RtfWords::ColorEntry(Color color) {
+  if (!color.isAuto())
+    Word("red", color.rgb & 0xFF), Word("green", color.rgb >> 8 & 0xFF), Word("blue", color.rgb >> 16 & 0xFF);
+  Raw(";");
 }
 
 void RtfWords::Chars(const CharFormat& wasFormat, const CharFormat& toFormat, const TableNumbers& numbers) {

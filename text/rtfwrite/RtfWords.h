@@ -72,11 +72,16 @@ class RtfWords {
   // A bullet as readers show it that know nothing of lists; stands before the text of every paragraph but those that
   // begin with the words above.
   void Label(const ParaFormat& format, const FormatTable& formats, const TableNumbers& numbers);
+  // Entries of {\fonttbl} and {\colortbl}.
+  void FontEntry(int32_t number, const Font& font);
+  void ColorEntry(Color color);
   // The label, and the words or the group that make the paragraph part of its list.
   void GiveList(const ParaFormat& format, const FormatTable& formats, const TableNumbers& numbers);
   // Their entries in {\*\listtable} and {\*\listoverridetable}.
   void ListEntry(const List& list, int32_t id, const FormatTable& formats, const TableNumbers& numbers);
   void OverrideEntry(int32_t id, int32_t number);
+  // What ends a paragraph, and a cell or a row with it.
+  void Break(const ParaFormat& format, const FormatTable& formats, const TableNumbers& numbers);
   // \trowd and what defines the row.
   void Row(const TableRow& row, const TableNumbers& numbers);
 
@@ -88,6 +93,9 @@ class RtfWords {
   std::string& out_;
   bool needsDelimiter_ = false;  // the last thing was a control word without its space
 };
+
+// True when the bytes, put behind a control word, would be taken for a part of it.
+bool ContinuesWord(std::string_view bytes);
 
 // In front of everything: no flags and colours, but a font and a size that differ from any other.
 CharFormat UnknownChars();

@@ -88,19 +88,11 @@ void RtfWriter::BeginRow(const ParaFormat& format) {
 }
 
 void RtfWriter::Close(const ParaFormat& format) {
-  const TableRow& row = formats_[format.row];
-  if (format.rowMark == RowMark::kNone) return words_.Raw("\\par\r\n");
-  if (row.level <= 1) return words_.Raw(format.rowMark == RowMark::kCellEnd ? "\\cell\r\n" : "\\cell\\row\r\n");
-  // Readers that know no tables in tables make paragraphs of their cells.
-  words_.Raw("\\nestcell{\\nonesttables\\par}");
-  if (format.rowMark == RowMark::kRowEnd) {
-    words_.Raw("{\\*\\nesttableprops");
-    words_.Row(row, numbers_);
-    words_.Raw("\\nestrow}{\\nonesttables\\par}");
-  }
+  words_.Break(format, formats_, numbers_);
   words_.Raw("\r\n");
   // Some readers have left the table behind such a row, whatever words are in force.
-  if (format.rowMark == RowMark::kRowEnd) anyParagraph_ = false, paragraphWords_.clear();
+  if (format.rowMark == RowMark::kRowEnd && formats_[format.row].level > 1)
+    anyParagraph_ = false, paragraphWords_.clear();
 }
 
 bool RtfWriter::ParagraphFormat(const ParaFormat& format) {

@@ -1,7 +1,7 @@
 // The writer's fields, and the groups that stand for U+FFFC.
-#include "text/rtf/RtfFields.h"
-#include "text/rtf/RtfPictures.h"
+#include "text/rtfsyntax/RtfFields.h"
 #include "text/rtfsyntax/RtfLimits.h"
+#include "text/rtfsyntax/RtfPictures.h"
 #include "text/rtfsyntax/RtfTokenizer.h"
 #include "text/rtfwrite/RtfWriter.h"
 
@@ -13,7 +13,6 @@ namespace text::rtf {
 namespace {
 
 constexpr std::string_view kObject = "\uFFFC";
-constexpr int32_t kTwipsPerPixel = 15;
 constexpr size_t kHexLine = 64;  // bytes
 
 // By PictureType.

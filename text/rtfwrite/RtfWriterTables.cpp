@@ -18,8 +18,6 @@ constexpr std::string_view kGenerator = "Quillmark 0.1.0";
 
 constexpr int32_t kOldLists = 100;
 
-constexpr std::string_view kFamilies[] = {"fnil", "froman", "fswiss", "fmodern", "fscript", "fdecor", "ftech", "fbidi"};
-
 }  // namespace
 
 void RtfWriter::CollectFormats(Range range, bool wholeDocument) {
@@ -91,7 +89,7 @@ void RtfWriter::CollectFont(FontId id) {
 // Fonts that are written alike share a number.
 std::optional<int32_t> RtfWriter::NumberFont(Font font) {
   font.name = CleanFontName(font.name);
-  font.family = std::min<uint8_t>(font.family, std::size(kFamilies) - 1);
+  font.family = std::min<uint8_t>(font.family, 7);
   if (fonts_.size() == kMaxFonts) return std::nullopt;
   const auto next = static_cast<int32_t>(fonts_.size());
   const auto [place, isNew] = fontsByValue_.try_emplace({font.name, font.charset, font.family}, next);
@@ -140,27 +138,14 @@ void RtfWriter::Header(bool wholeDocument) {
 
 void RtfWriter::FontTable() {
   words_.Raw("{\\fonttbl");
-  for (size_t i = 0; i < fonts_.size(); ++i) {
-    words_.Raw("{");
-    words_.Word("f", static_cast<int64_t>(i));
-    words_.Word(kFamilies[fonts_[i].family]);
-    words_.Word("fcharset", fonts_[i].charset);
-    words_.Raw(" ");
-    words_.Name(fonts_[i].name);
-    words_.Raw(";}");
-  }
+  for (size_t i = 0; i < fonts_.size(); ++i) words_.FontEntry(static_cast<int32_t>(i), fonts_[i]);
   words_.Raw("}\r\n");
 }
 
 void RtfWriter::ColorTable() {
   if (colors_.empty()) return;
   words_.Raw("{\\colortbl ;");
-  for (const Color color : colors_) {
-    words_.Word("red", color.rgb & 0xFF);
-    words_.Word("green", color.rgb >> 8 & 0xFF);
-    words_.Word("blue", color.rgb >> 16 & 0xFF);
-    words_.Raw(";");
-  }
+  for (const Color color : colors_) words_.ColorEntry(color);
   words_.Raw("}\r\n");
 }
 

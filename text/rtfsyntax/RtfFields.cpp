@@ -1,4 +1,4 @@
-#include "text/rtf/RtfFields.h"
+#include "text/rtfsyntax/RtfFields.h"
 
 #include <algorithm>
 #include <charconv>

@@ -1,6 +1,6 @@
-#include "text/rtf/RtfPictures.h"
+#include "text/rtfsyntax/RtfPictures.h"
 
-#include "text/rtf/RtfDescription.h"
+#include "text/rtfsyntax/RtfDescription.h"
 #include "text/rtfsyntax/RtfKeywords.h"
 #include "text/rtfsyntax/RtfLimits.h"
 
@@ -11,8 +11,6 @@
 namespace text::rtf {
 
 namespace {
-
-constexpr int32_t kTwipsPerPixel = 15;  // at 96 dots an inch
 
 constexpr std::array<int8_t, 256> kHexValues = [] {
   std::array<int8_t, 256> values{};

@@ -1,4 +1,4 @@
-#include "text/rtf/RtfDescription.h"
+#include "text/rtfsyntax/RtfDescription.h"
 
 #include "text/Utf16.h"
 #include "text/rtfsyntax/RtfLimits.h"

@@ -1,7 +1,7 @@
 // Embedded objects: what their result shows. Their data is never looked into.
-#include "text/rtf/RtfPictures.h"
 #include "text/rtfsyntax/RtfKeywords.h"
 #include "text/rtfsyntax/RtfLimits.h"
+#include "text/rtfsyntax/RtfPictures.h"
 
 #include <algorithm>
 #include <utility>
