@@ -148,6 +148,8 @@ bool PageTexts::Keep(std::string_view name, std::string_view group) {
 }
 
 void PageTexts::Find(std::string_view bytes) {
+  // A text without them is not read to its end.
+  const bool beside = bytes.find("{\\header") != bytes.npos || bytes.find("{\\footer") != bytes.npos;
   RtfTokenizer tokenizer(bytes);
   int depth = 0;
   size_t begin = 0;
@@ -162,7 +164,7 @@ void PageTexts::Find(std::string_view bytes) {
       return;
     }
     if (token.kind != TokenKind::kWord) continue;
-    if (token.text == "sect" && any) return;
+    if ((token.text == "sect" && any) || (token.text == "par" && !beside)) return;
     const size_t inside = tokenizer.position();
     if (!first && depth == 1 && IsHeadWord(token.text)) {
       head_ += bytes.substr(tokenizer.begin(), inside - tokenizer.begin());
