@@ -205,6 +205,11 @@ TEST(Paint, ColoursAreLegibleOnDarkPaper) {
     EXPECT_GT(CountOf(image, QColor(255, 128, 0), row(2)), 20);
   }
   EXPECT_GT(CountOf(PaintToImage(view, Options(false)), Qt::black, row(0)), 20);
+  ParaFormat boxed;
+  boxed.box = {ParaBox::kBottom, 30, 0, Color{0}, {}};
+  Document line = RichText().Add("", boxed).Finish();
+  TestView lineView(line);
+  EXPECT_EQ(CountOf(PaintToImage(lineView, Options(true)), Qt::black), 0);
 }
 
 struct BoxCase {

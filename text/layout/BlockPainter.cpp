@@ -157,7 +157,8 @@ void BlockPainter::PaintBoxBorders(const PlacedPart& part, double from, double t
   const BlockBox& box = part.block->box();
   if (box.sides == 0) return;
   const QRectF all = OnPixels(box.rect.translated(x_ + part.x, part.top));
-  const QColor color = box.color.isAuto() ? text_ : ColorFrom(box.color);
+  QColor color = box.color.isAuto() ? text_ : ColorFrom(box.color);
+  if (darkPaper_ && part.behind.isAuto() && !IsLegibleOn(paper_, color)) color = LegibleOn(paper_, color);
   const auto side = [&](ParaBox::Side which, QRectF line) {
     if (box.sides & which) painter_.fillRect(Between(line, from, to), color);
   };
