@@ -56,6 +56,7 @@ QBrush MetafileBrush(uint32_t style, uint32_t color) {
 MetafileCanvas::MetafileCanvas(QSize pixels) : image_(pixels, QImage::Format_ARGB32_Premultiplied) {
   const double count = double(pixels.width()) * pixels.height();
   left_ = kMostWork + count / 4;
+  clocked_ = left_ * 0.9;
   end_ = std::chrono::steady_clock::now() + std::chrono::milliseconds(int64_t(kMostMilliseconds + count / 16384));
   image_.fill(Qt::transparent);
   painter_.begin(&image_);
@@ -66,7 +67,8 @@ MetafileCanvas::MetafileCanvas(QSize pixels) : image_(pixels, QImage::Format_ARG
 bool MetafileCanvas::Spend(double work) {
   constexpr double kOfARecord = 4;
   left_ = std::max(0.0, left_ - work - kOfARecord);
-  if (std::chrono::steady_clock::now() > end_) left_ = 0;
+  // What costs little is drawn however slow the machine is.
+  if (left_ < clocked_ && std::chrono::steady_clock::now() > end_) left_ = 0;
   return left_ > 0;
 }
 

@@ -110,7 +110,7 @@ class MetafileCanvas {
   std::vector<MetafileObject> objects_;
   std::optional<QPainterPath> path_;  // being recorded
   QPainterPath finished_;
-  double left_;
+  double left_, clocked_;
   std::chrono::steady_clock::time_point end_;
   bool drawn_ = false;
 };
