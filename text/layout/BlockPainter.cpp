@@ -218,6 +218,17 @@ void BlockPainter::PaintSelection(const LayoutBlock& block, size_t line, const S
   for (const QRectF& rect : rects) painter_.fillRect(OnPixels(rect.translated(origin)), highlight_);
 }
 
+bool BlockPainter::HasTooDark(const LayoutBlock& block, size_t line) const {
+  // What is composed has formats of its own.
+  if (!darkPaper_ || block.text().preeditLength > 0) return false;
+  const auto& runs = block.text().runs;
+  const BlockLine& geometry = block.lines()[line];
+  for (size_t i = block.RunBehind(geometry.begin); i < runs.size() && runs[i].begin < geometry.end; ++i) {
+    if (IsTooDark(block.LookOfRun(i))) return true;
+  }
+  return false;
+}
+
 void BlockPainter::PaintText(const LayoutBlock& block, size_t line, const Selected& selected, QPointF origin) {
   const BlockLine& geometry = block.lines()[line];
   const QTextLine qt = block.qtLine(line);
@@ -229,12 +240,7 @@ void BlockPainter::PaintText(const LayoutBlock& block, size_t line, const Select
   if (options_.printing && object != block.text().objects.end() && *object < geometry.end) {
     return PaintGlyphs(block, line, geometry.begin, geometry.end, position, true);
   }
-  bool dark = false;
-  const auto& runs = block.text().runs;
-  const bool own = darkPaper_ && block.text().preeditLength == 0;  // what is composed has formats of its own
-  for (size_t i = block.RunBehind(geometry.begin); own && i < runs.size() && runs[i].begin < geometry.end; ++i) {
-    dark = dark || IsTooDark(block.LookOfRun(i));
-  }
+  const bool dark = HasTooDark(block, line);
   const auto draw = [&] {
     if (dark) return PaintGlyphs(block, line, geometry.begin, geometry.end, position, true);
     qt.draw(&painter_, position);

@@ -43,6 +43,7 @@ class BlockPainter {
   QColor ColorOf(const FormatLook& look) const;
   QColor InkOn(Color behind) const;
   bool IsTooDark(const FormatLook& look) const;
+  bool HasTooDark(const LayoutBlock& block, size_t line) const;
 
   QPainter& painter_;
   QRectF clip_;

@@ -98,6 +98,15 @@ bool IsContinued(const TableRow& row, size_t first, size_t last, const TableRow&
   return false;
 }
 
+// Of one or several cells that are joined side by side.
+CellFrame FrameOf(const TableCell& first, const TableCell& last, bool continued) {
+  const auto borders = static_cast<uint8_t>((first.borders & ~TableCell::kRight) | (last.borders & TableCell::kRight));
+  const auto hidden =
+      static_cast<uint8_t>((first.joinsAbove ? TableCell::kTop : 0) | (continued ? TableCell::kBottom : 0));
+  return {QRectF(), static_cast<uint8_t>(borders & ~hidden), static_cast<uint8_t>(kAllSides & ~borders & ~hidden),
+          first.shading};
+}
+
 double RowPlacer::PlaceRow(const CellText* begin, const CellText* end, uint8_t level, RowId below, double x, double y,
                            double width) {
   const std::vector<Cell> cells = CellsOf(begin, end, level);
@@ -125,14 +134,9 @@ double RowPlacer::PlaceRow(const CellText* begin, const CellText* end, uint8_t l
       if (!ghost) bottom = end;
     }
     height = std::max(height, bottom - y + kLine);
-    const TableCell first = definitionOf(i), last = definitionOf(next - 1);
-    const auto borders =
-        static_cast<uint8_t>((first.borders & ~TableCell::kRight) | (last.borders & TableCell::kRight));
     const bool continued = below != RowId::kNone && IsContinued(row, i, next - 1, formats_[below]);
-    const auto hidden =
-        static_cast<uint8_t>((first.joinsAbove ? TableCell::kTop : 0) | (continued ? TableCell::kBottom : 0));
-    frames.push_back({QRectF(frame.left, y, frame.right - frame.left, 0), static_cast<uint8_t>(borders & ~hidden),
-                      static_cast<uint8_t>(kAllSides & ~borders & ~hidden), first.shading});
+    frames.push_back(FrameOf(definitionOf(i), definitionOf(next - 1), continued));
+    frames.back().rect = QRectF(frame.left, y, frame.right - frame.left, 0);
     i = next;
   }
   height = std::ceil(height);
