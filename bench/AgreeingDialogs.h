@@ -12,7 +12,9 @@ class AgreeingDialogs : public ui::Dialogs {
     return message.buttons == ui::Buttons::kOk ? ui::Answer::kOk : ui::Answer::kYes;
   }
   std::optional<files::Path> PickFile(ui::Form*, const ui::FileRequest&) override { return std::nullopt; }
-  std::optional<ui::FontChoice> PickFont(ui::Form*, const ui::FontChoice&) override { return std::nullopt; }
+  std::optional<ui::FontChoice> PickFont(ui::Form*, const ui::FontChoice&, ui::CustomColors&) override {
+    return std::nullopt;
+  }
   std::optional<int64_t> PickColor(ui::Form*, int64_t, ui::CustomColors&) override { return std::nullopt; }
   bool PickPrinter(ui::Form*, const ui::PrinterRequest&, ui::Printer&) override { return false; }
   std::optional<QString> AskText(ui::Form*, const QString&, const QString&) override { return std::nullopt; }

@@ -175,7 +175,8 @@ class frmText : public ui::ChildForm {
   // What was answered last in this window.
   double BulletIndentCm_ = 0, HangingIndentCm_ = 0, LeftIndentCm_ = 0, RightIndentCm_ = 0;
   QString StripCode_;
-  ui::OffsetTool* offsetTool_ = nullptr;  // the editor's
+  ui::OffsetTool* offsetTool_ = nullptr;       // the editor's
+  std::optional<text::EditGroup> offsetDrag_;  // one undo step
   QString LastFontName_;
   double LastFontSize_ = 0;
   std::optional<text::Content> asked_;  // the text that the close prompt was about

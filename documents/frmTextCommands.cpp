@@ -95,7 +95,7 @@ void frmText::mnuFont_Click() {
   // A dialog for one font cannot show several: the command ends here, without a message.
   if (!name || !size || !bold || !italic || !strike || !underline || !color) return;
   const ui::FontChoice before{*name, *size, *bold, *italic, *strike, *underline, *color};
-  const auto chosen = services_.dialogs().PickFont(this, before);
+  const auto chosen = services_.dialogs().PickFont(this, before, services_.customColors());
   if (!chosen || unloaded_) return;
   const text::EditGroup oneStep(RichTextBox1_->document());
   if (chosen->family != before.family) RichTextBox1_->SetSelFontName(chosen->family);

@@ -65,8 +65,14 @@ void frmText::mnuProtect_Click() {
 
 void frmText::mnuSelCharOffset_Click() {
   if (!offsetTool_) {
-    offsetTool_ = new ui::OffsetTool(*RichTextBox1_,
-                                     [this](int pixels) { RichTextBox1_->SetSelCharOffset(pixels * kTwipsPerPixel); });
+    offsetTool_ = new ui::OffsetTool(*RichTextBox1_);
+    connect(offsetTool_, &ui::OffsetTool::Changed, this, [this](int pixels) {
+      services_.forms().Guarded([&] { RichTextBox1_->SetSelCharOffset(pixels * kTwipsPerPixel); });
+    });
+    connect(offsetTool_, &ui::OffsetTool::Dragging, this, [this](bool begins) {
+      offsetDrag_.reset();
+      if (begins) offsetDrag_.emplace(RichTextBox1_->document());
+    });
   }
   checks_.SelCharOffset = !offsetTool_->isVisible();
   UpdateOffsetTool();

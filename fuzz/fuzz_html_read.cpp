@@ -7,6 +7,6 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const std::string_view page(reinterpret_cast<const char*>(data), size);
-  text::html::Read(page, std::make_shared<text::TextStore>()).CheckInvariants();
+  text::html::Read(page, std::make_shared<text::TextStore>()).content.CheckInvariants();
   return 0;
 }

@@ -30,6 +30,11 @@ const std::string& Project::EntryOf(int line) const {
   return ProjectItems_[static_cast<size_t>(List1_.line(line).data)];
 }
 
+int Project::LineOf(size_t index, const std::string& entry) const {
+  const bool same = index <= ProjectItems_.Highest() && ProjectItems_[index] == entry;
+  return same ? List1_.LineOf(static_cast<int64_t>(index)) : List1_.count();
+}
+
 void Project::ReplaceEntryOf(int line, std::string entry) {
   if (!MayBeEntry(entry)) return;
   List1_.SetText(line, std::string(ShownPart(entry)));
@@ -221,7 +226,7 @@ void Project::AddNewDocOrLink(std::string path) {
   const ui::CommandScope scope;
   const bool absent = FindPathInList(path) >= List1_.count();
   ui::LetPendingEventsRun();
-  if (!absent) return;
+  if (!absent || LineOfPath(path) < List1_.count()) return;
   if (!MayBeEntry(path)) return;
   ProjectItems_.Append(std::move(path));
   AddToProject(ProjectItems_.Highest());
@@ -232,25 +237,28 @@ void Project::AddNewDocOrLink(std::string path) {
 void Project::AddNewDocsOrLinks(const std::vector<std::string>& paths) {
   const ui::CommandScope scope;
   ui::PendingEventsInLoop events;
-  std::optional<int> added;
-  std::vector<int> found;  // since then
+  std::optional<std::string> added;
+  std::vector<std::string> found;  // since then
   for (const std::string& path : paths) {
-    const int line = LineOfPath(path);
-    if (line < List1_.count()) {
-      found.push_back(line);
+    if (LineOfPath(path) < List1_.count()) {
+      found.push_back(path);
     } else if (MayBeEntry(path)) {
       ProjectItems_.Append(path);
       List1_.Append(LineFor(ProjectItems_.Highest()));
       ProjectSaved = false;
-      added = line;
+      added = path;
       found.clear();
     }
     events.LetRun();
   }
-  if (added) SelectListItem(*added, true);
-  if (found.empty()) return;
-  List1_.SelectToo(found);
-  List1_.SetListIndex(found.back());
+  // The lines may be others by now.
+  if (const int line = added ? LineOfPath(*added) : List1_.count(); line < List1_.count()) SelectListItem(line, true);
+  std::vector<int> lines;
+  for (const std::string& path : found)
+    if (const int line = LineOfPath(path); line < List1_.count()) lines.push_back(line);
+  if (lines.empty()) return;
+  List1_.SelectToo(lines);
+  List1_.SetListIndex(lines.back());
 }
 
 bool Project::MayBeEntry(const std::string& path) {

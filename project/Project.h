@@ -24,6 +24,8 @@ class Project {
   // Line 0 of the list is "_Open new document"; the data of every other line is the index of its entry.
   const ItemTable& ProjectItems() const { return ProjectItems_; }
   const std::string& EntryOf(int line) const;
+  // Of an entry that was there before; count() of the list when it is not any more.
+  int LineOf(size_t index, const std::string& entry) const;
   // Refuses, with a message, what cannot be an entry.
   void ReplaceEntryOf(int line, std::string entry);
   // Takes entries away; the list is back in the table's order, its first line selected.

@@ -97,11 +97,11 @@ void ProjectList::mnuOpenFromList_Click() {
 
 ProjectList::Opened ProjectList::OpenSelected(services::PathFilter& filter) {
   const ui::Hourglass hourglass;
-  // The list may change whenever events are let through.
-  for (const int line : List1_.SelectedLines()) {
-    if (line < 1 || line >= List1_.count() || !List1_.Selected(line)) continue;
+  for (const auto& [index, entry] : SelectedItems()) {
+    const int line = project_.LineOf(index, entry);
+    if (line >= List1_.count() || !List1_.Selected(line)) continue;
     List1_.SetListIndex(line);
-    const Opened opened = OpenEntry(project_.EntryOf(line), filter);
+    const Opened opened = OpenEntry(entry, filter);
     if (opened != Opened::kAll) return opened;
     ui::LetPendingEventsRun();
   }
@@ -192,19 +192,16 @@ void ProjectList::RemoveFromProject(bool confirm) {
   if (List1_.ListIndex() < 1) return;
   SelectFocusLineIfNone();
   std::vector<std::pair<size_t, std::string>> agreed;
-  for (const int line : List1_.SelectedLines()) {
-    if (line < 1 || line >= List1_.count()) continue;
-    const auto index = static_cast<size_t>(List1_.line(line).data);
-    const std::string entry = project_.EntryOf(line);
+  for (const auto& [index, entry] : SelectedItems()) {
+    if (project_.LineOf(index, entry) >= List1_.count()) continue;
     const int answer = services_.fncYesNoAll(tr("Remove %1\r\nfrom the project?").arg(ui::ShortDisplayText(entry)));
     ui::LetPendingEventsRun();
     if (answer == kCancel) break;
     if (answer == kYes) agreed.emplace_back(index, entry);
   }
-  // The table may be another one by now.
   std::vector<bool> marked(project_.ProjectItems().Highest() + 1);
   for (const auto& [index, entry] : agreed)
-    if (index < marked.size() && project_.ProjectItems()[index] == entry) marked[index] = true;
+    if (project_.LineOf(index, entry) < List1_.count()) marked[index] = true;
   project_.Remove(marked);
 }
 
@@ -222,11 +219,18 @@ void ProjectList::TakeDropped(std::vector<std::string> paths) {
 
 // --- The selection and the order of the lines
 
+// What a loop holds on to: the list and the table may change whenever events are let through.
+std::vector<std::pair<size_t, std::string>> ProjectList::SelectedItems() const {
+  std::vector<std::pair<size_t, std::string>> items;
+  for (const int line : List1_.SelectedLines())
+    if (line >= 1) items.emplace_back(static_cast<size_t>(List1_.line(line).data), project_.EntryOf(line));
+  return items;
+}
+
 std::vector<std::string> ProjectList::SelectedEntries() {
   SelectFocusLineIfNone();
   std::vector<std::string> entries;
-  for (const int line : List1_.SelectedLines())
-    if (line >= 1) entries.push_back(project_.EntryOf(line));
+  for (auto& [index, entry] : SelectedItems()) entries.push_back(std::move(entry));
   return entries;
 }
 

@@ -43,6 +43,7 @@ class ProjectList : public QObject {
   bool CanBeRead(const std::string& entry, const files::Path& path);
   void PickDocument(const services::PathFilter& filter);
   void RemoveFromProject(bool confirm);
+  std::vector<std::pair<size_t, std::string>> SelectedItems() const;  // index in the table, entry
   std::vector<std::string> SelectedEntries();
   std::vector<std::string> FilesOfDrag();
   void TakeDropped(std::vector<std::string> paths);

@@ -81,6 +81,7 @@ class Services {
   virtual files::Path ShowOpenDialog(const FileDialog& dialog) = 0;
   virtual files::Path ShowSaveDialog(const FileDialog& dialog) = 0;
   virtual int64_t ShowColorDialog(ui::Form* owner, int64_t initial) = 0;  // 0x00BBGGRR, -1 when cancelled
+  virtual ui::CustomColors& customColors() = 0;                           // the user's own, for such dialogs
   virtual bool ShowPrinterDialog(ui::Form* owner, int flags) = 0;         // true when cancelled
   virtual ui::Printer& currentPrinter() = 0;
   virtual const QString& documentFilter() const = 0;

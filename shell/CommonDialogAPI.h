@@ -21,6 +21,7 @@ class CommonDialogAPI {
 
   // 0x00BBGGRR, -1 when cancelled.
   int64_t ShowColorDialog(ui::Form* owner, int64_t initial);
+  ui::CustomColors& customColors() { return customColors_; }
   // True when cancelled. What the user chose stays set up in the current printer until the program ends.
   bool ShowPrinterDialog(ui::Form* owner, int flags);
   ui::Printer& currentPrinter();

@@ -93,6 +93,7 @@ class frmMyMDI final : public services::Services {
   files::Path ShowSaveDialog(const services::FileDialog& dialog) override {
     return commonDialogs_.ShowSaveDialog(dialog);
   }
+  ui::CustomColors& customColors() override { return commonDialogs_.customColors(); }
   int64_t ShowColorDialog(ui::Form* owner, int64_t initial) override {
     return commonDialogs_.ShowColorDialog(owner, initial);
   }

@@ -97,7 +97,8 @@ class Dialogs {
   virtual Answer ShowMessage(Form* owner, const Message& message) = 0;
   // The chosen path with its bytes, unchecked: whether it exists is the caller's question. Nothing on Cancel.
   virtual std::optional<files::Path> PickFile(Form* owner, const FileRequest& request) = 0;
-  virtual std::optional<FontChoice> PickFont(Form* owner, const FontChoice& initial) = 0;
+  // `custom` is changed by a colour that was chosen on the way, also when the font is not.
+  virtual std::optional<FontChoice> PickFont(Form* owner, const FontChoice& initial, CustomColors& custom) = 0;
   // 0x00BBGGRR. Nothing on Cancel, and `custom` as it was.
   virtual std::optional<int64_t> PickColor(Form* owner, int64_t initial, CustomColors& custom) = 0;
   // Sets the printer up as the user wants it. False on Cancel, and the printer as it was.

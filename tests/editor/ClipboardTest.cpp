@@ -180,6 +180,20 @@ TEST(Clipboard, TakesThePictureThatLosesNothing) {
   EXPECT_EQ(type(), text::PictureType::kPng);
 }
 
+// All of the text without its look, or nothing, rather than the beginning with it.
+TEST(Clipboard, APageThatIsNestedTooDeep) {
+  for (const bool hasText : {true, false}) {
+    QMimeData data;
+    data.setHtml("a" + QStringLiteral("<b>").repeated(2000) + "b");
+    if (hasText) data.setText("ab");
+    Editor editor("|");
+    editor.controller.SavesFormatsWhen([] { return true; });
+    editor.controller.Insert(data, false);
+    EXPECT_EQ(editor.Shown(), hasText ? "ab|" : "|");
+    EXPECT_EQ(editor.host.refusals, hasText ? 0 : 1);
+  }
+}
+
 // Through the real clipboard, from one control to another.
 TEST(Clipboard, GoesFromOneBoxToAnother) {
   RichTextBox from, to;

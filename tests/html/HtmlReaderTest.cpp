@@ -12,7 +12,7 @@ namespace {
 // paragraph, "^" for a picture; each paragraph behind its properties.
 class Shown {
  public:
-  explicit Shown(std::string_view html) : content_(Read(html, std::make_shared<TextStore>())) {}
+  explicit Shown(std::string_view html) : read_(Read(html, std::make_shared<TextStore>())), content_(read_.content) {}
 
   std::string Text() const {
     std::string shown;
@@ -42,6 +42,7 @@ class Shown {
   ParaFormat Paragraph(int64_t number = 0) const { return formats()[content_.ParaFormatOf(Breaks(number))]; }
   const FormatTable& formats() const { return content_.formats(); }
   const Content& content() const { return content_; }
+  bool limited() const { return read_.limited; }
 
  private:
   static std::string EndOf(const ParaFormat& format) {
@@ -51,7 +52,8 @@ class Shown {
     for (size_t at = 0; (at = text.find(what, at)) != text.npos; at += by.size()) text.replace(at, what.size(), by);
   }
 
-  Content content_;
+  ReadResult read_;
+  const Content& content_;
 };
 
 TEST(HtmlReader, TextAndParagraphs) {
@@ -65,6 +67,7 @@ TEST(HtmlReader, TextAndParagraphs) {
       {"<div>a</div><div><br></div><div>b</div>", "a\n\nb"},
       {"a <b> b </b> c", "a *b *c"},
       {"<pre>\na  b\n c\n</pre>d", "a  b| c\nd"},
+      {"<pre>\ra\rb\r\nc\r\r</pre>d", "a|b|c|\nd"},
       {"a&nbsp;&lt;&#8364;&euro;&bogus;b", "a\u00A0<\u20AC\u20AC&bogus;b"},
       {"a<script>x<y</script><style>p{}</style><title>t</title><!-- <b> -->b", "ab"},
       {"x<span style='display:none'>hidden</span>y", "xy"},
@@ -187,6 +190,7 @@ TEST(HtmlReader, HostilePages) {
   for (const auto& [page, text] : pages) {
     const Shown shown(page);
     EXPECT_NO_THROW(shown.content().CheckInvariants()) << page.substr(0, 40);
+    EXPECT_EQ(shown.limited(), page.starts_with("x<b>")) << page.substr(0, 40);
     if (!text.empty()) {
       EXPECT_EQ(shown.Text(), text) << page.substr(0, 40);
     }

@@ -80,7 +80,7 @@ TEST(HtmlWriter, ListsTablesLinksAndPictures) {
   };
   for (const auto& [page, body] : rows) {
     std::string html;
-    EXPECT_TRUE(Write(Read(page, std::make_shared<TextStore>()), {}, [&](std::string_view part) {
+    EXPECT_TRUE(Write(Read(page, std::make_shared<TextStore>()).content, {}, [&](std::string_view part) {
       html += part;
       return true;
     }));

@@ -117,6 +117,12 @@ TEST_F(FormatCommandsTest, TheOffsetToolRaisesAndLowers) {
   EXPECT_EQ(bar->maximum(), 50);
   EXPECT_EQ(bar->value(), 0);
   EXPECT_EQ(box().SelCharOffset(), std::nullopt) << "looking changes nothing";
+  bar->setSliderDown(true);
+  for (const int value : {5, 6, 7}) bar->setValue(value);
+  bar->setSliderDown(false);
+  EXPECT_EQ(box().SelCharOffset(), 105);
+  document_->mnuUndoItem_Click();
+  EXPECT_EQ(box().SelCharOffset(), std::nullopt) << "a drag is one step";
   document_->mnuSelCharOffset_Click();
   EXPECT_TRUE(bar->isHidden() && readOut->isHidden());
   EXPECT_FALSE(document_->checks().SelCharOffset);

@@ -280,7 +280,7 @@ TEST_F(SaveTest, RichTextInNameOnlyBecomesRichText) {
 // A list that needs a table of its own in the file's beginning.
 void PutNestedList(frmText& document) {
   text::Document& edited = document.RichTextBox1().document();
-  const text::Content list = text::html::Read("<ol><li>a<ol><li>b</ol></ol>c", edited.content().store());
+  const text::Content list = text::html::Read("<ol><li>a<ol><li>b</ol></ol>c", edited.content().store()).content;
   edited.Replace({}, list, text::EditKind::kCommand, {});
   document.RichTextBox1().DocumentEdited();
 }

@@ -107,7 +107,7 @@ class ScriptedDialogs final : public ui::Dialogs {
     return step.file;
   }
 
-  std::optional<ui::FontChoice> PickFont(ui::Form*, const ui::FontChoice& initial) override {
+  std::optional<ui::FontChoice> PickFont(ui::Form*, const ui::FontChoice& initial, ui::CustomColors&) override {
     Step step;
     if (!Take(Step::kFont, "font dialog " + initial.family, step)) return std::nullopt;
     return step.choose(initial);

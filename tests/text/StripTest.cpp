@@ -1,5 +1,6 @@
 // The three ways to clean up text.
 #include "text/TextStore.h"
+#include "text/Utf16.h"
 #include "text/plain/Strip.h"
 
 #include <gtest/gtest.h>
@@ -7,14 +8,17 @@
 namespace text {
 namespace {
 
-// Each byte in a piece of its own, so that every pair lies across an edge.
+// Each character in a piece of its own, so that every pair lies across an edge.
 Content InPieces(std::string_view bytes) {
   const auto store = std::make_shared<TextStore>();
   ContentBuilder builder(store);
   CharFormat bold;
   bold.flags = kBold;
   const CharFormatId formats[] = {CharFormatId::kDefault, store->formats().Intern(bold)};
-  for (size_t i = 0; i < bytes.size(); ++i) builder.Append(bytes.substr(i, 1), formats[i % 2]);
+  for (size_t i = 0, end = 0, count = 0; i < bytes.size(); i = end) {
+    for (end = i + 1; end < bytes.size() && IsContinuation(bytes[end]);) ++end;
+    builder.Append(bytes.substr(i, end - i), formats[count++ % 2]);
+  }
   return builder.Finish();
 }
 
@@ -55,6 +59,10 @@ TEST(Strip, TakesACharacterAway) {
   // Part of another character, and a stray byte, are not it.
   const Content accents = InPieces("\xC3\xA9-\xC3\xA8-\xC3\xA9\xC3-\xE9");
   EXPECT_EQ(WithoutCharacter(accents, accents.all(), 0xE9), "-\xC3\xA8-\xC3-\xE9");
+  const Content euros = InPieces(
+      "1\xE2\x82\xAC"
+      "2\xE2\x82\xAD\xE2\x82\xE2\x82\xAC\xE2\x82");
+  EXPECT_EQ(WithoutCharacter(euros, euros.all(), 0x20AC), "12\xE2\x82\xAD\xE2\x82\xE2\x82");
   const Content breaks = InPieces("a\r\nb");
   EXPECT_EQ(WithoutCharacter(breaks, breaks.all(), '\r'), "a\r\nb");
 }

@@ -145,6 +145,7 @@ TEST(QtDialogs, FileDialogs) {
 
 TEST(QtDialogs, ColoursAndTheUsersOwnOnes) {
   ui::QtDialogs dialogs;
+  const QColor others = QColorDialog::customColor(1);
   for (const bool accept : {false, true}) {
     ui::CustomColors custom = {0xB4FFFF, 0x112233};
     WhenOpen<QColorDialog>([&](QColorDialog& dialog) {
@@ -156,6 +157,7 @@ TEST(QtDialogs, ColoursAndTheUsersOwnOnes) {
     });
     EXPECT_EQ(dialogs.PickColor(nullptr, 0x102030, custom).value_or(-1), accept ? 0x060504 : -1);
     EXPECT_EQ(custom, (ui::CustomColors{0xB4FFFF, accept ? 0x030201 : 0x112233}));
+    EXPECT_EQ(QColorDialog::customColor(1), others) << "the row of the process";
   }
 }
 
@@ -221,16 +223,23 @@ TEST(Progress, LongWorkShowsItsProgressAndCanBeCancelled) {
 
 TEST(FontForm, WhatIsNotTouchedComesBackAsItWas) {
   const ui::FontChoice odd{"No Such Family", 10.5, true, false, true, false, 0x102030};
-  EXPECT_EQ(ui::FontForm(odd).choice(), odd);
+  ui::CustomColors custom{};
+  EXPECT_EQ(ui::FontForm(odd, custom).choice(), odd);
 }
 
 TEST(FontForm, WhatIsChangedComesBackChanged) {
-  ui::FontForm form({"No Such Family", 10, false, false, false, false, -1});
+  ui::CustomColors custom = {0xB4FFFF};
+  ui::FontForm form({"No Such Family", 10, false, false, false, false, -1}, custom);
   QFont font = form.fonts().currentFont();
   font.setUnderline(true);
   font.setPointSize(20);
   form.fonts().setCurrentFont(font);
-  form.SetColor(0xFF);
+  WhenOpen<QColorDialog>([](QColorDialog& dialog) {
+    EXPECT_EQ(QColorDialog::customColor(0), QColor(255, 255, 180)) << "the program's own row";
+    dialog.setCurrentColor(Qt::red);
+    static_cast<QDialog&>(dialog).accept();
+  });
+  form.findChild<QPushButton*>("color")->click();
   EXPECT_EQ(form.choice(), (ui::FontChoice{"No Such Family", 20, false, false, false, true, 0xFF}));
 }
 

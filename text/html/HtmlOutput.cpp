@@ -1,6 +1,7 @@
 #include "text/html/HtmlOutput.h"
 
 #include "text/TextStore.h"
+#include "text/Utf16.h"
 
 #include <algorithm>
 
@@ -41,14 +42,12 @@ void HtmlOutput::Text(std::string_view utf8, const Look& look) {
 
 void HtmlOutput::Preserved(std::string_view utf8, const Look& look) {
   while (!utf8.empty()) {
-    const size_t end = std::min(utf8.find('\n'), utf8.size());
-    std::string_view line = utf8.substr(0, end);
-    if (line.ends_with('\r')) line.remove_suffix(1);
-    if (!line.empty()) Put(line, look);
+    const size_t end = FindBreak(utf8);
+    if (end > 0) Put(utf8.substr(0, end), look);
     if (end == utf8.size()) return;
     // The one directly behind <pre> does not count.
     if (begun_ || lineBreaks_ > 0 || end > 0) LineBreak(look);
-    utf8.remove_prefix(end + 1);
+    utf8.remove_prefix(end + (utf8.substr(end).starts_with("\r\n") ? 2 : 1));
   }
 }
 

@@ -161,6 +161,17 @@ PictureType Sniff(std::string_view bytes) {
   return PictureType::kNone;
 }
 
+// A page's line breaks are line feeds before anything else is made of it; the parser leaves that to others.
+std::string WithLineFeeds(std::string_view page, bool behindReturn) {
+  std::string out;
+  out.reserve(page.size());
+  for (const char c : page) {
+    if (c != '\n' || !behindReturn) out += c == '\r' ? '\n' : c;
+    behindReturn = c == '\r';
+  }
+  return out;
+}
+
 class Attributes {
  public:
   explicit Attributes(const xmlChar** pairs) : pairs_(pairs) {}
@@ -185,7 +196,7 @@ class HtmlReader {
     stack_.push_back(root);
   }
 
-  Content Run(std::string_view html) {
+  ReadResult Run(std::string_view html) {
     // What stands around the copied part only says how it looks.
     muted_ = html.find("<!--StartFragment-->") != html.npos;
     htmlSAXHandler handler{};
@@ -212,13 +223,13 @@ class HtmlReader {
     htmlParseChunk(parser_, kRoot.data(), static_cast<int>(kRoot.size()), 0);
     constexpr size_t kPortion = 1 << 16;
     for (size_t at = 0; at < html.size() && !stopped_; at += kPortion) {
-      const std::string_view portion = html.substr(at, kPortion);
+      const std::string portion = WithLineFeeds(html.substr(at, kPortion), at > 0 && html[at - 1] == '\r');
       htmlParseChunk(parser_, portion.data(), static_cast<int>(portion.size()), 0);
     }
     if (!stopped_) htmlParseChunk(parser_, nullptr, 0, 1);
     htmlFreeParserCtxt(parser_);
     if (failure_) std::rethrow_exception(failure_);
-    return output_.Finish();
+    return {output_.Finish(), limited_};
   }
 
  private:
@@ -247,7 +258,10 @@ class HtmlReader {
   }
 
   void Start(std::string_view name, const Attributes& attributes) {
-    if (stack_.size() > kMaxDepth) return Stop();
+    if (stack_.size() > kMaxDepth) {
+      limited_ = true;
+      return Stop();
+    }
     stack_.push_back(stack_.back());
     Element& element = stack_.back();
     element.ownsRow = false;
@@ -434,13 +448,13 @@ class HtmlReader {
   std::vector<Element> stack_;
   htmlParserCtxtPtr parser_ = nullptr;
   bool muted_ = false;
-  bool stopped_ = false;
+  bool stopped_ = false, limited_ = false;
   std::exception_ptr failure_;
 };
 
 }  // namespace
 
-Content Read(std::string_view utf8, const std::shared_ptr<TextStore>& store, const CharFormat& base) {
+ReadResult Read(std::string_view utf8, const std::shared_ptr<TextStore>& store, const CharFormat& base) {
   return HtmlReader(store, base).Run(utf8);
 }
 

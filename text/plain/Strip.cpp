@@ -9,21 +9,17 @@ namespace {
 
 constexpr size_t kReportEvery = 16 << 20;
 
-// Calls visit(bytes) for the whole range, cut into portions after which progress is asked.
+// Calls visit(bytes) for the whole range; the bytes are at most a block's and hold whole characters.
 template <class Visit>
-bool ForEachPortion(const Content& content, Range range, const Progress& progress, const Visit& visit) {
+bool ForEachSpan(const Content& content, Range range, const Progress& progress, const Visit& visit) {
   bool goesOn = true;
   size_t done = 0, reportAt = kReportEvery;
   content.ForEachSpan(range, [&](std::string_view span) {
-    while (goesOn && !span.empty()) {
-      const std::string_view portion = span.substr(0, kReportEvery);
-      visit(portion);
-      span.remove_prefix(portion.size());
-      done += portion.size();
-      if (done < reportAt) continue;
-      reportAt = done + kReportEvery;
-      goesOn = !progress || progress(static_cast<int64_t>(done));
-    }
+    visit(span);
+    done += span.size();
+    if (done < reportAt) return true;
+    reportAt = done + kReportEvery;
+    goesOn = !progress || progress(static_cast<int64_t>(done));
     return goesOn;
   });
   return goesOn && (!progress || progress(static_cast<int64_t>(done)));
@@ -84,8 +80,7 @@ std::optional<std::string> JoinedLines(const Content& content, Range range, cons
   std::string out;
   out.reserve(SizeOf(content, range));
   LineJoiner joiner(out);
-  if (!ForEachPortion(content, range, progress, [&](std::string_view bytes) { joiner.Put(bytes); }))
-    return std::nullopt;
+  if (!ForEachSpan(content, range, progress, [&](std::string_view bytes) { joiner.Put(bytes); })) return std::nullopt;
   joiner.Finish();
   return out;
 }
@@ -97,28 +92,12 @@ std::optional<std::string> WithoutCharacter(const Content& content, Range range,
   std::string needle;
   AppendUtf8(needle, character);
   const bool isBreak = character == '\r' || character == '\n';
-  // Spans hold whole characters, so the needle never lies across two of them; portions of one may cut it.
-  std::string cut;
   const auto put = [&](std::string_view bytes) {
     for (size_t at; !isBreak && (at = bytes.find(needle)) != bytes.npos; bytes.remove_prefix(at + needle.size()))
       out += bytes.substr(0, at);
     out += bytes;
   };
-  const bool whole = ForEachPortion(content, range, progress, [&](std::string_view bytes) {
-    if (!cut.empty()) {
-      cut += bytes.front();
-      put(cut);
-      bytes.remove_prefix(1);
-      cut.clear();
-    }
-    if (needle.size() > 1 && bytes.ends_with(needle.front())) {
-      cut.assign(1, bytes.back());
-      bytes.remove_suffix(1);
-    }
-    put(bytes);
-  });
-  if (!whole) return std::nullopt;
-  out += cut;
+  if (!ForEachSpan(content, range, progress, put)) return std::nullopt;
   return out;
 }
 
@@ -139,7 +118,7 @@ std::optional<std::string> CollapsedBlanks(const Content& content, Range range, 
       bytes.remove_prefix(end);
     }
   };
-  if (!ForEachPortion(content, range, progress, put)) return std::nullopt;
+  if (!ForEachSpan(content, range, progress, put)) return std::nullopt;
   return out;
 }
 

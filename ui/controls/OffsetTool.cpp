@@ -6,7 +6,6 @@
 #include <QStyleOptionSlider>
 
 #include <algorithm>
-#include <utility>
 
 namespace ui {
 namespace {
@@ -27,7 +26,7 @@ class OffsetBar final : public QScrollBar {
 
 }  // namespace
 
-OffsetTool::OffsetTool(QWidget& editor, std::function<void(int)> changed)
+OffsetTool::OffsetTool(QWidget& editor)
     : QObject(&editor), editor_(editor), VScroll1_(new OffsetBar(&editor)), Text1_(new QLabel(&editor)) {
   VScroll1_->setObjectName(QStringLiteral("VScroll1"));
   VScroll1_->setAccessibleName(tr("Superscript and subscript"));
@@ -46,15 +45,20 @@ OffsetTool::OffsetTool(QWidget& editor, std::function<void(int)> changed)
   VScroll1_->hide();
   Text1_->hide();
   editor.installEventFilter(this);
-  connect(VScroll1_, &QScrollBar::valueChanged, this, [this, changed = std::move(changed)](int value) {
+  connect(VScroll1_, &QScrollBar::valueChanged, this, [this](int value) {
     PlaceReadOut();
-    changed(value);
+    Q_EMIT Changed(value);
   });
-  connect(VScroll1_, &QScrollBar::sliderReleased, this, [this] { editor_.setFocus(); });
+  connect(VScroll1_, &QScrollBar::sliderPressed, this, [this] { Q_EMIT Dragging(true); });
+  connect(VScroll1_, &QScrollBar::sliderReleased, this, [this] {
+    Q_EMIT Dragging(false);
+    editor_.setFocus();
+  });
 }
 
 void OffsetTool::SetVisible(bool visible) {
   Place();
+  if (!visible) VScroll1_->setSliderDown(false);
   VScroll1_->setVisible(visible);
   Text1_->setVisible(visible);
   if (visible) {

@@ -1,8 +1,8 @@
 #include "ui/dialogs/FontForm.h"
 
 #include "ui/dialogs/ColorNumber.h"
+#include "ui/dialogs/ColorPicker.h"
 
-#include <QColorDialog>
 #include <QDialogButtonBox>
 #include <QFontDatabase>
 #include <QFontDialog>
@@ -29,8 +29,8 @@ QFont ToQFont(const FontChoice& choice) {
 
 }  // namespace
 
-FontForm::FontForm(const FontChoice& initial, QWidget* owner)
-    : ModalForm(owner), initial_(initial), color_(initial.color), fonts_(new QFontDialog(this)) {
+FontForm::FontForm(const FontChoice& initial, CustomColors& custom, QWidget* owner)
+    : ModalForm(owner), initial_(initial), custom_(custom), color_(initial.color), fonts_(new QFontDialog(this)) {
   setWindowTitle(tr("Font"));
   // The toolkit's dialog has no colour; without its frame and buttons it is a part of this one.
   fonts_->setWindowFlags(Qt::Widget);
@@ -54,6 +54,7 @@ void FontForm::AddColorRow() {
   auto* row = new QHBoxLayout;
   auto* label = new QLabel(tr("&Color:"), this);
   colorButton_ = new QPushButton(this);
+  colorButton_->setObjectName(QStringLiteral("color"));
   label->setBuddy(colorButton_);
   auto* automatic = new QPushButton(tr("&Automatic"), this);
   colorButton_->setAutoDefault(false);
@@ -77,8 +78,8 @@ void FontForm::SetColor(int64_t color) {
 }
 
 void FontForm::PickColor() {
-  const QColor picked = QColorDialog::getColor(color_ < 0 ? palette().color(QPalette::Text) : ToQColor(color_), this);
-  if (picked.isValid()) SetColor(FromQColor(picked));
+  const QColor now = color_ < 0 ? palette().color(QPalette::Text) : ToQColor(color_);
+  if (const auto picked = PickColorWith(this, now, custom_)) SetColor(*picked);
 }
 
 FontChoice FontForm::choice() const {

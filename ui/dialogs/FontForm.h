@@ -13,7 +13,8 @@ class FontForm : public ModalForm {
   Q_OBJECT
 
  public:
-  FontForm(const FontChoice& initial, QWidget* owner = nullptr);
+  // `custom` is that of the colour dialog and outlives the form.
+  FontForm(const FontChoice& initial, CustomColors& custom, QWidget* owner = nullptr);
 
   // What the user changed, everything else as it was given: a family that is not installed stays as it is named.
   FontChoice choice() const;
@@ -25,6 +26,7 @@ class FontForm : public ModalForm {
   void PickColor();
 
   const FontChoice initial_;
+  CustomColors& custom_;
   int64_t color_;
   QFont shown_;  // what the dialog made of the initial choice
   QFontDialog* fonts_;

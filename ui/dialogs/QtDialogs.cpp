@@ -5,13 +5,13 @@
 #include "ui/PathText.h"
 #include "ui/PendingEvents.h"
 #include "ui/dialogs/ColorNumber.h"
+#include "ui/dialogs/ColorPicker.h"
 #include "ui/dialogs/FontForm.h"
 #include "ui/dialogs/InputForm.h"
 #include "ui/dialogs/Printer.h"
 #include "ui/dialogs/ProgressForm.h"
 
 #include <QAbstractButton>
-#include <QColorDialog>
 #include <QCoreApplication>
 #include <QFileDialog>
 #include <QMessageBox>
@@ -116,22 +116,16 @@ std::optional<files::Path> QtDialogs::PickFile(Form* owner, const FileRequest& r
   return PathOfChosen(chosen, proposed);
 }
 
-std::optional<FontChoice> QtDialogs::PickFont(Form* owner, const FontChoice& initial) {
-  FontForm form(initial, WidgetOf(owner));
+std::optional<FontChoice> QtDialogs::PickFont(Form* owner, const FontChoice& initial, CustomColors& custom) {
+  FontForm form(initial, custom, WidgetOf(owner));
   if (!ShowModal(form)) return std::nullopt;
   return form.choice();
 }
 
-// The toolkit's own dialog: those of some desktops know no colours of the user's.
 std::optional<int64_t> QtDialogs::PickColor(Form* owner, int64_t initial, CustomColors& custom) {
   const CommandScope scope;
   const NoHourglass pointer;
-  for (size_t i = 0; i < custom.size(); ++i) QColorDialog::setCustomColor(static_cast<int>(i), ToQColor(custom[i]));
-  QColorDialog dialog(ToQColor(initial), WidgetOf(owner));
-  dialog.setOption(QColorDialog::DontUseNativeDialog);
-  if (dialog.exec() != QDialog::Accepted) return std::nullopt;
-  for (size_t i = 0; i < custom.size(); ++i) custom[i] = FromQColor(QColorDialog::customColor(static_cast<int>(i)));
-  return FromQColor(dialog.selectedColor());
+  return PickColorWith(WidgetOf(owner), ToQColor(initial), custom);
 }
 
 bool QtDialogs::PickPrinter(Form* owner, const PrinterRequest& request, Printer& printer) {

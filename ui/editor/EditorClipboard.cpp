@@ -264,9 +264,10 @@ std::optional<Content> RichFragment(const QMimeData& data, const text::Document&
 
 std::optional<Content> HtmlFragment(const QMimeData& data, const text::Document& target) {
   if (!data.hasHtml()) return std::nullopt;
-  const Content page = text::html::Read(data.html().toUtf8().toStdString(), target.content().store(),
-                                        target.formats()[target.emptyCharFormat()]);
-  if (page.size() == text::Units(0)) return std::nullopt;
+  const auto [page, limited] = text::html::Read(data.html().toUtf8().toStdString(), target.content().store(),
+                                                target.formats()[target.emptyCharFormat()]);
+  // Rather all of the text, or nothing, than the look of its beginning.
+  if (page.size() == text::Units(0) || limited) return std::nullopt;
   return target.properties().lineEnd == LineEnd::kCrLf ? page : Rebuilt(page, page.all(), target);
 }
 
@@ -331,8 +332,8 @@ std::optional<std::string> PlainBytes(const QMimeData& data, LineEnd lineEnd) {
   if (data.hasText()) {
     plain = data.text();
   } else if (data.hasHtml()) {
-    const Content page = text::html::Read(data.html().toUtf8().toStdString(), std::make_shared<text::TextStore>());
-    plain = PlainTextForOthers(page, page.all());
+    const auto page = text::html::Read(data.html().toUtf8().toStdString(), std::make_shared<text::TextStore>());
+    if (!page.limited) plain = PlainTextForOthers(page.content, page.content.all());
   }
   if (plain.isEmpty()) return std::nullopt;
   return text::BytesOfUtf16({reinterpret_cast<const char16_t*>(plain.utf16()), static_cast<size_t>(plain.size())},
@@ -376,6 +377,8 @@ void EditorController::Insert(const QMimeData& data, bool plain) {
     Replace(range(), *fragment);
   } else if (const auto bytes = PlainBytes(data, document_.properties().lineEnd)) {
     Replace(range(), *bytes);
+  } else {
+    host_.Refused();
   }
   document_.SealStep();
 }

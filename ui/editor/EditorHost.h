@@ -23,7 +23,7 @@ class EditorHost {
 
   virtual void OvertypeChanged(bool on) = 0;
   virtual void ZoomBy(double factor) = 0;
-  virtual void Refused() = 0;                              // protected or read-only text was in the way of the user
+  virtual void Refused() = 0;  // protected or read-only text was in the way of the user, or nothing could be read
   virtual void ResetComposition() = 0;                     // the input method's pending text is no longer wanted
   virtual void FollowLink(const std::string& target) = 0;  // the user asks for it; UTF-8
   virtual void StartDrag() = 0;                            // of the selection; returns when it is over
