@@ -46,7 +46,7 @@ LIBRARIES = {
 
 ENGINE = ["text", "text/plain", "text/search", "text/rtfsyntax", "text/rtf", "text/rtfwrite", "text/html", "files"]
 PAGES = ["text/pictures", "text/outline", "text/layout", "text/print"]
-WINDOW = ENGINE + PAGES + ["ui"]
+WINDOW = ENGINE + PAGES + ["ui/editing", "ui"]
 FEATURES = ["documents", "autocomplete", "project", "foldertree", "search", "panes"]
 ANY_QT = ["QtCore", "QtGui", "QtWidgets", "QtPrintSupport", "QtDBus", "QtSvg", "QtNetwork"]
 
@@ -73,6 +73,8 @@ ROOMS = {
     "text/print": room(["text", "text/plain", "text/rtfsyntax", "text/rtf"] + PAGES, ["QtCore", "QtGui"],
                        "printing knows the layout, the RTF reader, QtCore and QtGui, but no widget"),
     "ui": room(WINDOW, ANY_QT, "the window layer knows the engine, files/, the layout and Qt"),
+    "ui/editing": room(ENGINE + PAGES, ["QtCore", "QtGui"],
+                       "the editor's controller knows the engine, files/, the layout, QtCore and QtGui, but no widget"),
     "ui/desktop": room(WINDOW, ANY_QT + ["gio", "xkb", "chm"], "ui/desktop/ knows what ui/ does, GIO, XKB and libchm"),
     "services": room(WINDOW, ["QtCore"], "services/ knows the window layer and below, and of Qt only QtCore"),
     "commands": room(WINDOW + ["services"] + FEATURES, ["QtCore"],

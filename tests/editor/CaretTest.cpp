@@ -8,16 +8,6 @@
 namespace ui::test {
 namespace {
 
-struct KeyCase {
-  std::string before;
-  std::string keys;
-  std::string after;
-};
-
-std::ostream& operator<<(std::ostream& out, const KeyCase& c) {
-  return out << c.before << " " << c.keys;
-}
-
 class CaretTest : public testing::TestWithParam<KeyCase> {};
 
 TEST_P(CaretTest, MovesAsItReads) {

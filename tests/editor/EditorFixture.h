@@ -2,8 +2,8 @@
 // elsewhere ("one [two|" and "one |two[" select the same word).
 #pragma once
 
-#include "ui/editor/EditorController.h"
-#include "ui/editor/EditorMouse.h"
+#include "ui/editing/EditorController.h"
+#include "ui/editing/EditorMouse.h"
 
 #include <QKeyEvent>
 #include <QMimeData>
@@ -63,6 +63,12 @@ class Editor {
  private:
   void PressKey(const QString& name);
   void Send(int key, Qt::KeyboardModifiers modifiers, const QString& text);
+};
+
+// Keys, and what the text with its caret is before and after them.
+struct KeyCase {
+  std::string before, keys, after;
+  friend std::ostream& operator<<(std::ostream& out, const KeyCase& c) { return out << c.before << " " << c.keys; }
 };
 
 }  // namespace ui::test

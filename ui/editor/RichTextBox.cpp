@@ -2,7 +2,7 @@
 
 #include "text/rtfwrite/RtfSave.h"
 #include "ui/editor/EditorAccessible.h"
-#include "ui/editor/EditorClipboard.h"
+#include "ui/editing/EditorClipboard.h"
 #include "ui/editor/RichTextBoxImpl.h"
 
 #include <QApplication>

@@ -1,9 +1,9 @@
 // The inside of a RichTextBox, for its own source files.
 #pragma once
 
-#include "ui/editor/EditorController.h"
-#include "ui/editor/EditorMouse.h"
-#include "ui/editor/Guarded.h"
+#include "ui/editing/EditorController.h"
+#include "ui/editing/EditorMouse.h"
+#include "ui/editing/Guarded.h"
 #include "ui/editor/RichTextBox.h"
 
 #include <QBasicTimer>

@@ -1,6 +1,6 @@
-#include "ui/editor/EditorController.h"
+#include "ui/editing/EditorController.h"
 
-#include "ui/editor/EditorOperation.h"
+#include "ui/editing/EditorOperation.h"
 
 #include <algorithm>
 
@@ -10,9 +10,6 @@ using text::Bias;
 using text::Range;
 using text::Selection;
 using text::Units;
-
-EditorController::EditorController(text::Document& document, text::layout::ViewLayout& layout, EditorHost& host)
-    : document_(document), layout_(layout), host_(host), seenRevision_(document.revision()), told_(Now()) {}
 
 // --- The selection
 

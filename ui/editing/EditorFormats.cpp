@@ -1,6 +1,6 @@
 // Formats of the selection and of the text typed next.
-#include "ui/editor/EditorController.h"
-#include "ui/editor/EditorOperation.h"
+#include "ui/editing/EditorController.h"
+#include "ui/editing/EditorOperation.h"
 
 #include <algorithm>
 

@@ -1,13 +1,13 @@
-#include "ui/editor/EditorClipboard.h"
+#include "ui/editing/EditorClipboard.h"
 
 #include "text/TextStore.h"
 #include "text/html/HtmlReader.h"
 #include "text/html/HtmlWriter.h"
 #include "text/pictures/Pictures.h"
 #include "text/rtfwrite/RtfSave.h"
-#include "ui/editor/EditorController.h"
-#include "ui/editor/EditorOperation.h"
-#include "ui/editor/Guarded.h"
+#include "ui/editing/EditorController.h"
+#include "ui/editing/EditorOperation.h"
+#include "ui/editing/Guarded.h"
 
 #include <QBuffer>
 #include <QDebug>

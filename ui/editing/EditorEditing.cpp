@@ -1,7 +1,7 @@
 // The user's edits: typing, paragraph breaks, deleting.
 #include "text/Movement.h"
-#include "ui/editor/EditorController.h"
-#include "ui/editor/EditorOperation.h"
+#include "ui/editing/EditorController.h"
+#include "ui/editing/EditorOperation.h"
 
 #include <algorithm>
 

@@ -1,6 +1,6 @@
 // The keyboard: one table of keys, and text.
-#include "ui/editor/EditorController.h"
-#include "ui/editor/EditorOperation.h"
+#include "ui/editing/EditorController.h"
+#include "ui/editing/EditorOperation.h"
 
 #include <QChar>
 #include <QKeyEvent>

@@ -1,6 +1,6 @@
 // Text composed by an input method: shown at the caret, in the document only when committed.
-#include "ui/editor/EditorController.h"
-#include "ui/editor/EditorOperation.h"
+#include "ui/editing/EditorController.h"
+#include "ui/editing/EditorOperation.h"
 
 #include <QInputMethodEvent>
 #include <QTextFormat>

@@ -1,6 +1,6 @@
 #include "text/Movement.h"
-#include "ui/editor/EditorController.h"
-#include "ui/editor/EditorOperation.h"
+#include "ui/editing/EditorController.h"
+#include "ui/editing/EditorOperation.h"
 
 #include <algorithm>
 

@@ -1,7 +1,7 @@
 // Tables: what an edit may not take away, what comes into a cell, and the way from cell to cell.
 #include "text/outline/TableRows.h"
-#include "ui/editor/EditorController.h"
-#include "ui/editor/EditorOperation.h"
+#include "ui/editing/EditorController.h"
+#include "ui/editing/EditorOperation.h"
 
 namespace ui {
 

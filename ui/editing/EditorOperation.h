@@ -1,7 +1,7 @@
 // The bracket around what changes an editor, for the controller's own source files.
 #pragma once
 
-#include "ui/editor/EditorController.h"
+#include "ui/editing/EditorController.h"
 
 #include <exception>
 

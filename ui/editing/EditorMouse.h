@@ -1,7 +1,7 @@
 // The mouse of an editor: selecting by characters, words and paragraphs, drags out of it and drops into it.
 #pragma once
 
-#include "ui/editor/EditorController.h"
+#include "ui/editing/EditorController.h"
 
 #include <QPointF>
 

@@ -1,7 +1,7 @@
-#include "ui/editor/EditorMouse.h"
+#include "ui/editing/EditorMouse.h"
 
 #include "text/Movement.h"
-#include "ui/editor/EditorClipboard.h"
+#include "ui/editing/EditorClipboard.h"
 
 #include <QGuiApplication>
 #include <QMouseEvent>

@@ -4,18 +4,13 @@
 // A program's operation (Replace, PatchChars, ...) minds protection only and returns false.
 #pragma once
 
-#include "text/Document.h"
-#include "text/layout/ViewLayout.h"
-#include "text/rtf/Rtf.h"
-#include "ui/editor/EditorHost.h"
-#include "ui/editor/EditorMove.h"
+#include "ui/editing/EditorMove.h"
+#include "ui/editing/EditorState.h"
 
 #include <QString>
 #include <QVariant>
 
-#include <functional>
 #include <memory>
-#include <optional>
 #include <string_view>
 
 class QInputMethodEvent;
@@ -23,23 +18,13 @@ class QKeyEvent;
 
 namespace ui {
 
-// Pixels around the text; so much also stays free around the caret, so that the ends of the text come into view whole.
-constexpr double kTextMargin = 4;
-
-// A bullet hangs by that many twips; the first line's position stays. Without: no number either.
-text::ParaFormat WithBullet(text::ParaFormat format, int bulletIndent);
-text::ParaFormat WithoutBullet(text::ParaFormat format);
-
 class EditorMimeData;
 
-class EditorController {
+class EditorController : public EditorState {
  public:
-  EditorController(text::Document& document, text::layout::ViewLayout& layout, EditorHost& host);
+  using EditorState::EditorState;
 
   // --- The selection
-  const text::Selection& selection() const { return selection_; }
-  text::Range range() const { return selection_.range(); }
-  text::layout::CaretPlace caret() const { return {selection_.caret, affinity_}; }
   // A caret move: ends the typing step and drops the format remembered for the next text. Clamps.
   void Select(text::Selection selection, text::Bias affinity = text::Bias::kRight);
   void SelectAll() { Select({text::Units(0), document_.content().size()}); }
@@ -66,8 +51,6 @@ class EditorController {
   // As one step of its own, over the selection but never over what stands behind it. False: it was refused.
   bool TypeOver(const QString& text);
   bool UserMayReplaceSelection() { return UserMayChange(range()); }  // false: it was refused
-  // Asked before text that is typed goes in. True: it has been dealt with, and perhaps the editor is gone.
-  void BeforeTyping(std::function<bool(const QString& text)> take) { beforeTyping_ = std::move(take); }
   void BreakParagraph();
   void Erase(bool forward, bool word);
   void Undo() { Swap(false); }
@@ -85,12 +68,12 @@ class EditorController {
   // Inserts the data over the selection: rich text first, unless `plain`.
   void Insert(const QMimeData& data, bool plain);
   void PublishPrimarySelection();
+  std::unique_ptr<EditorMimeData> CopyOfSelection() const;  // for clipboards and drags
 
   // --- Input methods
   void HandleInputMethod(const QInputMethodEvent& event);
   // All but the rectangles and the font. Surrounding text is at most some hundred units of the caret's paragraph.
   QVariant QueryInputMethod(Qt::InputMethodQuery query) const;
-  bool composing() const { return composing_; }
   // The text composed so far goes in as it is; the input method is told to forget it.
   void FinishComposition();
 
@@ -104,36 +87,14 @@ class EditorController {
   // Where the new format depends on the old one; called once for each different format.
   bool MapParagraphs(const std::function<text::ParaFormat(text::ParaFormat)>& map);
 
-  // --- Settings
-  bool overtype() const { return overtype_; }
   void SetOvertype(bool on);
-  bool readOnly() const { return readOnly_; }
-  void SetReadOnly(bool on) { readOnly_ = on; }
-  void SetRtfProperties(const text::rtf::DocumentProperties& properties) { rtfProperties_ = properties; }
-  const text::rtf::DocumentProperties& rtfProperties() const { return rtfProperties_; }
-
-  // Asked at every paste: only what is saved with its formats takes those of an HTML page, and pictures. Not set: yes.
-  void SavesFormatsWhen(std::function<bool()> saves) { savesFormats_ = std::move(saves); }
-  std::unique_ptr<EditorMimeData> CopyOfSelection() const;  // for clipboards and drags
-
-  text::Document& document() { return document_; }
-  const text::Document& document() const { return document_; }
-  text::layout::ViewLayout& layout() { return layout_; }
-  EditorHost& host() { return host_; }
 
  private:
   class Operation;
-  struct Told {  // what the host knows
-    text::Selection selection;
-    text::Revision revision = 0;
-    std::optional<text::CharFormat> remembered;
-    bool operator==(const Told&) const = default;
-  };
   struct KeyBinding;
   enum class KeyCommand : uint8_t;
 
   // EditorController.cpp
-  Told Now() const { return {selection_, document_.revision(), remembered_}; }
   void Settle();
   void MapThroughForeignEdits();
   void PlaceCaret(text::Selection selection, text::Bias affinity);
@@ -182,27 +143,6 @@ class EditorController {
   void Commit(const QInputMethodEvent& event);
   void Compose(const QInputMethodEvent& event);
   void SelectSurrounding(int start, int length);
-
-  text::Document& document_;
-  text::layout::ViewLayout& layout_;
-  EditorHost& host_;
-  text::Selection selection_;
-  text::Bias affinity_ = text::Bias::kRight;
-  std::optional<double> goalX_;                 // of a run of vertical moves
-  std::optional<text::CharFormat> remembered_;  // for the text typed next
-  text::rtf::DocumentProperties rtfProperties_;
-  bool SavesFormats() const { return !savesFormats_ || savesFormats_(); }
-
-  std::function<bool()> savesFormats_;
-  std::function<bool(const QString&)> beforeTyping_;
-  text::Revision seenRevision_ = 0;  // selection_ is of this revision
-  Told told_;
-  int depth_ = 0;  // of nested operations
-  bool reveal_ = false;
-  bool overtype_ = false;
-  bool readOnly_ = false;
-  bool composing_ = false;
-  unsigned long long lastKeyTime_ = 0;
 };
 
 }  // namespace ui
