@@ -15,6 +15,13 @@ def connect(environment):
     Atspi.set_timeout(2000, 5000)
 
 
+def listen(kind, hear=lambda event: None):
+    """As a screen reader does."""
+    listener = Atspi.EventListener.new(hear)
+    listener.register(kind)
+    return listener
+
+
 def application(pid):
     desktop = Atspi.get_desktop(0)
     desktop.clear_cache()

@@ -2,6 +2,7 @@
 
 import os
 
+import atspi
 import cases
 from cases import EndToEndTest
 
@@ -18,6 +19,20 @@ class Saving(EndToEndTest):
         cases.SESSION.keys("alt+F4")
         self.expect_clean_end(program)
         self.assertEqual(os.listdir(self.home.work), ["a.txt"])
+
+    def test_keys_that_come_at_once_keep_their_order(self):
+        self.home.put("a.txt", b"")
+        program = self.open("a.txt")
+        # The toolkit delivers keys behind a screen reader's back only when there is none.
+        listener = atspi.listen("window:activate")
+        self.addCleanup(listener.deregister, "window:activate")
+        self.wait_for_texts(program, "")
+        with program.stopped():
+            cases.SESSION.type("abc")
+            cases.SESSION.keys("ctrl+s")
+            cases.SESSION.type("d")
+        self.wait_for_texts(program, "abcd")
+        self.assertEqual(self.home.get("a.txt"), b"abc")
 
     def test_a_new_document_is_saved_under_the_name_that_is_typed(self):
         program = self.open("other.txt")

@@ -4,8 +4,10 @@ Nothing here waits for a time alone: wait_until waits for a condition, and when 
 open on the display, with a picture, and fails.
 """
 
+import contextlib
 import os
 import shutil
+import signal
 import subprocess
 import tempfile
 import time
@@ -239,6 +241,13 @@ class Program:
 
     def _died(self, what):
         raise AssertionError(f"the program ended ({self.process.returncode}) before: {what}\n{self.output()}")
+
+    @contextlib.contextmanager
+    def stopped(self):
+        """What the user does meanwhile comes to the program all at once, as on a machine under load."""
+        os.kill(self.pid, signal.SIGSTOP)
+        yield
+        os.kill(self.pid, signal.SIGCONT)
 
     # --- Windows
 

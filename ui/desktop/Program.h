@@ -9,6 +9,8 @@ class QApplication;
 
 namespace ui {
 
+class KeyOrder;
+
 class Program {
  public:
   // Without a display the process ends here with one line and status 1.
@@ -28,6 +30,7 @@ class Program {
   char name_[16] = "quillmark";
   char* argv_[2] = {name_, nullptr};
   std::unique_ptr<QApplication> application_;
+  std::unique_ptr<KeyOrder> keyOrder_;
   std::optional<int> status_;
 };
 

@@ -1,6 +1,7 @@
 #include "ui/frame/ChildWindow.h"
 
 #include "ui/frame/ChildArea.h"
+#include "ui/frame/WindowStates.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -83,24 +84,11 @@ void ChildForm::Show() {
 }
 
 WindowState ChildForm::windowState() const {
-  if (!window_ || !shown_) return WindowState::kNormal;
-  if (window_->isMinimized()) return WindowState::kMinimized;
-  return window_->isMaximized() ? WindowState::kMaximized : WindowState::kNormal;
+  return window_ && shown_ ? StateOf(*window_) : WindowState::kNormal;
 }
 
 void ChildForm::SetWindowState(WindowState state) {
-  if (!window_ || !shown_) return;
-  switch (state) {
-    case WindowState::kNormal:
-      window_->showNormal();
-      break;
-    case WindowState::kMinimized:
-      window_->showMinimized();
-      break;
-    case WindowState::kMaximized:
-      window_->showMaximized();
-      break;
-  }
+  if (window_ && shown_) ShowAs(*window_, state);
 }
 
 void ChildForm::Activate() {

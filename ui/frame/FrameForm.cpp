@@ -6,6 +6,7 @@
 #include "ui/frame/LeftPane.h"
 #include "ui/frame/StatusBar.h"
 #include "ui/frame/ToolBar.h"
+#include "ui/frame/WindowStates.h"
 
 #include <QBuffer>
 #include <QCloseEvent>
@@ -36,6 +37,11 @@ class FrameForm::Window : public QMainWindow {
     row->addWidget(pane_);
     row->addWidget(area_, 1);
     setCentralWidget(inside);
+    // Keys work also when the last document has gone.
+    connect(area_, &ChildArea::CurrentChanged, this, [this] {
+      const QWidget* focus = focusWidget();
+      if (area_->current() == FormId::kNone && (!focus || area_->isAncestorOf(focus))) pane_->List1().setFocus();
+    });
     connect(new QShortcut(QKeySequence(Qt::Key_F6), this), &QShortcut::activated, this, [this] { MoveFocus(1); });
     connect(new QShortcut(QKeySequence(Qt::SHIFT | Qt::Key_F6), this), &QShortcut::activated, this,
             [this] { MoveFocus(-1); });
@@ -134,8 +140,7 @@ QWidget* FrameForm::widget() {
 }
 
 WindowState FrameForm::windowState() const {
-  if (window_->isMinimized()) return WindowState::kMinimized;
-  return window_->isMaximized() ? WindowState::kMaximized : WindowState::kNormal;
+  return StateOf(*window_);
 }
 
 void FrameForm::SetWindowState(WindowState state) {
@@ -144,17 +149,7 @@ void FrameForm::SetWindowState(WindowState state) {
     window_->setWindowState(state == WindowState::kMaximized ? Qt::WindowMaximized : Qt::WindowNoState);
     return;
   }
-  switch (state) {
-    case WindowState::kNormal:
-      window_->showNormal();
-      break;
-    case WindowState::kMinimized:
-      window_->showMinimized();
-      break;
-    case WindowState::kMaximized:
-      window_->showMaximized();
-      break;
-  }
+  ShowAs(*window_, state);
 }
 
 void FrameForm::Activate() {
