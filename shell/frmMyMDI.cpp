@@ -19,14 +19,10 @@
 namespace shell {
 
 frmMyMDI::frmMyMDI(ui::Dialogs& dialogs, ui::Shell& shell, Place place)
-    : dialogs_(dialogs),
-      shell_(shell),
-      fileOperations_(std::make_unique<ui::DesktopFileOperations>(dialogs)),
-      place_(std::move(place)),
+    : DesktopServices(dialogs, shell, std::make_unique<ui::DesktopFileOperations>(dialogs), std::move(place)),
       settingsFile_(place_.application.settings, place_.recovery,
                     place_.onlyLooking ? SettingsFile::Access::kReadOnly : SettingsFile::Access::kReadWrite),
       frame_(forms_, "frmMyMDI", [this] { return Close(); }),
-      commonDialogs_(dialogs, place_.directory),
       autoComplete_(*this),
       table_(*this),
       opening_(*this, table_),

@@ -14,12 +14,9 @@
 #include "project/ProjectList.h"
 #include "search/Find.h"
 #include "search/frmYesNoAll.h"
-#include "shell/ApplicationFolder.h"
-#include "shell/CommonDialogAPI.h"
+#include "shell/DesktopServices.h"
 #include "shell/RecentFiles.h"
 #include "shell/SettingsFile.h"
-#include "ui/desktop/FileOperations.h"
-#include "ui/desktop/Shell.h"
 #include "ui/frame/FrameForm.h"
 
 #include <QTimer>
@@ -30,20 +27,7 @@
 
 namespace shell {
 
-// What the program finds where it is started.
-struct Place {
-  ApplicationFolder application;
-  files::Path recovery;  // the folder of texts that were not saved
-  files::Path lock;      // held while a copy of the program has a window
-  files::CurrentDirectory directory;
-  bool onlyLooking = false;     // for a picture: nothing is written
-  bool offersRecovered = true;  // at the start, before anything is opened
-};
-
-// One line for each place of these folders.
-Place FindPlace(const files::UserFolders& folders, files::CurrentDirectory directory);
-
-class frmMyMDI final : public services::Services {
+class frmMyMDI final : public DesktopServices {
  public:
   frmMyMDI(ui::Dialogs& dialogs, ui::Shell& shell, Place place);
   ~frmMyMDI() override;
@@ -74,43 +58,18 @@ class frmMyMDI final : public services::Services {
   project::ProjectList& projectList() { return projectList_; }
   foldertree::FolderTree& folderTree() { return tree_; }
   autocomplete::AutoComplete& autoComplete() { return autoComplete_; }
-  CommonDialogAPI& commonDialogs() { return commonDialogs_; }
-  void SetFileOperations(std::unique_ptr<ui::FileOperations> operations) { fileOperations_ = std::move(operations); }
   // Another copy was there first: it has the panes and their files.
   bool otherInstanceRuns() const { return otherInstanceRuns_; }
 
   // --- Services
-  ui::Dialogs& dialogs() override { return dialogs_; }
   ui::Forms& forms() override { return forms_; }
   ui::ChildArea& documentArea() override { return frame_.area(); }
   services::Settings& settings() override { return settings_; }
   SettingsFile& settingsStore() override { return settingsFile_; }
   const services::DefaultFont& defaultFont() const override { return settings_.Font; }
-  const files::Path& recoveryFolder() const override { return place_.recovery; }
-  files::Path ShowOpenDialog(const services::FileDialog& dialog) override {
-    return commonDialogs_.ShowOpenDialog(dialog);
-  }
-  files::Path ShowSaveDialog(const services::FileDialog& dialog) override {
-    return commonDialogs_.ShowSaveDialog(dialog);
-  }
-  ui::CustomColors& customColors() override { return commonDialogs_.customColors(); }
-  int64_t ShowColorDialog(ui::Form* owner, int64_t initial) override {
-    return commonDialogs_.ShowColorDialog(owner, initial);
-  }
-  bool ShowPrinterDialog(ui::Form* owner, int flags) override { return commonDialogs_.ShowPrinterDialog(owner, flags); }
-  ui::Printer& currentPrinter() override { return commonDialogs_.currentPrinter(); }
-  const QString& documentFilter() const override { return commonDialogs_.DocumentFilter(); }
-  services::PathFilter GetFilterForPath(const std::string& path) const override {
-    return commonDialogs_.GetFilterForPath(path);
-  }
-  files::Path MakeAbsolute(const files::Path& path) const override {
-    return commonDialogs_.currentDirectory().MakeAbsolute(path);
-  }
   void ChangeDirectory(const files::Path& folder) override { tree_.ChangeDirectory(folder); }
   void TreeSyncWithCurDir() override { tree_.TreeSyncWithCurDir(); }
   void mnuTreeSync_Click() override { tree_.mnuTreeSync_Click(); }
-  ui::Shell& shell() override { return shell_; }
-  ui::FileOperations& fileOperations() override { return *fileOperations_; }
   void OpenDocument(std::string& path) override { opening_.OpenDocument(path); }
   bool AnyDocumentOpen() const override { return table_.AnyDocumentOpen(); }
   int DocumentSlots() const override { return table_.UpperBound(); }
@@ -160,10 +119,6 @@ class frmMyMDI final : public services::Services {
     if (quit_) quit_();
   }
 
-  ui::Dialogs& dialogs_;
-  ui::Shell& shell_;
-  std::unique_ptr<ui::FileOperations> fileOperations_;
-  const Place place_;
   SettingsFile settingsFile_;
   services::Settings settings_;
   std::vector<int> tabStops_;  // twips
@@ -175,7 +130,6 @@ class frmMyMDI final : public services::Services {
   QTimer Timer3_;
   ui::Forms forms_;
   ui::FrameForm frame_;
-  CommonDialogAPI commonDialogs_;
   autocomplete::AutoComplete autoComplete_;
   documents::DocumentTable table_;
   documents::Opening opening_;

@@ -23,7 +23,7 @@ class AtomicSaveTest : public testing::Test {
  protected:
   ScratchFolder scratch;
   Path state = scratch / "state";
-  Path folder = scratch / "work";
+  Path folder = scratch / "folder";
   Path file = folder / "file.txt";
   void SetUp() override {
     ASSERT_TRUE(std::filesystem::create_directory(folder));
@@ -283,11 +283,11 @@ TEST_F(AtomicSaveTest, FollowsLinks) {
     bool dangling;
   } kRows[] = {
       {"relative", {"l1>file.txt"}, false},
-      {"relative through another folder", {"l1>../work/file.txt"}, false},
-      {"chain", {"l1>l2", "l2>../other/l3", "../other/l3>../work/file.txt"}, false},
+      {"relative through another folder", {"l1>../folder/file.txt"}, false},
+      {"chain", {"l1>l2", "l2>../other/l3", "../other/l3>../folder/file.txt"}, false},
       {"absolute", {"l1>" + file.native()}, false},
       {"dangling", {"l1>file.txt"}, true},
-      {"dangling chain", {"l1>" + (other / "l2").native(), "../other/l2>../work/file.txt"}, true},
+      {"dangling chain", {"l1>" + (other / "l2").native(), "../other/l2>../folder/file.txt"}, true},
   };
   for (const auto& row : kRows) {
     SCOPED_TRACE(row.what);

@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <any>
 #include <deque>
 #include <functional>
 #include <future>
@@ -23,126 +24,89 @@ class ScriptedDialogs final : public ui::Dialogs {
   }
 
   // --- The script. `meanwhile`, where given, runs while the question is open.
-  void Message(QString text, ui::Buttons buttons, ui::Icon icon, ui::Answer answer,
+  void Message(const QString& text, ui::Buttons buttons, ui::Icon icon, ui::Answer answer,
                std::function<void()> meanwhile = {}) {
-    Step step{"message box " + text};
-    step.message = {std::move(text), buttons, icon};
-    step.answer = answer;
-    step.meanwhile = std::move(meanwhile);
-    steps_.push_back(std::move(step));
+    Announce<ui::Answer(const ui::Message&)>("message box " + text, [=](const ui::Message& shown) {
+      EXPECT_EQ(shown.text.toStdString(), text.toStdString());
+      EXPECT_EQ(shown.buttons, buttons) << text.toStdString();
+      EXPECT_EQ(shown.icon, icon) << text.toStdString();
+      if (meanwhile) meanwhile();
+      return answer;
+    });
   }
   // Nothing given = Cancel. `check` looks at what the dialog was asked to show.
   void File(std::optional<files::Path> chosen, std::function<void(const ui::FileRequest&)> check = {}) {
-    Step step{"file dialog"};
-    step.kind = Step::kFile;
-    step.file = std::move(chosen);
-    step.checkFile = std::move(check);
-    steps_.push_back(std::move(step));
+    Announce<std::optional<files::Path>(const ui::FileRequest&)>("file dialog", [=](const ui::FileRequest& request) {
+      if (check) check(request);
+      return chosen;
+    });
   }
-  void Font(std::function<std::optional<ui::FontChoice>(ui::FontChoice)> choose) {
-    Step step{"font dialog"};
-    step.kind = Step::kFont;
-    step.choose = std::move(choose);
-    steps_.push_back(std::move(step));
+  void Font(std::function<std::optional<ui::FontChoice>(const ui::FontChoice&)> choose) {
+    Announce<std::optional<ui::FontChoice>(const ui::FontChoice&)>("font dialog", std::move(choose));
   }
   // Nothing given = Cancel. The user may also change the row of own colours.
   void Color(std::optional<int64_t> chosen, std::function<void(int64_t initial, ui::CustomColors&)> act = {}) {
-    Step step{"colour dialog"};
-    step.kind = Step::kColor;
-    step.color = chosen;
-    step.actOnColors = std::move(act);
-    steps_.push_back(std::move(step));
+    Announce<std::optional<int64_t>(int64_t, ui::CustomColors&)>("colour dialog", [=](int64_t initial, auto& custom) {
+      if (act) act(initial, custom);
+      return chosen;
+    });
   }
   void Printer(bool confirmed, std::function<void(const ui::PrinterRequest&, ui::Printer&)> act = {}) {
-    Step step{"printer dialog"};
-    step.kind = Step::kPrinter;
-    step.confirmed = confirmed;
-    step.actOnPrinter = std::move(act);
-    steps_.push_back(std::move(step));
+    Announce<bool(const ui::PrinterRequest&, ui::Printer&)>("printer dialog", [=](const auto& request, auto& printer) {
+      if (act) act(request, printer);
+      return confirmed;
+    });
   }
-  // Nothing given = Cancel.
-  void Text(QString prompt, QString initial, std::optional<QString> answer) {
-    Step step{"input box " + prompt};
-    step.kind = Step::kText;
-    step.message.text = std::move(prompt);
-    step.initial = std::move(initial);
-    step.text = std::move(answer);
-    steps_.push_back(std::move(step));
+  void Text(const QString& prompt, const QString& initial, std::optional<QString> answer) {
+    Announce<std::optional<QString>(const QString&, const QString&)>(
+        "input box " + prompt, [=](const QString& shown, const QString& proposed) {
+          EXPECT_EQ(shown.toStdString(), prompt.toStdString());
+          EXPECT_EQ(proposed.toStdString(), initial.toStdString()) << prompt.toStdString();
+          return answer;
+        });
   }
   // Receives the open form, sets its controls and closes it by accept() or reject().
-  void Modal(std::function<void(ui::ModalForm&)> act) {
-    Step step{"modal form"};
-    step.kind = Step::kModal;
-    step.act = std::move(act);
-    steps_.push_back(std::move(step));
-  }
+  void Modal(std::function<void(ui::ModalForm&)> act) { Announce<void(ui::ModalForm&)>("modal form", std::move(act)); }
   // The next work is cancelled by the user before it begins.
   void CancelNextWork() { cancelNextWork_ = true; }
   // The memory runs out in the next work.
   void FailNextWork() { failNextWork_ = true; }
   // Runs on the user interface's thread once the next work has ended.
   void AfterNextWork(std::function<void()> call) { afterNextWork_ = std::move(call); }
-
   size_t left() const { return steps_.size(); }
 
   // --- Dialogs
   ui::Answer ShowMessage(ui::Form*, const ui::Message& shown) override {
-    const ui::CommandScope scope;
-    Step step;
     const QString title = shown.title.isEmpty() ? QStringLiteral("Quillmark") : shown.title;
-    if (!Take(Step::kMessage, "message box [" + title + "] " + shown.text, step)) return ui::Answer::kCancel;
-    EXPECT_EQ(shown.text.toStdString(), step.message.text.toStdString());
-    EXPECT_EQ(shown.buttons, step.message.buttons) << shown.text.toStdString();
-    EXPECT_EQ(shown.icon, step.message.icon) << shown.text.toStdString();
-    if (step.meanwhile) step.meanwhile();
-    return step.answer;
+    const auto answer = Take<ui::Answer(const ui::Message&)>("message box [" + title + "] " + shown.text);
+    return answer ? answer(shown) : ui::Answer::kCancel;
   }
-
   std::optional<files::Path> PickFile(ui::Form*, const ui::FileRequest& request) override {
-    const ui::CommandScope scope;
-    Step step;
     const QString what = request.save ? "save dialog " : "open dialog ";
-    if (!Take(Step::kFile, what + QString::fromStdString(request.name.native()), step)) return std::nullopt;
-    if (step.checkFile) step.checkFile(request);
-    return step.file;
+    const auto answer =
+        Take<std::optional<files::Path>(const ui::FileRequest&)>(what + QString::fromStdString(request.name.native()));
+    return answer ? answer(request) : std::nullopt;
   }
-
   std::optional<ui::FontChoice> PickFont(ui::Form*, const ui::FontChoice& initial, ui::CustomColors&) override {
-    Step step;
-    if (!Take(Step::kFont, "font dialog " + initial.family, step)) return std::nullopt;
-    return step.choose(initial);
+    const auto answer = Take<std::optional<ui::FontChoice>(const ui::FontChoice&)>("font dialog " + initial.family);
+    return answer ? answer(initial) : std::nullopt;
   }
-
   std::optional<int64_t> PickColor(ui::Form*, int64_t initial, ui::CustomColors& custom) override {
-    Step step;
-    if (!Take(Step::kColor, "colour dialog", step)) return std::nullopt;
-    if (step.actOnColors) step.actOnColors(initial, custom);
-    return step.color;
+    const auto answer = Take<std::optional<int64_t>(int64_t, ui::CustomColors&)>("colour dialog");
+    return answer ? answer(initial, custom) : std::nullopt;
   }
-
   bool PickPrinter(ui::Form*, const ui::PrinterRequest& request, ui::Printer& printer) override {
-    Step step;
-    if (!Take(Step::kPrinter, "printer dialog", step)) return false;
-    if (step.actOnPrinter) step.actOnPrinter(request, printer);
-    return step.confirmed;
+    const auto answer = Take<bool(const ui::PrinterRequest&, ui::Printer&)>("printer dialog");
+    return answer && answer(request, printer);
   }
-
   std::optional<QString> AskText(ui::Form*, const QString& prompt, const QString& initial) override {
-    const ui::CommandScope scope;
-    Step step;
-    if (!Take(Step::kText, "input box " + prompt, step)) return std::nullopt;
-    EXPECT_EQ(prompt.toStdString(), step.message.text.toStdString());
-    EXPECT_EQ(initial.toStdString(), step.initial.toStdString()) << prompt.toStdString();
-    return step.text;
+    const auto answer = Take<std::optional<QString>(const QString&, const QString&)>("input box " + prompt);
+    return answer ? answer(prompt, initial) : std::nullopt;
   }
-
   bool ShowModal(ui::ModalForm& form) override {
-    Step step;
-    if (!Take(Step::kModal, "modal form [" + form.windowTitle() + "]", step)) return false;
-    step.act(form);
+    if (const auto act = Take<void(ui::ModalForm&)>("modal form [" + form.windowTitle() + "]")) act(form);
     return form.result() == QDialog::Accepted;
   }
-
   void RunWork(ui::Form*, const QString&, int64_t, const std::function<void(ui::WorkPort&)>& work) override {
     ui::WorkPort port;
     if (std::exchange(cancelNextWork_, false)) port.Cancel();
@@ -153,33 +117,28 @@ class ScriptedDialogs final : public ui::Dialogs {
 
  private:
   struct Step {
-    enum Kind { kMessage, kFile, kFont, kColor, kPrinter, kText, kModal };
-    QString what = {};
-    Kind kind = kMessage;
-    ui::Message message = {};
-    ui::Answer answer = ui::Answer::kCancel;
-    std::function<void()> meanwhile = {};
-    std::optional<files::Path> file = {};
-    std::function<void(const ui::FileRequest&)> checkFile = {};
-    std::function<std::optional<ui::FontChoice>(ui::FontChoice)> choose = {};
-    std::optional<int64_t> color = {};
-    std::function<void(int64_t, ui::CustomColors&)> actOnColors = {};
-    bool confirmed = false;
-    std::function<void(const ui::PrinterRequest&, ui::Printer&)> actOnPrinter = {};
-    QString initial = {};
-    std::optional<QString> text = {};
-    std::function<void(ui::ModalForm&)> act = {};
+    QString what;
+    std::any answer;  // a function; its type tells the kind of question
   };
-
-  bool Take(Step::Kind kind, const QString& asked, Step& step) {
-    if (steps_.empty() || steps_.front().kind != kind) {
+  template <class Signature>
+  void Announce(const QString& what, std::function<Signature> answer) {
+    steps_.push_back({what, std::any(std::move(answer))});
+  }
+  // Runs inside a command, as every dialog does; null when something else was announced.
+  template <class Signature>
+  std::function<Signature> Take(const QString& asked) {
+    const auto* answer = steps_.empty() ? nullptr : std::any_cast<std::function<Signature>>(&steps_.front().answer);
+    if (!answer) {
       ADD_FAILURE() << "unannounced: " << asked.toStdString()
                     << (steps_.empty() ? "" : "\nwhere this was announced: " + steps_.front().what.toStdString());
-      return false;
+      return {};
     }
-    step = std::move(steps_.front());
+    const std::function<Signature> taken = *answer;
     steps_.pop_front();
-    return true;
+    return [taken](auto&&... arguments) {
+      const ui::CommandScope scope;
+      return taken(std::forward<decltype(arguments)>(arguments)...);
+    };
   }
 
   std::deque<Step> steps_;
