@@ -54,15 +54,18 @@ size_t Hash(const std::string& link) {
   return std::hash<std::string>()(link);
 }
 
-template <class T>
-uint32_t InternIn(StableVector<T>& values, std::unordered_multimap<size_t, uint32_t>& index, const T& value) {
+// The id of the value, which is put in when it is new.
+template <class Id, class T>
+Id InternIn(std::mutex& mutex, StableVector<T>& values, std::unordered_multimap<size_t, uint32_t>& index,
+            const T& value) {
+  const std::lock_guard lock(mutex);
   const size_t hash = Hash(value);
   const auto [first, last] = index.equal_range(hash);
   for (auto it = first; it != last; ++it)
-    if (values[it->second] == value) return it->second;
+    if (values[it->second] == value) return static_cast<Id>(it->second);
   const auto id = static_cast<uint32_t>(values.Append(value));
   index.emplace(hash, id);
-  return id;
+  return static_cast<Id>(id);
 }
 
 }  // namespace
@@ -79,18 +82,15 @@ FormatTable::FormatTable() {
 }
 
 FontId FormatTable::Intern(const Font& font) {
-  std::lock_guard lock(mutex_);
-  return static_cast<FontId>(InternIn(fonts_, fontIndex_, font));
+  return InternIn<FontId>(mutex_, fonts_, fontIndex_, font);
 }
 
 CharFormatId FormatTable::Intern(const CharFormat& format) {
-  std::lock_guard lock(mutex_);
-  return static_cast<CharFormatId>(InternIn(chars_, charIndex_, format));
+  return InternIn<CharFormatId>(mutex_, chars_, charIndex_, format);
 }
 
 ParaFormatId FormatTable::Intern(const ParaFormat& format) {
-  std::lock_guard lock(mutex_);
-  return static_cast<ParaFormatId>(InternIn(paras_, paraIndex_, format));
+  return InternIn<ParaFormatId>(mutex_, paras_, paraIndex_, format);
 }
 
 TabsId FormatTable::Intern(const Tabs& tabs) {
@@ -98,23 +98,19 @@ TabsId FormatTable::Intern(const Tabs& tabs) {
   std::sort(sorted.begin(), sorted.end());
   sorted.erase(std::unique(sorted.begin(), sorted.end()), sorted.end());
   if (sorted.size() > kMaxTabs) sorted.resize(kMaxTabs);
-  std::lock_guard lock(mutex_);
-  return static_cast<TabsId>(InternIn(tabs_, tabsIndex_, sorted));
+  return InternIn<TabsId>(mutex_, tabs_, tabsIndex_, sorted);
 }
 
 ListId FormatTable::Intern(const List& list) {
-  std::lock_guard lock(mutex_);
-  return static_cast<ListId>(InternIn(lists_, listIndex_, list));
+  return InternIn<ListId>(mutex_, lists_, listIndex_, list);
 }
 
 RowId FormatTable::Intern(const TableRow& row) {
-  std::lock_guard lock(mutex_);
-  return static_cast<RowId>(InternIn(rows_, rowIndex_, row));
+  return InternIn<RowId>(mutex_, rows_, rowIndex_, row);
 }
 
 LinkId FormatTable::InternLink(const std::string& target) {
-  std::lock_guard lock(mutex_);
-  return static_cast<LinkId>(InternIn(links_, linkIndex_, target));
+  return InternIn<LinkId>(mutex_, links_, linkIndex_, target);
 }
 
 ObjectId FormatTable::Add(EmbeddedObject object) {
