@@ -94,16 +94,6 @@ TEST(ApplicationData, NamesNoPlaceThatMightBeSomebodysOwn) {
   EXPECT_EQ(BytesOf("Quillmark on the Web!.url"), "[InternetShortcut]\r\nURL=https://quillmark.example/\r\n");
 }
 
-TEST(ApplicationData, QuotesHaveAnAuthor) {
-  const std::vector<std::string> quotes = LinesOf("Templates/Quotes.txt");
-  EXPECT_EQ(quotes.size(), 40u);
-  EXPECT_EQ(Names(quotes.begin(), quotes.end()).size(), quotes.size());
-  for (const std::string& quote : quotes) {
-    EXPECT_TRUE(std::regex_match(quote, std::regex(R"(\S.*[.!?]  - [A-Z][\w'. -]+(, \S.*\S)?)"))) << quote;
-    EXPECT_EQ(quote.find("  "), quote.rfind("  ")) << quote;
-  }
-}
-
 TEST(ApplicationData, WordsAreTheElementsOfHtml) {
   std::vector<std::string> words = LinesOf("Templates/AutoComplete.txt");
   std::erase_if(words, [](const std::string& line) { return line.starts_with('#'); });
@@ -150,40 +140,14 @@ TEST(ApplicationData, WebPageIsBalanced) {
   EXPECT_EQ(std::count(page.begin(), page.end(), '<'), tags + 1) << "a tag was not understood";
 }
 
-// What text looks like in a document, all of it taken together.
-struct Look {
-  uint16_t flags = 0;
-  int32_t lowest = 0, highest = 0;
-  std::set<uint32_t> colors, sizes, fonts;
-  std::set<text::Alignment> alignments;
-  bool bullet = false, hanging = false, tabs = false, rightToLeft = false;
-
-  void Add(const text::CharFormat& format) {
-    flags |= format.flags;
-    lowest = std::min(lowest, format.offset);
-    highest = std::max(highest, format.offset);
-    if (!format.color.isAuto()) colors.insert(format.color.rgb);
-    sizes.insert(format.halfPoints);
-    fonts.insert(static_cast<uint32_t>(format.font));
-  }
-  void Add(const text::ParaFormat& format) {
-    alignments.insert(format.alignment);
-    bullet |= format.bullet;
-    hanging |= !format.bullet && format.firstIndent < 0;
-    tabs |= format.tabs != text::TabsId::kNone;
-    rightToLeft |= format.rightToLeft;
-  }
-};
-
-Look LookOf(const text::Content& content) {
-  Look look;
-  look.Add(content.formats()[content.lastParaFormat()]);
+std::set<uint32_t> ColorsOf(const text::Content& content) {
+  std::set<uint32_t> colors;
   content.ForEachPiece(content.all(), [&](const text::PieceView& piece) {
-    look.Add(content.formats()[piece.charFormat]);
-    if (piece.sums.breaks.value() > 0) look.Add(content.formats()[piece.paraFormat]);
+    const text::Color color = content.formats()[piece.charFormat].color;
+    if (!color.isAuto()) colors.insert(color.rgb);
     return true;
   });
-  return look;
+  return colors;
 }
 
 text::rtf::ReadResult ReadRtf(const std::string& name) {
@@ -219,7 +183,7 @@ double Luminance(uint32_t rgb) {
 }
 
 TEST_P(RichText, ColoursAreReadableOnLightAndDark) {
-  for (const uint32_t color : LookOf(ReadRtf(GetParam()).content).colors) {
+  for (const uint32_t color : ColorsOf(ReadRtf(GetParam()).content)) {
     for (const uint32_t ground : {0xFFFFFFu, 0x1E1E1Eu, 0x2D2D2Du}) {
       const auto [dark, light] = std::minmax({Luminance(color), Luminance(ground)});
       EXPECT_GT((light + 0.05) / (dark + 0.05), 3.0) << std::hex << color << " on " << ground;
@@ -229,19 +193,6 @@ TEST_P(RichText, ColoursAreReadableOnLightAndDark) {
 
 INSTANTIATE_TEST_SUITE_P(ApplicationData, RichText, testing::Values("Welcome.rtf", "Templates/LetterTemplate.rtf"),
                          [](const auto& file) { return fs::path(file.param).stem().string(); });
-
-TEST(ApplicationData, TourShowsEveryFormat) {
-  const Look look = LookOf(ReadRtf("Welcome.rtf").content);
-  EXPECT_EQ(look.flags, text::kAllCharFlags & ~text::kHidden);
-  EXPECT_LT(look.lowest, 0);
-  EXPECT_GT(look.highest, 0);
-  EXPECT_GE(look.colors.size(), 5u);
-  EXPECT_GE(look.sizes.size(), 5u);
-  EXPECT_GE(look.fonts.size(), 3u);
-  using enum text::Alignment;
-  EXPECT_THAT(look.alignments, testing::IsSupersetOf({kLeft, kCenter, kRight}));
-  EXPECT_TRUE(look.bullet && look.hanging && look.tabs && look.rightToLeft);
-}
 
 }  // namespace
 }  // namespace data

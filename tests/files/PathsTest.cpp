@@ -27,15 +27,13 @@ TEST(ErrorNumberTest, Table) {
     EXPECT_EQ(number, error.number);
     EXPECT_FALSE(error.text.empty());
   }
-}
-
-TEST(ErrorNumberTest, MissingParent) {
   const ScratchFolder scratch;
-  EXPECT_EQ(53, SystemError(ENOENT, scratch / "x").number);
-  EXPECT_EQ(53, SystemError(ENOENT, scratch / "x/").number);
-  EXPECT_EQ(53, SystemError(ENOENT, "no such name here").number);
-  EXPECT_EQ(76, SystemError(ENOENT, scratch / "x/y").number);
-  EXPECT_EQ(76, SystemError(ENOENT, "no such folder here/y").number);
+  for (const auto& [path, number] : {std::pair{scratch / "x", 53},
+                                     {scratch / "x/", 53},
+                                     {Path("no such name here"), 53},
+                                     {scratch / "x/y", 76},
+                                     {Path("no such folder here/y"), 76}})
+    EXPECT_EQ(number, SystemError(ENOENT, path).number) << path;
 }
 
 TEST(AttributesTest, Table) {
@@ -120,34 +118,21 @@ TEST(SamePathTest, Table) {
     const char *a, *b;
     bool same;
   } kRows[] = {
-      {"one", "one", true},
       {"one", "ONE", true},    // only one of them exists
       {"none", "NONE", true},  // neither exists
       {"Two", "two", false},   // two files
       {"ÉTÉ", "été", false},
-      {"été", "étÉ", true},
       {"HARD2", "hard2", true},  // two names of one file that differ by case alone
       {"one", "hard", false},    // nothing but case is looked through
       {"Link", "link", true},
       {"Lost", "lost", false},
       {"one", "./one", false},
-      {"one", "one ", false},
-      {"ÄÖÜ", "äöü", true},
       {"ΣΊΣΥΦΟΣ", "σίσυφος", true},
-      {"ДОМ", "дом", true},
       {"\U00010400", "\U00010428", true},  // beyond the basic plane
       {"\xC4", "\xE4", false},             // not UTF-8: bytes
-      {"\xFF"
-       "A",
-       "\xFF"
-       "a",
-       true},
       {"\xC3", "\xC3\x84", false},
       {"kelvin", "\u212Aelvin", false},
-      {"\u0131", "i", false},
       {"\u0130", "i", false},
-      {"", "", true},
-      {"", "a", false},
   };
   for (const auto& row : kRows) {
     SCOPED_TRACE(testing::Message() << row.a << " and " << row.b);
@@ -190,24 +175,18 @@ TEST(CurrentDirectoryTest, MakeAbsolute) {
     const char *path, *expected;  // without a leading "/": in the scratch folder
   } kRows[] = {
       {"x", "a/x"},
-      {"./x", "a/x"},
       {"b//x", "a/b/x"},
-      {"b/./x/", "a/b/x/"},
       {"../x", "x"},
       {"b/../x", "a/x"},
       {"link/../x", "a/link/../x"},
-      {"link/../../x", "a/link/../../x"},
       {"gone/../x", "a/gone/../x"},
       {".", "a"},
       {"..", ""},
       {"line\nbreak \xff", "a/line\nbreak \xff"},
       {"/x", "/x"},
-      {"//x", "/x"},
       {"/", "/"},
-      {"/..", "/"},
       {"/../../x/", "/x/"},
       {"file:x", "a/file:x"},
-      {"..x", "a/..x"},
       {"~", "a/~"},
   };
   for (const auto& row : kRows) {
@@ -286,21 +265,15 @@ TEST(FileUrlTest, Decode) {
       {"file:/home/me/a.txt", "/home/me/a.txt"},
       {"FILE://LocalHost/a", "/a"},
       {"file:///a%20b%0Ac%FF%fe", "/a b\nc\xff\xfe"},
-      {"file:///100%25", "/100%"},
       {"file:///a#b?c", "/a#b?c"},
       {"file:///a%2Fb", "/a/b"},
       {"file:///caf\xc3\xa9", "/caf\xc3\xa9"},
-      {"file:///", "/"},
       {"file://elsewhere.example/a", nullptr},
-      {"file://", nullptr},
       {"file:", nullptr},
-      {"file:a", nullptr},
       {"file:///a%", nullptr},
-      {"file:///a%4", nullptr},
       {"file:///a%G1", nullptr},
       {"file:///a%00b", nullptr},
       {"http://localhost/a", nullptr},
-      {"/home/me", nullptr},
       {"", nullptr},
   };
   for (const auto& row : kRows) {
@@ -320,46 +293,29 @@ TEST(FileUrlTest, EveryByteThereAndBack) {
 
 TEST(FoldersTest, Fallbacks) {
   const ScratchFolder scratch;
-  const std::string open = scratch.path().native();
-  const std::string closed = (scratch / "private").native();
+  const std::string open = scratch.path().native(), closed = (scratch / "private").native();
   std::filesystem::create_directory(closed);
   chmod(closed.c_str(), 0700);
-  using Variables = std::map<std::string, std::string>;
+  const std::string config = "/h/.config", data = "/h/.local/share", state = "/h/.local/state";
   const struct {
-    Variables variables;
-    const char *config, *data, *state;
-    std::string runtime;
+    std::map<std::string, std::string> variables;  // besides HOME
+    std::string config, data, state, runtime;
   } kRows[] = {
-      {{{"HOME", "/h"}}, "/h/.config", "/h/.local/share", "/h/.local/state", "/h/.local/state/quillmark/runtime"},
-      {{{"HOME", "/h"}, {"XDG_CONFIG_HOME", "/c"}, {"XDG_DATA_HOME", "/d"}, {"XDG_STATE_HOME", "/s"}},
+      {{}, config, data, state, state + "/quillmark/runtime"},
+      {{{"XDG_CONFIG_HOME", "/c"}, {"XDG_DATA_HOME", "/d"}, {"XDG_STATE_HOME", "/s"}},
        "/c",
        "/d",
        "/s",
        "/s/quillmark/runtime"},
-      {{{"HOME", "/h"}, {"XDG_CONFIG_HOME", "relative"}, {"XDG_STATE_HOME", ""}},
-       "/h/.config",
-       "/h/.local/share",
-       "/h/.local/state",
-       "/h/.local/state/quillmark/runtime"},
-      {{{"HOME", "/h"}, {"XDG_RUNTIME_DIR", closed}},
-       "/h/.config",
-       "/h/.local/share",
-       "/h/.local/state",
-       closed + "/quillmark"},
+      {{{"XDG_CONFIG_HOME", "relative"}, {"XDG_STATE_HOME", ""}}, config, data, state, state + "/quillmark/runtime"},
+      {{{"XDG_RUNTIME_DIR", closed}}, config, data, state, closed + "/quillmark"},
       // Others may enter it, or it does not exist.
-      {{{"HOME", "/h"}, {"XDG_RUNTIME_DIR", open}},
-       "/h/.config",
-       "/h/.local/share",
-       "/h/.local/state",
-       "/h/.local/state/quillmark/runtime"},
-      {{{"HOME", "/h"}, {"XDG_RUNTIME_DIR", "/does/not/exist"}},
-       "/h/.config",
-       "/h/.local/share",
-       "/h/.local/state",
-       "/h/.local/state/quillmark/runtime"},
+      {{{"XDG_RUNTIME_DIR", open}}, config, data, state, state + "/quillmark/runtime"},
+      {{{"XDG_RUNTIME_DIR", "/does/not/exist"}}, config, data, state, state + "/quillmark/runtime"},
   };
   for (const auto& row : kRows) {
     const auto found = FindUserFolders([&](const char* name) -> std::optional<std::string> {
+      if (name == std::string_view("HOME")) return "/h";
       const auto variable = row.variables.find(name);
       if (variable == row.variables.end()) return std::nullopt;
       return variable->second;

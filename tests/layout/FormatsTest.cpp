@@ -12,12 +12,11 @@ struct Formatted {
   Formatted(std::string_view text, const CharFormat& chars, const ParaFormat& paragraph, double width = 400)
       : document(Make(text, chars, paragraph)), view(document, width, 600) {}
   static Content Make(std::string_view text, const CharFormat& chars, const ParaFormat& paragraph) {
-    ContentBuilder builder(Content().store());
-    FormatTable& formats = Content(builder.Finish()).formats();
-    ContentBuilder real(builder.Finish().store());
-    const ParaFormatId id = formats.Intern(paragraph);
-    real.Append(text, formats.Intern(chars), id);
-    return real.Finish(id);
+    const Content empty;
+    ContentBuilder builder(empty.store());
+    const ParaFormatId id = empty.formats().Intern(paragraph);
+    builder.Append(text, empty.formats().Intern(chars), id);
+    return builder.Finish(id);
   }
   double Left(int64_t position) { return view.CaretRect({Units(position)}).left() - 4; }
 };
@@ -48,63 +47,33 @@ TEST(FontOf, TakesNameAndEmphasis) {
   EXPECT_EQ(FontOf(formats, CharFormat{}, QFont("DejaVu Serif"), 1).family(), "DejaVu Serif");
 }
 
-struct EdgeCase {
-  const char* name;
-  void (*set)(ParaFormat&);
-  double first, second;  // where the first and the second line begin, pixels; negative = not looked at
-};
-
-class Edges : public testing::TestWithParam<EdgeCase> {};
-
-TEST_P(Edges, LinesBeginWhereTheFormatSays) {
-  ParaFormat format;
-  GetParam().set(format);
-  Formatted f(LongText(), {}, format);
-  EXPECT_NEAR(f.Left(0), GetParam().first, 0.5);
-  const Units second = f.view.LineAt({Units(0)}).end;
-  if (GetParam().second >= 0) {
-    EXPECT_NEAR(f.Left(second.value()), GetParam().second, 0.5);
-  }
-  for (int64_t at = 0; at < 200; ++at) {
-    EXPECT_GE(f.Left(at), 0);
-    EXPECT_LE(f.Left(at), 392 - format.rightIndent / 15.0 + 0.5);
+TEST(Edges, LinesBeginWhereTheFormatSays) {
+  const struct {
+    int left, first, right;  // twips
+    bool bullet, justified;
+    double firstLine, secondLine;  // pixels
+  } kRows[] = {
+      {0, 0, 0, false, false, 0, 0},       {600, 0, 0, false, false, 40, 40},
+      {0, 300, 0, false, false, 20, 0},    {600, -300, 0, false, false, 20, 40},
+      {300, -900, 0, false, false, 0, 20}, {0, 0, 1500, false, false, 0, 0},
+      {360, -360, 0, true, false, 24, 24}, {2000000000, 2000000000, 0, false, false, 368, 368},
+      {0, 0, 0, false, true, 0, 0},
+  };
+  for (const auto& row : kRows) {
+    SCOPED_TRACE(&row - kRows);
+    ParaFormat format;
+    format.leftIndent = row.left, format.firstIndent = row.first, format.rightIndent = row.right;
+    format.bullet = row.bullet;
+    if (row.justified) format.alignment = Alignment::kJustify;
+    Formatted f(LongText(), {}, format);
+    EXPECT_NEAR(f.Left(0), row.firstLine, 0.5);
+    EXPECT_NEAR(f.Left(f.view.LineAt({Units(0)}).end.value()), row.secondLine, 0.5);
+    for (int64_t at = 0; at < 200; ++at) {
+      EXPECT_GE(f.Left(at), 0);
+      EXPECT_LE(f.Left(at), 392 - row.right / 15.0 + 0.5);
+    }
   }
 }
-
-INSTANTIATE_TEST_SUITE_P(All, Edges,
-                         testing::Values(EdgeCase{"none", [](ParaFormat&) {}, 0, 0},
-                                         EdgeCase{"left", [](ParaFormat& p) { p.leftIndent = 600; }, 40, 40},
-                                         EdgeCase{"first", [](ParaFormat& p) { p.firstIndent = 300; }, 20, 0},
-                                         EdgeCase{"hanging",
-                                                  [](ParaFormat& p) {
-                                                    p.leftIndent = 600;
-                                                    p.firstIndent = -300;
-                                                  },
-                                                  20, 40},
-                                         EdgeCase{"negativeIsClamped",
-                                                  [](ParaFormat& p) {
-                                                    p.leftIndent = 300;
-                                                    p.firstIndent = -900;
-                                                  },
-                                                  0, 20},
-                                         EdgeCase{"right", [](ParaFormat& p) { p.rightIndent = 1500; }, 0, 0},
-                                         EdgeCase{"bullet",
-                                                  [](ParaFormat& p) {
-                                                    p.bullet = true;
-                                                    p.leftIndent = 360;
-                                                    p.firstIndent = -360;
-                                                  },
-                                                  24, 24},
-                                         EdgeCase{"absurd",
-                                                  [](ParaFormat& p) {
-                                                    p.leftIndent = 2000000000;
-                                                    p.firstIndent = 2000000000;
-                                                    p.rightIndent = 0;
-                                                  },
-                                                  368, 368},
-                                         EdgeCase{"justified", [](ParaFormat& p) { p.alignment = Alignment::kJustify; },
-                                                  0, 0}),
-                         [](const auto& sample) { return std::string(sample.param.name); });
 
 TEST(Alignments, ShiftTheLine) {
   ParaFormat format;
@@ -320,14 +289,9 @@ TEST(Shown, SymbolFontsAreReadAsUnicode) {
   };
   for (const Case& c : {Case{"Symbol", 0xF061, 0x03B1},
                         {"Symbol", 0xF0B7, 0x2022},
-                        {"Symbol", 0xF020, u' '},
-                        {"Symbol", 0xF0FE, 0x23AD},
                         {"Symbol", 0xF0FF, 0xF0FF},
-                        {"Symbol", 0xF080, 0xF080},
                         {"Symbol", u'a', u'a'},
                         {"Wingdings", 0xF0A7, 0x25AA},
-                        {"Wingdings", 0xF04A, 0x263A},
-                        {"Wingdings", 0xF0FE, 0x2611},
                         {"Wingdings", 0xF0FF, 0xF0FF},
                         {"Other", 0xF061, 0xF061}}) {
     EXPECT_EQ(UnicodeOfSymbol(c.font, c.unit), c.unicode) << c.font << std::hex << int(c.unit);

@@ -269,31 +269,6 @@ TEST_P(PlainTextSeeds, RandomBytesComeBack) {
 
 INSTANTIATE_TEST_SUITE_P(Seeds, PlainTextSeeds, ::testing::Range(1u, 21u));
 
-TEST(PlainText, LongAsciiAroundFew1252Bytes) {
-  std::string bytes;
-  for (int i = 0; i < 5; ++i) bytes += std::string(9000, static_cast<char>('a' + i)) + "\r\n\xE9";
-  const LoadedText loaded = ExpectRoundTrip(bytes);
-  EXPECT_EQ(loaded.properties.encoding, kPage);
-  EXPECT_EQ(loaded.content.breaks(), Breaks(5));
-}
-
-TEST(PlainText, AnEditChangesNothingElse) {
-  const std::string bytes = "caf\xE9\r\n\x81\n\xFF";
-  Document document(ReadPlainText(std::string_view(bytes)).content);
-  document.Replace({Units(4), Units(4)}, "\xE2\x82\xAC", CharFormatId::kDefault, EditKind::kTyping, {});
-  EXPECT_EQ(Written(document.content(), {kPage, false, LineEnd::kCrLf}), "caf\xE9\x80\r\n\x81\n\xFF");
-}
-
-TEST(PlainText, ReadsWhatIsThereWhateverTheSizeSays) {
-  std::ifstream naive("/proc/version");
-  const std::string expected{std::istreambuf_iterator<char>(naive), {}};
-  const int descriptor = open("/proc/version", O_RDONLY);
-  const LoadedText loaded = ReadPlainText(descriptor);
-  close(descriptor);
-  EXPECT_FALSE(expected.empty());
-  EXPECT_EQ(loaded.content.ByteString(loaded.content.all()), expected);
-}
-
 TEST(PlainText, StartsAtTheDescriptorsPosition) {
   const MemoryFile file("skipped text");
   lseek(file.descriptor, 8, SEEK_SET);
