@@ -1,7 +1,6 @@
 // Save, Save As and what can stand in their way.
 #include "files/Recovery.h"
 #include "tests/program/ProgramTest.h"
-#include "text/html/HtmlReader.h"
 
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -198,11 +197,17 @@ TEST_F(SaveTest, RichTextInNameOnlyAsksAtTheFirstEditedSave) {
   EXPECT_TRUE(Bytes(other).starts_with("{\\rtf1"));
 }
 
-// A list that needs a table of its own in the file's beginning.
-void PutNestedList(frmText& document) {
+// A table wider than RTF can say.
+void PutHugeTable(frmText& document) {
   text::Document& edited = document.RichTextBox1().document();
-  const text::Content list = text::html::Read("<ol><li>a<ol><li>b</ol></ol>c", edited.content().store()).content;
-  edited.Replace({}, list, text::EditKind::kCommand, {});
+  text::ParaFormat row;
+  row.row = edited.formats().Intern(text::TableRow{.cells = {{.right = 2'000'000'000}}});
+  text::ContentBuilder builder(edited.content().store());
+  for (const text::RowMark mark : {text::RowMark::kCellEnd, text::RowMark::kRowEnd}) {
+    row.rowMark = mark;
+    builder.Append("\r\n", text::CharFormatId::kDefault, edited.formats().Intern(row));
+  }
+  edited.Replace({}, builder.Finish(), text::EditKind::kCommand, {});
   document.RichTextBox1().DocumentEdited();
 }
 
@@ -225,9 +230,9 @@ TEST_F(SaveTest, RichTextIsSavedAsItWasWhenTheSaveBegan) {
   ExpectError(File(path, "Cannot allocate memory"));
   EXPECT_EQ(document.mnuSaveFile_Click(), SaveOutcome::kFailed);
   EXPECT_EQ(Bytes(path), bytes);
-  dialogs.AfterNextWork([&] { PutNestedList(document); });
+  dialogs.AfterNextWork([&] { PutHugeTable(document); });
   EXPECT_EQ(document.mnuSaveFile_Click(), SaveOutcome::kSaved);
-  EXPECT_EQ(Bytes(path), "{\\rtf1\\ansi{\\header head}+ text\\par}") << "nobody was asked about the list";
+  EXPECT_EQ(Bytes(path), "{\\rtf1\\ansi{\\header head}+ text\\par}") << "nobody was asked about the table";
   EXPECT_TRUE(Changed(document));
 }
 
@@ -236,7 +241,7 @@ TEST_F(SaveTest, WhatCannotStayIsAskedAboutFirst) {
   const files::Path path = Put("a.rtf", bytes);
   frmText* document = Open(path);
   ASSERT_TRUE(document);
-  PutNestedList(*document);
+  PutHugeTable(*document);
   const QString question =
       "holds more than the text that is shown, and with these changes it cannot be kept.  Do you want to save the text "
       "alone?";

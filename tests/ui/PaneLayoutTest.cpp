@@ -91,9 +91,9 @@ TEST(LeftPane, OneFontSizeForListAndTree) {
 TEST(LeftPane, DrivesCanBeChosenOnceThereAreAny) {
   ui::LeftPane pane;
   EXPECT_FALSE(pane.Drive1().isEnabled());
-  pane.Drive1().addItem("/");
+  pane.Drive1().SetDrives({"/"});
   EXPECT_TRUE(pane.Drive1().isEnabled());
-  pane.Drive1().clear();
+  pane.Drive1().SetDrives({});
   EXPECT_FALSE(pane.Drive1().isEnabled());
 }
 
