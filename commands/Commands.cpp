@@ -4,6 +4,7 @@
 #include "ui/Hourglass.h"
 #include "ui/PendingEvents.h"
 #include "ui/frame/ChildArea.h"
+#include "ui/frame/CustomizeForm.h"
 #include "ui/frame/ToolBar.h"
 
 namespace commands {
@@ -47,6 +48,12 @@ void Commands::mnuRecentFile_Click(size_t index) {
 
 void Commands::mnuExit_Click() {
   services_.forms().at(0)->RequestClose();
+}
+
+void Commands::mnuToolBarCustomize_Click() {
+  const ui::CommandScope scope;
+  ui::CustomizeForm form(Toolbar1_, services_.forms().at(0)->widget());
+  if (services_.dialogs().ShowModal(form)) Toolbar1_.Arrange(form.places());
 }
 
 void Commands::mnuToolbarButtonRaised_Click() {

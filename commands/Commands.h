@@ -69,6 +69,7 @@ class Commands {
   // --- Options
   void mnuAutoCompleteToggle_Click() { autoComplete_.mnuAutoCompleteToggle_Click(); }
   bool AutoCompleteOn() const { return autoComplete_.AutoCompleteOn(); }
+  void mnuToolBarCustomize_Click();
   void mnuToolbarButtonRaised_Click();
   void mnuToolbarButtonFlat_Click();
   // 1 = flat buttons, 0 = raised ones.

@@ -212,6 +212,7 @@ constexpr Row kMenus[] = {
     Choice("mnuAutoCompleteToggle", QT_TRANSLATE_NOOP("Menu", "Toggle &Auto-Complete"), "Shift+F4", &Commands::mnuAutoCompleteToggle_Click, &Commands::AutoCompleteOn),
     Separator(),
     Menu("mnuToolBar", QT_TRANSLATE_NOOP("Menu", "Tool&bar")),
+      Main("mnuToolBarCustomize", QT_TRANSLATE_NOOP("Menu", "&Customize..."), "", "", "", &Commands::mnuToolBarCustomize_Click),
       Menu("mnuToolbarButtonStyle", QT_TRANSLATE_NOOP("Menu", "&Button style")),
         Choice("mnuToolbarButtonRaised", QT_TRANSLATE_NOOP("Menu", "&raised"), "", &Commands::mnuToolbarButtonRaised_Click, &Commands::ToolbarIsRaised),
         Choice("mnuToolbarButtonFlat", QT_TRANSLATE_NOOP("Menu", "&flat"), "", &Commands::mnuToolbarButtonFlat_Click, &Commands::ToolbarIsFlat),

@@ -201,7 +201,7 @@ TEST_F(SaveTest, RichTextInNameOnlyAsksAtTheFirstEditedSave) {
 void PutHugeTable(frmText& document) {
   text::Document& edited = document.RichTextBox1().document();
   text::ParaFormat row;
-  row.row = edited.formats().Intern(text::TableRow{.cells = {{.right = 2'000'000'000}}});
+  row.row = edited.formats().Intern(text::TableRow{.cells = {{.right = 2'000'000'000, .shading = {}}}, .words = {}});
   text::ContentBuilder builder(edited.content().store());
   for (const text::RowMark mark : {text::RowMark::kCellEnd, text::RowMark::kRowEnd}) {
     row.rowMark = mark;

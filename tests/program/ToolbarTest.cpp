@@ -8,8 +8,10 @@
 #include <QCoreApplication>
 #include <QEnterEvent>
 #include <QLabel>
+#include <QListWidget>
 #include <QMenu>
 #include <QMouseEvent>
+#include <QPushButton>
 
 #include <iterator>
 #include <map>
@@ -260,6 +262,45 @@ TEST_F(ToolbarTest, StyleByMenuAndByTheRightButton) {
   EXPECT_EQ(program().commands().toolbarStyle(), 0);
   EXPECT_TRUE(Checked("mnuToolbarButtonRaised"));
   EXPECT_EQ(States(), "bius left") << "the right button presses nothing";
+}
+
+TEST_F(ToolbarTest, TheUserSaysWhereTheButtonsStand) {
+  const std::string first = Bar().Layout(), start = "buttons,New,Open,Save,|,";
+  ASSERT_TRUE(first.starts_with(start)) << first;
+  struct Case {
+    std::vector<const char*> acts;  // the number of a line, "check" for its check mark, or a button
+    std::string expected;           // how the layout begins
+    bool accepted = true;
+  };
+  // Each goes on from the one before.
+  const Case cases[] = {
+      {{"cmdDown", "cmdUp", "cmdUp", "cmdDown"}, "buttons,Open,New,Save,|,"},
+      {{"check", "cmdAdd", "cmdUp", "cmdDown"}, "buttons,!Open,|,New,Save,|,"},
+      {{"cmdReset"}, "buttons,!Open,|,New,Save,|,", false},
+      {{"2", "cmdRemove", "cmdDown"}, "buttons,!Open,|,Save,New,|,"},
+      {{"1", "cmdRemove", "0", "check"}, "buttons,Open,Save,New,|,"},
+      {{"cmdReset", "cmdDown"}, "buttons,Open,New,Save,|,"},
+      {{"cmdReset"}, start},
+  };
+  for (const Case& c : cases) {
+    dialogs.Modal([&c](ui::ModalForm& form) {
+      auto& list = *form.findChild<QListWidget*>("List1");
+      for (const QString act : c.acts) {
+        if (auto* button = form.findChild<QPushButton*>(act)) {
+          button->click();
+        } else if (act == "check") {
+          QListWidgetItem& item = *list.currentItem();
+          item.setCheckState(item.checkState() == Qt::Checked ? Qt::Unchecked : Qt::Checked);
+        } else {
+          list.setCurrentRow(act.toInt());
+        }
+      }
+      form.done(c.accepted ? QDialog::Accepted : QDialog::Rejected);
+    });
+    program().commands().mnuToolBarCustomize_Click();
+    EXPECT_TRUE(Bar().Layout().starts_with(c.expected)) << c.acts[0] << ": " << Bar().Layout();
+  }
+  EXPECT_EQ(Bar().Layout(), first);
 }
 
 TEST_F(ToolbarTest, TheListsToolbarAddsADocumentAndItsPictureChangesTheFont) {

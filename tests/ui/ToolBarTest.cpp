@@ -214,7 +214,7 @@ TEST_F(ToolBarTest, ALayoutSurvivesItsText) {
     EXPECT_EQ(other.places(), places) << text;
     EXPECT_EQ(other.Layout(), text);
   }
-  bar.ArrangeAsAtFirst();
+  bar.Arrange(bar.FirstPlaces());
   EXPECT_EQ(bar.Layout(), first);
 }
 

@@ -150,10 +150,6 @@ void ToolBar::Arrange(std::vector<ToolBarPlace> places) {
   Q_EMIT LayoutChanged();
 }
 
-void ToolBar::ArrangeAsAtFirst() {
-  Arrange(FirstPlaces());
-}
-
 std::string ToolBar::Layout() const {
   std::string text(kLayoutMark);
   for (const ToolBarPlace& place : places_) {

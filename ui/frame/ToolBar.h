@@ -69,7 +69,7 @@ class ToolBar : public QToolBar {
   // --- The layout: order, separators and visibility. No separator shows first, last or doubled.
   const std::vector<ToolBarPlace>& places() const { return places_; }
   void Arrange(std::vector<ToolBarPlace> places);  // as the user wants it; rows that are missing take their old place
-  void ArrangeAsAtFirst();
+  std::vector<ToolBarPlace> FirstPlaces() const;   // as the table has them
   // As one line of text for the settings.
   std::string Layout() const;
   // Keys that the text does not know take their place from the table, keys that no button has are passed over. False,
@@ -90,7 +90,6 @@ class ToolBar : public QToolBar {
 
  private:
   void MakeButton(size_t row);
-  std::vector<ToolBarPlace> FirstPlaces() const;
   std::vector<ToolBarPlace> WithMissing(std::vector<ToolBarPlace> places) const;
   void Place(std::vector<ToolBarPlace> places);
 
