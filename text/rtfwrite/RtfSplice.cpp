@@ -83,8 +83,9 @@ const RtfSplice::Edit& RtfSplice::CurrentEdit() {
 }
 
 void RtfSplice::OnText(Span span, std::string_view utf8, Text kind) {
-  int64_t units = 0;
-  for (const char c : utf8) {
+  const bool ascii = kind == Text::kBytes && utf8.size() == span.size();
+  auto units = static_cast<int64_t>(ascii ? utf8.size() : 0);
+  for (const char c : ascii ? std::string_view() : utf8) {
     const auto byte = static_cast<unsigned char>(c);
     units += (byte & 0xC0) != 0x80;
     units += byte >= 0xF0;
