@@ -1,4 +1,3 @@
-#include "text/Utf16.h"
 #include "text/rtfsyntax/RtfCharacters.h"
 #include "text/rtfsyntax/RtfCodePages.h"
 
@@ -65,27 +64,6 @@ const Row kRows[] = {
     {1361, "\xD0", "\uFFFD"},
 };
 INSTANTIATE_TEST_SUITE_P(Rows, RtfCodePage, testing::ValuesIn(kRows));
-
-TEST(RtfCodePages, LeadBytesAreThoseOfTheDoubleBytePages) {
-  CodePages pages;
-  EXPECT_TRUE(pages[932].IsLead(0x81));
-  EXPECT_FALSE(pages[932].IsLead(0xB1));  // a half-width kana is one byte
-  EXPECT_TRUE(pages[936].IsLead(0xFE));
-  EXPECT_FALSE(pages[65001].IsLead(0xE4));
-  EXPECT_FALSE(pages[1252].multiByte());
-}
-
-TEST(RtfCodePages, CharsetsMeanPages) {
-  const std::pair<int, int> rows[] = {{0, 1252},   {1, 936},    {2, kSymbolCodePage}, {77, 10000}, {128, 932},
-                                      {204, 1251}, {238, 1250}, {255, 850},           {256, 936},  {-3, 936}};
-  for (const auto& [charset, page] : rows) EXPECT_EQ(CodePageOfCharset(charset, 936), page) << charset;
-}
-
-TEST(RtfCodePages, AppendsScalarsOnly) {
-  std::string utf8;
-  for (char32_t c : {0x41, 0xE4, 0x20AC, 0x1F600, 0xD800, 0x110000}) AppendUtf8(utf8, c);
-  EXPECT_EQ(utf8, "Aä€😀\uFFFD\uFFFD");
-}
 
 TEST(RtfCharacters, FontNamesAreCleaned) {
   const std::pair<std::string, std::string> rows[] = {

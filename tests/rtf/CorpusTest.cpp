@@ -21,11 +21,6 @@ struct CorpusFile {
   std::string match;
 };
 
-std::string FileBytes(const fs::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(in), {}};
-}
-
 std::vector<CorpusFile> Manifest(const fs::path& corpus) {
   std::vector<CorpusFile> files;
   std::istringstream lines(FileBytes(corpus / "manifest.tsv"));
@@ -88,7 +83,7 @@ TEST(RtfCorpus, TextsAgree) {
     const ReadResult again = ReadNew(written);
     EXPECT_EQ(Written(again.content, again.properties), written) << file.path;
   }
-  EXPECT_GE(static_cast<double>(passed), 0.9 * static_cast<double>(files.size()));
+  EXPECT_GE(static_cast<double>(passed), 0.95 * static_cast<double>(files.size()));
 }
 
 }  // namespace

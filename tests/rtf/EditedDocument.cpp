@@ -1,5 +1,9 @@
 #include "tests/rtf/EditedDocument.h"
 
+#include "text/rtfwrite/RtfParagraphWords.h"
+
+#include <set>
+
 namespace text::rtf {
 
 namespace {
@@ -105,10 +109,66 @@ class RandomEdit {
   std::mt19937& random_;
 };
 
+// The words about paragraphs in force at every break.
+class WordsAtBreaks : public RtfWatcher {
+ public:
+  explicit WordsAtBreaks(const Source& source)
+      : bytes_(std::string_view(*source.bytes).substr(source.bytes->find('{'))),
+        reader_(source.bytes, bytes_, source.content.store()),
+        formats_(source.content.formats()),
+        words_(bytes_) {
+    reader_.Watch(*this);
+  }
+  std::vector<std::set<std::string>> breaks;
+
+ private:
+  void OnText(Span, std::string_view, Text) override {}
+  void OnFallback(size_t) override {}
+  void OnBreak(Span, bool joins) override {
+    if (joins) return;
+    const ParaFormat format = reader_.inForce().paragraph;
+    std::set<std::string>& words = breaks.emplace_back();
+    RtfTokenizer tokenizer(kept_ = words_.Replay(format, format, formats_).words);
+    for (Token token = tokenizer.Next(); token.kind != TokenKind::kEnd; token = tokenizer.Next())
+      words.insert(std::string(token.text) + std::to_string(token.parameter));
+  }
+  void OnLabel(Span) override {}
+  void OnOldPicture(Span) override {}
+  void OnGroup(size_t) override { words_.OnGroup(); }
+  void OnGroupEnd(size_t) override { words_.OnGroupEnd(); }
+  void OnField(size_t) override {}
+  void OnParagraphWord(Span span, bool reset) override { reset ? words_.OnReset() : words_.OnWord(span); }
+  void OnUnknownWord(Span span) override { words_.OnWord(span); }
+  void OnTableEnd(Table, size_t) override {}
+  void OnEnd(size_t) override {}
+
+  std::string_view bytes_;
+  RtfReader reader_;
+  FormatTable& formats_;
+  ParagraphWords words_;
+  std::string kept_;
+};
+
 }  // namespace
 
 void EditAtRandom(Edited& edited, std::mt19937& random) {
   RandomEdit(edited, random).Run();
+}
+
+std::string Edited::LostParagraphWords(const std::string& saved) const {
+  const Source& source = *properties_.source;
+  const auto was = WordsAtBreaks(source).breaks;
+  const auto is = WordsAtBreaks(*ReadNew(saved).properties.source).breaks;
+  for (const Match& match : Compare(source.content, content)) {
+    if (!match.sameFormats) continue;
+    const Breaks end = source.content.ParagraphAt(match.before.end);
+    Breaks after = content.ParagraphAt(match.after.begin);
+    for (Breaks before = source.content.ParagraphAt(match.before.begin); before < end; ++before, ++after) {
+      const auto a = static_cast<size_t>(before.value()), b = static_cast<size_t>(after.value());
+      if (a < was.size() && b < is.size() && was[a] != is[b]) return "paragraph " + std::to_string(a);
+    }
+  }
+  return {};
 }
 
 }  // namespace text::rtf

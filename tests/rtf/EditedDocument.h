@@ -65,6 +65,9 @@ class Edited {
     return saved.as == SavedAs::kAnew ? "ANEW" : *saved.bytes;
   }
 
+  // The first paragraph that nobody edited and whose words outside of the model are not what they were; empty: none.
+  std::string LostParagraphWords(const std::string& saved) const;
+
   // What was tried when the file had to be written anew.
   std::string Tried() const {
     const std::string bytes = RtfSplice(*properties_.source, content).Run();

@@ -18,6 +18,7 @@ TEST_P(RtfReading, Gives) {
   ASSERT_TRUE(result.isRtf);
   EXPECT_EQ(Describe(result.content), GetParam().document) << GetParam().rtf;
   result.content.CheckInvariants();
+  EXPECT_EQ(ReadAgain(result), "") << GetParam().rtf;
   const std::string written = Written(result);
   const ReadResult again = ReadNew(written);
   EXPECT_EQ(Describe(again.content), GetParam().document) << written;

@@ -33,6 +33,12 @@ std::string PlainLines(const Content& content);
 std::string Written(const ReadResult& result);
 std::string Written(const Content& content, const DocumentProperties& properties = {});
 
+// The bytes of a file; empty when there is none.
+std::string FileBytes(const std::string& path);
+
+// Reads what was read once more and compares what a watcher is told with the content: nothing, or what is wrong.
+std::string ReadAgain(const ReadResult& read);
+
 // The most bytes that any new has asked for at once; a test sets it back to 0.
 extern std::atomic<size_t> largestNew;
 

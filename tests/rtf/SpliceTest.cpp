@@ -274,7 +274,7 @@ TEST(RtfSplice, WholeFields) {
   EXPECT_EQ(edited.Saved(), "{\\rtf1{\\b XYZ}{\\field{\\*\\fldinst HYPERLINK y}{\\fldrslt c}}\\par}");
 }
 
-// Whatever is edited, it finds its place in the file.
+// Whatever is edited, it finds its place in the file, and the words of the paragraphs around stay in force.
 TEST(RtfSplice, RandomEdits) {
   const std::string kSources[] = {
       "{\\rtf1\\ansi{\\fonttbl{\\f0 Arial;}{\\f1\\fcharset2 "
@@ -289,12 +289,21 @@ TEST(RtfSplice, RandomEdits) {
       "\\cellx200\\pard\\intbl a b\\cell c\\par d\\cell\\row\\pard after\\par}",
       "{\\rtf1\\ansicpg932{\\fonttbl{\\f0\\fcharset128 M;}}\\f0\\'83A\\'83\\'42\\'83\\'43a\\\n\\uc2\\u12450\\'83A\\cf9 "
       "b\\sect c",
+      "{\\rtf1{\\stylesheet{\\s1\\li300\\b "
+      "H;}}{\\*\\listtable{\\list{\\listlevel\\levelnfc0\\li9{\\leveltext\\'02\\'00.;}}"
+      "\\listid7}}{\\*\\listoverridetable{\\listoverride\\listid7\\ls2}}\\pard\\s1\\pagebb\\brdrb\\brdrs\\caps "
+      "one\\par "
+      "\\pard\\plain\\tqr\\tldot\\tx900{\\*\\bkmkstart m}two{\\*\\bkmkend m} 2\\par three\\par\\pard\\ls2\\keepn "
+      "four\\par "
+      "five\\par\\absw300 six\\par}",
   };
   for (uint32_t seed = 1; seed <= 2000; ++seed) {
     std::mt19937 random(seed);
     Edited edited(kSources[seed % std::size(kSources)]);
     for (uint32_t count = 1 + seed % 3; count > 0; --count) EditAtRandom(edited, random);
-    ASSERT_NE(edited.Saved(), "ANEW") << "seed " << seed << "\n" << edited.Tried();
+    const std::string saved = edited.Saved();
+    ASSERT_NE(saved, "ANEW") << "seed " << seed << "\n" << edited.Tried();
+    ASSERT_EQ(edited.LostParagraphWords(saved), "") << "seed " << seed << "\n" << saved;
   }
 }
 
