@@ -67,6 +67,7 @@ class Commands {
   void mnuTreeExplore_Click() { tree_.mnuTreeExplore_Click(); }
 
   // --- Options
+  void mnuPrefItem_Click() { services_.mnuPrefItem_Click(); }
   void mnuAutoCompleteToggle_Click() { autoComplete_.mnuAutoCompleteToggle_Click(); }
   bool AutoCompleteOn() const { return autoComplete_.AutoCompleteOn(); }
   void mnuToolBarCustomize_Click();

@@ -209,6 +209,7 @@ constexpr Row kMenus[] = {
     Main("mnuTreeExplore", QT_TRANSLATE_NOOP("Menu", "&Explore folder"), "", "", "", &Commands::mnuTreeExplore_Click),
   End(),
   Menu("mnuOptions", QT_TRANSLATE_NOOP("Menu", "&Options")),
+    Main("mnuPrefItem", QT_TRANSLATE_NOOP("Menu", "&Defaults..."), "", "", "Ctrl+D", &Commands::mnuPrefItem_Click),
     Choice("mnuAutoCompleteToggle", QT_TRANSLATE_NOOP("Menu", "Toggle &Auto-Complete"), "Shift+F4", &Commands::mnuAutoCompleteToggle_Click, &Commands::AutoCompleteOn),
     Separator(),
     Menu("mnuToolBar", QT_TRANSLATE_NOOP("Menu", "Tool&bar")),

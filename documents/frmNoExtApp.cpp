@@ -1,7 +1,5 @@
 #include "documents/frmNoExtApp.h"
 
-#include "ui/PathText.h"
-
 namespace documents {
 
 frmNoExtApp::frmNoExtApp(services::Services& services)
@@ -15,7 +13,7 @@ frmNoExtApp::frmNoExtApp(services::Services& services)
          "association in My Computer by clicking 'View', and then 'Folder options'.  Hint: *.rtf files can usually be "
          "opened in Wordpad.exe or Wordview.exe, and most other text files in Notepad.exe."));
   auto* openWith = new ui::Label("Label2", tr("Open with:"));
-  Text2_ = new ui::TextBox("Text2");
+  Text2_ = new ui::PathBox("Text2");
   Text2_->SetText(QStringLiteral("Notepad.exe"));
   Text2_->setAccessibleName(openWith->text());
   auto* ok = new ui::Button("Command1(0)", tr("&OK"), [this] { Command1_Click(0); });
@@ -40,14 +38,7 @@ void frmNoExtApp::Browse() {
                                 .title = tr("Select an application"),
                                 .filterIndex = 0,
                                 .initialFile = Program()});
-  if (chosen.empty()) return;
-  browsed_ = chosen.native();
-  Text2_->SetText(ui::DisplayText(browsed_));
-}
-
-std::string frmNoExtApp::Program() const {
-  const QString text = Text2_->Text();
-  return text == ui::DisplayText(browsed_) ? browsed_ : text.toStdString();
+  if (!chosen.empty()) Text2_->SetPath(chosen.native());
 }
 
 }  // namespace documents

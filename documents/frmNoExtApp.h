@@ -17,7 +17,7 @@ class frmNoExtApp : public ui::ModalForm {
 
   std::string Tag;  // "A" while it is being shown, then "0" for OK or "1" for Cancel
   ui::TextBox& Text2() { return *Text2_; }
-  std::string Program() const;  // as bytes
+  std::string Program() const { return Text2_->Path(); }
 
   void Command1_Click(int index);  // 0 OK, 1 Cancel, 2 Browse
 
@@ -28,8 +28,7 @@ class frmNoExtApp : public ui::ModalForm {
   void Browse();
 
   services::Services& services_;
-  ui::TextBox* Text2_;
-  std::string browsed_;  // what was chosen last, whose name may be no text
+  ui::PathBox* Text2_;
 };
 
 }  // namespace documents

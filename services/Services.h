@@ -127,6 +127,8 @@ class Services {
   virtual void ShowAutoComplete() = 0;  // in the button and the check mark
   virtual std::unique_ptr<Completion> MakeCompletion(ui::RichTextBox& editor) = 0;
 
+  virtual void mnuPrefItem_Click() = 0;
+
   // InitDocProperties for each of them.
   virtual void RefreshAllDocuments() = 0;
   // Brings menus and status bar in line with the document in that slot.

@@ -17,6 +17,15 @@
 #include <cerrno>
 
 namespace shell {
+namespace {
+
+// In the order in which they are created in a new store.
+constexpr std::string_view kSavedOptions[] = {
+    "SaveWindowState", "Tabs",     "rtbBackColor", "TreeSync",  "TreeDelMethod", "AutoLoadProject",       "Font",
+    "Extensions",      "AutoCopy", "QuoteFile",    "NotesFile", "TextBlocks",    "AutoCompleteAtStartup", "AutoTagFile",
+    "EmailApp",        "NewsApp",  "SNewsApp",     "FTPApp"};
+
+}  // namespace
 
 frmMyMDI::frmMyMDI(ui::Dialogs& dialogs, ui::Shell& shell, Place place)
     : DesktopServices(dialogs, shell, std::make_unique<ui::DesktopFileOperations>(dialogs), std::move(place)),
@@ -123,6 +132,23 @@ void frmMyMDI::ShowOvertype(bool overtype) {
 
 void frmMyMDI::ShowDocumentMenu(int slot, const QPoint& globalPosition) {
   if (documents::frmText* document = table_.Document(slot)) menus_.ShowDocumentPopup(*document, globalPosition);
+}
+
+void frmMyMDI::mnuPrefItem_Click() {
+  const ui::CommandScope scope;
+  if (!options_) options_ = std::make_unique<frmOptions>(*this);
+  options_->Fill(settings_);
+  options_->Tag = "A";
+  dialogs_.ShowModal(*options_);
+  if (options_->Tag == "0") TakeOptions();
+}
+
+void frmMyMDI::TakeOptions() {
+  options_->ReadBack(settings_);
+  CreateTabStops();
+  RefreshAllDocuments();
+  BuildDocumentFilter();
+  services::SaveFromMemory(settingsFile_, settings_, kSavedOptions);
 }
 
 files::Status frmMyMDI::SavePicture(const files::Path& path) {

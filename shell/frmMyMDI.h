@@ -17,6 +17,7 @@
 #include "shell/DesktopServices.h"
 #include "shell/RecentFiles.h"
 #include "shell/SettingsFile.h"
+#include "shell/frmOptions.h"
 #include "ui/frame/FrameForm.h"
 
 #include <QTimer>
@@ -85,6 +86,7 @@ class frmMyMDI final : public DesktopServices {
   void LoadRecentFiles() override { recentFiles_.LoadRecentFiles(); }
   void AskEach() override { confirmation_.AskEach(); }
   void AnswerAllYes() override { confirmation_.AnswerAllYes(); }
+  void mnuPrefItem_Click() override;
   int fncYesNoAll(const QString& prompt) override { return confirmation_.fncYesNoAll(prompt); }
   bool AutoCompleteOn() const override { return autoComplete_.AutoCompleteOn(); }
   void ShowAutoComplete() override;
@@ -105,6 +107,8 @@ class frmMyMDI final : public DesktopServices {
   void OpenWelcomeProject();
   void TakeDropped(const std::vector<std::string>& paths);
   void CreateTabStops();
+  void BuildDocumentFilter();
+  void TakeOptions();
   void Timer3_Tick();
   enum class Found { kAtTheStart, kAtTheEnd };
   void ReportSettingsProblem(Found when);
@@ -144,6 +148,7 @@ class frmMyMDI final : public DesktopServices {
   commands::TreeToolbar treeToolbar_;
   commands::Menus menus_;
   RecentFiles recentFiles_;
+  std::unique_ptr<frmOptions> options_;
 };
 
 }  // namespace shell

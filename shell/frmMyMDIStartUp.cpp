@@ -46,7 +46,7 @@ void frmMyMDI::MDIForm_Load() {
     otherInstanceRuns_ = first && !first.value();
   }
   services::ReadSettings(settingsFile_, SettingsBatch::kFormLoad, settings_);
-  commonDialogs_.BuildDocumentFilter(QString::fromStdString(settings_.Extensions));
+  BuildDocumentFilter();
   CreateTabStops();
   LoadRecentFiles();
   project_.ProjectSaved = true;
@@ -60,6 +60,11 @@ void frmMyMDI::MDIForm_Load() {
 
 void frmMyMDI::CreateTabStops() {
   tabStops_ = services::CreateTabStops(settings_.Tabs);
+}
+
+void frmMyMDI::BuildDocumentFilter() {
+  commonDialogs_.BuildDocumentFilter(QString::fromStdString(settings_.Extensions));
+  settings_.Extensions = commonDialogs_.Extensions().toStdString();
 }
 
 void frmMyMDI::Timer3_Tick() {

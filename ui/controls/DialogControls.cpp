@@ -1,7 +1,11 @@
 #include "ui/controls/DialogControls.h"
 
+#include "ui/PathText.h"
+
 #include <QGridLayout>
 #include <QHBoxLayout>
+#include <QInputMethodEvent>
+#include <QKeyEvent>
 #include <QKeySequence>
 #include <QShortcut>
 #include <QVBoxLayout>
@@ -37,6 +41,29 @@ OptionButton::OptionButton(const char* name, const QString& caption) : QRadioBut
 
 TextBox::TextBox(const char* name) {
   setObjectName(QLatin1String(name));
+}
+
+bool TextBox::MayType(const QString& text) const {
+  return typable_.isEmpty() || std::all_of(text.begin(), text.end(), [this](QChar c) { return typable_.contains(c); });
+}
+
+void TextBox::keyPressEvent(QKeyEvent* event) {
+  const bool types =
+      event->key() != Qt::Key_Delete && event->key() != Qt::Key_Escape && !(event->modifiers() & Qt::AltModifier);
+  if (!types || MayType(event->text())) QLineEdit::keyPressEvent(event);
+}
+
+void TextBox::inputMethodEvent(QInputMethodEvent* event) {
+  if (MayType(event->commitString())) QLineEdit::inputMethodEvent(event);
+}
+
+void PathBox::SetPath(std::string path) {
+  path_ = std::move(path);
+  SetText(DisplayText(path_));
+}
+
+std::string PathBox::Path() const {
+  return Text() == DisplayText(path_) ? path_ : Text().toStdString();
 }
 
 void LayOutInRows(Control& form, const std::vector<std::vector<Control*>>& rows) {

@@ -8,6 +8,7 @@
 #include <QRadioButton>
 
 #include <functional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -56,6 +57,29 @@ class TextBox : public QLineEdit {
   explicit TextBox(const char* name);
   QString Text() const { return text(); }
   void SetText(const QString& text) { setText(text); }
+  // Other characters cannot be typed, nor keys pressed that stand for control characters but these; pasting takes all.
+  void SetTypable(QString characters) { typable_ = std::move(characters); }
+
+ protected:
+  void keyPressEvent(QKeyEvent* event) override;
+  void inputMethodEvent(QInputMethodEvent* event) override;
+
+ private:
+  bool MayType(const QString& text) const;
+  QString typable_;
+};
+
+// A path, which is bytes: those that are no text come back as long as the text that shows them is not changed.
+class PathBox final : public TextBox {
+  Q_OBJECT
+
+ public:
+  explicit PathBox(const char* name) : TextBox(name) {}
+  void SetPath(std::string path);
+  std::string Path() const;
+
+ private:
+  std::string path_;
 };
 
 // Lays out the form in rows from top to bottom; a row's controls stand side by side. Rows of buttons alone stand at the

@@ -1,5 +1,6 @@
 #include "ui/dialogs/FontForm.h"
 
+#include "ui/controls/ColorButton.h"
 #include "ui/dialogs/ColorNumber.h"
 #include "ui/dialogs/ColorPicker.h"
 
@@ -30,7 +31,7 @@ QFont ToQFont(const FontChoice& choice) {
 }  // namespace
 
 FontForm::FontForm(const FontChoice& initial, CustomColors& custom, QWidget* owner)
-    : ModalForm(owner), initial_(initial), custom_(custom), color_(initial.color), fonts_(new QFontDialog(this)) {
+    : ModalForm(owner), initial_(initial), custom_(custom), fonts_(new QFontDialog(this)) {
   setWindowTitle(tr("Font"));
   // The toolkit's dialog has no colour; without its frame and buttons it is a part of this one.
   fonts_->setWindowFlags(Qt::Widget);
@@ -53,8 +54,7 @@ FontForm::FontForm(const FontChoice& initial, CustomColors& custom, QWidget* own
 void FontForm::AddColorRow() {
   auto* row = new QHBoxLayout;
   auto* label = new QLabel(tr("&Color:"), this);
-  colorButton_ = new QPushButton(this);
-  colorButton_->setObjectName(QStringLiteral("color"));
+  colorButton_ = new ColorButton("color", {}, ColorButton::Automatic::kText, [this] { PickColor(); });
   label->setBuddy(colorButton_);
   auto* automatic = new QPushButton(tr("&Automatic"), this);
   colorButton_->setAutoDefault(false);
@@ -64,21 +64,16 @@ void FontForm::AddColorRow() {
   row->addWidget(automatic);
   row->addStretch();
   static_cast<QVBoxLayout*>(layout())->addLayout(row);
-  connect(colorButton_, &QPushButton::clicked, this, &FontForm::PickColor);
   connect(automatic, &QPushButton::clicked, this, [this] { SetColor(-1); });
 }
 
 void FontForm::SetColor(int64_t color) {
-  color_ = color;
-  QPixmap swatch(32, 16);
-  swatch.fill(color < 0 ? palette().color(QPalette::Text) : ToQColor(color));
-  colorButton_->setIconSize(swatch.size());
-  colorButton_->setIcon(swatch);
-  colorButton_->setText(color < 0 ? tr("Automatic") : ToQColor(color).name());
+  colorButton_->SetColor(color);
+  colorButton_->setText(ColorButton::NameOf(color));
 }
 
 void FontForm::PickColor() {
-  const QColor now = color_ < 0 ? palette().color(QPalette::Text) : ToQColor(color_);
+  const QColor now = ToQColor(colorButton_->shownColor());
   if (const auto picked = PickColorWith(this, now, custom_)) SetColor(*picked);
 }
 
@@ -91,7 +86,7 @@ FontChoice FontForm::choice() const {
   if (now.italic() != shown_.italic()) choice.italic = now.italic();
   if (now.strikeOut() != shown_.strikeOut()) choice.strikeThru = now.strikeOut();
   if (now.underline() != shown_.underline()) choice.underline = now.underline();
-  choice.color = color_;
+  choice.color = colorButton_->color();
   return choice;
 }
 

@@ -5,9 +5,10 @@
 #include "ui/dialogs/ModalForm.h"
 
 class QFontDialog;
-class QPushButton;
 
 namespace ui {
+
+class ColorButton;
 
 class FontForm : public ModalForm {
   Q_OBJECT
@@ -27,10 +28,9 @@ class FontForm : public ModalForm {
 
   const FontChoice initial_;
   CustomColors& custom_;
-  int64_t color_;
   QFont shown_;  // what the dialog made of the initial choice
   QFontDialog* fonts_;
-  QPushButton* colorButton_;
+  ColorButton* colorButton_;
 };
 
 }  // namespace ui

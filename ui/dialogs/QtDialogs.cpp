@@ -12,6 +12,7 @@
 #include "ui/dialogs/ProgressForm.h"
 
 #include <QAbstractButton>
+#include <QApplication>
 #include <QCoreApplication>
 #include <QFileDialog>
 #include <QMessageBox>
@@ -21,7 +22,9 @@
 namespace ui {
 namespace {
 
+// A dialog that is open already would cover the next one if that were not its own.
 QWidget* WidgetOf(Form* owner) {
+  if (QWidget* modal = QApplication::activeModalWidget()) return modal;
   return owner ? owner->widget() : nullptr;
 }
 
