@@ -4,7 +4,7 @@
 #include "autocomplete/AutoComplete.h"
 #include "documents/DocumentTable.h"
 #include "documents/Opening.h"
-#include "foldertree/FolderTree.h"
+#include "foldertree/TreeFiles.h"
 #include "project/ProjectList.h"
 #include "search/Find.h"
 #include "services/Services.h"
@@ -18,14 +18,16 @@ namespace commands {
 class Commands {
  public:
   Commands(services::Services& services, documents::DocumentTable& table, documents::Opening& opening,
-           project::Project& project, project::ProjectList& list, foldertree::FolderTree& tree, search::Find& find,
-           autocomplete::AutoComplete& autoComplete, ui::ToolBar& toolbar)
+           project::Project& project, project::ProjectList& list, foldertree::FolderTree& tree,
+           foldertree::TreeFiles& treeFiles, search::Find& find, autocomplete::AutoComplete& autoComplete,
+           ui::ToolBar& toolbar)
       : services_(services),
         table_(table),
         opening_(opening),
         project_(project),
         list_(list),
         tree_(tree),
+        treeFiles_(treeFiles),
         find_(find),
         autoComplete_(autoComplete),
         Toolbar1_(toolbar) {}
@@ -59,6 +61,18 @@ class Commands {
   void mnuListEditPrj_Click() { list_.mnuListEditPrj_Click(); }
 
   // --- Folder tree
+  void mnuTreeOpen_Click() { treeFiles_.mnuTreeOpen_Click(); }
+  void mnuRCTreeOpen_Click() { treeFiles_.mnuRCTreeOpen_Click(); }
+  void mnuTreeOpenExt_Click() { treeFiles_.mnuTreeOpenExt_Click(); }
+  void mnuRCTreeOpenExt_Click() { treeFiles_.mnuRCTreeOpenExt_Click(); }
+  void mnuTreeAdd2List_Click() { treeFiles_.mnuTreeAdd2List_Click(); }
+  void mnuRCTreeAdd2List_Click() { treeFiles_.mnuRCTreeAdd2List_Click(); }
+  void mnuTreeCopyPath_Click() { treeFiles_.mnuTreeCopyPath_Click(); }
+  void mnuRCTreeCopyPath_Click() { treeFiles_.mnuRCTreeCopyPath_Click(); }
+  void mnuTreeDelete_Click() { treeFiles_.mnuTreeDelete_Click(); }
+  void mnuRCTreeDelete_Click() { treeFiles_.mnuRCTreeDelete_Click(); }
+  void mnuTreeRename_Click() { treeFiles_.mnuTreeRename_Click(); }
+  void mnuTreeCreateFolder_Click() { treeFiles_.mnuTreeCreateFolder_Click(); }
   void mnuTreeSync_Click() { tree_.mnuTreeSync_Click(); }
   void mnuTreeDirChg_Click() { tree_.mnuTreeDirChg_Click(); }
   void mnuTreeCollapseAll_Click() { tree_.mnuTreeCollapseAll_Click(); }
@@ -101,6 +115,7 @@ class Commands {
   project::Project& project_;
   project::ProjectList& list_;
   foldertree::FolderTree& tree_;
+  foldertree::TreeFiles& treeFiles_;
   search::Find& find_;
   autocomplete::AutoComplete& autoComplete_;
   ui::ToolBar& Toolbar1_;

@@ -12,6 +12,7 @@ struct TreeButton {
 
 // clang-format off
 constexpr TreeButton kButtons[] = {
+  {{"treeOpen", QT_TRANSLATE_NOOP("Toolbar", "Open"), QT_TRANSLATE_NOOP("Toolbar", "Open"), "open"}, &Commands::mnuTreeOpen_Click},
   {{"treeSyncDir", QT_TRANSLATE_NOOP("Toolbar", "Sync w/current directory"), QT_TRANSLATE_NOOP("Toolbar", "Sync w/current directory"), "tree-sync"}, &Commands::mnuTreeSync_Click},
   {{"treeCollapse", QT_TRANSLATE_NOOP("Toolbar", "Collapse all"), QT_TRANSLATE_NOOP("Toolbar", "Collapse all"), "tree-collapse"}, &Commands::mnuTreeCollapseAll_Click},
   {{"treeRefresh", QT_TRANSLATE_NOOP("Toolbar", "Refresh folder"), QT_TRANSLATE_NOOP("Toolbar", "Refresh folder"), "tree-refresh"}, &Commands::mnuTreeRefresh_Click},

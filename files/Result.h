@@ -13,7 +13,7 @@ namespace files {
 using Path = std::filesystem::path;
 
 // The program's error numbers that somebody asks for.
-constexpr int kFileNotFound = 53, kPathAccess = 75;
+constexpr int kFileNotFound = 53, kPathAccess = 75, kPathNotFound = 76;
 
 struct Error {
   int number =

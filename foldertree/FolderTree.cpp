@@ -8,7 +8,10 @@
 #include "ui/PendingEvents.h"
 #include "ui/desktop/Shell.h"
 
+#include <algorithm>
 #include <cerrno>
+#include <functional>
+#include <map>
 #include <utility>
 
 namespace foldertree {
@@ -66,10 +69,28 @@ void FolderTree::EnsureVisible(const std::string& key) {
   if (const auto place = nodes_.Find(key)) TreeView1_.EnsureVisible(*place);
 }
 
-void FolderTree::RemoveNode(const std::string& key) {
-  const auto place = nodes_.Find(key);
-  if (!place || *place == NodeTable::kRoot) return;
-  TreeView1_.RemoveBelow(nodes_.Parent(*place), place->row, 1, [&] { nodes_.Remove(*place); });
+// Neighbours in one step: each step lays out all that is shown.
+void FolderTree::RemoveNodes(const std::vector<std::string>& keys) {
+  std::map<ui::TreeList, std::vector<int>> rows;
+  for (const std::string& key : keys)
+    if (const auto place = nodes_.Find(key); place && *place != NodeTable::kRoot)
+      rows[place->list].push_back(place->row);
+  for (auto& [list, going] : rows) {
+    std::ranges::sort(going, std::greater());
+    for (size_t last = 0, next; last < going.size(); last = next) {
+      if (nodes_.Count(list) == 0) break;  // gone with a folder above
+      for (next = last + 1; next < going.size() && going[next] == going[next - 1] - 1;) ++next;
+      const int first = going[next - 1], count = static_cast<int>(next - last);
+      TreeView1_.RemoveBelow(nodes_.PlaceOf(list), first, count, [&] { nodes_.Remove({list, first}, count); });
+    }
+  }
+}
+
+void FolderTree::AddFolder(const std::string& parentKey, const std::string& name) {
+  const auto parent = nodes_.Find(parentKey);
+  if (!parent) return;
+  const int row = nodes_.RowFor(*parent, name);
+  TreeView1_.InsertBelow(*parent, row, 1, [&] { nodes_.AddFolder(*parent, row, name); });
 }
 
 void FolderTree::ClearNodes() {
@@ -113,14 +134,9 @@ files::Status FolderTree::ListFolder(const std::string& path) {
   const bool changed = path.empty() || ChangeDirectory(path);
   const std::string folder = path.empty() ? TreeRoot : path;
   files::Result<files::FolderEntries> read = files::FolderEntries();
-  services_.dialogs().RunWork(services_.forms().at(0), tr("Reading the folder\r\n%1").arg(ui::ShortDisplayText(folder)),
-                              0, [&](ui::WorkPort& port) {
-                                try {
-                                  read = files::ReadFolder(folder, [&] { return !port.cancelled(); });
-                                } catch (const std::bad_alloc&) {
-                                  read = files::SystemError(ENOMEM, folder);
-                                }
-                              });
+  services_.dialogs().RunWork(
+      services_.forms().at(0), tr("Reading the folder\r\n%1").arg(ui::ShortDisplayText(folder)), 0,
+      [&](ui::WorkPort& port) { read = files::ReadFolder(folder, [&] { return !port.cancelled(); }); });
   if (!read) {
     if (changed && !path.empty()) Report(path, read.error());  // else it has been told, or the caller tells it
     return read.error();

@@ -56,6 +56,7 @@ class FolderTree : public QObject {
 
   // --- For the operations on files
   NodeTable& Nodes() { return nodes_; }
+  const NodeTable& Nodes() const { return nodes_; }
   ui::TreeView& view() { return TreeView1_; }
   std::optional<std::string> SelectedKey() const;
   bool Exists(const std::string& key) const { return nodes_.Find(key).has_value(); }
@@ -66,7 +67,8 @@ class FolderTree : public QObject {
   void Select(const std::string& key);
   void Check(const std::string& key);
   void EnsureVisible(const std::string& key);
-  void RemoveNode(const std::string& key);
+  void RemoveNodes(const std::vector<std::string>& keys);  // and all below them
+  void AddFolder(const std::string& parentKey, const std::string& name);
   void ShowTooManyEntries();
 
  private:

@@ -22,6 +22,12 @@ void FolderTree::On(Signal signal, Handler handler) {
 
 void FolderTree::ConnectView() {
   On(&ui::TreeView::ToggleWanted, [this](TreePlace node) { ToggleFolderNode(nodes_.Key(node)); });
+  // A click on a folder opens or closes it, one on a file checks it.
+  On(&ui::TreeView::NodeClicked, [this](TreePlace node) {
+    if (nodes_.Image(node) != TreeImage::kLeaf) return ToggleFolderNode(nodes_.Key(node));
+    nodes_.SetChecked(node, !nodes_.Checked(node));
+    TreeView1_.ShowChanged(node);
+  });
   On(&ui::TreeView::RefreshPressed, [this] { mnuTreeRefresh_Click(); });
   On(&ui::TreeView::MenuRequested, [this](const QPoint& position) {
     if (menu_) menu_(position);

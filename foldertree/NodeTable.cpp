@@ -181,12 +181,12 @@ void NodeTable::AddFolder(TreePlace folder, int row, std::string_view name) {
   Renumber(list, static_cast<size_t>(row));
 }
 
-void NodeTable::Remove(TreePlace place) {
-  RemoveChildren(place);
-  List& list = lists_.at(place.list);
-  list.nodes.erase(list.nodes.begin() + place.row);
-  --count_;
-  Renumber(list, static_cast<size_t>(place.row));
+void NodeTable::Remove(TreePlace first, int count) {
+  for (int row = first.row; row < first.row + count; ++row) RemoveChildren({first.list, row});
+  List& list = lists_.at(first.list);
+  list.nodes.erase(list.nodes.begin() + first.row, list.nodes.begin() + first.row + count);
+  count_ -= static_cast<size_t>(count);
+  Renumber(list, static_cast<size_t>(first.row));
 }
 
 // Tells the lists below the nodes that have moved.

@@ -108,6 +108,9 @@ class Services {
   // --- The project
   // Appends the path unless the project has it; its line is selected then.
   virtual void AddNewDocOrLink(const std::string& path) = 0;
+  // The same for each of them, in one go.
+  virtual void AddNewDocsOrLinks(const std::vector<std::string>& paths) = 0;
+  virtual void LoadProject(const std::string& path) = 0;  // unasked
   // The line of the entry, now selected; a number not below the list's count when there is none.
   virtual int FindPathInList(const std::string& path) = 0;
   // Offers to save a changed project. False: the user pressed Cancel.

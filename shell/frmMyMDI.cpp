@@ -40,7 +40,10 @@ frmMyMDI::frmMyMDI(ui::Dialogs& dialogs, ui::Shell& shell, Place place)
       project_(*this, frame_.leftPane().List1()),
       projectList_(*this, project_, frame_.leftPane().List1()),
       tree_(*this, commonDialogs_.currentDirectory(), frame_.leftPane().Drive1(), frame_.leftPane().TreeView1()),
-      commands_(*this, table_, opening_, project_, projectList_, tree_, find_, autoComplete_, frame_.toolbar()),
+      treeFiles_(*this, tree_),
+      treeDrag_(*this, tree_, treeFiles_),
+      commands_(*this, table_, opening_, project_, projectList_, tree_, treeFiles_, find_, autoComplete_,
+                frame_.toolbar()),
       toolbar_(frame_, commands_, *this, table_),
       listToolbar_(frame_.leftPane(), commands_, *this, table_),
       treeToolbar_(frame_.leftPane().Toolbar3(), commands_, *this),
@@ -78,6 +81,11 @@ void frmMyMDI::TakeDropped(const std::vector<std::string>& paths) {
     }
     ui::LetPendingEventsRun();
   }
+}
+
+void frmMyMDI::LoadProject(const std::string& path) {
+  project_.ProjectFile = path;
+  project_.LoadProject();
 }
 
 ui::RichTextBox* frmMyMDI::EditorOf(int slot) const {

@@ -10,7 +10,7 @@
 #include "documents/DocumentTable.h"
 #include "documents/Opening.h"
 #include "files/LockFile.h"
-#include "foldertree/FolderTree.h"
+#include "foldertree/TreeDrag.h"
 #include "project/ProjectList.h"
 #include "search/Find.h"
 #include "search/frmYesNoAll.h"
@@ -58,6 +58,7 @@ class frmMyMDI final : public DesktopServices {
   project::Project& project() { return project_; }
   project::ProjectList& projectList() { return projectList_; }
   foldertree::FolderTree& folderTree() { return tree_; }
+  foldertree::TreeFiles& treeFiles() { return treeFiles_; }
   autocomplete::AutoComplete& autoComplete() { return autoComplete_; }
   // Another copy was there first: it has the panes and their files.
   bool otherInstanceRuns() const { return otherInstanceRuns_; }
@@ -79,6 +80,8 @@ class frmMyMDI final : public DesktopServices {
   void SetFocusFromFindAll(int slot) override;
   bool TakeFocusFromFindAll() override { return std::exchange(find_.engine().FocusFromFindAll, false); }
   void AddNewDocOrLink(const std::string& path) override { project_.AddNewDocOrLink(path); }
+  void AddNewDocsOrLinks(const std::vector<std::string>& paths) override { project_.AddNewDocsOrLinks(paths); }
+  void LoadProject(const std::string& path) override;
   int FindPathInList(const std::string& path) override { return project_.FindPathInList(path); }
   bool fncconfirm(std::string_view what) override { return project_.fncconfirm(what); }
   const std::vector<std::string>& recentFiles() const override { return recentFiles_.shown(); }
@@ -142,6 +145,8 @@ class frmMyMDI final : public DesktopServices {
   project::Project project_;
   project::ProjectList projectList_;
   foldertree::FolderTree tree_;
+  foldertree::TreeFiles treeFiles_;
+  foldertree::TreeDrag treeDrag_;
   commands::Commands commands_;
   commands::Toolbar toolbar_;
   commands::ListToolbar listToolbar_;

@@ -4,11 +4,15 @@
 #include "ui/PendingEvents.h"
 #include "ui/controls/FocusFrame.h"
 #include "ui/controls/TreeModel.h"
+#include "ui/desktop/DroppedFiles.h"
 
 #include <QApplication>
+#include <QDrag>
 #include <QHeaderView>
 #include <QHelpEvent>
+#include <QMimeData>
 #include <QMouseEvent>
+#include <QPainter>
 #include <QTimer>
 #include <QToolTip>
 
@@ -35,6 +39,9 @@ TreeView::TreeView(QWidget* parent) : QTreeView(parent), model_(new TreeModel(th
   setRootIsDecorated(false);
   setIndentation(kIndentation);
   setTextElideMode(Qt::ElideMiddle);
+  setAcceptDrops(true);
+  viewport()->setAcceptDrops(true);
+  setAutoScroll(false);
   setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
   model_->SetRename([this](const QString& text) { TakeLabel(text); });
 }
@@ -122,6 +129,10 @@ void TreeView::closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint h
 void TreeView::paintEvent(QPaintEvent* event) {
   QTreeView::paintEvent(event);
   PaintFocusFrame(*this);
+  if (!highlighted_.isValid()) return;
+  QPainter painter(viewport());
+  painter.setPen(QPen(palette().color(QPalette::Highlight), 2));
+  painter.drawRect(visualRect(highlighted_).adjusted(1, 1, -1, -1));
 }
 
 // Lines are at least as wide as the pane.
@@ -152,21 +163,34 @@ bool TreeView::IsOnArrow(const QModelIndex& index, const QPoint& point) const {
   return point.x() < text.left() && point.x() >= text.left() - indentation();
 }
 
+// A press with a modifier only arms a drag; let go before the pointer has moved it is the ordinary click.
 void TreeView::mousePressEvent(QMouseEvent* event) {
   pressed_ = QModelIndex();
+  armed_.reset();
   if (event->button() == Qt::RightButton) return;  // contextMenuEvent does it
   const QModelIndex index = indexAt(event->pos());
   if (event->button() == Qt::LeftButton && IsOnArrow(index, event->pos()))
     return EmitFor(index, &TreeView::ToggleWanted);
+  const bool modified = event->modifiers() & (Qt::ShiftModifier | Qt::ControlModifier);
+  if (event->button() == Qt::LeftButton && modified && dragFiles_ && index.isValid()) {
+    armed_.reset(event->clone());
+    pressed_ = index;
+    return;
+  }
   QTreeView::mousePressEvent(event);
   if (event->button() == Qt::LeftButton && visualRect(index).contains(event->pos())) pressed_ = index;
 }
 
 void TreeView::mouseMoveEvent(QMouseEvent* event) {
-  if (event->buttons() == Qt::NoButton) QTreeView::mouseMoveEvent(event);
+  if (!armed_) {
+    if (event->buttons() == Qt::NoButton) QTreeView::mouseMoveEvent(event);
+  } else if ((event->pos() - armed_->pos()).manhattanLength() >= QApplication::startDragDistance()) {
+    StartDrag();
+  }
 }
 
 void TreeView::mouseReleaseEvent(QMouseEvent* event) {
+  if (const auto press = std::exchange(armed_, nullptr)) QTreeView::mousePressEvent(press.get());
   const QPersistentModelIndex index = std::exchange(pressed_, QModelIndex());
   const QVariant before = index.data(Qt::CheckStateRole);
   QTreeView::mouseReleaseEvent(event);
@@ -252,6 +276,79 @@ void TreeView::focusInEvent(QFocusEvent* event) {
 void TreeView::focusOutEvent(QFocusEvent* event) {
   QTreeView::focusOutEvent(event);
   viewport()->update();
+}
+
+// --- Drag and drop
+
+void TreeView::StartDrag() {
+  const auto press = std::exchange(armed_, nullptr);
+  setCurrentIndex(std::exchange(pressed_, QModelIndex()));
+  const bool mayMove = press->modifiers() & Qt::ShiftModifier;
+  auto files = MimeDataOfFiles(dragFiles_(mayMove ? 3 : 1));
+  if (HoldsFiles(*files)) {
+    auto* drag = new QDrag(this);
+    drag->setMimeData(files.release());
+    drag->exec(mayMove ? Qt::CopyAction | Qt::MoveAction : Qt::CopyAction, Qt::CopyAction);
+  }
+  AfterThisEvent([this] { Q_EMIT DragEnded(); });
+}
+
+// A program that would delete what it was told is moved is told that it is copied.
+void TreeView::Answer(QDropEvent& event) {
+  const QModelIndex index = indexAt(event.position().toPoint());
+  DropOffer offer;
+  if (holdsFiles_ && dropOffer_)
+    offer = dropOffer_(index.isValid() ? std::optional(TreeModel::PlaceOf(index)) : std::nullopt,
+                       event.position().toPoint());
+  const bool own = event.source() == this, move = event.modifiers() & Qt::ShiftModifier;
+  const bool moves = own && move && event.possibleActions() & Qt::MoveAction;
+  event.setDropAction(moves ? Qt::MoveAction : Qt::CopyAction);
+  event.setAccepted(offer.accepted && (moves || event.possibleActions() & Qt::CopyAction));
+  Highlight(offer.highlighted ? index : QModelIndex());
+}
+
+void TreeView::Highlight(const QModelIndex& index) {
+  if (highlighted_ == index) return;
+  highlighted_ = index;
+  viewport()->update();
+}
+
+// The source is asked for its data once, not at each move.
+void TreeView::dragEnterEvent(QDragEnterEvent* event) {
+  holdsFiles_ = HoldsFiles(*event->mimeData());
+  Answer(*event);
+  if (holdsFiles_) event->accept();  // else no moves are told
+}
+
+void TreeView::dragMoveEvent(QDragMoveEvent* event) {
+  Answer(*event);
+}
+
+void TreeView::dragLeaveEvent(QDragLeaveEvent*) {
+  Highlight({});
+  Q_EMIT DragLeft();
+}
+
+void TreeView::dropEvent(QDropEvent* event) {
+  Drop drop{.files = FilesOf(*event->mimeData()), .own = event->source() == this};
+  holdsFiles_ = !drop.files.empty();
+  Answer(*event);
+  Highlight({});
+  Q_EMIT DragLeft();
+  if (!event->isAccepted()) return;
+  drop.target = PathOf(indexAt(event->position().toPoint()));
+  drop.move = event->modifiers() & Qt::ShiftModifier && event->possibleActions() & Qt::MoveAction;
+  AfterThisEvent([this, drop] { Q_EMIT FilesDropped(drop); });
+}
+
+std::string TreeView::PathOf(QModelIndex index) const {
+  std::string path;
+  for (; index.isValid(); index = index.parent()) {
+    std::string text(source_->Text(TreeModel::PlaceOf(index)));
+    if (!path.empty() && !text.ends_with('/')) text += '/';
+    path.insert(0, text);
+  }
+  return path;
 }
 
 // The event may have come in the middle of a command.

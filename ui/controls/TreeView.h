@@ -40,6 +40,24 @@ class TreeView : public QTreeView {
   double fontSize() const { return font().pointSizeF(); }
   void SetFontSize(double points);
 
+  // --- Drag and drop of files. Effects: 1 = may be copied, 3 = may be moved too.
+  struct DropOffer {
+    bool accepted = false;
+    bool highlighted = false;
+  };
+  struct Drop {
+    std::string target;  // the text of each node from the root down, joined with "/"
+    std::vector<std::string> files;
+    bool move = false;
+    bool own = false;  // dragged out of this tree
+  };
+  // The files of a drag that begins now; none = no drag.
+  void SetDragFiles(std::function<std::vector<std::string>(int effects)> files) { dragFiles_ = std::move(files); }
+  // Asked at each move over the tree: whether files may be dropped on the node.
+  void SetDropOffer(std::function<DropOffer(std::optional<TreePlace> node, const QPoint& point)> offer) {
+    dropOffer_ = std::move(offer);
+  }
+
   // --- Changing a name in place
   void StartLabelEdit();  // of the selected node
 
@@ -49,12 +67,15 @@ class TreeView : public QTreeView {
   void ToggleWanted(TreePlace node);  // of a folder, by its arrow or a key
   void DoubleClicked();               // on the selected node
   void LabelEdited(const std::string& name);
+  void FilesDropped(const Drop& drop);
+  void DragEnded();  // one out of this tree
   // At once.
   void EnterPressed();
   void RefreshPressed();
   void Deleted(bool shift);  // the Delete key was let go
   void LabelEditBegins();
   void LabelEditCancelled();
+  void DragLeft();  // or was let go
   // A node was pressed with the right button, or the menu key was. It is the selected one by then.
   void MenuRequested(const QPoint& globalPosition);
 
@@ -71,6 +92,10 @@ class TreeView : public QTreeView {
   void keyReleaseEvent(QKeyEvent* event) override;
   void focusInEvent(QFocusEvent* event) override;
   void focusOutEvent(QFocusEvent* event) override;
+  void dragEnterEvent(QDragEnterEvent* event) override;
+  void dragMoveEvent(QDragMoveEvent* event) override;
+  void dragLeaveEvent(QDragLeaveEvent* event) override;
+  void dropEvent(QDropEvent* event) override;
   void closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint hint) override;
 
  private:
@@ -81,12 +106,21 @@ class TreeView : public QTreeView {
   void ShowToolTip(const QHelpEvent& event);
   void RequestMenuByKey();
   void TakeLabel(const QString& text);
+  void StartDrag();
+  void Answer(QDropEvent& event);
+  void Highlight(const QModelIndex& index);
+  std::string PathOf(QModelIndex index) const;
 
   TreeModel* model_;
   TreeSource* source_ = nullptr;
   QPersistentModelIndex pressed_;        // by the left button, where a click may become of it
   QPersistentModelIndex clicked_;        // before a double click
   std::optional<std::string> newLabel_;  // of the edit that ends
+  std::function<std::vector<std::string>(int)> dragFiles_;
+  std::function<DropOffer(std::optional<TreePlace>, const QPoint&)> dropOffer_;
+  std::unique_ptr<QMouseEvent> armed_;  // the press with a modifier that may become a drag
+  QPersistentModelIndex highlighted_;   // what is dropped on
+  bool holdsFiles_ = false;             // what is dragged over it
 };
 
 }  // namespace ui
