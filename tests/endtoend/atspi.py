@@ -192,3 +192,73 @@ def selected_rectangle(pid, name):
     def rectangle(text, range):
         return text.get_range_extents(range.start_offset, range.end_offset, Atspi.CoordType.SCREEN)
     return _steady(lambda: _in_editor(pid, name, rectangle), None)
+
+
+def _tree(pid, name):
+    for window in _windows(pid):
+        for node in _walk(window) if window else []:
+            if node.get_role_name() in ("tree", "tree table") and node.get_name() == name:
+                return node
+    return None
+
+
+def steps_to(pid, name, text):
+    """How many nodes the last one with that text is below the selected one; nothing when one of them is not there."""
+    def steps():
+        tree = _tree(pid, name)
+        place = selected = None
+        for i in range(tree.get_child_count() if tree else 0, 0, -1):
+            node = tree.get_child_at_index(i - 1)
+            if place is None and node.get_name() == text:
+                place = i
+            if node.get_state_set().contains(Atspi.StateType.SELECTED):
+                selected = i
+            if place is not None and selected is not None:
+                return place - selected
+        return None
+    return _steady(steps, None)
+
+
+def _of_node(pid, name, text, answer):
+    tree = _tree(pid, name)
+    for i in range(tree.get_child_count() if tree else 0, 0, -1):
+        node = tree.get_child_at_index(i - 1)
+        if node and node.get_name() == text:
+            return answer(node)
+    return None
+
+
+def has_node(pid, name, text):
+    return _steady(lambda: _of_node(pid, name, text, lambda node: True), False)
+
+
+def is_checked(pid, name, text):
+    """Whether the last node with that text has a check mark; nothing when there is none."""
+    return _steady(lambda: _of_node(pid, name, text,
+                                    lambda node: node.get_state_set().contains(Atspi.StateType.CHECKED)), None)
+
+
+def node_extents(pid, name, text):
+    """Where on the display the last node with that text is."""
+    return _steady(lambda: _of_node(pid, name, text, lambda node: node.get_component_iface().get_extents(
+        Atspi.CoordType.SCREEN)), None)
+
+
+def selected_node(pid, name):
+    """The text of the selected node, or nothing. (The toolkit mixes up the rows of a tree's selection.)"""
+    def selected():
+        tree = _tree(pid, name)
+        for i in range(tree.get_child_count() if tree else 0, 0, -1):
+            node = tree.get_child_at_index(i - 1)
+            if node and node.get_state_set().contains(Atspi.StateType.SELECTED):
+                return node.get_name()
+        return None
+    return _steady(selected, None)
+
+
+def tree_has_focus(pid, name):
+    """Not while a name is changed in it."""
+    def focused():
+        tree = _tree(pid, name)
+        return bool(tree) and tree.get_state_set().contains(Atspi.StateType.FOCUSED)
+    return _steady(focused, False)

@@ -1,8 +1,8 @@
 #!/usr/bin/python3
-"""Another program to drag files from and to: drag_peer.py [URI...]
+"""Another program to drag files from and to: drag_peer.py [--move] [URI...]
 
 A small window at the upper left corner of the display. What is dragged out of it is a list of the given addresses, which
-may be copied. It prints a line for each thing that happens: "ready", "begun", "offered ACTION" (what the window under the
+may be copied, and moved when it is told so. It prints a line for each thing that happens: "ready", "begun", "offered ACTION" (what the window under the
 pointer would do), "taken", "ended ACTION"; and as a target "over" and "got ADDRESS...".
 """
 
@@ -26,7 +26,7 @@ def name_of(action):
 
 
 class Peer(Gtk.Window):
-    def __init__(self, uris):
+    def __init__(self, uris, actions):
         super().__init__(title="Drag peer")
         self.set_decorated(False)
         self.set_accept_focus(False)
@@ -38,7 +38,7 @@ class Peer(Gtk.Window):
         self.add(box)
         if uris:
             self.uris, self.offered, self.failed = uris, None, False
-            box.drag_source_set(Gdk.ModifierType.BUTTON1_MASK, [URIS], Gdk.DragAction.COPY)
+            box.drag_source_set(Gdk.ModifierType.BUTTON1_MASK, [URIS], actions)
             box.connect("drag-begin", self.begin)
             box.connect("drag-data-get", self.give)
             box.connect("drag-failed", self.fail)
@@ -89,5 +89,7 @@ class Peer(Gtk.Window):
         say("got", *data.get_uris())
 
 
-Peer(sys.argv[1:])
+arguments = sys.argv[1:]
+MOVES = arguments[:1] == ["--move"]
+Peer(arguments[MOVES:], Gdk.DragAction.COPY | Gdk.DragAction.MOVE if MOVES else Gdk.DragAction.COPY)
 Gtk.main()

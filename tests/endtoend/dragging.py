@@ -8,7 +8,8 @@ import urllib.parse
 import atspi
 import cases
 import harness
-from projects import LIST, ProjectTest, text_of
+from foldertree import TREE, TreeTest
+from projects import LIST, text_of
 
 PEER = os.path.join(os.path.dirname(os.path.abspath(__file__)), "drag_peer.py")
 with open(PEER, encoding="utf-8") as file:
@@ -20,9 +21,9 @@ class Peer:
 
     AT = (60, 45)
 
-    def __init__(self, home, *paths):
+    def __init__(self, home, *paths, moves=False):
         self.log = home.at("peer")
-        uris = ["file://" + urllib.parse.quote(path) for path in paths]
+        uris = ["--move"] * moves + ["file://" + urllib.parse.quote(path) for path in paths]
         with open(self.log, "wb") as log:
             self.process = subprocess.Popen([sys.executable, "-c", SOURCE, *uris], stdin=subprocess.DEVNULL, stdout=log,
                                             stderr=subprocess.STDOUT, cwd=home.folder,
@@ -44,10 +45,10 @@ class Peer:
         self.process.wait()
 
 
-class DragTest(ProjectTest):
+class DragTest(TreeTest):
     def setUp(self):
         super().setUp()
-        self.addCleanup(self.mouse, "mouseup", "1", "keyup", "ctrl", "mousemove", "1279", "959")
+        self.addCleanup(self.mouse, "mouseup", "1", "keyup", "ctrl", "keyup", "shift", "mousemove", "1279", "959")
 
     def mouse(self, *arguments):
         cases.SESSION.tool("xdotool", *arguments, check=True)
@@ -63,8 +64,8 @@ class DragTest(ProjectTest):
         for x in (place[0] + 2, place[0]):
             self.mouse("mousemove", str(x), str(place[1]))
 
-    def peer(self, *paths):
-        peer = Peer(self.home, *paths)
+    def peer(self, *paths, **options):
+        peer = Peer(self.home, *paths, **options)
         self.addCleanup(peer.kill)
         return peer
 
@@ -193,4 +194,75 @@ class Out(DragTest):
         self.assertEqual([urllib.parse.unquote_to_bytes(uri) for uri in got],
                          [urllib.parse.unquote_to_bytes(uri) for uri in uris])
         self.assertEqual(len(self.lines(program)), 5)
+        self.end(program)
+
+
+class Tree(DragTest):
+    ODD = [b"caf\xe9 & <b>.txt", b"line\nbreak.txt"]
+
+    def setUp(self):
+        super().setUp()
+        for name in (b"source", b"target"):
+            os.mkdir(os.path.join(self.work, name))
+
+    def place_of_node(self, program, name):
+        found = program.wait_until(lambda: atspi.node_extents(program.pid, TREE, text_of(name)), f"{name!r}")
+        return int(found.x + found.width - 8), int(found.y + found.height / 2)
+
+    def wait_for_files(self, program, folder, names):
+        path = os.path.join(self.work, folder)
+        program.wait_until(lambda: sorted(os.listdir(path)) == sorted(names), f"{names} in {folder}")
+
+    def test_copied_and_moved_into_it(self):
+        paths = [self.put(os.path.join(b"source", name), b"bytes of " + name) for name in self.ODD]
+        program = self.start_synchronised()
+        self.go_to(program, "target")
+        peer = self.peer(*paths, moves=True)
+        self.pick_up(peer)
+        self.drop(peer, self.place_of_node(program, "target"))
+        self.wait_for_files(program, b"target", self.ODD)
+        self.wait_for_node(program, self.ODD[0])
+        self.assertEqual(len(os.listdir(os.path.join(self.work, b"source"))), 2)
+        peer.kill()
+        # Moved: the other program is told "copied", so that it deletes nothing itself.
+        later = self.put(b"source/later.txt", b"later")
+        peer = self.peer(later, moves=True)
+        self.pick_up(peer)
+        self.mouse("keydown", "shift")
+        self.drop(peer, self.place_of_node(program, "target"))
+        self.mouse("keyup", "shift")
+        self.wait_for_files(program, b"target", [*self.ODD, b"later.txt"])
+        self.wait_for_files(program, b"source", self.ODD)
+        self.wait_for_node(program, "later.txt")
+        self.end(program)
+
+    def drag_node(self, program, key, name, place):
+        x, y = self.place_of_node(program, name)
+        self.mouse("mousemove", str(x), str(y), "keydown", key, "mousedown", "1")
+        for step in range(1, 6):
+            self.mouse("mousemove", str(x + step), str(y + 4 * step))
+        self.move(place)
+
+    def test_dragged_out_and_within(self):
+        for name in self.ODD:
+            self.put(name)
+        program = self.start_synchronised()
+        for name in sorted(self.ODD):
+            self.go_to(program, name)
+            cases.SESSION.keys("space")
+            self.wait_for_check(program, name)
+        peer = self.peer()
+        self.drag_node(program, "ctrl", self.ODD[0], Peer.AT)
+        peer.wait_for("over", lambda: self.tremble(Peer.AT))
+        self.mouse("mouseup", "1", "keyup", "ctrl")
+        program.wait_until(lambda: any(line.startswith("got ") for line in peer.said()), "the files arrive")
+        got = next(line for line in peer.said() if line.startswith("got ")).split()[1:]
+        self.assertCountEqual([urllib.parse.unquote_to_bytes(uri) for uri in got],
+                              [b"file://" + os.path.join(self.work, name) for name in self.ODD])
+        peer.kill()
+        place = self.place_of_node(program, "target")
+        self.drag_node(program, "shift", self.ODD[0], place)
+        self.tremble(place)
+        self.mouse("mouseup", "1", "keyup", "shift")
+        self.wait_for_files(program, b"target", self.ODD)
         self.end(program)

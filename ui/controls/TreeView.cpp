@@ -16,6 +16,7 @@
 #include <QTimer>
 #include <QToolTip>
 
+#include <algorithm>
 #include <utility>
 
 namespace ui {
@@ -29,8 +30,7 @@ TreeView::TreeView(QWidget* parent) : QTreeView(parent), model_(new TreeModel(th
   setModel(model_);
   setHeaderHidden(true);
   header()->setStretchLastSection(false);
-  header()->setSectionResizeMode(QHeaderView::ResizeToContents);
-  header()->setResizeContentsPrecision(0);  // what is seen; looking at every node would take its time
+  header()->setSectionResizeMode(QHeaderView::Fixed);  // FitColumn sets it
   setUniformRowHeights(true);
   setTabKeyNavigation(false);
   setEditTriggers(QAbstractItemView::NoEditTriggers);
@@ -54,6 +54,7 @@ void TreeView::SetSource(TreeSource* source) {
 }
 
 void TreeView::Reset(const std::function<void()>& change) {
+  widest_ = 0;
   model_->Reset(change);
   expand(model_->index(0, 0, {}));
 }
@@ -64,6 +65,7 @@ void TreeView::InsertBelow(TreePlace node, int first, int count, const std::func
 }
 
 void TreeView::RemoveBelow(TreePlace node, int first, int count, const std::function<void()>& change) {
+  widest_ = 0;
   model_->Remove(node, first, count, change);
 }
 
@@ -98,6 +100,7 @@ void TreeView::SetFontSize(double points) {
   QFont sized = font();
   sized.setPointSizeF(points);
   setFont(sized);
+  widest_ = 0;
 }
 
 // --- Changing a name in place
@@ -108,16 +111,22 @@ void TreeView::StartLabelEdit() {
   setFocus();
   Q_EMIT LabelEditBegins();
   edit(currentIndex());
+  editor_ = indexWidget(currentIndex());
 }
 
 // What is around the part that was changed keeps its bytes, though they may show as something else.
 void TreeView::TakeLabel(const QString& text) {
-  newLabel_ = EditedName(source_->Text(TreeModel::PlaceOf(currentIndex())), text);
+  if (editor_) newLabel_ = EditedName(source_->Text(TreeModel::PlaceOf(currentIndex())), text);
 }
 
 void TreeView::closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint hint) {
+  // Hiding the editor takes its focus, which would end it once more.
+  const bool ends = editor && editor_ == editor;
+  if (ends) editor_.clear();
+  const auto label = std::exchange(newLabel_, std::nullopt);
   QTreeView::closeEditor(editor, hint);
-  if (const auto label = std::exchange(newLabel_, std::nullopt)) {
+  if (!ends) return;
+  if (label) {
     AfterThisEvent([this, label] { Q_EMIT LabelEdited(*label); });
   } else {
     Q_EMIT LabelEditCancelled();
@@ -127,6 +136,7 @@ void TreeView::closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint h
 // --- Events
 
 void TreeView::paintEvent(QPaintEvent* event) {
+  MeasureSeenLines();
   QTreeView::paintEvent(event);
   PaintFocusFrame(*this);
   if (!highlighted_.isValid()) return;
@@ -135,10 +145,29 @@ void TreeView::paintEvent(QPaintEvent* event) {
   painter.drawRect(visualRect(highlighted_).adjusted(1, 1, -1, -1));
 }
 
-// Lines are at least as wide as the pane.
 void TreeView::resizeEvent(QResizeEvent* event) {
   QTreeView::resizeEvent(event);
-  header()->setMinimumSectionSize(viewport()->width());
+  FitColumn();
+}
+
+// As wide as the widest line that has been seen, and as the pane. It only grows while nodes stay: a width that followed
+// what is seen just now would bring the scroll bars to and fro for ever. Looking at every node would take its time.
+void TreeView::FitColumn() {
+  setColumnWidth(0, std::max(widest_, viewport()->width()));
+}
+
+void TreeView::MeasureSeenLines() {
+  int widest = widest_;
+  const int bottom = viewport()->height();
+  for (QModelIndex index = indexAt({0, 0}); index.isValid(); index = indexBelow(index)) {
+    int depth = 0;
+    for (QModelIndex above = index.parent(); above.isValid(); above = above.parent()) ++depth;
+    widest = std::max(widest, depth * indentation() + sizeHintForIndex(index).width());
+    if (visualRect(index).bottom() >= bottom) break;
+  }
+  if (widest != widest_ || (widest < columnWidth(0) && columnWidth(0) > viewport()->width()))
+    QTimer::singleShot(0, this, [this] { FitColumn(); });
+  widest_ = widest;
 }
 
 bool TreeView::viewportEvent(QEvent* event) {
@@ -245,6 +274,8 @@ bool TreeView::ToggleByKey(int key) {
 
 void TreeView::keyPressEvent(QKeyEvent* event) {
   const int key = event->key();
+  deletePressed_.reset();
+  if (editor_) return;  // what the field for a name passes on
   const bool plain = !(event->modifiers() & ~Qt::KeypadModifier);
   if (key == Qt::Key_Return || key == Qt::Key_Enter) {
     Q_EMIT EnterPressed();
@@ -252,8 +283,10 @@ void TreeView::keyPressEvent(QKeyEvent* event) {
     RequestMenuByKey();
   } else if (key == Qt::Key_F5 && plain) {
     Q_EMIT RefreshPressed();
-  } else if (key == Qt::Key_Delete || key == Qt::Key_Asterisk) {
-    // When it is let go; and the toolkit would open all folders for the other.
+  } else if (key == Qt::Key_Delete) {
+    deletePressed_ = event->modifiers() & Qt::ShiftModifier;
+  } else if (key == Qt::Key_Asterisk) {
+    // The toolkit would open all folders.
   } else if (key == Qt::Key_Space && currentIndex().isValid()) {
     const bool checked = source_->Checked(TreeModel::PlaceOf(currentIndex()));
     model_->setData(currentIndex(), checked ? Qt::Unchecked : Qt::Checked, Qt::CheckStateRole);
@@ -264,7 +297,10 @@ void TreeView::keyPressEvent(QKeyEvent* event) {
 
 void TreeView::keyReleaseEvent(QKeyEvent* event) {
   if (event->key() != Qt::Key_Delete) return QTreeView::keyReleaseEvent(event);
-  if (!event->isAutoRepeat()) Q_EMIT Deleted(event->modifiers() & Qt::ShiftModifier);
+  if (event->isAutoRepeat()) return;
+  // A key that was pressed elsewhere, in the field for a name perhaps, deletes nothing here. Shift counts as it was
+  // then: it may be let go first.
+  if (const auto shift = std::exchange(deletePressed_, std::nullopt)) Q_EMIT Deleted(*shift);
 }
 
 // The base class repaints the lines, which may be none.

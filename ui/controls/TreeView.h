@@ -4,6 +4,7 @@
 
 #include "ui/controls/TreeSource.h"
 
+#include <QPointer>
 #include <QTreeView>
 
 #include <functional>
@@ -72,7 +73,7 @@ class TreeView : public QTreeView {
   // At once.
   void EnterPressed();
   void RefreshPressed();
-  void Deleted(bool shift);  // the Delete key was let go
+  void Deleted(bool shift);  // the Delete key was let go; pressed with Shift
   void LabelEditBegins();
   void LabelEditCancelled();
   void DragLeft();  // or was let go
@@ -105,6 +106,8 @@ class TreeView : public QTreeView {
   bool IsOnArrow(const QModelIndex& index, const QPoint& point) const;
   void ShowToolTip(const QHelpEvent& event);
   void RequestMenuByKey();
+  void FitColumn();
+  void MeasureSeenLines();
   void TakeLabel(const QString& text);
   void StartDrag();
   void Answer(QDropEvent& event);
@@ -113,13 +116,16 @@ class TreeView : public QTreeView {
 
   TreeModel* model_;
   TreeSource* source_ = nullptr;
+  int widest_ = 0;                       // of the lines that have been seen, in pixels
   QPersistentModelIndex pressed_;        // by the left button, where a click may become of it
   QPersistentModelIndex clicked_;        // before a double click
+  QPointer<QWidget> editor_;             // of the name that is being changed
   std::optional<std::string> newLabel_;  // of the edit that ends
   std::function<std::vector<std::string>(int)> dragFiles_;
   std::function<DropOffer(std::optional<TreePlace>, const QPoint&)> dropOffer_;
   std::unique_ptr<QMouseEvent> armed_;  // the press with a modifier that may become a drag
   QPersistentModelIndex highlighted_;   // what is dropped on
+  std::optional<bool> deletePressed_;   // and not yet let go; with Shift
   bool holdsFiles_ = false;             // what is dragged over it
 };
 
