@@ -10,8 +10,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <functional>
-#include <map>
 #include <utility>
 
 namespace foldertree {
@@ -22,6 +20,7 @@ using ui::TreePlace;
 namespace {
 
 constexpr size_t kManyEntries = 32767;
+constexpr size_t kFewNodes = 8;
 
 }  // namespace
 
@@ -30,6 +29,11 @@ FolderTree::FolderTree(services::Services& services, files::CurrentDirectory& di
     : services_(services), directory_(directory), Drive1_(Drive1), TreeView1_(TreeView1) {
   TreeView1_.SetSource(&nodes_);
   ConnectView();
+}
+
+FolderTree::~FolderTree() {
+  TreeView1_.SetSource(nullptr);
+  Drive1_.SetRefresh({});
 }
 
 // --- Nodes by their keys
@@ -69,21 +73,57 @@ void FolderTree::EnsureVisible(const std::string& key) {
   if (const auto place = nodes_.Find(key)) TreeView1_.EnsureVisible(*place);
 }
 
-// Neighbours in one step: each step lays out all that is shown.
+std::string FolderTree::Nearest(std::string key) const {
+  while (!Exists(key) && key.size() > TreeRoot.size()) key.resize(std::max(key.rfind('/'), TreeRoot.size()));
+  return key;
+}
+
 void FolderTree::RemoveNodes(const std::vector<std::string>& keys) {
-  std::map<ui::TreeList, std::vector<int>> rows;
+  Rows rows;
   for (const std::string& key : keys)
     if (const auto place = nodes_.Find(key); place && *place != NodeTable::kRoot)
       rows[place->list].push_back(place->row);
+  size_t count = 0;
   for (auto& [list, going] : rows) {
-    std::ranges::sort(going, std::greater());
-    for (size_t last = 0, next; last < going.size(); last = next) {
+    std::ranges::sort(going);
+    going.erase(std::unique(going.begin(), going.end()), going.end());
+    count += going.size();
+  }
+  const auto selected = TreeView1_.SelectedItem();
+  const std::string key = selected ? nodes_.Key(*selected) : std::string();
+  count <= kFewNodes ? RemoveOneByOne(rows) : RemoveTogether(rows);
+  if (!selected || TreeView1_.SelectedItem()) return;
+  const int left = nodes_.Count(selected->list);
+  if (left == 0) return SelectNearest(key);
+  const int before =
+      static_cast<int>(std::ranges::lower_bound(rows[selected->list], selected->row) - rows[selected->list].begin());
+  TreeView1_.SelectItem({selected->list, std::min(selected->row - before, left - 1)});
+}
+
+void FolderTree::RemoveOneByOne(const Rows& rows) {
+  for (const auto& [list, going] : rows) {
+    for (auto row = going.rbegin(); row != going.rend(); ++row) {
       if (nodes_.Count(list) == 0) break;  // gone with a folder above
-      for (next = last + 1; next < going.size() && going[next] == going[next - 1] - 1;) ++next;
-      const int first = going[next - 1], count = static_cast<int>(next - last);
-      TreeView1_.RemoveBelow(nodes_.PlaceOf(list), first, count, [&] { nodes_.Remove({list, first}, count); });
+      TreeView1_.RemoveBelow(nodes_.PlaceOf(list), *row, 1, [&] { nodes_.Remove(list, {*row}); });
     }
   }
+}
+
+// Each step lays out all that is shown, so many nodes go in one.
+void FolderTree::RemoveTogether(const Rows& rows) {
+  const auto remove = [&] {
+    for (const auto& [list, going] : rows)
+      if (nodes_.Count(list) > 0) nodes_.Remove(list, going);
+  };
+  const auto placeAfter = [&](TreePlace place) -> std::optional<TreePlace> {
+    if (nodes_.Count(place.list) == 0) return std::nullopt;
+    const auto list = rows.find(place.list);
+    if (list == rows.end()) return place;
+    const auto row = std::ranges::lower_bound(list->second, place.row);
+    if (row != list->second.end() && *row == place.row) return std::nullopt;
+    return TreePlace{place.list, place.row - static_cast<int>(row - list->second.begin())};
+  };
+  TreeView1_.Rearrange(remove, placeAfter);
 }
 
 void FolderTree::AddFolder(const std::string& parentKey, const std::string& name) {
@@ -198,7 +238,7 @@ files::Status FolderTree::ToggleNode(const std::string& key) {
     status = RefreshNode(key);
   } else if (image != TreeImage::kLeaf) {
     nodes_.SetImage(*place, image == TreeImage::kClosed ? TreeImage::kOpen : TreeImage::kClosed);
-    TreeView1_.ShowChanged(*place);
+    TreeView1_.ShowImageChanged(*place);
     status = RefreshNode(key);
   }
   ui::LetPendingEventsRun();
@@ -210,7 +250,7 @@ void FolderTree::RefreshFolderNode(const std::string& key) {
   Report(key, RefreshNode(key));
 }
 
-// The same node is selected afterwards when it is still there.
+// The same node is selected afterwards, or the nearest one above it that is there.
 files::Status FolderTree::RefreshNode(const std::string& key) {
   const ui::Hourglass hourglass;
   const auto selected = SelectedKey();
@@ -237,7 +277,7 @@ files::Status FolderTree::RefreshNode(const std::string& key) {
   } else {
     EnsureVisible(key);
   }
-  if (selected && !root && SelectedKey() != selected) Select(*selected);
+  if (selected && !root && SelectedKey() != selected) SelectNearest(*selected);
   return root ? status : files::Status();
 }
 
@@ -246,7 +286,7 @@ void FolderTree::CloseNode(const std::string& key) {
   const auto place = nodes_.Find(key);
   if (!place) return;
   nodes_.SetImage(*place, TreeImage::kClosed);
-  TreeView1_.ShowChanged(*place);
+  TreeView1_.ShowImageChanged(*place);
 }
 
 // --- Commands on folders
@@ -267,7 +307,7 @@ void FolderTree::mnuTreeCollapseAll_Click() {
   if (nodes_.empty()) {
     Drive1_Change();
   } else if (const files::Status status = ToggleNode(TreeRoot); !status) {
-    FallBackToRoot(status.error());
+    return FallBackToRoot(status.error());
   }
   EnsureVisible(CurDir());
   ChangeDirectory(before);

@@ -11,6 +11,7 @@
 #include <QPoint>
 
 #include <functional>
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -24,6 +25,7 @@ class FolderTree : public QObject {
  public:
   FolderTree(services::Services& services, files::CurrentDirectory& directory, ui::DriveBox& Drive1,
              ui::TreeView& TreeView1);
+  ~FolderTree() override;
 
   std::string TreeRoot;  // the drive that is shown
   // What ListFolder read last.
@@ -69,13 +71,19 @@ class FolderTree : public QObject {
   void EnsureVisible(const std::string& key);
   void RemoveNodes(const std::vector<std::string>& keys);  // and all below them
   void AddFolder(const std::string& parentKey, const std::string& name);
+  bool IsRoot(const std::string& key) const { return nodes_.Find(key) == NodeTable::kRoot; }
   void ShowTooManyEntries();
 
  private:
   template <class Signal, class Handler>
   void On(Signal signal, Handler handler);
   void ConnectView();
-  bool IsRoot(const std::string& key) const { return key == TreeRoot; }
+  // The node itself or the deepest one above it that is there.
+  std::string Nearest(std::string key) const;
+  void SelectNearest(const std::string& key) { Select(Nearest(key)); }
+  using Rows = std::map<ui::TreeList, std::vector<int>>;
+  void RemoveOneByOne(const Rows& rows);
+  void RemoveTogether(const Rows& rows);
   void ClearNodes();
   // The error is the root's; another folder's has been told.
   files::Status ToggleNode(const std::string& key);

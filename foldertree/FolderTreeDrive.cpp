@@ -40,6 +40,8 @@ void FolderTree::ReadDrives() {
   directory_.SetDrives(services_.shell().Volumes());
   std::vector<std::string> drives;
   for (const files::Path& drive : directory_.drives()) drives.push_back(drive.native());
+  // The list names what the tree shows, also when it has gone.
+  if (!nodes_.empty() && std::ranges::find(drives, TreeRoot) == drives.end()) drives.push_back(TreeRoot);
   const bool first = Drive1_.count() == 0;
   Drive1_.SetDrives(std::move(drives));
   if (first) Drive1_.Choose(directory_.drive().native());
@@ -58,7 +60,7 @@ void FolderTree::Drive1_Change() {
 void FolderTree::FallBackToRoot(const files::Error& error) {
   if (error.systemError == ECANCELED) return;
   services::ShowError(services_.dialogs(), services_.forms().at(0), QString::fromStdString(error.text));
-  const bool again = Drive1_.drive() != "/";
+  const bool again = Drive1_.drive() != "/" || TreeRoot != "/";
   TreeRoot = "/";
   if (again) ChooseDrive("/");
 }
@@ -72,14 +74,17 @@ files::Status FolderTree::LoadDrive() {
   ui::LetPendingEventsRun();
   ClearFolderLists();
   AddFolderNodes(TreeRoot);
-  if (files::Status listed = ToggleNode(TreeRoot); !listed) return listed;
-  ChangeDirectory(before);
+  if (files::Status listed = ToggleNode(TreeRoot); !listed) {
+    if (listed.error().systemError == ECANCELED) ChangeDirectory(before);
+    return listed;
+  }
+  const bool back = ChangeDirectory(before);
   EnsureVisible(CurDir());
   if (services_.settings().TreeSync) {
     TreeSyncWithCurDir();
     ui::LetPendingEventsRun();
   }
-  ChangeDirectory(before);
+  if (back) ChangeDirectory(before);
   return {};
 }
 
@@ -101,13 +106,11 @@ void FolderTree::TreeSyncWithCurDir() {
 // False when the folder is open already, which is refreshed then; else `from` is where to begin: the folder itself or
 // the deepest one above it that is in the tree.
 bool FolderTree::StartWalk(const std::string& cur, std::string& from) {
-  from = cur;
   if (Exists(cur) && ImageOf(cur) == TreeImage::kOpen) {
-    Select(cur);
     RefreshFolderNode(cur);
     return false;
   }
-  while (!Exists(from) && from.size() > TreeRoot.size()) from.resize(std::max(from.rfind('/'), TreeRoot.size()));
+  from = Nearest(cur);
   return true;
 }
 

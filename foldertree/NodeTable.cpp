@@ -181,12 +181,22 @@ void NodeTable::AddFolder(TreePlace folder, int row, std::string_view name) {
   Renumber(list, static_cast<size_t>(row));
 }
 
-void NodeTable::Remove(TreePlace first, int count) {
-  for (int row = first.row; row < first.row + count; ++row) RemoveChildren({first.list, row});
-  List& list = lists_.at(first.list);
-  list.nodes.erase(list.nodes.begin() + first.row, list.nodes.begin() + first.row + count);
-  count_ -= static_cast<size_t>(count);
-  Renumber(list, static_cast<size_t>(first.row));
+void NodeTable::Remove(TreeList number, const std::vector<int>& rows) {
+  if (rows.empty()) return;
+  for (const int row : rows) RemoveChildren({number, row});
+  std::vector<Node>& nodes = lists_.at(number).nodes;
+  auto going = rows.begin();
+  auto kept = nodes.begin() + *going;
+  for (auto node = kept; node != nodes.end(); ++node) {
+    if (going != rows.end() && node - nodes.begin() == *going) {
+      ++going;
+    } else {
+      *kept++ = *node;
+    }
+  }
+  nodes.erase(kept, nodes.end());
+  count_ -= rows.size();
+  Renumber(lists_.at(number), static_cast<size_t>(rows.front()));
 }
 
 // Tells the lists below the nodes that have moved.

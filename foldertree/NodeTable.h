@@ -61,7 +61,8 @@ class NodeTable final : public ui::TreeSource {
   // The place that a folder of that name would take among the children of `folder`.
   int RowFor(ui::TreePlace folder, std::string_view name) const;
   void AddFolder(ui::TreePlace folder, int row, std::string_view name);
-  void Remove(ui::TreePlace first, int count);  // siblings, with all below them
+  // Rising rows of one list, with all below them.
+  void Remove(ui::TreeList list, const std::vector<int>& rows);
   void RemoveChildren(ui::TreePlace folder);
 
  private:

@@ -25,9 +25,9 @@ TreeDrag::TreeDrag(services::Services& services, FolderTree& tree, TreeFiles& fi
   connect(&Timer2_, &QTimer::timeout, this, [this] { Guarded([this] { Timer2_Tick(); }); });
   ui::TreeView& view = tree_.view();
   view.SetDragFiles([this](int effects) {
-    std::vector<std::string> files;
-    Guarded([&] { files = FilesOfDrag(effects); });
-    return files;
+    std::vector<std::string> dragged;
+    Guarded([&] { dragged = FilesOfDrag(effects); });
+    return dragged;
   });
   view.SetDropOffer([this](std::optional<TreePlace> node, const QPoint& point) {
     ui::TreeView::DropOffer offer;
@@ -38,6 +38,11 @@ TreeDrag::TreeDrag(services::Services& services, FolderTree& tree, TreeFiles& fi
   connect(&view, &ui::TreeView::DragLeft, &Timer2_, &QTimer::stop);
   connect(&view, &ui::TreeView::FilesDropped, this,
           [this](const ui::TreeView::Drop& drop) { Guarded([&] { TakeDrop(drop); }); });
+}
+
+TreeDrag::~TreeDrag() {
+  tree_.view().SetDragFiles({});
+  tree_.view().SetDropOffer({});
 }
 
 // --- Out of the tree

@@ -12,6 +12,7 @@ class TreeDrag : public QObject {
 
  public:
   TreeDrag(services::Services& services, FolderTree& tree, TreeFiles& files);
+  ~TreeDrag() override;
 
   // What a drag out of the tree allows while it is under way: 1 copy, 3 copy or move, 0 there is none.
   int TreeDragEffects = 0;

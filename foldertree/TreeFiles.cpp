@@ -62,8 +62,10 @@ void TreeFiles::ConnectView() {
     key && !tree_.IsFolder(*key) ? mnuRCTreeOpen_Click() : tree_.ToggleFolderNode(key);
   };
   on(view, &ui::TreeView::EnterPressed, [this, openOrToggle] { openOrToggle(tree_.SelectedKey()); });
-  on(view, &ui::TreeView::DoubleClicked, [this] {
-    if (const auto key = tree_.SelectedKey(); key && !tree_.IsFolder(*key)) mnuRCTreeOpen_Click();
+  on(view, &ui::TreeView::DoubleClicked, [this](TreePlace node) {
+    const std::string key = tree_.Nodes().Key(node);
+    tree_.Select(key);
+    if (!tree_.IsFolder(key)) mnuRCTreeOpen_Click();
   });
   on(view, &ui::TreeView::Deleted, [this](bool shift) { DeleteTreeItems(!shift); });
   on(view, &ui::TreeView::LabelEditBegins, [this] { LabelEditBegins(); });
@@ -232,14 +234,14 @@ void TreeFiles::AddNewFolder(const std::string& folder, const std::string& name)
 void TreeFiles::DeleteTreeItems(bool normal) {
   const ui::CommandScope scope;
   std::vector<std::string> list = tree_.Nodes().CheckedKeys();
-  // A whole drive is deleted by nobody.
-  std::erase(list, tree_.TreeRoot);
   const auto selected = tree_.SelectedKey();
-  if (list.empty() && selected && *selected != tree_.TreeRoot) {
+  if (list.empty() && selected && !tree_.IsRoot(*selected)) {
     tree_.Check(*selected);
     tree_.EnsureVisible(*selected);
     list.push_back(*selected);
   }
+  // A whole drive is deleted by nobody.
+  std::erase_if(list, [this](const std::string& key) { return tree_.IsRoot(key); });
   if (list.empty()) {
     services::ShowError(services_.dialogs(), services_.forms().at(0),
                         tr("Please checkmark the items you want to delete"));
@@ -254,7 +256,7 @@ void TreeFiles::DeleteTreeItems(bool normal) {
 void TreeFiles::mnuRCTreeDelete_Click() {
   const ui::CommandScope scope;
   const auto selected = tree_.SelectedKey();
-  if (!selected || *selected == tree_.TreeRoot) return;
+  if (!selected || tree_.IsRoot(*selected)) return;
   ShellDelete({*selected}, true);
   ui::LetPendingEventsRun();
   if (IsGone(*selected)) tree_.RemoveNodes({*selected});
@@ -268,11 +270,18 @@ bool TreeFiles::ShellDelete(const std::vector<std::string>& list, bool normal) {
   return result.succeeded();
 }
 
+// Looking at each may take its time, on a network drive above all.
 void TreeFiles::PruneMissingCheckedNodes() {
-  const ui::Hourglass hourglass;
-  std::vector<std::string> keys = tree_.Nodes().CheckedKeys();
-  std::erase_if(keys, [](const std::string& key) { return !IsGone(key); });
-  tree_.RemoveNodes(keys);
+  const ui::CommandScope scope;
+  const std::vector<std::string> keys = tree_.Nodes().CheckedKeys();
+  std::vector<std::string> gone;
+  if (keys.empty()) return;
+  services_.dialogs().RunWork(services_.forms().at(0), tr("Looking at the checked items"),
+                              static_cast<int64_t>(keys.size()), [&](ui::WorkPort& port) {
+                                for (size_t i = 0; i < keys.size() && port.Report(static_cast<int64_t>(i)); ++i)
+                                  if (IsGone(keys[i])) gone.push_back(keys[i]);
+                              });
+  tree_.RemoveNodes(gone);
 }
 
 // --- Renaming
@@ -280,17 +289,22 @@ void TreeFiles::PruneMissingCheckedNodes() {
 void TreeFiles::mnuTreeRename_Click() {
   const ui::CommandScope scope;
   const auto selected = tree_.SelectedKey();
-  if (selected && *selected == tree_.TreeRoot) {
+  if (selected && tree_.IsRoot(*selected)) {
     services::ShowError(services_.dialogs(), services_.forms().at(0),
                         tr("Cannot rename the drive from this application."));
     return;
   }
-  if (selected) Timer1_.start();
+  if (!selected) return;
+  toRename_ = *selected;
+  Timer1_.start();
 }
 
 void TreeFiles::Timer1_Tick() {
   // Not in the middle of another command.
-  ui::AfterCommand(this, [this] { tree_.view().StartLabelEdit(); });
+  ui::AfterCommand(this, [this] {
+    tree_.Select(toRename_);
+    if (tree_.SelectedKey() == toRename_) tree_.view().StartLabelEdit();
+  });
 }
 
 void TreeFiles::LabelEditBegins() {
@@ -306,7 +320,7 @@ void TreeFiles::LabelEdited(const std::string& name) {
   if (name.empty()) {
     services::ShowError(services_.dialogs(), services_.forms().at(0),
                         tr("You must enter a value, or hit Escape to cancel."));
-    tree_.Select(renamed_);
+    toRename_ = renamed_;
     Timer1_.start();
     return;
   }

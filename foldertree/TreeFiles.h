@@ -52,7 +52,8 @@ class TreeFiles : public QObject {
   services::Services& services_;
   FolderTree& tree_;
   QTimer Timer1_;
-  std::string renamed_;  // the key of the node whose name is being changed
+  std::string toRename_;  // the key of the node whose name is about to be changed
+  std::string renamed_;   // of the one whose name is being changed
 };
 
 }  // namespace foldertree

@@ -14,6 +14,7 @@ namespace {
 
 constexpr QChar kUnknown(0xFFFD);
 constexpr QChar kEllipsis(0x2026);
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 constexpr qsizetype kNameBegin = 30, kNameEnd = 50;
 constexpr qsizetype kHalfShown = 500;          // characters of each end of a long text
 constexpr size_t kHalfBytes = 4 * kHalfShown;  // which hold that many in any case
@@ -47,7 +48,10 @@ std::vector<std::string_view> BytesOfUnknown(std::string_view name) {
 }  // namespace
 
 QString DisplayText(std::string_view bytes) {
-  QString text = QString::fromUtf8(bytes.data(), static_cast<qsizetype>(bytes.size()));
+  // The toolkit takes a byte-order mark at the beginning away.
+  QString text;
+  for (; bytes.starts_with(kByteOrderMark); bytes.remove_prefix(kByteOrderMark.size())) text += QChar(0xFEFF);
+  text += QString::fromUtf8(bytes.data(), static_cast<qsizetype>(bytes.size()));
   for (QChar& c : text)
     if (c.unicode() < 0x20 || c.unicode() == 0x7F) c = kUnknown;
   return text;
@@ -96,6 +100,7 @@ files::Path PathOfChosen(const QString& chosen, const files::Path& proposed) {
 
 std::string EditedName(std::string_view name, const QString& edited) {
   const QString shown = DisplayText(name);
+  if (edited == shown) return std::string(name);
   const std::vector<std::string_view> unknown = BytesOfUnknown(name);
   if (static_cast<qsizetype>(unknown.size()) != shown.count(kUnknown)) return edited.toStdString();
   const auto before = std::mismatch(edited.begin(), edited.end(), shown.begin(), shown.end()).first;

@@ -46,8 +46,8 @@ bool MovedLog::Unchanged(const Record& record, const struct stat& now) {
 // One item of the log.
 class LogDeletion {
  public:
-  LogDeletion(OperationJob& job, const MovedLog& log, const std::string& path, int folder)
-      : job_(job), log_(log), path_(path), chain_(folder), wasCancelled_(job.cancelled()) {}
+  LogDeletion(OperationJob& job, const MovedLog& log, const std::string& path, int folder, bool wasCancelled)
+      : job_(job), log_(log), path_(path), chain_(folder), wasCancelled_(wasCancelled) {}
 
   // Deletes what the item's records say, from that one on.
   void Run(size_t at) {
@@ -130,16 +130,17 @@ class LogDeletion {
   const std::string& path_;
   FolderChain chain_;
   std::vector<Level> levels_;
-  const bool wasCancelled_;  // that was about later items, not about these
+  const bool wasCancelled_;  // while copying: that was about later items, not about these
   int64_t lost_ = 0;         // folders of the log around here that are not entered
 };
 
 void MovedLog::DeleteSources(OperationJob& job) {
+  const bool wasCancelled = job.cancelled();
   for (const auto& [number, path, begin] : items_) {
     const int64_t failed = job.outcome.failed;
     FolderEntry entry = FindEntry(path);
     while (entry.error && job.Retry(path, entry.error)) entry = FindEntry(path);
-    if (!entry.error) LogDeletion(job, *this, path, entry.folder.get()).Run(begin);
+    if (!entry.error) LogDeletion(job, *this, path, entry.folder.get(), wasCancelled).Run(begin);
     if (job.outcome.failed > failed) job.outcome.items[number] = OperationOutcome::State::kPartly;
   }
   *this = {};

@@ -12,6 +12,7 @@ namespace files {
 namespace {
 
 constexpr size_t kManyRecords = 4096;
+constexpr int kManyAttempts = 20;
 
 ItemInfo InfoOf(std::string path, const struct stat& status) {
   return {std::move(path), KindOf(status), status.st_size, status.st_mtim.tv_sec};
@@ -96,7 +97,8 @@ int TransferTree::Attempt(const std::string& name) {
       std::find(aboveTarget_.begin(), aboveTarget_.end(), IdentityOf(source.status)) != aboveTarget_.end())
     return kIntoItself;
   // Nobody else knows a folder that was made a moment ago, so a look for every name in it would be in vain.
-  for (bool look = levels_.empty() || !levels_.back().made;; look = true) {
+  bool look = levels_.empty() || !levels_.back().made;
+  for (int attempt = 0;; ++attempt, look = true) {
     const Decision decision = Decide(source, look);
     if (decision.how == Decision::kFailed) return decision.error;
     if (decision.how == Decision::kLeaveOut) {
@@ -104,7 +106,12 @@ int TransferTree::Attempt(const std::string& name) {
       return 0;
     }
     const int error = Put(source, decision.place);
-    if (error != EEXIST) return error;
+    // A volume may say that a name is taken and, asked for it, know of no such thing.
+    if (error != EEXIST || attempt == kManyAttempts) return error;
+    if (!job_.Continue()) {
+      Keep();
+      return 0;
+    }
   }
 }
 

@@ -207,7 +207,7 @@ class Tree(DragTest):
 
     def place_of_node(self, program, name):
         found = program.wait_until(lambda: atspi.node_extents(program.pid, TREE, text_of(name)), f"{name!r}")
-        return int(found.x + found.width - 8), int(found.y + found.height / 2)
+        return int(found.x + 50), int(found.y + found.height / 2)
 
     def wait_for_files(self, program, folder, names):
         path = os.path.join(self.work, folder)
@@ -260,6 +260,7 @@ class Tree(DragTest):
         self.assertCountEqual([urllib.parse.unquote_to_bytes(uri) for uri in got],
                               [b"file://" + os.path.join(self.work, name) for name in self.ODD])
         peer.kill()
+        self.go_to(program, "target")  # so that all of it is seen
         place = self.place_of_node(program, "target")
         self.drag_node(program, "shift", self.ODD[0], place)
         self.tremble(place)

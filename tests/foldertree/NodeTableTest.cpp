@@ -58,10 +58,11 @@ TEST_F(NodeTableTest, KeepsTheOrderOfAddingAndThePlacesOfWhatMoves) {
   Check("/New Folder");
   EXPECT_THAT(nodes.CheckedKeys(), ElementsAre("/z", "/m", "/a", "/m/2", "/m/1", "/New Folder", "/0"));
   EXPECT_EQ(nodes.Key(nodes.PlaceOf(nodes.ListBelow(*nodes.Find("/m")))), "/m");
-  nodes.Remove(*nodes.Find("/a"), 1);
+  const auto remove = [&](const std::string& key) { nodes.Remove(nodes.Find(key)->list, {nodes.Find(key)->row}); };
+  remove("/a");
   EXPECT_EQ(nodes.Key(*nodes.Find("/m/1")), "/m/1");
   EXPECT_EQ(nodes.count(), 7u);
-  nodes.Remove(*nodes.Find("/m"), 1);
+  remove("/m");
   EXPECT_THAT(nodes.CheckedKeys(), ElementsAre("/z", "/New Folder", "/0"));
   nodes.RemoveChildren(NodeTable::kRoot);
   EXPECT_EQ(nodes.count(), 1u);

@@ -30,27 +30,33 @@ class FolderTreeTest : public ProgramTest {
 
   // The tree below a folder as text: "-" open, "+" closed; "*" checked.
   std::string Shown(const std::string& name = {}) {
-    const auto place = Tree().Nodes().Find(Key(name));
-    return place ? Below(*place) : "gone";
+    const auto node = Tree().Nodes().Find(Key(name));
+    return node ? Below(*node) : "gone";
   }
-  std::string Below(ui::TreePlace folder) {
+  std::string Below(ui::TreePlace above) {
     const foldertree::NodeTable& nodes = Tree().Nodes();
-    const ui::TreeList list = nodes.ListBelow(folder);
+    const ui::TreeList list = nodes.ListBelow(above);
     std::string text;
     for (int row = 0; row < nodes.Count(list); ++row) {
-      const ui::TreePlace place{list, row};
-      const std::string name(nodes.Text(place));
+      const ui::TreePlace node{list, row};
+      const std::string name(nodes.Text(node));
       // What every test's folder holds.
       if (name == "application" || name == "config" || name == "runtime" || name == "state") continue;
       text += text.empty() ? "" : " ";
-      text += name + (nodes.Checked(place) ? "*" : "");
-      if (nodes.Image(place) == ui::TreeImage::kClosed) text += "+";
-      if (nodes.Image(place) == ui::TreeImage::kOpen) text += "-(" + Below(place) + ")";
+      text += name + (nodes.Checked(node) ? "*" : "");
+      if (nodes.Image(node) == ui::TreeImage::kClosed) text += "+";
+      if (nodes.Image(node) == ui::TreeImage::kOpen) text += "-(" + Below(node) + ")";
     }
     return text;
   }
   void ExpectCannotResolve(const std::string& name, const QString& error) {
     ExpectError("Folder: " + ui::DisplayText(Key(name)) + "\r\n" + error + "\r\nCannot resolve to this folder");
+  }
+  void ShowWindow() {
+    View().window()->resize(900, 700);
+    View().window()->show();
+    View().window()->activateWindow();
+    Settle();
   }
   static void Press(QWidget& widget, int key) {
     for (const QEvent::Type type : {QEvent::KeyPress, QEvent::KeyRelease}) {

@@ -46,6 +46,21 @@ void TreeModel::ShowChanged(TreePlace place) {
   Q_EMIT dataChanged(IndexOf(place), IndexOf(place));
 }
 
+void TreeModel::Rearrange(const std::function<void()>& change,
+                          const std::function<std::optional<TreePlace>(TreePlace)>& placeAfter) {
+  Q_EMIT layoutAboutToBeChanged();
+  change();
+  const QModelIndexList before = persistentIndexList();
+  QModelIndexList after;
+  after.reserve(before.size());
+  for (const QModelIndex& index : before) {
+    const auto place = placeAfter(PlaceOf(index));
+    after.push_back(place ? IndexOf(*place) : QModelIndex());
+  }
+  changePersistentIndexList(before, after);
+  Q_EMIT layoutChanged();
+}
+
 TreeList TreeModel::ListBelow(const QModelIndex& parent) const {
   if (!source_) return kNoList;
   return parent.isValid() ? source_->ListBelow(PlaceOf(parent)) : kTopList;

@@ -6,6 +6,7 @@
 #include <QAbstractItemModel>
 
 #include <functional>
+#include <optional>
 
 namespace ui {
 
@@ -26,6 +27,9 @@ class TreeModel : public QAbstractItemModel {
   void Insert(TreePlace below, int first, int count, const std::function<void()>& change);
   void Remove(TreePlace below, int first, int count, const std::function<void()>& change);
   void ShowChanged(TreePlace place);
+  // Many changes in one go. `placeAfter`: where what was there is then, if it still is.
+  void Rearrange(const std::function<void()>& change,
+                 const std::function<std::optional<TreePlace>(TreePlace)>& placeAfter);
 
   // Renames as a user does.
   void SetRename(std::function<void(const QString&)> rename) { rename_ = std::move(rename); }
@@ -38,9 +42,6 @@ class TreeModel : public QAbstractItemModel {
   Qt::ItemFlags flags(const QModelIndex& index) const override;
   QVariant data(const QModelIndex& index, int role) const override;
   bool setData(const QModelIndex& index, const QVariant& value, int role) override;
-
- Q_SIGNALS:
-  void CheckedByUser();
 
  private:
   TreeList ListBelow(const QModelIndex& parent) const;

@@ -24,6 +24,14 @@ namespace {
 
 constexpr int kIndentation = 16;  // pixels; the pane is narrow
 
+// GTK offers nothing but moving while Shift is held. The toolkit turns an answer that is not among the offered actions
+// into one that is; the mask of all actions it lets pass, and sends as "copy".
+constexpr Qt::DropAction kCopyNotOffered = Qt::ActionMask;
+
+bool Moves(const QDropEvent& event) {
+  return event.modifiers() & Qt::ShiftModifier && event.possibleActions() & Qt::MoveAction;
+}
+
 }  // namespace
 
 TreeView::TreeView(QWidget* parent) : QTreeView(parent), model_(new TreeModel(this)) {
@@ -41,7 +49,6 @@ TreeView::TreeView(QWidget* parent) : QTreeView(parent), model_(new TreeModel(th
   setTextElideMode(Qt::ElideMiddle);
   setAcceptDrops(true);
   viewport()->setAcceptDrops(true);
-  setAutoScroll(false);
   setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
   model_->SetRename([this](const QString& text) { TakeLabel(text); });
 }
@@ -66,14 +73,33 @@ void TreeView::InsertBelow(TreePlace node, int first, int count, const std::func
 
 void TreeView::RemoveBelow(TreePlace node, int first, int count, const std::function<void()>& change) {
   widest_ = 0;
+  // Of an open node without children the toolkit shows no arrow when it is closed later.
+  if (count == model_->rowCount(model_->IndexOf(node))) collapse(model_->IndexOf(node));
   model_->Remove(node, first, count, change);
+}
+
+void TreeView::Rearrange(const std::function<void()>& change,
+                         const std::function<std::optional<TreePlace>(TreePlace)>& placeAfter) {
+  widest_ = 0;
+  model_->Rearrange(change, placeAfter);
 }
 
 void TreeView::ShowChanged(TreePlace node) {
   model_->ShowChanged(node);
 }
 
+void TreeView::ShowImageChanged(TreePlace node) {
+  model_->ShowChanged(node);
+  scheduleDelayedItemsLayout();
+}
+
+// Only what is seen, which is what others may have been told of.
 void TreeView::ShowAllChanged() {
+  const int bottom = viewport()->height();
+  for (QModelIndex index = indexAt({0, 0}); index.isValid(); index = indexBelow(index)) {
+    model_->ShowChanged(TreeModel::PlaceOf(index));
+    if (visualRect(index).bottom() >= bottom) break;
+  }
   viewport()->update();
 }
 
@@ -108,6 +134,7 @@ void TreeView::SetFontSize(double points) {
 void TreeView::StartLabelEdit() {
   if (!currentIndex().isValid() || state() == EditingState) return;
   newLabel_.reset();
+  oldLabel_ = source_->Text(TreeModel::PlaceOf(currentIndex()));
   setFocus();
   Q_EMIT LabelEditBegins();
   edit(currentIndex());
@@ -116,7 +143,7 @@ void TreeView::StartLabelEdit() {
 
 // What is around the part that was changed keeps its bytes, though they may show as something else.
 void TreeView::TakeLabel(const QString& text) {
-  if (editor_) newLabel_ = EditedName(source_->Text(TreeModel::PlaceOf(currentIndex())), text);
+  if (editor_) newLabel_ = EditedName(oldLabel_, text);
 }
 
 void TreeView::closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint hint) {
@@ -124,7 +151,9 @@ void TreeView::closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint h
   const bool ends = editor && editor_ == editor;
   if (ends) editor_.clear();
   const auto label = std::exchange(newLabel_, std::nullopt);
-  QTreeView::closeEditor(editor, hint);
+  // The Tab key would begin another edit, which nobody has prepared.
+  const bool toAnother = hint == QAbstractItemDelegate::EditNextItem || hint == QAbstractItemDelegate::EditPreviousItem;
+  QTreeView::closeEditor(editor, toAnother ? QAbstractItemDelegate::NoHint : hint);
   if (!ends) return;
   if (label) {
     AfterThisEvent([this, label] { Q_EMIT LabelEdited(*label); });
@@ -171,6 +200,11 @@ void TreeView::MeasureSeenLines() {
 }
 
 bool TreeView::viewportEvent(QEvent* event) {
+  // While a name is changed the refreshing key would throw away what has been typed.
+  if (event->type() == QEvent::ShortcutOverride && editor_ && static_cast<QKeyEvent*>(event)->key() == Qt::Key_F5) {
+    event->accept();
+    return true;
+  }
   if (event->type() != QEvent::ToolTip) return QTreeView::viewportEvent(event);
   ShowToolTip(*static_cast<QHelpEvent*>(event));
   return true;
@@ -223,9 +257,10 @@ void TreeView::mouseReleaseEvent(QMouseEvent* event) {
   const QPersistentModelIndex index = std::exchange(pressed_, QModelIndex());
   const QVariant before = index.data(Qt::CheckStateRole);
   QTreeView::mouseReleaseEvent(event);
-  clicked_ = index;
   const bool there = index.isValid() && indexAt(event->pos()) == index && visualRect(index).contains(event->pos());
-  if (there && index.data(Qt::CheckStateRole) == before) EmitFor(index, &TreeView::NodeClicked);
+  const bool clicked = there && index.data(Qt::CheckStateRole) == before;  // else it was on the check box
+  clicked_ = clicked ? QModelIndex(index) : QModelIndex();
+  if (clicked) EmitFor(index, &TreeView::NodeClicked);
 }
 
 // Only where the first click was: what that one did may have brought another node under the pointer.
@@ -233,7 +268,7 @@ void TreeView::mouseDoubleClickEvent(QMouseEvent* event) {
   const QModelIndex index = indexAt(event->pos());
   if (event->button() != Qt::LeftButton) return;
   if (!index.isValid() || index != clicked_) return mousePressEvent(event);
-  AfterThisEvent([this] { Q_EMIT DoubleClicked(); });
+  EmitFor(index, &TreeView::DoubleClicked);
 }
 
 void TreeView::contextMenuEvent(QContextMenuEvent* event) {
@@ -278,7 +313,8 @@ void TreeView::keyPressEvent(QKeyEvent* event) {
   if (editor_) return;  // what the field for a name passes on
   const bool plain = !(event->modifiers() & ~Qt::KeypadModifier);
   if (key == Qt::Key_Return || key == Qt::Key_Enter) {
-    Q_EMIT EnterPressed();
+    // The key that ended a change of a name may still be held down.
+    if (!event->isAutoRepeat()) Q_EMIT EnterPressed();
   } else if (key == Qt::Key_F10 && event->modifiers() == Qt::ShiftModifier) {
     RequestMenuByKey();
   } else if (key == Qt::Key_F5 && plain) {
@@ -300,7 +336,8 @@ void TreeView::keyReleaseEvent(QKeyEvent* event) {
   if (event->isAutoRepeat()) return;
   // A key that was pressed elsewhere, in the field for a name perhaps, deletes nothing here. Shift counts as it was
   // then: it may be let go first.
-  if (const auto shift = std::exchange(deletePressed_, std::nullopt)) Q_EMIT Deleted(*shift);
+  const auto shift = std::exchange(deletePressed_, std::nullopt);
+  if (shift && !editor_) Q_EMIT Deleted(*shift);
 }
 
 // The base class repaints the lines, which may be none.
@@ -329,18 +366,25 @@ void TreeView::StartDrag() {
   AfterThisEvent([this] { Q_EMIT DragEnded(); });
 }
 
-// A program that would delete what it was told is moved is told that it is copied.
-void TreeView::Answer(QDropEvent& event) {
-  const QModelIndex index = indexAt(event.position().toPoint());
+// The tree may scroll when it is asked, so what was under the pointer is kept.
+void TreeView::Offer(const QPoint& point) {
+  const QPersistentModelIndex index = indexAt(point);
   DropOffer offer;
   if (holdsFiles_ && dropOffer_)
-    offer = dropOffer_(index.isValid() ? std::optional(TreeModel::PlaceOf(index)) : std::nullopt,
-                       event.position().toPoint());
-  const bool own = event.source() == this, move = event.modifiers() & Qt::ShiftModifier;
-  const bool moves = own && move && event.possibleActions() & Qt::MoveAction;
-  event.setDropAction(moves ? Qt::MoveAction : Qt::CopyAction);
-  event.setAccepted(offer.accepted && (moves || event.possibleActions() & Qt::CopyAction));
-  Highlight(offer.highlighted ? index : QModelIndex());
+    offer = dropOffer_(index.isValid() ? std::optional(TreeModel::PlaceOf(index)) : std::nullopt, point);
+  offered_ = offer.accepted ? index : QPersistentModelIndex();
+  Highlight(offer.highlighted ? QModelIndex(index) : QModelIndex());
+}
+
+// A program that would delete what it was told is moved is told that it is copied, also when it has not offered that.
+void TreeView::Answer(QDropEvent& event) {
+  const bool copies = event.possibleActions() & Qt::CopyAction, moves = Moves(event);
+  if (moves && event.source() == this) {
+    event.setDropAction(Qt::MoveAction);
+  } else {
+    event.setDropAction(copies ? Qt::CopyAction : kCopyNotOffered);
+  }
+  event.setAccepted(offered_.isValid() && (copies || moves));
 }
 
 void TreeView::Highlight(const QModelIndex& index) {
@@ -352,29 +396,31 @@ void TreeView::Highlight(const QModelIndex& index) {
 // The source is asked for its data once, not at each move.
 void TreeView::dragEnterEvent(QDragEnterEvent* event) {
   holdsFiles_ = HoldsFiles(*event->mimeData());
+  Offer(event->position().toPoint());
   Answer(*event);
   if (holdsFiles_) event->accept();  // else no moves are told
 }
 
 void TreeView::dragMoveEvent(QDragMoveEvent* event) {
+  Offer(event->position().toPoint());
   Answer(*event);
 }
 
 void TreeView::dragLeaveEvent(QDragLeaveEvent*) {
+  offered_ = QModelIndex();
   Highlight({});
   Q_EMIT DragLeft();
 }
 
 void TreeView::dropEvent(QDropEvent* event) {
-  Drop drop{.files = FilesOf(*event->mimeData()), .own = event->source() == this};
-  holdsFiles_ = !drop.files.empty();
+  Drop drop{.target = {}, .files = FilesOf(*event->mimeData()), .move = Moves(*event), .own = event->source() == this};
+  if (drop.files.empty()) offered_ = QModelIndex();
   Answer(*event);
+  drop.target = PathOf(offered_);
+  offered_ = QModelIndex();
   Highlight({});
   Q_EMIT DragLeft();
-  if (!event->isAccepted()) return;
-  drop.target = PathOf(indexAt(event->position().toPoint()));
-  drop.move = event->modifiers() & Qt::ShiftModifier && event->possibleActions() & Qt::MoveAction;
-  AfterThisEvent([this, drop] { Q_EMIT FilesDropped(drop); });
+  if (event->isAccepted()) AfterThisEvent([this, drop] { Q_EMIT FilesDropped(drop); });
 }
 
 std::string TreeView::PathOf(QModelIndex index) const {

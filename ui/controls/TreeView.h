@@ -31,7 +31,11 @@ class TreeView : public QTreeView {
   void InsertBelow(TreePlace node, int first, int count, const std::function<void()>& change);
   void RemoveBelow(TreePlace node, int first, int count, const std::function<void()>& change);
   void ShowChanged(TreePlace node);
+  void ShowImageChanged(TreePlace node);  // which says whether there may be something in it
   void ShowAllChanged();
+  // Many changes in one go; `placeAfter` says where a node is then, if it still is.
+  void Rearrange(const std::function<void()>& change,
+                 const std::function<std::optional<TreePlace>(TreePlace)>& placeAfter);
 
   std::optional<TreePlace> SelectedItem() const;
   void SelectItem(TreePlace node);
@@ -54,7 +58,7 @@ class TreeView : public QTreeView {
   };
   // The files of a drag that begins now; none = no drag.
   void SetDragFiles(std::function<std::vector<std::string>(int effects)> files) { dragFiles_ = std::move(files); }
-  // Asked at each move over the tree: whether files may be dropped on the node.
+  // Asked at each move over the tree: whether files may be dropped on the node. What was offered last is dropped on.
   void SetDropOffer(std::function<DropOffer(std::optional<TreePlace> node, const QPoint& point)> offer) {
     dropOffer_ = std::move(offer);
   }
@@ -64,9 +68,9 @@ class TreeView : public QTreeView {
 
  Q_SIGNALS:
   // From the event loop, outside of commands; the node was not moved meanwhile.
-  void NodeClicked(TreePlace node);   // on its picture or text, and let go there
-  void ToggleWanted(TreePlace node);  // of a folder, by its arrow or a key
-  void DoubleClicked();               // on the selected node
+  void NodeClicked(TreePlace node);    // on its picture or text, and let go there
+  void ToggleWanted(TreePlace node);   // of a folder, by its arrow or a key
+  void DoubleClicked(TreePlace node);  // on its picture or text, twice
   void LabelEdited(const std::string& name);
   void FilesDropped(const Drop& drop);
   void DragEnded();  // one out of this tree
@@ -110,6 +114,7 @@ class TreeView : public QTreeView {
   void MeasureSeenLines();
   void TakeLabel(const QString& text);
   void StartDrag();
+  void Offer(const QPoint& point);
   void Answer(QDropEvent& event);
   void Highlight(const QModelIndex& index);
   std::string PathOf(QModelIndex index) const;
@@ -120,11 +125,13 @@ class TreeView : public QTreeView {
   QPersistentModelIndex pressed_;        // by the left button, where a click may become of it
   QPersistentModelIndex clicked_;        // before a double click
   QPointer<QWidget> editor_;             // of the name that is being changed
+  std::string oldLabel_;                 // of the edit that goes on
   std::optional<std::string> newLabel_;  // of the edit that ends
   std::function<std::vector<std::string>(int)> dragFiles_;
   std::function<DropOffer(std::optional<TreePlace>, const QPoint&)> dropOffer_;
   std::unique_ptr<QMouseEvent> armed_;  // the press with a modifier that may become a drag
-  QPersistentModelIndex highlighted_;   // what is dropped on
+  QPersistentModelIndex offered_;       // what a drop now goes to
+  QPersistentModelIndex highlighted_;   // the same, where it is shown
   std::optional<bool> deletePressed_;   // and not yet let go; with Shift
   bool holdsFiles_ = false;             // what is dragged over it
 };

@@ -40,7 +40,7 @@ class FileOperations {
   virtual Result Move(Form* owner, const std::vector<std::string>& paths, const std::string& folder) = 0;
 
   // The move of another program's drag, which was answered "copy": always copies completely before anything is
-  // deleted. For sources that may be moved only.
+  // deleted.
   virtual Result CopyThenDelete(Form* owner, const std::vector<std::string>& paths, const std::string& folder) = 0;
 };
 
