@@ -122,6 +122,7 @@ constexpr Row kMenus[] = {
     Main("mnuSaveAll", QT_TRANSLATE_NOOP("Menu", "Save a&ll"), "", "", "", &Commands::mnuSaveAll_Click),
     Doc("mnuClose", QT_TRANSLATE_NOOP("Menu", "&Close document"), "", "", On<&frmText::mnuClose_Click>),
     Separator(),
+    With("print", Doc("mnuPrint", QT_TRANSLATE_NOOP("Menu", "&Print document..."), "", "Ctrl+P", On<&frmText::mnuPrint_Click>)),
     Doc("mnuCopyPath", QT_TRANSLATE_NOOP("Menu", "Copy document &pathname to clipboard"), "", "", On<&frmText::mnuCopyPath_Click>),
     Edits(Doc("mnuRefresh", QT_TRANSLATE_NOOP("Menu", "&Refresh"), "", "F5", On<&frmText::mnuRefresh_Click>)),
     Separator(),

@@ -62,6 +62,7 @@ class frmText : public ui::ChildForm {
   SaveOutcome mnuSaveFileAs_Click();
   void mnuClose_Click();
   void mnuAddFile_Click();
+  void mnuPrint_Click();
   void mnuCopyPath_Click();
   void mnuRefresh_Click();
 

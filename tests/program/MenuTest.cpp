@@ -48,6 +48,7 @@ class MenuTest : public ProgramTest {
     static const std::set<std::pair<std::string, std::string>> kClashes = {
         {"mnuNewProject", "mnuNew"},
         {"mnuSaveProjectAs", "mnuSaveFileAs"},
+        {"mnuSaveProject", "mnuPrint"},
         {"mnuSaveProject", "mnuCopyPath"},
         {"mnuAddFile", "mnuAddAll"},
         {"mnuAddFile", "mnuSelectAll"},

@@ -41,23 +41,34 @@ void EnsureApplication() {
 
 }  // namespace
 
+bool WritePdf(const std::string& title, const files::ByteSink& sink,
+              const std::function<bool(QPdfWriter&, const std::function<bool()>&)>& print) {
+  SinkDevice device(sink);
+  bool all = false;
+  {
+    QPdfWriter writer(&device);
+    writer.setTitle(QString::fromStdString(title));
+    writer.setCreator(QStringLiteral("Quillmark"));
+    // A failure stops the pages; the writer itself does not tell of it.
+    all = print(writer, [&device] { return !device.failed(); });
+  }
+  return all && !device.failed();
+}
+
 bool WritePdf(const text::Document& document, const text::rtf::DocumentProperties& properties, const std::string& title,
               const files::ByteSink& sink) {
   EnsureApplication();
-  SinkDevice device(sink);
-  QPdfWriter writer(&device);
-  writer.setTitle(QString::fromStdString(title));
-  writer.setCreator(QStringLiteral("Quillmark"));
-  SetUpPages(text::layout::ReadPageWords(properties.headerWords), true, writer);
   text::layout::PrintOptions options;
   options.range = document.content().all();
   options.properties = &properties;
   const std::string& font = document.formats()[properties.defaultFont].name;
   if (!font.empty()) options.defaultFont = QFont(QString::fromStdString(font));
   options.defaultTab = properties.defaultTab;
-  // A failure stops the pages; the writer itself does not tell of it.
-  options.progress = [&device](int, double) { return !device.failed(); };
-  return Print(document, options, writer) == text::layout::Printed::kAll && !device.failed();
+  return WritePdf(title, sink, [&](QPdfWriter& writer, const std::function<bool()>& mayGoOn) {
+    SetUpPages(text::layout::ReadPageWords(properties.headerWords), true, writer);
+    options.progress = [&mayGoOn](int, double) { return mayGoOn(); };
+    return Print(document, options, writer) == text::layout::Printed::kAll;
+  });
 }
 
 }  // namespace ui

@@ -5,7 +5,10 @@
 #include "text/Document.h"
 #include "text/rtf/Rtf.h"
 
+#include <functional>
 #include <string>
+
+class QPdfWriter;
 
 namespace ui {
 
@@ -13,5 +16,10 @@ namespace ui {
 // Makes the toolkit's application object first where there is none yet; from the main thread only.
 bool WritePdf(const text::Document& document, const text::rtf::DocumentProperties& properties, const std::string& title,
               const files::ByteSink& sink);
+
+// The same with pages of any making: `print` says whether it has all of them, and stops where it may not go on, as then
+// the sink has refused. From any one thread.
+bool WritePdf(const std::string& title, const files::ByteSink& sink,
+              const std::function<bool(QPdfWriter& writer, const std::function<bool()>& mayGoOn)>& print);
 
 }  // namespace ui

@@ -1,8 +1,8 @@
 #include "ui/editor/RichTextBox.h"
 
 #include "text/rtfwrite/RtfSave.h"
-#include "ui/editor/EditorAccessible.h"
 #include "ui/editing/EditorClipboard.h"
+#include "ui/editor/EditorAccessible.h"
 #include "ui/editor/RichTextBoxImpl.h"
 
 #include <QApplication>
@@ -302,18 +302,14 @@ void RichTextBox::SetDefaultTabStops(std::vector<int> twips) {
   impl_->ViewChanged();
 }
 
-text::layout::Printed RichTextBox::Print(QPagedPaintDevice& device, bool selection,
-                                         const std::function<bool(int, double)>& progress) const {
+PrintJob RichTextBox::MakePrintJob(bool selection) const {
   const Range selected = impl_->controller.range();
-  text::layout::PrintOptions options;
-  options.range = selection && !selected.empty() ? selected : impl_->document.content().all();
-  options.defaultFont = impl_->defaultFont;
-  options.defaultTab = rtfProperties().defaultTab;
-  options.defaultStops = impl_->defaultTabStops;
-  options.progress = progress;
-  options.properties = &rtfProperties();
-  SetUpPages(text::layout::ReadPageWords(rtfProperties().headerWords), false, device);
-  return text::layout::Print(impl_->document, options, device);
+  PrintJob job{.content = impl_->document.content(), .properties = rtfProperties(), .options = {}};
+  job.options.range = selection && !selected.empty() ? selected : job.content.all();
+  job.options.defaultFont = impl_->defaultFont;
+  job.options.defaultTab = job.properties.defaultTab;
+  job.options.defaultStops = impl_->defaultTabStops;
+  return job;
 }
 
 // --- Appearance

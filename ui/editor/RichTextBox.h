@@ -5,9 +5,9 @@
 
 #include "text/Document.h"
 #include "text/layout/ViewLayout.h"
-#include "text/print/Printing.h"
 #include "text/rtf/Rtf.h"
 #include "text/search/Search.h"
+#include "ui/editor/PrintJob.h"
 
 #include <QAbstractScrollArea>
 
@@ -133,10 +133,8 @@ class RichTextBox : public QAbstractScrollArea {
   // Tab stops of the view for paragraphs without (enough) stops of their own, in twips: neither edit nor undo step.
   void SetDefaultTabStops(std::vector<int> twips);
 
-  // Prints the text, or the selection if there is one and `selection`, on the device's paper with the document's
-  // margins. `progress` is called before each page with its number, from 1, and what part is done; false cancels.
-  text::layout::Printed Print(QPagedPaintDevice& device, bool selection,
-                              const std::function<bool(int page, double part)>& progress = {}) const;
+  // The text, or the selection if there is one and `selection`, to be printed.
+  PrintJob MakePrintJob(bool selection) const;
 
   // --- Appearance
   void SetBackgroundColor(const QColor& color);  // invalid = the palette's
