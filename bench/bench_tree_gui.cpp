@@ -1,14 +1,17 @@
 // A big folder in the whole program, off screen: opening, closing, checking and clearing all, and from a key event in
-// the tree to the painted frame. Argument: number of entries (default 100000).
+// the tree to the painted frame; and taking 10,000 nodes out that are no neighbours. Argument: number of entries
+// (default 100000).
 #include "bench/AgreeingDialogs.h"
 #include "bench/Program.h"
 #include "files/FolderEntries.h"
 
 #include <QAccessible>
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <malloc.h>
 #include <random>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
@@ -33,6 +36,14 @@ void Fill(const files::Path& folder, int count) {
   }
 }
 
+// What no program can do without: each name, and a look at each entry.
+void ReadAndLook(const std::string& folder) {
+  DIR* const directory = opendir(folder.c_str());
+  struct stat status;
+  while (const dirent* entry = readdir(directory)) fstatat(dirfd(directory), entry->d_name, &status, 0);
+  closedir(directory);
+}
+
 class Bench {
  public:
   Bench(shell::frmMyMDI& program, std::string folder) : program_(program), folder_(std::move(folder)) {
@@ -43,9 +54,10 @@ class Bench {
   }
 
   void Commands() {
-    std::vector<double> reading, opening, closing, checking, clearing;
+    std::vector<double> bare, reading, opening, closing, checking, clearing;
     if (Tree().ImageOf(folder_) == ui::TreeImage::kOpen) Toggle();
     for (int i = 0; i < 5; ++i) {
+      bare.push_back(bench::Seconds([&] { ReadAndLook(folder_); }));
       reading.push_back(bench::Seconds([&] { static_cast<void>(files::ReadFolder(folder_, [] { return true; })); }));
       const double before = Resident();
       opening.push_back(bench::Seconds([&] { Toggle(); }));
@@ -55,8 +67,10 @@ class Bench {
       closing.push_back(bench::Seconds([&] { Toggle(); }));
       std::printf("  memory before %6.1f MB, open %6.1f MB, closed %6.1f MB\n", before, open, Resident());
     }
+    Print("readdir and stat alone", bare);
     Print("read the folder alone", reading);
     Print("open, to the painted frame", opening);
+    std::printf("  opening / readdir and stat: %.2f\n", bench::Median(opening) / bench::Median(bare));
     Print("check all", checking);
     Print("clear all", clearing);
     Print("close", closing);
@@ -77,6 +91,25 @@ class Bench {
       }
       Print(key.name, times);
     }
+  }
+
+  // The sub-folders, every tenth entry.
+  void Removal() {
+    std::vector<double> times, looking;
+    for (int i = 0; i < 5; ++i) {
+      std::vector<std::string> keys;
+      const foldertree::NodeTable& nodes = Tree().Nodes();
+      const ui::TreeList list = nodes.ListBelow(*nodes.Find(folder_));
+      for (int row = 0; row < nodes.Count(list); ++row)
+        if (nodes.Image({list, row}) == ui::TreeImage::kClosed) keys.push_back(nodes.Key({list, row}));
+      times.push_back(bench::Seconds([&] { Tree().RemoveNodes(keys), Paint(); }));
+      Tree().RefreshFolderNode(folder_);
+      CheckAll();
+      looking.push_back(bench::Seconds([&] { program_.treeFiles().PruneMissingCheckedNodes(), Paint(); }));
+      Tree().mnuTreeClearSelections_Click();
+    }
+    Print("take the folders out", times);
+    Print("look which are gone", looking);
   }
 
  private:
@@ -129,5 +162,6 @@ int main(int argc, char** argv) {
     std::printf("%d entries%s\n", count, screenReader ? ", with a screen reader" : "");
     bench.Commands();
     bench.Keys();
+    bench.Removal();
   }
 }

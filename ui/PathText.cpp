@@ -102,7 +102,7 @@ std::string EditedName(std::string_view name, const QString& edited) {
   const QString shown = DisplayText(name);
   if (edited == shown) return std::string(name);
   const std::vector<std::string_view> unknown = BytesOfUnknown(name);
-  if (static_cast<qsizetype>(unknown.size()) != shown.count(kUnknown)) return edited.toStdString();
+  if (static_cast<qsizetype>(unknown.size()) != shown.count(kUnknown)) return std::string(name);
   const auto before = std::mismatch(edited.begin(), edited.end(), shown.begin(), shown.end()).first;
   const auto behind = std::mismatch(edited.rbegin(), std::make_reverse_iterator(before), shown.rbegin(), shown.rend());
   const auto unknownBehind = std::count(edited.rbegin(), behind.first, kUnknown);

@@ -105,6 +105,31 @@ TEST_F(OperationHazardsTest, NothingIsDeletedThatIsNotOnTheDisk) {
   EXPECT_EQ("d/ d/a=1 t/ t/d/ t/d/a=1", TreeIn(scratch.path()));
 }
 
+TEST_F(OperationHazardsTest, CancellingWhileSourcesAreDeletedKeepsTheOthers) {
+  Begin("a=1 b=2 c=3 t/");
+  TestUser user;
+  user.failure.choice = FailureChoice::kCancel;
+  user.at = [&](int) {
+    if (NamesIn(scratch / "t") == std::vector<std::string>{"a", "b"}) Put(scratch / "a", "longer");
+  };
+  const auto outcome =
+      RunOperation({kCopyThenDelete, {scratch / "a", scratch / "b", scratch / "c"}, scratch / "t"}, user);
+  EXPECT_EQ("3 done; 75 a; cancelled", Summary(outcome, scratch.path()));
+  EXPECT_EQ("a=longer b=2 c=3 t/ t/a=1 t/b=2 t/c=3", TreeIn(scratch.path()));
+}
+
+TEST_F(OperationHazardsTest, ANameThatIsTakenAndNotThere) {
+  Begin("a=1 t/");
+  EXPECT_CHILD(InChild([&]() -> std::string {
+    if (!FailCall(SYS_renameat2, EEXIST)) return "SKIP injecting failures is not permitted";
+    TestUser user;
+    Checks check;
+    check.Equal("outcome", "0 done; 58 a", Summary(Run(kMove, "a", "t", user), scratch.path()));
+    return check.text();
+  }));
+  EXPECT_EQ("a=1 t/", TreeIn(scratch.path()));
+}
+
 // Whatever the moment: every file is whole wherever it is, an old one too, and there is no other.
 TEST_F(OperationHazardsTest, CancelledAtEveryMoment) {
   const std::string big = Pattern(5 * kMega), old = "old";

@@ -1,21 +1,11 @@
-#include "bench/AgreeingDialogs.h"
-#include "search/frmYesNoAll.h"
-#include "tests/program/FolderTreeTest.h"
-#include "tests/support/ScriptedFileOperations.h"
-#include "ui/desktop/DesktopFileOperations.h"
+#include "tests/program/TreeFilesTest.h"
 
-#include <QClipboard>
-#include <QDeadlineTimer>
-#include <QLineEdit>
+#include "search/frmYesNoAll.h"
+
 #include <QMimeData>
-#include <QThread>
 #include <gmock/gmock.h>
 
-#include <cstdlib>
 #include <fstream>
-#include <map>
-#include <random>
-#include <set>
 
 namespace {
 
@@ -24,37 +14,6 @@ using testing::IsEmpty;
 using ui::Answer;
 using ui::Buttons;
 using ui::Icon;
-
-class TreeFilesTest : public FolderTreeTest {
- protected:
-  TreeFilesTest() {
-    auto scripted = std::make_unique<support::ScriptedFileOperations>();
-    operations = scripted.get();
-    program().SetFileOperations(std::move(scripted));
-  }
-
-  foldertree::TreeFiles& Files() { return program().treeFiles(); }
-  void Check(std::initializer_list<const char*> names) {
-    for (const char* name : names) Tree().Check(Key(name));
-  }
-  void Select(const std::string& name) { Tree().Select(Key(name)); }
-  static QString Clipboard() { return QApplication::clipboard()->text(); }
-  // Of the selected node; those that were closed go later.
-  QLineEdit* Editor() { return qobject_cast<QLineEdit*>(View().indexWidget(View().currentIndex())); }
-  // Waits until the name can be changed, and changes it.
-  void EnterName(const QString& text, int key = Qt::Key_Return) {
-    for (const QDeadlineTimer end(10000); !Editor() && !end.hasExpired(); QThread::msleep(2)) Settle();
-    ASSERT_TRUE(Editor());
-    Editor()->setText(text);
-    Press(*Editor(), key);
-  }
-  void Drop(const std::string& target, std::vector<std::string> files, bool move, bool own) {
-    Q_EMIT View().FilesDropped({Key(target), std::move(files), move, own});
-    Settle();
-  }
-
-  support::ScriptedFileOperations* operations;
-};
 
 TEST_F(TreeFilesTest, OpensTheCheckedFilesThenTheCheckedFolders) {
   MakeFolders({"b"});
@@ -214,8 +173,8 @@ TEST_F(TreeFilesTest, DeletesWhatIsCheckedAndTakesOutWhatHasGone) {
   Files().mnuTreeDelete_Click();
   Tree().mnuTreeClearSelections_Click();
   Check({"a", "c"});
-  operations->acts = [this](const auto& paths, const auto&) {
-    std::filesystem::remove_all(paths[0]);
+  operations->acts = [](const auto& gone, const auto&) {
+    std::filesystem::remove_all(gone[0]);
     return ui::FileOperations::Result{7, true};
   };
   const std::vector<std::string> keys = Tree().Nodes().CheckedKeys();
@@ -240,8 +199,8 @@ TEST_F(TreeFilesTest, DropsGoToTheFolderAndAskWhenItIsAFiles) {
   Put("to/file", "");
   Sync();
   Toggle("to");
-  operations->acts = [](const auto& paths, const std::string& folder) {
-    for (const std::string& path : paths)
+  operations->acts = [](const auto& dropped, const std::string& folder) {
+    for (const std::string& path : dropped)
       std::ofstream(std::filesystem::path(folder) / std::filesystem::path(path).filename());
     return ui::FileOperations::Result{};
   };
@@ -264,183 +223,6 @@ TEST_F(TreeFilesTest, DropsGoToTheFolderAndAskWhenItIsAFiles) {
   EXPECT_THAT(operations->asked,
               ElementsAre("copy [/x/1] to " + Key("to"), "copy then delete [/x/2] to " + Key("other"),
                           "move [/x/4] to " + Key("to"), "copy [/x/5] to " + Key("to")));
-}
-
-// --- Random operations with the real engine against a plain model of the folder
-
-class RandomTree : public TreeFilesTest {
- protected:
-  RandomTree() {
-    program().SetFileOperations(std::make_unique<ui::DesktopFileOperations>(agreeing));
-    std::filesystem::create_directory(drive);
-    desktop.volumes = {drive};
-    EXPECT_TRUE(Directory().Change(drive));
-  }
-
-  int Chance(int below) { return static_cast<int>(chance() % static_cast<unsigned>(below)); }
-  std::string NewName() {
-    static const char* const kNames[] = {"a",    "b b",  "\u05D0\u05D1", "stray\xFF", "line\nbreak",
-                                         "&<b>", "Case", "case",         ".hidden"};
-    return kNames[Chance(9)] + (Chance(2) ? std::to_string(Chance(30)) : std::string());
-  }
-  std::string Parent(const std::string& path) { return path.substr(0, path.rfind('/')); }
-  static bool IsIn(const std::string& path, const std::string& folder) {
-    return path == folder || path.starts_with(folder + "/");
-  }
-  // All nodes, the root first.
-  std::vector<std::string> NodeKeys() {
-    std::vector<std::string> keys;
-    Walk(foldertree::NodeTable::kRoot, [&](ui::TreePlace place) { keys.push_back(Tree().Nodes().Key(place)); });
-    return keys;
-  }
-  template <class Call>
-  void Walk(ui::TreePlace place, Call call) {
-    call(place);
-    const ui::TreeList below = Tree().Nodes().ListBelow(place);
-    for (int row = 0; row < Tree().Nodes().Count(below); ++row) Walk({below, row}, call);
-  }
-  std::string AnyNode() {
-    const auto keys = NodeKeys();
-    return keys[static_cast<size_t>(Chance(static_cast<int>(keys.size())))];
-  }
-  std::string AnyFolder() {
-    for (;;)
-      if (const std::string key = AnyNode(); Tree().IsFolder(key)) return key;
-  }
-
-  // The model: paths with true for folders.
-  void Forget(const std::string& path) {
-    std::erase_if(model, [&](const auto& entry) { return IsIn(entry.first, path); });
-  }
-  void Take(const std::string& from, const std::string& to) {
-    std::map<std::string, bool> taken;
-    for (const auto& [path, folder] : model)
-      if (IsIn(path, from)) taken[to + path.substr(from.size())] = folder;
-    model.merge(taken);
-  }
-
-  void Step() {
-    switch (Chance(9)) {
-      case 0:
-      case 1: {  // a file or folder that another program makes, seen after a refresh
-        const std::string folder = AnyFolder(), path = folder + "/" + NewName();
-        if (model.contains(path)) return;
-        model[path] = Chance(3) == 0;
-        if (model[path]) {
-          std::filesystem::create_directory(path);
-        } else {
-          std::ofstream(path) << path;
-        }
-        Tree().Select(folder);
-        if (Tree().ImageOf(folder) == ui::TreeImage::kClosed) Tree().ToggleFolderNode(folder);
-        return Tree().RefreshFolderNode(folder);
-      }
-      case 2: {
-        const std::string node = AnyNode(), folder = Tree().FolderOf(node);
-        std::string path = folder + "/New Folder";
-        for (int i = 1; model.contains(path); ++i) path = folder + "/New Folder" + std::to_string(i);
-        model[path] = true;
-        Tree().Select(node);
-        Files().mnuTreeCreateFolder_Click();
-        return EnterName("", Qt::Key_Escape);
-      }
-      case 3:
-        return Rename(AnyNode());
-      case 4:
-      case 5:
-        return Transfer(Chance(2) == 0);
-      case 6:
-        return Delete();
-      case 7:
-        return Tree().ToggleFolderNode(AnyFolder());
-      default:
-        static_cast<void>(Directory().Change(AnyFolder()));
-        return Tree().mnuTreeSync_Click();
-    }
-  }
-  void Rename(const std::string& key) {
-    if (key == drive) return;
-    const std::string name = "renamed " + std::to_string(Chance(1000)), to = Parent(key) + "/" + name;
-    if (model.contains(to)) return;
-    Take(key, to);
-    Forget(key);
-    Tree().Select(key);
-    View().StartLabelEdit();
-    EnterName(QString::fromStdString(name));
-  }
-  // Some nodes whose names are free in the folder, which is none of them; each name once.
-  std::vector<std::string> CheckSome(const std::string& target) {
-    std::set<std::string> names;
-    for (int i = Chance(3); i >= 0; --i) {
-      const std::string key = AnyNode();
-      const std::string to = target + key.substr(key.rfind('/'));
-      if (key == drive || IsIn(target, key) || model.contains(to) || !names.insert(to).second) continue;
-      Tree().Check(key);
-    }
-    // One inside another would go with it.
-    std::vector<std::string> keys = Tree().Nodes().CheckedKeys();
-    for (const std::string& a : keys)
-      for (const std::string& b : keys)
-        if (a != b && IsIn(b, a)) return {};
-    return keys;
-  }
-  void Transfer(bool move) {
-    Tree().mnuTreeClearSelections_Click();
-    const std::string target = AnyFolder();
-    const std::vector<std::string> keys = CheckSome(target);
-    if (keys.empty()) return;
-    for (const std::string& key : keys) {
-      Take(key, target + key.substr(key.rfind('/')));
-      if (move) Forget(key);
-    }
-    Q_EMIT View().FilesDropped({target, keys, move, true});
-  }
-  void Delete() {
-    Tree().mnuTreeClearSelections_Click();
-    if (Chance(3) != 0) return;  // things should come to be
-    const std::vector<std::string> keys = CheckSome("/nowhere");
-    if (keys.empty()) return;
-    for (const std::string& key : keys) Forget(key);
-    Files().DeleteTreeItems(false);
-  }
-
-  void Compare() {
-    std::map<std::string, bool> disk;
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(drive))
-      disk[entry.path().native()] = entry.is_directory();
-    ASSERT_EQ(disk, model);
-    const foldertree::NodeTable& nodes = Tree().Nodes();
-    Walk(foldertree::NodeTable::kRoot, [&](ui::TreePlace place) {
-      const std::string key = nodes.Key(place);
-      std::set<std::string> shown, expected;
-      for (int row = 0; row < nodes.Count(nodes.ListBelow(place)); ++row)
-        shown.insert(nodes.Key({nodes.ListBelow(place), row}));
-      const bool open = nodes.Image(place) == ui::TreeImage::kOpen || nodes.Image(place) == ui::TreeImage::kRoot;
-      for (const auto& [path, isFolder] : model)
-        if (open && Parent(path) == key && path[key.size() + 1] != '.') expected.insert(path);
-      EXPECT_EQ(shown, expected) << key;
-      EXPECT_EQ(nodes.Image(place) != ui::TreeImage::kLeaf, key == drive || model.at(key)) << key;
-    });
-  }
-
-  const std::string drive = At("drive").native();
-  bench::AgreeingDialogs agreeing;
-  std::mt19937 chance;
-  std::map<std::string, bool> model;
-};
-
-TEST_F(RandomTree, TreeAndDiskStayEqual) {
-  const unsigned seed =
-      std::getenv("QUILLMARK_SEED") ? std::stoul(std::getenv("QUILLMARK_SEED")) : std::random_device()();
-  SCOPED_TRACE("QUILLMARK_SEED=" + std::to_string(seed));
-  chance.seed(seed);
-  Sync();
-  for (int step = 0; step < 2000 && !HasFailure(); ++step) {
-    SCOPED_TRACE(step);
-    Step();
-    Settle();
-    Compare();
-  }
 }
 
 }  // namespace

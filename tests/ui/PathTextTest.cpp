@@ -5,6 +5,7 @@
 
 #include <cstdlib>
 #include <fstream>
+#include <random>
 
 namespace {
 
@@ -23,6 +24,24 @@ TEST(PathText, Display) {
   };
   for (const DisplayCase& c : cases) EXPECT_EQ(ui::DisplayText(c.bytes), c.shown);
   EXPECT_EQ(ui::DoubleAmpersands("a & b && c"), "a && b &&&& c");
+}
+
+// What was typed before or behind a name leaves its bytes alone, whatever they are.
+TEST(PathText, EditedNames) {
+  const unsigned seed =
+      std::getenv("QUILLMARK_SEED") ? std::stoul(std::getenv("QUILLMARK_SEED")) : std::random_device()();
+  SCOPED_TRACE("QUILLMARK_SEED=" + std::to_string(seed));
+  std::mt19937 chance(seed);
+  constexpr std::string_view kBytes = "a\n\xEF\xBB\xBF\xBD\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80\xED\xA0\xF4\x90\xC0\xFF";
+  for (int i = 0; i < 5000 && !::testing::Test::HasFailure(); ++i) {
+    std::string name;
+    for (size_t size = 1 + chance() % 9; name.size() < size;) name += kBytes[chance() % kBytes.size()];
+    const QString shown = ui::DisplayText(name);
+    SCOPED_TRACE(::testing::PrintToString(name));
+    EXPECT_EQ(ui::EditedName(name, shown), name);
+    EXPECT_EQ(ui::EditedName(name, "x" + shown), "x" + name);
+    EXPECT_EQ(ui::EditedName(name, shown + "x"), name + "x");
+  }
 }
 
 class PathOfChosen : public ::testing::Test {
