@@ -86,6 +86,32 @@ class Keyboard(TreeTest):
         program.wait_until(lambda: len(program.documents()) == 2, "a second document")
         self.end(program)
 
+    def test_folders_and_the_project(self):
+        session = cases.SESSION
+        os.mkdir(os.path.join(self.work, b"folder"))
+        self.put("folder/inside.txt")
+        program = self.start_synchronised()
+        self.go_to(program, "folder")
+        lines = len(self.lines(program))
+        self.choose(program, "alt+t", "Add selected item(s) to project list")
+        program.wait_until(lambda: len(self.lines(program)) == lines + 1, "a line for the folder")
+        self.wait_for_check(program, "folder")
+        self.choose(program, "alt+t", "Change to selected directory")
+        self.wait_for_node(program, "inside.txt")
+        self.choose(program, "alt+t", "Collapse All")
+        self.wait_for_no_node(program, "inside.txt")
+        self.wait_for_selected(program, "/")
+        # The current directory is still the folder.
+        self.choose(program, "alt+t", "Synchronize w/current directory")
+        self.wait_for_selected(program, "folder")
+        session.keys("Down")
+        self.wait_for_selected(program, "inside.txt")
+        session.keys("Menu", "Down", "Return")  # "Open" is the first row of the pop-up menu
+        program.wait_until(lambda: len(program.documents()) == 1, "the file as a document")
+        program.wait_for_focus()
+        self.choose(program, "alt+f", "Save project file")
+        self.end(program)
+
     def test_create_rename_and_delete(self):
         session = cases.SESSION
         self.put("old.txt", b"kept")
