@@ -115,5 +115,30 @@ TEST(RtfRoundTrip, RandomFragments) {
   }
 }
 
+// Rows of any level, of which parts are missing.
+TEST(RtfRoundTrip, TornTables) {
+  for (uint32_t seed = 1; seed <= 1000; ++seed) {
+    std::mt19937 random(seed);
+    const auto store = NewStore();
+    FormatTable& formats = store->formats();
+    ContentBuilder builder(store);
+    for (uint32_t count = random() % 12; count > 0; --count) {
+      ParaFormat format;
+      TableRow row;
+      row.level = static_cast<uint8_t>(random() % 4);
+      row.cells.resize(1 + random() % 2);
+      row.cells.back().right = 9;
+      row.cells.back().shading.rgb = random() % 3;
+      if (row.level > 0) format.row = formats.Intern(row), format.rowMark = static_cast<RowMark>(random() % 3);
+      builder.Append("x\r\n", CharFormatId::kDefault, formats.Intern(format));
+    }
+    const Content content = builder.Finish();
+    const std::string written = Written(content);
+    const ReadResult read = ReadNew(written);
+    ASSERT_EQ(TextOf(read.content), TextOf(content)) << "seed " << seed << "\n" << written;
+    ASSERT_EQ(Written(read), written) << "seed " << seed;
+  }
+}
+
 }  // namespace
 }  // namespace text::rtf

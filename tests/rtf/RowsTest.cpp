@@ -185,6 +185,8 @@ TEST(RtfWriter, TakesWhatTheFileItWasReadFromHas) {
        "b\\nestcell{\\*\\nesttableprops\\trowd\\cellx5\\cellx7\\nestrow}c\\nestcell{\\*"
        "\\nesttableprops\\trowd\\cellx5\\nestrow}\\itap1\\cell\\row",
        "\\nestrow}{\\nonesttables\\par}\r\n\\pard\\intbl\\itap2 c\\nestcell"},
+      // A paragraph's border is none of its row's.
+      {"\\trowd\\cellx9\\pard\\intbl\\brdrl\\brdrs a\\cell\\row", "\\trowd\\cellx9\\pard"},
       // They number these lists themselves.
       {"{\\*\\listtable{\\list{\\listlevel\\levelnfc0{\\leveltext\\'01\\'00;}}\\listid7}}{\\*\\listoverridetable{"
        "\\listoverride\\listid7\\ls1}}{\\*\\pn\\pnlvlblt}x\\par\\pard\\ls1 y",

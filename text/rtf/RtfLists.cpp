@@ -12,7 +12,7 @@ namespace text::rtf {
 namespace {
 
 // \levelnfc
-constexpr int32_t kBulletKind = 23, kNoKind = 255;
+constexpr int32_t kNoKind = 255;
 
 NumberStyle StyleOf(int32_t kind) {
   constexpr NumberStyle kStyles[] = {NumberStyle::kDecimal,     NumberStyle::kUpperRoman,  NumberStyle::kLowerRoman,

@@ -15,6 +15,8 @@
 
 namespace text::rtf {
 
+constexpr int32_t kBulletKind = 23;  // \levelnfc of a bullet
+
 // What a paragraph says of its label.
 struct ListUse {
   bool bullet = false;

@@ -299,9 +299,10 @@ void RtfReader::RecordRow(const Keyword* word, const Token& token) {
   const bool colors =
       word && (word->op == Op::kCellColor || word->op == Op::kCellPatternColor || word->op == Op::kCellPattern ||
                word->op == Op::kRowPassing || word->op == Op::kBorderColor);
+  const bool ofParagraph = word && word->op == Op::kOtherBorder && word->value != 0;
   if (word && word->kind != Kind::kRow && !inTable) {
     recordingRow_ = false;
-  } else if (!inTable && !colors && !(word && word->op == Op::kRowDefault)) {
+  } else if (!inTable && !colors && !ofParagraph && !(word && word->op == Op::kRowDefault)) {
     rows_.definition(state().nestedRow).Record(token);
   }
 }

@@ -3,6 +3,7 @@
 
 #include "text/FormatTable.h"
 #include "text/rtfsyntax/RtfKeywords.h"
+#include "text/rtfsyntax/RtfLimits.h"
 #include "text/rtfsyntax/RtfTokenizer.h"
 
 #include <array>
@@ -11,8 +12,6 @@
 #include <vector>
 
 namespace text::rtf {
-
-constexpr uint8_t kMaxTableLevel = 32;
 
 // From \trowd on. Holds for every row that ends before the next \trowd.
 class RowDefinition {

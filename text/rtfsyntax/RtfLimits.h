@@ -13,6 +13,7 @@ constexpr size_t kMaxColors = 65'536;
 constexpr size_t kMaxStyles = 32'768;
 constexpr size_t kMaxLists = 32'768;
 constexpr size_t kMaxListLevels = 9;
+constexpr uint8_t kMaxTableLevel = 32;
 constexpr size_t kMaxNameBytes = 256;            // of a font name
 constexpr size_t kMaxInstructionBytes = 4096;    // of a field's instruction
 constexpr size_t kMaxLabelBytes = 128;           // of a list's label

@@ -17,7 +17,6 @@ constexpr uint8_t kSymbolCharset = 2;
 
 // \levelnfc of a NumberStyle.
 constexpr std::array<int32_t, 7> kLevelKinds = {0, 1, 2, 3, 4, 5, 255};
-constexpr int32_t kBulletKind = 23;
 constexpr size_t kMaxLabelCount = 31;  // what is larger could be taken for a character where the count is missing
 
 // By NumberStyle.

@@ -11,6 +11,7 @@ namespace text::rtf {
 namespace {
 
 constexpr size_t kMostWords = 1000;
+constexpr size_t kMostLookedAt = 64;  // for an earlier one of the same name, which counts no more
 
 // Those about borders besides.
 // clang-format off
@@ -68,9 +69,19 @@ void ParagraphWords::OnReset() {
 void ParagraphWords::OnWord(Span span) {
   const std::string_view bytes = source_.substr(span.begin + 1, span.size() - 1);
   const auto letter = [](char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); };
-  const auto end = std::find_if_not(bytes.begin(), bytes.end(), letter);
-  if (!IsAboutParagraphs(bytes.substr(0, static_cast<size_t>(end - bytes.begin())))) return;
+  const auto name = [&](std::string_view word) {
+    return word.substr(0, static_cast<size_t>(std::find_if_not(word.begin(), word.end(), letter) - word.begin()));
+  };
+  const std::string_view word = name(bytes);
+  if (!IsAboutParagraphs(word)) return;
   if (!words_.empty() && words_.back().begin == span.begin) return;
+  if (!IsAboutBox(word) && !IsAboutStop(word) && word != "tx" && word != "tb") {
+    const size_t here = std::max(first_, groups_.empty() ? 0 : groups_.back().size);
+    const size_t lookAt = std::max(here, words_.size() - std::min(words_.size(), kMostLookedAt));
+    const auto same = [&](Span before) { return name(source_.substr(before.begin + 1, before.size() - 1)) == word; };
+    const auto found = std::find_if(words_.begin() + static_cast<std::ptrdiff_t>(lookAt), words_.end(), same);
+    if (found != words_.end()) words_.erase(found);
+  }
   words_.push_back(span);
   if (words_.size() - first_ > kMostWords) ++first_;
 }

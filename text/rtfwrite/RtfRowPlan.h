@@ -1,8 +1,10 @@
-// Which paragraphs of a text are written as a table's: those of whole rows.
+// Which paragraphs of a text are written as a table's: those of whole rows. What is left of a row, because a part of it
+// is not there, is text of the row around it, or of none, as in what is read then.
 #pragma once
 
 #include "text/FormatTable.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <vector>
@@ -12,32 +14,45 @@ namespace text::rtf {
 // Paragraphs are added in their order, then asked for in the same order.
 class RtfRowPlan {
  public:
+  struct Given {
+    RowId row = RowId::kNone;
+    RowMark mark = RowMark::kNone;
+  };
+
   // The next `count` paragraphs have this format.
   void Add(const FormatTable& formats, ParaFormatId format, int64_t count);
-  void Finish() { EndStretch(); }
+  void Finish() { EndTable(); }
 
-  bool Contains(int64_t paragraph);
-  // The row to define where one begins at this paragraph; nothing when only tables in tables follow.
+  Given At(int64_t paragraph);
+  // The outermost row to define before this paragraph.
   std::optional<RowId> RowAt(int64_t paragraph);
+  // Each that is written, in their order; one may come several times.
+  std::vector<RowId> Rows() const;
 
  private:
-  struct Stretch {
-    int64_t first = 0, last = 0;
+  struct Paragraph : Given {
+    int64_t number = 0;
+  };
+  struct OpenRow {
+    size_t cells = 0;
+    std::vector<size_t> paragraphs;  // in paragraphs_
   };
   struct Outer {
     int64_t paragraph = 0;
     RowId row = RowId::kNone;
   };
 
-  void EndStretch();
+  void Put(int64_t number, Given given, size_t level);
+  void GiveUpAbove(size_t level);
+  void EndTable();
 
   int64_t added_ = 0;
-  int64_t first_ = -1, lastEnd_ = -1;  // of the stretch under way
-  bool rowBegins_ = true;
-  std::optional<int64_t> unknown_;  // where a row began whose definition has not come yet
-  std::vector<Stretch> stretches_;
+  std::vector<Paragraph> paragraphs_;  // that are in tables
+  std::vector<OpenRow> rows_{1};       // by level; 0 is none
+  size_t deepest_ = 0;                 // that is open
+  size_t begin_ = 0;                   // of the outermost row, in paragraphs_
   std::vector<Outer> outers_;
-  size_t nextStretch_ = 0, nextOuter_ = 0;
+  size_t next_ = 0, nextOuter_ = 0;
 };
 
 }  // namespace text::rtf

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <utility>
 
 namespace text::rtf {
 
@@ -100,6 +101,7 @@ void RtfSplice::OnText(Span span, std::string_view utf8, Text kind) {
 
 void RtfSplice::OnFallback(size_t end) {
   openEnd_ = 0;
+  if (rewrite_) rewrite_->end = end;
   if (dropped_) return output_.DropTo(end);
   if (!last_) return;
   output_.CopyTo(end);
@@ -120,6 +122,7 @@ void RtfSplice::Piece(Span span, Units units, Text kind) {
 
 void RtfSplice::Part(Span span, Units units, Text kind) {
   const Edit& edit = CurrentEdit();
+  if (edit.kind != Edit::Kind::kReformat) EndRewrite();
   if (edit.kind != Edit::Kind::kSame) {
     const size_t marked = span.end - WithMark(bytes_.substr(span.begin, span.size())).size();
     if (output_.position() <= marked) span.begin = marked;
@@ -129,9 +132,7 @@ void RtfSplice::Part(Span span, Units units, Text kind) {
       Keep(span, units, kind);
       break;
     case Edit::Kind::kReformat:
-      output_.CopyTo(span.begin);
-      Flush(span.begin, Mapped(read_) + units, false);
-      Drop(span);
+      Reformat(span, units);
       break;
     case Edit::Kind::kReplace:
       if (read_ == edit.before.begin && written_ < edit.after.end) ReplaceHere(span.begin, edit);
@@ -141,8 +142,35 @@ void RtfSplice::Part(Span span, Units units, Text kind) {
   read_ += units;
 }
 
+void RtfSplice::Reformat(Span span, Units units) {
+  const Units upTo = Mapped(read_) + units;
+  const Range wanted{Mapped(read_), upTo};
+  if (rewrite_ &&
+      (rewrite_->end != span.begin || rewrite_->upTo != wanted.begin || !Allows(rewrite_->place.state, wanted)))
+    EndRewrite();
+  output_.CopyTo(span.begin);
+  if (!rewrite_ && written_ == wanted.begin && !ContinuesLast()) {
+    Place place = Here(span.begin);
+    if (Allows(place.state, wanted)) rewrite_ = Rewrite{std::move(place), span.end, upTo};
+  }
+  if (!rewrite_) Flush(span.begin, upTo, false);
+  Drop(span);
+  if (!rewrite_) return;
+  rewrite_->end = span.end;
+  rewrite_->upTo = upTo;
+}
+
+void RtfSplice::EndRewrite() {
+  if (!rewrite_) return;
+  const Rewrite rewrite = *std::exchange(rewrite_, std::nullopt);
+  Insert(rewrite.place, rewrite.upTo);
+  MarkUsed();
+  last_.reset(), middle_.reset();
+}
+
 // Bytes that make several characters together, not all of which remain: what does is written anew.
 void RtfSplice::TornPiece(Span span, Units units) {
+  EndRewrite();
   const Units end = read_ + units;
   Units upTo = written_;
   while (read_ < end) {
@@ -163,7 +191,7 @@ void RtfSplice::ReplaceHere(size_t offset, const Edit& edit) {
   place.bare = bare;
   CharFormat first = Writable(formats_[after_.CharFormatAt(written_)]);
   first.object = ObjectId::kNone;
-  if (first != place.state.chars || !Allows(place.state, edit.after.end)) return;
+  if (first != place.state.chars || !Allows(place.state, {written_, edit.after.end})) return;
   Insert(place, edit.after.end);
   MarkUsed();
   last_.reset(), middle_.reset();
@@ -206,22 +234,25 @@ void RtfSplice::MarkUsed() {
   for (auto field = fields_.rbegin(); field != fields_.rend() && !field->used; ++field) field->used = true;
 }
 
+// What is to be written is in the format of the text before.
+bool RtfSplice::ContinuesLast() const {
+  if (!last_ || last_->isBreak) return false;
+  CharFormat first = Writable(formats_[after_.CharFormatAt(written_)]);
+  first.object = ObjectId::kNone;
+  return first == last_->state.chars;
+}
+
 bool RtfSplice::Flush(size_t here, Units upTo, bool beforeBreak) {
-  const auto alike = [&] {
-    CharFormat first = Writable(formats_[after_.CharFormatAt(written_)]);
-    first.object = ObjectId::kNone;
-    return first == last_->state.chars;
-  };
   if (last_ && last_->isBreak) FlushWholeParagraphs(upTo);
   if (written_ == upTo) return true;
-  if (last_ && !last_->isBreak && Allows(last_->state, upTo) && (beforeBreak || alike())) {
+  if (last_ && !last_->isBreak && Allows(last_->state, {written_, upTo}) && (beforeBreak || ContinuesLast())) {
     Insert(*last_, upTo);
-  } else if (const Place place = Here(here); Allows(place.state, upTo)) {
+  } else if (const Place place = Here(here); Allows(place.state, {written_, upTo})) {
     Insert(place, upTo);
     MarkUsed();
-  } else if (middle_ && Allows(middle_->state, upTo)) {
+  } else if (middle_ && Allows(middle_->state, {written_, upTo})) {
     Insert(*middle_, upTo);
-  } else if (last_ && Allows(last_->state, upTo)) {
+  } else if (last_ && Allows(last_->state, {written_, upTo})) {
     Insert(*last_, upTo);
   } else {
     return false;
@@ -231,10 +262,10 @@ bool RtfSplice::Flush(size_t here, Units upTo, bool beforeBreak) {
 }
 
 // In the result of a link everything is part of the link.
-bool RtfSplice::Allows(const InForce& state, Units upTo) const {
+bool RtfSplice::Allows(const InForce& state, Range wanted) const {
   if (state.chars.link == LinkId::kNone) return true;
   bool allowed = true;
-  after_.ForEachPiece({written_, upTo}, [&](const PieceView& piece) {
+  after_.ForEachPiece(wanted, [&](const PieceView& piece) {
     allowed = formats_[piece.charFormat].link == state.chars.link;
     return allowed;
   });
@@ -256,7 +287,7 @@ void RtfSplice::FlushWholeParagraphs(Units upTo) {
     end = after_.ParagraphStart(after_.ParagraphAt(at));
     return true;
   });
-  if (end > written_ && Allows(last_->state, end)) Insert(*last_, end);
+  if (end > written_ && Allows(last_->state, {written_, end})) Insert(*last_, end);
 }
 
 RtfSplice::Reach RtfSplice::ReachHere(size_t offset) {
@@ -277,6 +308,7 @@ bool RtfSplice::IsOpen(uint32_t group) const {
 }
 
 void RtfSplice::OnBreak(Span span, bool joins) {
+  EndRewrite();
   if (joins) {
     if (dropped_) return Drop(span);
     if (last_ && last_->isBreak) Remember(span.end, true);
@@ -315,6 +347,7 @@ void RtfSplice::OnBreak(Span span, bool joins) {
 
 // A label goes with the break before its paragraph, or with the paragraph's list.
 void RtfSplice::OnLabel(Span span) {
+  EndRewrite();
   bool keep = !droppedBreak_;
   const Breaks was = before_.ParagraphAt(read_);
   if (keep && CurrentEdit().before.end <= before_.ParagraphEnd(was)) {
@@ -328,22 +361,26 @@ void RtfSplice::OnLabel(Span span) {
 }
 
 void RtfSplice::OnOldPicture(Span span) {
+  EndRewrite();
   if (dropped_) Drop(span);
 }
 
 void RtfSplice::OnGroup(size_t begin) {
+  EndRewrite();
   if (atParagraphBegin_ && !paragraphGroup_ && reader_.inBody()) paragraphGroup_ = ReachHere(begin);
   groups_.push_back(++lastGroup_);
   paragraphWords_.OnGroup();
 }
 
 void RtfSplice::OnField(size_t begin) {
+  EndRewrite();
   output_.CopyTo(begin);
   fields_.push_back({groups_.back(), output_.Here(), read_});
 }
 
 // A field of whose result nothing is left goes as a whole.
 void RtfSplice::OnGroupEnd(size_t end) {
+  EndRewrite();
   if (groups_.size() < 2) return;
   const uint32_t group = groups_.back();
   groups_.pop_back();
@@ -371,6 +408,7 @@ void RtfSplice::Forget(const SpliceOutput::Place& cut) {
 }
 
 void RtfSplice::OnTableEnd(Table table, size_t end) {
+  EndRewrite();
   output_.CopyTo(end);
   tablesEnd_[static_cast<size_t>(table)] = output_.Here();
   if (table == Table::kColors) tables_.ColorTableEnds(bytes_.substr(0, end));

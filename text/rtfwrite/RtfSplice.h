@@ -53,6 +53,12 @@ class RtfSplice : private RtfWatcher {
   struct Deviation : Reach {
     ParaFormat format, original;
   };
+  // Text in a new format, whose bytes went one after the other; it is written in one when something else comes.
+  struct Rewrite {
+    Place place;
+    size_t end = 0;
+    Units upTo;
+  };
   struct OpenField {
     uint32_t group;
     SpliceOutput::Place at;
@@ -81,13 +87,16 @@ class RtfSplice : private RtfWatcher {
   void Piece(Span span, Units units, Text kind);
   void TornPiece(Span span, Units units);
   void Part(Span span, Units units, Text kind);
+  void Reformat(Span span, Units units);
+  void EndRewrite();
   void Drop(Span span);
   void ReplaceHere(size_t offset, const Edit& edit);
   void Forget(const SpliceOutput::Place& cut);
   void Keep(Span span, Units units, Text kind);
   // Writes what is new up to there; false when no place allows it yet.
   bool Flush(size_t here, Units upTo, bool beforeBreak);
-  bool Allows(const InForce& state, Units upTo) const;
+  bool ContinuesLast() const;
+  bool Allows(const InForce& state, Range wanted) const;
   void FlushWholeParagraphs(Units upTo);
   Reach ReachHere(size_t offset);
   Place Here(size_t offset);
@@ -142,10 +151,11 @@ class RtfSplice : private RtfWatcher {
   size_t openEnd_ = 0;                                           // behind a character whose fallback has not come
   std::optional<Place> last_;    // behind the last text that was kept, if something new may follow
   std::optional<Place> middle_;  // behind a field that ended since
-  bool dropped_ = false;         // the last thing that was read
-  bool droppedBreak_ = false;    // the last break
-  bool sawClosing_ = false;      // the \par that closes the document
-  bool keptEnd_ = false;         // the last of before_ is the last of after_
+  std::optional<Rewrite> rewrite_;
+  bool dropped_ = false;       // the last thing that was read
+  bool droppedBreak_ = false;  // the last break
+  bool sawClosing_ = false;    // the \par that closes the document
+  bool keptEnd_ = false;       // the last of before_ is the last of after_
 
   std::optional<Reach> paragraphBegin_, paragraphGroup_;
   bool atParagraphBegin_ = true;

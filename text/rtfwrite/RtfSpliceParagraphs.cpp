@@ -91,6 +91,7 @@ void RtfSplice::Deviate(const Reach& here, const ParaFormat& format, const ParaF
 }
 
 void RtfSplice::OnParagraphWord(Span span, bool reset) {
+  EndRewrite();
   const auto note = [&](auto& place) {
     if (place && place->paragraphWord == paragraphWord_ && place->group == groups_.back()) place->reset = reset;
   };
@@ -137,6 +138,7 @@ std::string RtfSplice::CharWordsBesideStyle() {
 
 // Before the brace that closes everything, or where the file ends without one.
 void RtfSplice::OnEnd(size_t offset) {
+  EndRewrite();
   if (sawClosing_) return;
   std::optional<Place> tail = last_;
   const bool leavesTable = atParagraphBegin_ && reader_.inForce().tableLevel > 0;

@@ -57,8 +57,10 @@ void RtfWriter::SplitParagraphs(const PieceView& piece) {
 
 void RtfWriter::Paragraph(ParaFormatId id, bool close, std::optional<CharFormatId> breakFormat) {
   ParaFormat format = formats_[id];
-  if (!breakFormat || !plan_.Contains(paragraphNumber_)) format.row = RowId::kNone, format.rowMark = RowMark::kNone;
-  BeginRow(format);
+  const RtfRowPlan::Given given = breakFormat ? plan_.At(paragraphNumber_) : RtfRowPlan::Given();
+  format.row = given.row;
+  format.rowMark = given.mark;
+  if (const auto row = plan_.RowAt(paragraphNumber_)) words_.Row(formats_[*row], numbers_);
   const bool same = anyParagraph_ && SameLook(currentParagraph_, format);
   if (same || !ParagraphFormat(format)) words_.Label(format, formats_, numbers_);
   anyParagraph_ = true;
@@ -76,15 +78,6 @@ void RtfWriter::Paragraph(ParaFormatId id, bool close, std::optional<CharFormatI
   if (breakFormat) Chars(*breakFormat);
   Close(format);
   SendIfLarge();
-}
-
-void RtfWriter::BeginRow(const ParaFormat& format) {
-  if (format.row == RowId::kNone) {
-    rowBegins_ = true;
-    return;
-  }
-  if (const auto row = rowBegins_ ? plan_.RowAt(paragraphNumber_) : std::nullopt) words_.Row(formats_[*row], numbers_);
-  rowBegins_ = format.rowMark == RowMark::kRowEnd && formats_[format.row].level <= 1;
 }
 
 void RtfWriter::Close(const ParaFormat& format) {

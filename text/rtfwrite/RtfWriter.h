@@ -62,7 +62,6 @@ class RtfWriter {
   void Paragraph(ParaFormatId format, bool close, std::optional<CharFormatId> breakFormat);
   // False, and nothing written, when the format is written like the one in force.
   bool ParagraphFormat(const ParaFormat& format);
-  void BeginRow(const ParaFormat& format);
   void Close(const ParaFormat& format);
   void Chars(CharFormatId id);
   void Text(const Stretch& stretch);
@@ -112,7 +111,6 @@ class RtfWriter {
 
   RtfRowPlan plan_;
   int64_t paragraphNumber_ = 0;  // from the beginning of the range
-  bool rowBegins_ = true;
 
   std::vector<Stretch> paragraph_;
   bool anyParagraph_ = false;

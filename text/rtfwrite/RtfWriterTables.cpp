@@ -39,6 +39,8 @@ void RtfWriter::CollectFormats(Range range, bool wholeDocument) {
     return true;
   });
   plan_.Finish();
+  for (const RowId row : plan_.Rows())
+    for (const TableCell& cell : formats_[row].cells) CollectColor(cell.shading);
   CollectParagraph(content_.ParaFormatOf(content_.ParagraphAt(range.end)));
   if (anyBullet_) numbers_.symbolFont = NumberFont({"Symbol", 2, 0}).value_or(0);
 }
@@ -53,8 +55,6 @@ void RtfWriter::CollectParagraph(ParaFormatId id) {
   if (format.list != ListId::kNone) CollectList(format.list);
   CollectColor(format.box.color);
   CollectColor(format.box.shading);
-  if (format.row == RowId::kNone) return;
-  for (const TableCell& cell : formats_[format.row].cells) CollectColor(cell.shading);
 }
 
 void RtfWriter::CollectList(ListId id) {
