@@ -5,6 +5,7 @@
 #include "documents/DocumentTable.h"
 #include "documents/Opening.h"
 #include "foldertree/TreeFiles.h"
+#include "panes/Panes.h"
 #include "project/ProjectList.h"
 #include "search/Find.h"
 #include "services/Services.h"
@@ -20,7 +21,7 @@ class Commands {
   Commands(services::Services& services, documents::DocumentTable& table, documents::Opening& opening,
            project::Project& project, project::ProjectList& list, foldertree::FolderTree& tree,
            foldertree::TreeFiles& treeFiles, search::Find& find, autocomplete::AutoComplete& autoComplete,
-           ui::ToolBar& toolbar)
+           panes::Panes& panes, ui::ToolBar& toolbar)
       : services_(services),
         table_(table),
         opening_(opening),
@@ -30,6 +31,7 @@ class Commands {
         treeFiles_(treeFiles),
         find_(find),
         autoComplete_(autoComplete),
+        panes_(panes),
         Toolbar1_(toolbar) {}
 
   // --- File
@@ -80,6 +82,15 @@ class Commands {
   void mnuTreeRefresh_Click() { tree_.mnuTreeRefresh_Click(); }
   void mnuTreeExplore_Click() { tree_.mnuTreeExplore_Click(); }
 
+  // --- Quotes
+  void mnuLoadQuotes_Click() { panes_.quotes().mnuLoadQuotes_Click(); }
+  void mnuFindQuote_Click() { panes_.quotes().mnuFindQuote_Click(); }
+  void mnuFindNextQuote_Click() { panes_.quotes().mnuFindNextQuote_Click(); }
+  void mnuRandom_Click() { panes_.quotes().mnuRandom_Click(); }
+  void mnuCopyQuote_Click() { panes_.quotes().mnuCopyQuote_Click(); }
+  bool QuotesOptions() const { return quotesOptions_; }
+  void SetQuotesOptions(bool enabled) { quotesOptions_ = enabled; }
+
   // --- Options
   void mnuPrefItem_Click() { services_.mnuPrefItem_Click(); }
   void mnuAutoCompleteToggle_Click() { autoComplete_.mnuAutoCompleteToggle_Click(); }
@@ -118,8 +129,10 @@ class Commands {
   foldertree::TreeFiles& treeFiles_;
   search::Find& find_;
   autocomplete::AutoComplete& autoComplete_;
+  panes::Panes& panes_;
   ui::ToolBar& Toolbar1_;
   int toolbarStyle_ = 1;
+  bool quotesOptions_ = false;
   ui::WindowState minRest_ = ui::WindowState::kNormal;
 };
 

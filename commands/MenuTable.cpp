@@ -76,6 +76,14 @@ constexpr Row With(const char* icon, Row row) {
   return row;
 }
 
+// Enabled while quotes are loaded.
+constexpr Row Quote(const char* name, const char* caption, const char* hint, const char* withoutDocument,
+                    void (Commands::*command)()) {
+  Row row = Main(name, caption, hint, "", withoutDocument, command);
+  row.usable = &Commands::QuotesOptions;
+  return row;
+}
+
 // Checked while the main window says so.
 constexpr Row Choice(const char* name, const char* caption, const char* key, void (Commands::*command)(),
                      bool (Commands::*chosen)() const) {
@@ -217,6 +225,14 @@ constexpr Row kMenus[] = {
     Main("mnuTreeCreateFolder", QT_TRANSLATE_NOOP("Menu", "&Create a new folder"), "", "", "", &Commands::mnuTreeCreateFolder_Click),
     Main("mnuTreeExplore", QT_TRANSLATE_NOOP("Menu", "&Explore folder"), "", "", "", &Commands::mnuTreeExplore_Click),
   End(),
+  Menu("mnuQuotes", QT_TRANSLATE_NOOP("Menu", "&Quotes")),
+    Main("mnuLoadQuotes", QT_TRANSLATE_NOOP("Menu", "&Load quotes file..."), "", "", "", &Commands::mnuLoadQuotes_Click),
+    Separator(),
+    Quote("mnuFindQuote", QT_TRANSLATE_NOOP("Menu", "&Find a quote..."), "", "Ctrl+F", &Commands::mnuFindQuote_Click),
+    Quote("mnuFindNextQuote", QT_TRANSLATE_NOOP("Menu", "Find &next"), "", "F3", &Commands::mnuFindNextQuote_Click),
+    Quote("mnuRandom", QT_TRANSLATE_NOOP("Menu", "&Pick a random quote"), "", "", &Commands::mnuRandom_Click),
+    Quote("mnuCopyQuote", QT_TRANSLATE_NOOP("Menu", "&Copy selected quote"), "Ctrl-C", "", &Commands::mnuCopyQuote_Click),
+  End(),
   Menu("mnuOptions", QT_TRANSLATE_NOOP("Menu", "&Options")),
     Main("mnuPrefItem", QT_TRANSLATE_NOOP("Menu", "&Defaults..."), "", "", "Ctrl+D", &Commands::mnuPrefItem_Click),
     Choice("mnuAutoCompleteToggle", QT_TRANSLATE_NOOP("Menu", "Toggle &Auto-Complete"), "Shift+F4", &Commands::mnuAutoCompleteToggle_Click, &Commands::AutoCompleteOn),
@@ -275,6 +291,12 @@ constexpr Row kTreePopup[] = {
   Main("mnuRCTreeCreateFolder", QT_TRANSLATE_NOOP("Menu", "&Create a new folder"), "", "", "", &Commands::mnuTreeCreateFolder_Click),
   Main("mnuRCTreeExplore", QT_TRANSLATE_NOOP("Menu", "&Explore"), "", "", "", &Commands::mnuTreeExplore_Click),
 };
+constexpr Row kQuotesPopup[] = {
+  Quote("mnuRCFindQuote", QT_TRANSLATE_NOOP("Menu", "&Find a quote..."), "", "", &Commands::mnuFindQuote_Click),
+  Quote("mnuRCFindNextQuote", QT_TRANSLATE_NOOP("Menu", "Find &next"), "", "", &Commands::mnuFindNextQuote_Click),
+  Quote("mnuRCRandom", QT_TRANSLATE_NOOP("Menu", "&Pick a random quote"), "", "", &Commands::mnuRandom_Click),
+  Quote("mnuRCCopyQuote", QT_TRANSLATE_NOOP("Menu", "&Copy selected quote"), "", "", &Commands::mnuCopyQuote_Click),
+};
 // clang-format on
 
 }  // namespace
@@ -290,6 +312,9 @@ std::span<const Row> ListPopupTable() {
 }
 std::span<const Row> TreePopupTable() {
   return kTreePopup;
+}
+std::span<const Row> QuotesPopupTable() {
+  return kQuotesPopup;
 }
 
 }  // namespace commands

@@ -16,12 +16,14 @@ struct Row {
   bool documents::FormatChecks::*check = nullptr;   // its check mark: the document's,
   bool (Commands::*chosen)() const = nullptr;       // or the main window's
   bool (*enabled)(documents::frmText&) = nullptr;   // nothing = always
+  bool (Commands::*usable)() const = nullptr;       // the same, by the main window
   bool asksClipboard = false;                       // so it is enabled as of the opening of its menu
 };
 
 std::span<const Row> MenuTable();
 std::span<const Row> DocumentPopupTable();
-std::span<const Row> ListPopupTable();  // mnuRCProjList
-std::span<const Row> TreePopupTable();  // mnuRCTree
+std::span<const Row> ListPopupTable();    // mnuRCProjList
+std::span<const Row> TreePopupTable();    // mnuRCTree
+std::span<const Row> QuotesPopupTable();  // mnuRCQuotes
 
 }  // namespace commands

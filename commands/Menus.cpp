@@ -58,6 +58,7 @@ void Menus::Fill() {
   documents::frmText* document = table_.Active();
   const std::span<const Row> rows = MenuTable();
   for (size_t i = 0; i < rows.size(); ++i) {
+    if (rows[i].usable) bar_.SetEnabled(i, (commands_.*rows[i].usable)());
     if (rows[i].chosen) bar_.SetChecked(i, (commands_.*rows[i].chosen)());
     if (!document) continue;
     if (rows[i].check) bar_.SetChecked(i, document->checks().*rows[i].check);
@@ -128,11 +129,14 @@ void Menus::ShowListPopup(const QPoint& globalPosition) {
 void Menus::ShowTreePopup(const QPoint& globalPosition) {
   ShowPopup(TreePopupTable(), globalPosition);
 }
+void Menus::ShowQuotesPopup(const QPoint& globalPosition) {
+  ShowPopup(QuotesPopupTable(), globalPosition);
+}
 
-// Rows that are always enabled.
 void Menus::ShowPopup(std::span<const Row> rows, const QPoint& globalPosition) {
   const ui::CommandScope scope;
-  const std::vector<bool> enabled(rows.size(), true);
+  std::vector<bool> enabled;
+  for (const Row& row : rows) enabled.push_back(!row.usable || (commands_.*row.usable)());
   if (const auto chosen = ui::PickFromPopup(globalPosition, MenuRows(rows), enabled)) RunRow(rows[*chosen]);
 }
 

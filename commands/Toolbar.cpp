@@ -26,6 +26,7 @@ Toolbar::Toolbar(ui::FrameForm& frame, Commands& commands, services::Services& s
     if (ToolbarTable()[i].needsDocument) Toolbar1_.SetEnabled(i, false);
   const size_t save = *Toolbar1_.Find("Save");
   Toolbar1_.SetMenuEnabled(save, *Toolbar1_.FindMenu(save, "Document"), false);
+  ShowUsable();
   Connect(frame);
   FollowActiveDocument();
 }
@@ -92,6 +93,13 @@ void Toolbar::ShowChosen() {
   const std::span<const ToolbarRow> rows = ToolbarTable();
   for (size_t i = 0; i < rows.size(); ++i)
     if (rows[i].chosen) Toolbar1_.SetState(i, StateOf((commands_.*rows[i].chosen)()));
+}
+
+void Toolbar::ShowUsable() {
+  const std::span<const ToolbarRow> rows = ToolbarTable();
+  for (size_t i = 0; i < rows.size(); ++i)
+    for (size_t k = 0; k < rows[i].menu.size(); ++k)
+      if (const auto usable = rows[i].menu[k].usable) Toolbar1_.SetMenuEnabled(i, k, (commands_.*usable)());
 }
 
 void Toolbar::FollowActiveDocument() {

@@ -16,6 +16,8 @@ class Toolbar {
   void ShowSelectionState(const services::SelectionState& state);
   // Of the buttons that show a state of the main window.
   void ShowChosen();
+  // Of the entries of the buttons' menus.
+  void ShowUsable();
   // After another document, or none, has become the active one.
   void FollowActiveDocument();
 

@@ -33,6 +33,20 @@ constexpr ToolbarCommand kStripCommands[] = {{.document = On<&frmText::mnuStrip_
                                              {.document = On<&frmText::mnuStripBlanks_Click>},
                                              {.document = On<&frmText::mnuStripASCII_Click>}};
 
+constexpr ui::ToolBarMenuRow kQuotesMenu[] = {{QT_TRANSLATE_NOOP("Toolbar", "&Load a quotes file..."), "Load"},
+                                              {QT_TRANSLATE_NOOP("Toolbar", "&Find a quote..."), "Find"},
+                                              {QT_TRANSLATE_NOOP("Toolbar", "Find &next quote"), "Next"},
+                                              {QT_TRANSLATE_NOOP("Toolbar", "&Pick random quote"), "Random"},
+                                              {QT_TRANSLATE_NOOP("Toolbar", "&Copy quote"), "Copy"}};
+constexpr ToolbarCommand Quote(void (Commands::*command)()) {
+  return {.command = command, .usable = &Commands::QuotesOptions};
+}
+constexpr ToolbarCommand kQuotesCommands[] = {{.command = &Commands::mnuLoadQuotes_Click},
+                                              Quote(&Commands::mnuFindQuote_Click),
+                                              Quote(&Commands::mnuFindNextQuote_Click),
+                                              Quote(&Commands::mnuRandom_Click),
+                                              Quote(&Commands::mnuCopyQuote_Click)};
+
 // A button that only opens menus.
 constexpr ToolbarRow Drop(const char* key, const char* longText, const char* shortText, const char* icon,
                           FaceClick face, std::span<const ui::ToolBarMenuRow> menu,
@@ -108,6 +122,7 @@ constexpr ToolbarRow kButtons[] = {
   Flag("Protected", QT_TRANSLATE_NOOP("Toolbar", "Protected"), QT_TRANSLATE_NOOP("Toolbar", "Protected"), "protected", On<&frmText::mnuProtect_Click>, &SelectionState::protectedText),
   Group(Choice("Auto", QT_TRANSLATE_NOOP("Toolbar", "Enable/disable Auto-Complete"), QT_TRANSLATE_NOOP("Toolbar", "Auto-Complete"), "auto-complete", &Commands::mnuAutoCompleteToggle_Click, &Commands::AutoCompleteOn)),
   Group(NeedsDocument(Drop("Strip", QT_TRANSLATE_NOOP("Toolbar", "Strip characters..."), QT_TRANSLATE_NOOP("Toolbar", "Strip"), "strip", FaceClick::kOpensMenu, kStripMenu, kStripCommands))),
+  Group(Drop("Quotes", QT_TRANSLATE_NOOP("Toolbar", "Quotes"), QT_TRANSLATE_NOOP("Toolbar", "Quotes"), "quotes", FaceClick::kOpensMenu, kQuotesMenu, kQuotesCommands)),
 };
 // clang-format on
 

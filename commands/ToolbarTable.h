@@ -14,6 +14,7 @@ namespace commands {
 struct ToolbarCommand {
   void (Commands::*command)() = nullptr;
   void (*document)(documents::frmText&) = nullptr;
+  bool (Commands::*usable)() const = nullptr;  // of a menu's entry: it is enabled; nothing = always
 };
 
 struct ToolbarRow {

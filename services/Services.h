@@ -132,6 +132,10 @@ class Services {
 
   virtual void mnuPrefItem_Click() = 0;
 
+  // --- Panes
+  virtual void ToggleQuotesOptions(bool enabled) = 0;  // the commands that need quotes
+  virtual void ShowQuotesMenu(const QPoint& globalPosition) = 0;
+
   // InitDocProperties for each of them.
   virtual void RefreshAllDocuments() = 0;
   // Brings menus and status bar in line with the document in that slot.

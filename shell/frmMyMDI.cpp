@@ -40,10 +40,11 @@ frmMyMDI::frmMyMDI(ui::Dialogs& dialogs, ui::Shell& shell, Place place)
       project_(*this, frame_.leftPane().List1()),
       projectList_(*this, project_, frame_.leftPane().List1()),
       tree_(*this, commonDialogs_.currentDirectory(), frame_.leftPane().Drive1(), frame_.leftPane().TreeView1()),
-      treeFiles_(*this, tree_),
-      treeDrag_(*this, tree_, treeFiles_),
-      commands_(*this, table_, opening_, project_, projectList_, tree_, treeFiles_, find_, autoComplete_,
-                frame_.toolbar()),
+       treeFiles_(*this, tree_),
+       treeDrag_(*this, tree_, treeFiles_),
+       panes_(*this),
+       commands_(*this, table_, opening_, project_, projectList_, tree_, treeFiles_, find_, autoComplete_, panes_,
+                 frame_.toolbar()),
       toolbar_(frame_, commands_, *this, table_),
       listToolbar_(frame_.leftPane(), commands_, *this, table_),
       treeToolbar_(frame_.leftPane().Toolbar3(), commands_, *this),
@@ -115,6 +116,13 @@ void frmMyMDI::InitDocProperties(int slot) {
 void frmMyMDI::ShowAutoComplete() {
   toolbar_.ShowChosen();
   menus_.Fill();
+}
+
+void frmMyMDI::ToggleQuotesOptions(bool enabled) {
+  commands_.SetQuotesOptions(enabled);
+  menus_.Fill();
+  toolbar_.ShowUsable();
+  RefreshAllDocuments();
 }
 
 std::unique_ptr<services::Completion> frmMyMDI::MakeCompletion(ui::RichTextBox& editor) {

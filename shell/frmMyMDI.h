@@ -11,6 +11,7 @@
 #include "documents/Opening.h"
 #include "files/LockFile.h"
 #include "foldertree/TreeDrag.h"
+#include "panes/Panes.h"
 #include "project/ProjectList.h"
 #include "search/Find.h"
 #include "search/frmYesNoAll.h"
@@ -60,6 +61,7 @@ class frmMyMDI final : public DesktopServices {
   foldertree::FolderTree& folderTree() { return tree_; }
   foldertree::TreeFiles& treeFiles() { return treeFiles_; }
   autocomplete::AutoComplete& autoComplete() { return autoComplete_; }
+  panes::Panes& panes() { return panes_; }
   // Another copy was there first: it has the panes and their files.
   bool otherInstanceRuns() const { return otherInstanceRuns_; }
 
@@ -94,6 +96,8 @@ class frmMyMDI final : public DesktopServices {
   bool AutoCompleteOn() const override { return autoComplete_.AutoCompleteOn(); }
   void ShowAutoComplete() override;
   std::unique_ptr<services::Completion> MakeCompletion(ui::RichTextBox& editor) override;
+  void ToggleQuotesOptions(bool enabled) override;
+  void ShowQuotesMenu(const QPoint& globalPosition) override { menus_.ShowQuotesPopup(globalPosition); }
   void RefreshAllDocuments() override { commands_.RefreshAllDocuments(); }
   void InitDocProperties(int slot) override;
   void ToolbarToggle(bool enabled) override;
@@ -147,6 +151,7 @@ class frmMyMDI final : public DesktopServices {
   foldertree::FolderTree tree_;
   foldertree::TreeFiles treeFiles_;
   foldertree::TreeDrag treeDrag_;
+  panes::Panes panes_;
   commands::Commands commands_;
   commands::Toolbar toolbar_;
   commands::ListToolbar listToolbar_;

@@ -92,7 +92,10 @@ void frmMyMDI::MDIForm_Activate(const std::vector<files::Path>& paths) {
   autoComplete_.StartUp();
   if (settings_.SaveWindowState && settings_.SaveArrange >= 0) commands_.Arrange(settings_.SaveArrange);
   tree_.ReadDrives();
+  // Another copy has them; a picture does not show them.
+  if (!otherInstanceRuns_ && !place_.onlyLooking) panes_.StartUp();
   OpenFirst(paths);
+  if (AnyDocumentOpen()) frame_.Activate();
   ui::LetPendingEventsRun();
   services::SyncTree(*this);
   ReportSettingsProblem(Found::kAtTheStart);
@@ -173,6 +176,7 @@ bool frmMyMDI::Close() {
 
 void frmMyMDI::MDIForm_Unload() {
   project_.LeaveKept();
+  panes_.Unload();
   SaveSettings();
   ReportSettingsProblem(Found::kAtTheEnd);
   for (const ui::FormId id : forms_.Backwards()) {

@@ -91,7 +91,7 @@ TEST_F(ToolbarTest, EveryButtonHasTextsAndAPicture) {
 }
 
 TEST_F(ToolbarTest, WithoutADocumentTheCommandsOfDocumentsAreOff) {
-  EXPECT_EQ(Enabled(), "New,Open,Save,Auto,");
+  EXPECT_EQ(Enabled(), "New,Open,Save,Auto,Quotes,");
   EXPECT_FALSE(Bar().isMenuEnabled(Row("Save"), 1));
   EXPECT_EQ(States(), "bius left");
   frmText& document = New();
@@ -104,7 +104,7 @@ TEST_F(ToolbarTest, WithoutADocumentTheCommandsOfDocumentsAreOff) {
   ExpectClosePrompt(document.caption(), ui::Answer::kNo);
   document.Close();
   Settle();
-  EXPECT_EQ(Enabled(), "New,Open,Save,Auto,");
+  EXPECT_EQ(Enabled(), "New,Open,Save,Auto,Quotes,");
   EXPECT_FALSE(Bar().isMenuEnabled(Row("Save"), 1));
 }
 

@@ -38,15 +38,15 @@ QByteArray ClipboardRtf() {
   return {};
 }
 
-void SetClipboardPath(std::string_view path) {
-  const QByteArray bytes(path.data(), static_cast<qsizetype>(path.size()));
+void SetClipboardText(std::string_view text) {
+  const QByteArray bytes(text.data(), static_cast<qsizetype>(text.size()));
   QStringDecoder decoder(QStringDecoder::Utf8);
-  const QString text = decoder(bytes);
+  const QString decoded = decoder(bytes);
   auto data = std::make_unique<QMimeData>();
   if (decoder.hasError()) {
     data->setData(QStringLiteral("text/plain"), bytes);
   } else {
-    data->setText(text);
+    data->setText(decoded);
   }
   QGuiApplication::clipboard()->setMimeData(data.release());
 }

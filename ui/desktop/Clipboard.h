@@ -12,7 +12,10 @@ bool ClipboardHasText();
 bool ClipboardHasRtf();
 QString ClipboardText();
 QByteArray ClipboardRtf();
-// A path as text; one that is no UTF-8 goes out as its bytes.
-void SetClipboardPath(std::string_view path);
+// Text in UTF-8; what is none goes out as its bytes.
+void SetClipboardText(std::string_view text);
+inline void SetClipboardPath(std::string_view path) {
+  SetClipboardText(path);
+}
 
 }  // namespace ui

@@ -1,6 +1,7 @@
 #include "ui/dialogs/ModelessForm.h"
 
-#include <QAction>
+#include "ui/dialogs/OwnersKeys.h"
+
 #include <QCloseEvent>
 #include <QDialog>
 #include <QKeyEvent>
@@ -31,13 +32,7 @@ class ModelessForm::Window : public QDialog {
   void reject() override { form_.RequestClose(); }
   // What nothing here wants is a key of the main window.
   void keyPressEvent(QKeyEvent* event) override {
-    for (QAction* action : parentWidget()->findChildren<QAction*>()) {
-      if (!action->shortcuts().contains(QKeySequence(event->keyCombination()))) continue;
-      if (!action->isEnabled() || !action->isVisible()) continue;
-      event->accept();
-      return action->trigger();
-    }
-    QDialog::keyPressEvent(event);
+    if (!TriggerKeyOfOwner(*this, *event)) QDialog::keyPressEvent(event);
   }
   void closeEvent(QCloseEvent* event) override {
     event->ignore();

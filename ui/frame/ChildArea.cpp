@@ -41,6 +41,10 @@ void ChildArea::changeEvent(QEvent* event) {
   if (event->type() == QEvent::PaletteChange) FollowPalette();
 }
 
+QRect ChildArea::OnScreen() const {
+  return {mapToGlobal(QPoint()), size()};
+}
+
 FormId ChildArea::current() const {
   return current_ ? current_->form() : FormId::kNone;
 }

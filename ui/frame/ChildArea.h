@@ -22,6 +22,7 @@ class ChildArea : public QMdiArea {
 
   // The form of the window that has, or had last, the focus; kNone without any. Windows never shown do not count.
   FormId current() const;
+  QRect OnScreen() const;
   void ActivateNext();
   // To the back of the order; the window next to the front becomes the current one.
   void SendToBack(FormId form);

@@ -4,19 +4,20 @@
 #include "ui/controls/Icons.h"
 #include "ui/desktop/DroppedFiles.h"
 #include "ui/frame/LeftPane.h"
+#include "ui/frame/PaneForm.h"
 #include "ui/frame/StatusBar.h"
 #include "ui/frame/ToolBar.h"
 #include "ui/frame/WindowStates.h"
 
+#include <QAction>
+#include <QApplication>
 #include <QBuffer>
 #include <QCloseEvent>
 #include <QDropEvent>
-#include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QMenuBar>
 #include <QScreen>
-#include <QShortcut>
 #include <QStatusBar>
 #include <QTimer>
 
@@ -42,9 +43,8 @@ class FrameForm::Window : public QMainWindow {
       const QWidget* focus = focusWidget();
       if (area_->current() == FormId::kNone && (!focus || area_->isAncestorOf(focus))) pane_->List1().setFocus();
     });
-    connect(new QShortcut(QKeySequence(Qt::Key_F6), this), &QShortcut::activated, this, [this] { MoveFocus(1); });
-    connect(new QShortcut(QKeySequence(Qt::SHIFT | Qt::Key_F6), this), &QShortcut::activated, this,
-            [this] { MoveFocus(-1); });
+    MoveFocusBy(Qt::Key_F6, 1);
+    MoveFocusBy(Qt::SHIFT | Qt::Key_F6, -1);
     const QSize screen = QGuiApplication::primaryScreen()->availableSize();
     resize(QSize(1000, 700).boundedTo(screen * 9 / 10));
     setAcceptDrops(true);
@@ -90,6 +90,14 @@ class FrameForm::Window : public QMainWindow {
     event.setDropAction(Qt::CopyAction);
     event.setAccepted(takeDrop_ && holdsFiles_ && event.possibleActions() & Qt::CopyAction);
   }
+  // An action, so that the panes pass it on.
+  void MoveFocusBy(QKeyCombination key, int step) {
+    auto* action = new QAction(this);
+    action->setShortcut(key);
+    addAction(action);
+    connect(action, &QAction::triggered, this, [this, step] { MoveFocus(step); });
+  }
+  std::vector<QWidget*> Stops();
   void MoveFocus(int step);
   void ActivateDocument() {
     if (Form* document = owner_.forms().Find(area_->current())) document->Activate();
@@ -104,27 +112,35 @@ class FrameForm::Window : public QMainWindow {
   bool holdsFiles_ = false;  // what is dragged over it
 };
 
-// From the document to the panes and the toolbar, and round again.
-void FrameForm::Window::MoveFocus(int step) {
-  std::vector<QWidget*> stops = {area_, &pane_->List1(), &pane_->TreeView1()};
+// From the document to the lists, the toolbar and the panes.
+std::vector<QWidget*> FrameForm::Window::Stops() {
+  std::vector<QWidget*> stops;
+  if (area_->current() != FormId::kNone) stops.push_back(area_);
+  stops.insert(stops.end(), {&pane_->List1(), &pane_->TreeView1()});
   for (ToolButton* button : Toolbar1_->findChildren<ToolButton*>()) {
     if (!button->isVisible() || !button->isEnabled()) continue;
     stops.push_back(button);
     break;
   }
-  const QWidget* focus = focusWidget();
-  int now = 0;
-  for (int i = 0; i < static_cast<int>(stops.size()); ++i)
-    if (focus && (stops[i] == focus || stops[i]->isAncestorOf(focus))) now = i;
-  if (focus && Toolbar1_->isAncestorOf(focus)) now = static_cast<int>(stops.size()) - 1;
+  for (QWidget* pane : PanesOf(*this)) stops.push_back(pane);
+  return stops;
+}
+
+// And round again.
+void FrameForm::Window::MoveFocus(int step) {
+  const std::vector<QWidget*> stops = Stops();
   const int count = static_cast<int>(stops.size());
-  now = (now + step + count) % count;
-  if (stops[now] == area_ && area_->current() == FormId::kNone) now = (now + step + count) % count;
-  if (stops[now] == area_) {
-    ActivateDocument();
-  } else {
-    stops[now]->setFocus(Qt::TabFocusReason);
+  const QWidget* active = QApplication::activeWindow();
+  const QWidget* focus = active && active != this ? active : focusWidget();
+  int now = step > 0 ? count - 1 : 0;
+  for (int i = 0; i < count; ++i) {
+    const bool inToolbar = Toolbar1_->isAncestorOf(stops[i]) && focus && Toolbar1_->isAncestorOf(focus);
+    if (focus && (stops[i] == focus || stops[i]->isAncestorOf(focus) || inToolbar)) now = i;
   }
+  QWidget* next = stops[(now + step + count) % count];
+  next->window()->activateWindow();
+  if (next == area_) return ActivateDocument();
+  next->setFocus(Qt::TabFocusReason);
 }
 
 FrameForm::FrameForm(Forms& forms, std::string_view name, std::function<bool()> close)

@@ -3,6 +3,7 @@
 #include "ui/controls/Icons.h"
 #include "ui/frame/FrameForm.h"
 #include "ui/frame/LeftPane.h"
+#include "ui/frame/PaneForm.h"
 
 #include <QApplication>
 #include <QKeySequence>
@@ -27,7 +28,7 @@ MenuBar::MenuBar(QMenuBar& bar, std::span<const MenuRow> rows)
 
 MenuBar::MenuBar(FrameForm& frame, std::span<const MenuRow> rows) : MenuBar(frame.menuBar(), rows) {
   connect(qApp, &QApplication::focusChanged, this, [this, &frame](QWidget*, QWidget* now) {
-    if (now) SetPaneFocused(frame.leftPane().isAncestorOf(now));
+    if (now) SetPaneFocused(frame.leftPane().isAncestorOf(now) || IsInPane(*now));
   });
 }
 

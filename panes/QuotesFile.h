@@ -1,0 +1,23 @@
+// The quotes file: one quote to a line, in any encoding that documents may have.
+#pragma once
+
+#include "files/Result.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace panes {
+
+// Every line that is not empty, exactly as it stands. Lines end in CR LF, LF or CR.
+std::vector<std::string> ParseQuotesFile(std::string_view bytes);
+
+struct ReadQuotes {
+  std::vector<std::string> quotes;  // also what was read before an error
+  std::optional<files::Error> couldNotBeOpened, couldNotBeRead;
+};
+
+ReadQuotes ReadQuotesFile(const files::Path& path);
+
+}  // namespace panes
