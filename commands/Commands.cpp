@@ -20,8 +20,10 @@ void Commands::mnuOpenFile_Click() {
 
 void Commands::mnuSaveAll_Click() {
   const ui::CommandScope scope;
-  for (const ui::FormId id : services_.forms().Backwards())
+  for (const ui::FormId id : services_.forms().Backwards()) {
     if (documents::frmText* document = table_.Find(id)) document->mnuSaveFile_Click();
+    if (panes_.notes().pad() && panes_.notes().pad()->id() == id) mnuNotesSave_Click();
+  }
 }
 
 void Commands::mnuAddAll_Click() {

@@ -91,6 +91,12 @@ class Commands {
   bool QuotesOptions() const { return quotesOptions_; }
   void SetQuotesOptions(bool enabled) { quotesOptions_ = enabled; }
 
+  // --- Notes and text blocks
+  void mnuTextBlocksOpen_Click() { panes_.textBlocks().mnuTextBlocksOpen_Click(); }
+  void mnuNotesOpen_Click() { panes_.notes().mnuNotesOpen_Click(); }
+  void mnuNotesSave_Click() { panes_.notes().mnuNotesSave_Click(); }
+  bool NotesSave() const { return panes_.notes().pad() != nullptr; }
+
   // --- Options
   void mnuPrefItem_Click() { services_.mnuPrefItem_Click(); }
   void mnuAutoCompleteToggle_Click() { autoComplete_.mnuAutoCompleteToggle_Click(); }

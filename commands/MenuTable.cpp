@@ -76,12 +76,30 @@ constexpr Row With(const char* icon, Row row) {
   return row;
 }
 
+// Enabled while the main window says so.
+constexpr Row UsableWhile(bool (Commands::*usable)() const, Row row) {
+  row.usable = usable;
+  return row;
+}
+
 // Enabled while quotes are loaded.
 constexpr Row Quote(const char* name, const char* caption, const char* hint, const char* withoutDocument,
                     void (Commands::*command)()) {
-  Row row = Main(name, caption, hint, "", withoutDocument, command);
-  row.usable = &Commands::QuotesOptions;
-  return row;
+  return UsableWhile(&Commands::QuotesOptions, Main(name, caption, hint, "", withoutDocument, command));
+}
+
+// A command of a text that is no document.
+constexpr Row Pad(const char* name, const char* caption, void (*pad)(ui::RichTextBox&),
+                  bool (*enabled)(ui::RichTextBox&) = nullptr) {
+  return {.menu = {.name = name, .caption = caption}, .pad = pad, .padEnabled = enabled};
+}
+template <auto Handler>
+void In(ui::RichTextBox& box) {
+  (box.*Handler)();
+}
+template <auto Question>
+bool Is(ui::RichTextBox& box) {
+  return (box.*Question)();
 }
 
 // Checked while the main window says so.
@@ -135,6 +153,9 @@ constexpr Row kMenus[] = {
     Edits(Doc("mnuRefresh", QT_TRANSLATE_NOOP("Menu", "&Refresh"), "", "F5", On<&frmText::mnuRefresh_Click>)),
     Separator(),
     Main("mnuOpenAutoComplete", QT_TRANSLATE_NOOP("Menu", "Load &Auto-Complete file..."), "", "", "", &Commands::mnuOpenAutoComplete_Click),
+    Main("mnuTextBlocksOpen", QT_TRANSLATE_NOOP("Menu", "Load Often Used &Text Blocks..."), "", "", "", &Commands::mnuTextBlocksOpen_Click),
+    Main("mnuNotesOpen", QT_TRANSLATE_NOOP("Menu", "Load &Notes..."), "", "", "", &Commands::mnuNotesOpen_Click),
+    UsableWhile(&Commands::NotesSave, Main("mnuNotesSave", QT_TRANSLATE_NOOP("Menu", "Save &Notes"), "", "", "Ctrl+S", &Commands::mnuNotesSave_Click)),
     Separator(),
     Main("mnuExit", QT_TRANSLATE_NOOP("Menu", "E&xit"), "Alt+F4", "", "", &Commands::mnuExit_Click),
     Separator(),
@@ -291,6 +312,16 @@ constexpr Row kTreePopup[] = {
   Main("mnuRCTreeCreateFolder", QT_TRANSLATE_NOOP("Menu", "&Create a new folder"), "", "", "", &Commands::mnuTreeCreateFolder_Click),
   Main("mnuRCTreeExplore", QT_TRANSLATE_NOOP("Menu", "&Explore"), "", "", "", &Commands::mnuTreeExplore_Click),
 };
+constexpr Row kPadPopup[] = {
+  Pad("mnuRCUndo", QT_TRANSLATE_NOOP("Menu", "&Undo"), In<&ui::RichTextBox::Undo>, Is<&ui::RichTextBox::CanUndo>),
+  Separator(),
+  With("cut", Pad("mnuRCCut", QT_TRANSLATE_NOOP("Menu", "Cu&t"), In<&ui::RichTextBox::Cut>)),
+  With("copy", Pad("mnuRCCopy", QT_TRANSLATE_NOOP("Menu", "&Copy"), In<&ui::RichTextBox::Copy>)),
+  With("paste", Pad("mnuRCPaste", QT_TRANSLATE_NOOP("Menu", "&Paste"), In<&ui::RichTextBox::Paste>)),
+  With("clear", Pad("mnuRCDelete", QT_TRANSLATE_NOOP("Menu", "&Delete"), In<&ui::RichTextBox::DeleteSelection>)),
+  Separator(),
+  Pad("mnuRCSelAll", QT_TRANSLATE_NOOP("Menu", "Select &All"), In<&ui::RichTextBox::SelectAll>),
+};
 constexpr Row kQuotesPopup[] = {
   Quote("mnuRCFindQuote", QT_TRANSLATE_NOOP("Menu", "&Find a quote..."), "", "", &Commands::mnuFindQuote_Click),
   Quote("mnuRCFindNextQuote", QT_TRANSLATE_NOOP("Menu", "Find &next"), "", "", &Commands::mnuFindNextQuote_Click),
@@ -312,6 +343,9 @@ std::span<const Row> ListPopupTable() {
 }
 std::span<const Row> TreePopupTable() {
   return kTreePopup;
+}
+std::span<const Row> PadPopupTable() {
+  return kPadPopup;
 }
 std::span<const Row> QuotesPopupTable() {
   return kQuotesPopup;

@@ -17,13 +17,16 @@ struct Row {
   bool (Commands::*chosen)() const = nullptr;       // or the main window's
   bool (*enabled)(documents::frmText&) = nullptr;   // nothing = always
   bool (Commands::*usable)() const = nullptr;       // the same, by the main window
+  void (*pad)(ui::RichTextBox&) = nullptr;          // runs in a text that is no document
+  bool (*padEnabled)(ui::RichTextBox&) = nullptr;   // nothing = always
   bool asksClipboard = false;                       // so it is enabled as of the opening of its menu
 };
 
 std::span<const Row> MenuTable();
 std::span<const Row> DocumentPopupTable();
-std::span<const Row> ListPopupTable();    // mnuRCProjList
-std::span<const Row> TreePopupTable();    // mnuRCTree
+std::span<const Row> ListPopupTable();  // mnuRCProjList
+std::span<const Row> TreePopupTable();  // mnuRCTree
+std::span<const Row> PadPopupTable();
 std::span<const Row> QuotesPopupTable();  // mnuRCQuotes
 
 }  // namespace commands

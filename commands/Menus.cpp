@@ -133,6 +133,15 @@ void Menus::ShowQuotesPopup(const QPoint& globalPosition) {
   ShowPopup(QuotesPopupTable(), globalPosition);
 }
 
+void Menus::ShowPadPopup(ui::RichTextBox& pad, const QPoint& globalPosition) {
+  const ui::CommandScope scope;
+  const std::span<const Row> rows = PadPopupTable();
+  std::vector<bool> enabled;
+  for (const Row& row : rows) enabled.push_back(!row.padEnabled || row.padEnabled(pad));
+  const auto chosen = ui::PickFromPopup(globalPosition, MenuRows(rows), enabled);
+  if (chosen) services_.forms().Guarded([&] { rows[*chosen].pad(pad); });
+}
+
 void Menus::ShowPopup(std::span<const Row> rows, const QPoint& globalPosition) {
   const ui::CommandScope scope;
   std::vector<bool> enabled;

@@ -21,6 +21,7 @@ class Menus {
   void ShowDocumentPopup(documents::frmText& document, const QPoint& globalPosition);
   void ShowListPopup(const QPoint& globalPosition);
   void ShowTreePopup(const QPoint& globalPosition);
+  void ShowPadPopup(ui::RichTextBox& pad, const QPoint& globalPosition);
   void ShowQuotesPopup(const QPoint& globalPosition);
   void ShowRecentFiles(const std::vector<std::string>& paths);
 

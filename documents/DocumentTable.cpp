@@ -1,9 +1,9 @@
 #include "documents/DocumentTable.h"
 
 #include "documents/DocumentReader.h"
-#include "documents/RecoveryKind.h"
 #include "documents/frmText.h"
 #include "services/Messages.h"
+#include "services/RecoveryKind.h"
 #include "ui/PathText.h"
 #include "ui/PendingEvents.h"
 #include "ui/frame/ChildArea.h"
@@ -129,7 +129,8 @@ void DocumentTable::TakeRead(ui::FormId form, ReadDocument read) {
 
 bool DocumentTable::OpenRecovered(const files::RecoveryEntry& entry) {
   const ui::CommandScope scope;
-  const bool rich = entry.kind.empty() ? IsRichName(entry.originalPath.native()) : RecoveryKindOf(entry.kind).rich;
+  const bool rich =
+      entry.kind.empty() ? IsRichName(entry.originalPath.native()) : services::RecoveryKindOf(entry.kind).rich;
   ReadDocument read = Read(entry.text, rich);
   if (read.cancelled) return false;
   if (read.error) {

@@ -1,8 +1,8 @@
 #include "documents/frmText.h"
 
-#include "documents/RecoveryKind.h"
 #include "files/Attributes.h"
 #include "services/Messages.h"
+#include "services/RecoveryKind.h"
 #include "ui/PathText.h"
 #include "ui/PendingEvents.h"
 
@@ -89,7 +89,7 @@ void frmText::TakeIn(ReadDocument read) {
 
 void frmText::MarkRecovered(const files::RecoveryEntry& entry) {
   // The file was not read now: it is replaced unasked only when it still is what this text was made from.
-  const RecoveryKind kind = RecoveryKindOf(entry.kind);
+  const services::RecoveryKind kind = services::RecoveryKindOf(entry.kind);
   origin_ = {};
   if (!entry.complete) {
     origin_.fileHas = Origin::FileHas::kTheWholeText;
@@ -201,7 +201,7 @@ RescuedText frmText::TextToRescue() const {
   text::TextProperties properties = RichTextBox1_->document().properties();
   const text::Content content = RichTextBox1_->document().content();
   if (!rich && text::FirstUnencodable(content, properties.encoding)) properties = {};
-  return {path(), ToLine({rich, origin_.stamp}), BytesToSave(content, properties)};
+  return {path(), services::ToLine({rich, origin_.stamp}), BytesToSave(content, properties)};
 }
 
 bool frmText::WriteRecovery() {

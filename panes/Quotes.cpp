@@ -34,7 +34,7 @@ void Quotes::mnuLoadQuotes_Click() {
   if (!chosen.empty()) LoadQuotesFile(chosen);
 }
 
-void Quotes::LoadQuotesFile(const files::Path& path) {
+void Quotes::LoadQuotesFile(const files::Path& path, ui::Keyboard keyboard) {
   const ui::CommandScope scope;
   const ui::Hourglass hourglass;
   ReadQuotes read = ReadQuotesFile(path);
@@ -46,9 +46,9 @@ void Quotes::LoadQuotesFile(const files::Path& path) {
   pane_->List1().SetLines(std::move(lines));
   pane_->SetCaption(path.native());
   services_.ToggleQuotesOptions(!read.couldNotBeOpened);
-  if (pane_) pane_->Activate();
+  if (pane_) pane_->Show(keyboard);
   ui::LetPendingEventsRun();
-  if (pane_) pane_->List1().setFocus();
+  if (pane_ && keyboard == ui::Keyboard::kTake) pane_->List1().setFocus();
 }
 
 void Quotes::Release() {

@@ -11,7 +11,7 @@ class Quotes {
  public:
   explicit Quotes(services::Services& services) : services_(services) {}
 
-  void LoadQuotesFile(const files::Path& path);
+  void LoadQuotesFile(const files::Path& path, ui::Keyboard keyboard = ui::Keyboard::kTake);
 
   void mnuLoadQuotes_Click();
   void mnuFindQuote_Click();

@@ -8,7 +8,7 @@
 namespace panes {
 namespace {
 
-constexpr QSize kFirstSize = {420, 260};
+constexpr QSize kFirstSize = {370, 170};
 constexpr size_t kMostInToolTip = 4000;
 
 }  // namespace
@@ -54,8 +54,12 @@ bool frmQuotes::Close() {
   return true;
 }
 
-void frmQuotes::Unload() {
+void frmQuotes::RecordState() {
   services_.settings().QuotesState = static_cast<int>(windowState());
+}
+
+void frmQuotes::Unload() {
+  RecordState();
   TakeDown();
   quotes_.Release();
 }

@@ -17,7 +17,8 @@ class frmQuotes : public ui::PaneForm {
 
   ui::ChoiceList& List1() { return *List1_; }
   bool Close() override;
-  void Unload();  // records its state
+  void Unload();
+  void RecordState();  // for the settings
 
  private:
   void ConnectList();

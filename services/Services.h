@@ -134,7 +134,9 @@ class Services {
 
   // --- Panes
   virtual void ToggleQuotesOptions(bool enabled) = 0;  // the commands that need quotes
+  virtual void ToggleNotesSave(bool enabled) = 0;      // a notes pad is loaded
   virtual void ShowQuotesMenu(const QPoint& globalPosition) = 0;
+  virtual void ShowPadMenu(ui::RichTextBox& pad, const QPoint& globalPosition) = 0;
 
   // InitDocProperties for each of them.
   virtual void RefreshAllDocuments() = 0;

@@ -74,6 +74,8 @@ std::optional<files::Error> Keep(const std::function<std::optional<files::Error>
 
 std::optional<files::Error> frmMyMDI::KeepTexts() {
   std::optional<files::Error> first = Keep([this] { return project_.KeepProject(); }, place_.recovery);
+  const auto keepNotes = [this] { return panes_.notes().pad() ? panes_.notes().pad()->KeepText() : std::nullopt; };
+  if (auto error = Keep(keepNotes, place_.recovery); error && !first) first = std::move(error);
   for (const ui::FormId id : forms_.InLoadOrder()) {
     documents::frmText* document = table_.Find(id);
     if (!document) continue;
@@ -88,6 +90,7 @@ void frmMyMDI::EndSession() {
     services::ShowError(dialogs_, &frame_, services::ErrorText(place_.recovery.native(), *error));
     return;
   }
+  panes_.RecordStates();
   SaveSettings();
   Quit();
 }

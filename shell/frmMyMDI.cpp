@@ -125,6 +125,12 @@ void frmMyMDI::ToggleQuotesOptions(bool enabled) {
   RefreshAllDocuments();
 }
 
+// The row asks whether there is a pad.
+void frmMyMDI::ToggleNotesSave(bool) {
+  menus_.Fill();
+  RefreshAllDocuments();
+}
+
 std::unique_ptr<services::Completion> frmMyMDI::MakeCompletion(ui::RichTextBox& editor) {
   return std::make_unique<autocomplete::Completion>(*this, autoComplete_, editor);
 }

@@ -97,6 +97,10 @@ class frmMyMDI final : public DesktopServices {
   void ShowAutoComplete() override;
   std::unique_ptr<services::Completion> MakeCompletion(ui::RichTextBox& editor) override;
   void ToggleQuotesOptions(bool enabled) override;
+  void ToggleNotesSave(bool) override;
+  void ShowPadMenu(ui::RichTextBox& pad, const QPoint& globalPosition) override {
+    menus_.ShowPadPopup(pad, globalPosition);
+  }
   void ShowQuotesMenu(const QPoint& globalPosition) override { menus_.ShowQuotesPopup(globalPosition); }
   void RefreshAllDocuments() override { commands_.RefreshAllDocuments(); }
   void InitDocProperties(int slot) override;

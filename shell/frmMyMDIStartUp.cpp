@@ -93,9 +93,10 @@ void frmMyMDI::MDIForm_Activate(const std::vector<files::Path>& paths) {
   if (settings_.SaveWindowState && settings_.SaveArrange >= 0) commands_.Arrange(settings_.SaveArrange);
   tree_.ReadDrives();
   // Another copy has them; a picture does not show them.
-  if (!otherInstanceRuns_ && !place_.onlyLooking) panes_.StartUp();
+  const bool withPanes = !otherInstanceRuns_ && !place_.onlyLooking;
+  if (withPanes) panes_.StartUp();
   OpenFirst(paths);
-  if (AnyDocumentOpen()) frame_.Activate();
+  if (withPanes && !AnyDocumentOpen()) panes_.ActivateLast();
   ui::LetPendingEventsRun();
   services::SyncTree(*this);
   ReportSettingsProblem(Found::kAtTheStart);
@@ -148,8 +149,8 @@ void frmMyMDI::ReportSettingsProblem(Found when) {
   services::ShowError(dialogs_, &frame_, services::FileText(problem->path.native(), text));
 }
 
-// Every document is asked before the first one goes: after a Cancel all of them are still there. Gives back the forms
-// that may go; nothing after a Cancel.
+// Every document, and the notes, are asked about before the first one goes: after a Cancel all of them are still there.
+// Gives back the forms that may go; nothing after a Cancel.
 std::optional<std::vector<ui::FormId>> frmMyMDI::MDIForm_QueryUnload() {
   if (!fncconfirm("Project")) return std::nullopt;
   std::vector<ui::FormId> asked = forms_.Backwards();
@@ -157,6 +158,7 @@ std::optional<std::vector<ui::FormId>> frmMyMDI::MDIForm_QueryUnload() {
     documents::frmText* document = table_.Find(id);
     if (document && !document->QueryUnload()) return std::nullopt;
   }
+  if (!panes_.QueryUnload()) return std::nullopt;
   return asked;
 }
 
@@ -169,14 +171,13 @@ bool frmMyMDI::Close() {
     if (document && !document->Unload()) return false;
   }
   // What has been opened meanwhile was not asked about.
-  if (table_.AnyDocumentOpen()) return false;
+  if (table_.AnyDocumentOpen() || !panes_.Unload()) return false;
   MDIForm_Unload();
   return true;
 }
 
 void frmMyMDI::MDIForm_Unload() {
   project_.LeaveKept();
-  panes_.Unload();
   SaveSettings();
   ReportSettingsProblem(Found::kAtTheEnd);
   for (const ui::FormId id : forms_.Backwards()) {

@@ -27,8 +27,10 @@ class EndToEndTest(unittest.TestCase):
         SESSION.release_keys()
         self.home = self.new_home()
 
+    PANES = False  # whether quotes, notes and text blocks open at the start
+
     def new_home(self):
-        home = Home(BINARY, APPLICATION)
+        home = Home(BINARY, APPLICATION, panes=self.PANES)
         self.addCleanup(home.remove)
         return home
 

@@ -5,6 +5,7 @@ open on the display, with a picture, and fails.
 """
 
 import contextlib
+import json
 import os
 import shutil
 import signal
@@ -145,9 +146,10 @@ class Session:
 
 
 class Home:
-    """The folders of one user, and a copy of the program in them."""
+    """The folders of one user, and a copy of the program in them. Without `panes` none of its windows but the main one
+    opens by itself."""
 
-    def __init__(self, binary, application=None, parent=None):
+    def __init__(self, binary, application=None, parent=None, panes=False):
         self.folder = tempfile.mkdtemp(prefix="home-", dir=parent)
         self.work = self.at("work")
         for name in ("work", "runtime", "program"):
@@ -159,9 +161,16 @@ class Home:
             shutil.copy2(binary, self.binary)
         if application:
             shutil.copytree(application, self.at("program", "application"))
+        if not panes:
+            self.put_settings(QuoteFile="", NotesFile="", TextBlocks="")
 
     def at(self, *names):
         return os.path.join(self.folder, *names)
+
+    def put_settings(self, **values):
+        os.makedirs(self.at("config", "quillmark"), mode=0o700)
+        with open(self.at("config", "quillmark", "settings.json"), "w", encoding="utf-8") as file:
+            json.dump({"Quillmark": {"General": values}}, file)
 
     def put(self, name, content):
         path = os.path.join(self.work, name)

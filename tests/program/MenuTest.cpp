@@ -56,6 +56,8 @@ class MenuTest : public ProgramTest {
         {"mnuSaveProjectAs", "mnuOpenAutoComplete"},
         {"mnuSelAll", "mnuAutoComplete"},
         {"mnuLinkAdd", "mnuRemoveFile"},
+        {"mnuNewProject", "mnuNotesOpen"},
+        {"mnuNewProject", "mnuNotesSave"},
         {"mnuTreeSync", "mnuTreeClearSelections"},
         {"mnuTreeAdd2List", "mnuTreeSync"},
         {"mnuTreeAdd2List", "mnuTreeClearSelections"},
@@ -102,9 +104,10 @@ class MenuTest : public ProgramTest {
 
 TEST_F(MenuTest, WithoutADocument) {
   EXPECT_EQ(TopLevel(), (QStringList{"&File", "Project &list", "&Tree view", "&Quotes", "&Options", "&Window"}));
-  EXPECT_EQ(Shown("mnuFile"), (QStringList{"&New project", "&Open a project...", "Save &project file",
-                                           "Save project file &as...", "-", "&New document", "Open a &document...",
-                                           "Save a&ll", "-", "Load &Auto-Complete file...", "-", "E&xit"}));
+  EXPECT_EQ(Shown("mnuFile"),
+            (QStringList{"&New project", "&Open a project...", "Save &project file", "Save project file &as...", "-",
+                         "&New document", "Open a &document...", "Save a&ll", "-", "Load &Auto-Complete file...",
+                         "Load Often Used &Text Blocks...", "Load &Notes...", "Save &Notes", "-", "E&xit"}));
   EXPECT_TRUE(Action("mnuSaveFile").shortcut().isEmpty());
   EXPECT_EQ(Action("mnuNew").shortcut(), QKeySequence("Ctrl+N"));
   EXPECT_EQ(Action("mnuNextPane").text(), "&Next window\tCtrl+F6") << "shown though it does nothing";

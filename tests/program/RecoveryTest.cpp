@@ -1,6 +1,6 @@
 // Texts that are kept because somebody ended the program, and what the recovery folder remembers of them.
-#include "documents/RecoveryKind.h"
 #include "files/Recovery.h"
+#include "services/RecoveryKind.h"
 #include "tests/program/ProgramTest.h"
 
 #include <sys/stat.h>
@@ -8,8 +8,8 @@
 namespace {
 
 using documents::frmText;
-using documents::RecoveryKind;
 using documents::SaveOutcome;
+using services::RecoveryKind;
 using ui::Answer;
 using ui::Buttons;
 using ui::Icon;
@@ -18,14 +18,14 @@ TEST(RecoveryKindTest, Lines) {
   const files::FileStamp stamp{UINT64_MAX, 12, INT64_MAX, -1, 999999999};
   for (const RecoveryKind& kind : {RecoveryKind{true, stamp}, RecoveryKind{false, stamp}, RecoveryKind{true, {}},
                                    RecoveryKind{false, files::FileStamp{}}}) {
-    const RecoveryKind back = documents::RecoveryKindOf(ToLine(kind));
+    const RecoveryKind back = services::RecoveryKindOf(ToLine(kind));
     EXPECT_EQ(back.rich, kind.rich) << ToLine(kind);
     EXPECT_EQ(back.original, kind.original) << ToLine(kind);
   }
   for (const char* line : {"", "text", "rtfx", "text 1 2 3 4", "text 1 2 3 4 5 6", "text 1 2 3 4 5 ", "text 1 2 3 4 x",
                            "text -1 2 3 4 5", "text 1  2 3 4 5", "text 99999999999999999999 2 3 4 5"}) {
-    EXPECT_FALSE(documents::RecoveryKindOf(line).rich) << line;
-    EXPECT_FALSE(documents::RecoveryKindOf(line).original) << line;
+    EXPECT_FALSE(services::RecoveryKindOf(line).rich) << line;
+    EXPECT_FALSE(services::RecoveryKindOf(line).original) << line;
   }
 }
 

@@ -3,8 +3,9 @@
 #include "ui/PendingEvents.h"
 #include "ui/dialogs/OwnersKeys.h"
 
+#include <QApplication>
 #include <QCloseEvent>
-#include <QCoreApplication>
+#include <QDialog>
 #include <QKeyEvent>
 #include <QKeySequence>
 #include <QScreen>
@@ -19,10 +20,10 @@ constexpr int kAtRest = 60;  // milliseconds without another size
 
 }  // namespace
 
-class PaneForm::Window : public QWidget {
+class PaneForm::Window : public QDialog {
  public:
   Window(PaneForm& form, QWidget* owner, QWidget* content)
-      : QWidget(owner, Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
+      : QDialog(owner, Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
                            Qt::WindowMaximizeButtonHint | Qt::WindowCloseButtonHint),
         form_(form) {
     setWindowIcon(owner->windowIcon());
@@ -32,31 +33,39 @@ class PaneForm::Window : public QWidget {
     setFocusProxy(content);
     content->installEventFilter(this);
   }
+  bool painted() const { return painted_; }
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override {
     const bool own = event->type() == QEvent::KeyPress && form_.TakeKey(*static_cast<QKeyEvent*>(event));
-    return own || QWidget::eventFilter(watched, event);
+    return own || QDialog::eventFilter(watched, event);
   }
   void keyPressEvent(QKeyEvent* event) override {
-    if (event->key() == Qt::Key_Escape) return parentWidget()->activateWindow();
-    if (!TriggerKeyOfOwner(*this, *event)) QWidget::keyPressEvent(event);
+    if (event->key() == Qt::Key_Escape) return BackToDocument(*event);
+    if (!TriggerKeyOfOwner(*this, *event)) QDialog::keyPressEvent(event);
   }
+  void reject() override { form_.RequestClose(); }
   void closeEvent(QCloseEvent* event) override {
     event->ignore();
     form_.RequestClose();
   }
   void resizeEvent(QResizeEvent* event) override {
-    QWidget::resizeEvent(event);
+    QDialog::resizeEvent(event);
     form_.resized_.start();
   }
   // Only now the desktop's frame is known.
   void paintEvent(QPaintEvent* event) override {
-    QWidget::paintEvent(event);
+    QDialog::paintEvent(event);
     if (!std::exchange(painted_, true)) form_.resized_.start();
   }
 
  private:
+  // As from anywhere in the main window.
+  void BackToDocument(QKeyEvent& escape) {
+    parentWidget()->activateWindow();
+    QCoreApplication::sendEvent(parentWidget(), &escape);
+  }
+
   PaneForm& form_;
   bool painted_ = false;
 };
@@ -67,7 +76,7 @@ PaneForm::PaneForm(Forms& forms, std::string_view name, Form& owner, QWidget* co
   resized_.setSingleShot(true);
   resized_.setInterval(kAtRest);
   connect(&resized_, &QTimer::timeout, this, [this] {
-    if (!isShown() || windowState() != WindowState::kNormal) return;
+    if (!window_->painted() || !isShown() || windowState() != WindowState::kNormal) return;
     this->forms().Guarded([this] { Form_Resize(); });
   });
 }
@@ -94,19 +103,23 @@ void PaneForm::SetWindowState(WindowState state) {
   if (!minimized_) window_->setWindowState(state == WindowState::kMaximized ? Qt::WindowMaximized : Qt::WindowNoState);
 }
 
-void PaneForm::Activate() {
+// What is shown takes the keyboard late, and from whoever has it by then, unless it is told not to.
+void PaneForm::Show(Keyboard keyboard) {
   minimized_ = false;
+  window_->setAttribute(Qt::WA_ShowWithoutActivating, keyboard == Keyboard::kLeave);
   window_->show();
+  if (keyboard == Keyboard::kLeave) return;
   window_->raise();
   window_->activateWindow();
 }
 
 void PaneForm::ShowTitle(const QString& title) {
   title_ = title;
-  window_->setWindowTitle(title + QStringLiteral("[*]"));
+  ShowChanged(changed_);
 }
 void PaneForm::ShowChanged(bool changed) {
-  window_->setWindowModified(changed);
+  changed_ = changed;
+  window_->setWindowTitle(changed ? title_ + QStringLiteral(" *") : title_);
 }
 
 void PaneForm::OwnKey(const char* key, std::function<void()> call) {
@@ -134,6 +147,10 @@ void PaneForm::MoveToEdges(Qt::Edges edges, const QRect& area) {
   const QRect frame = window_->frameGeometry();
   const QPoint place = PlaceAtEdges(frame.size(), edges, area, window_->parentWidget()->screen()->availableGeometry());
   if (place != frame.topLeft()) window_->move(place);
+}
+
+void PaneForm::Beep() {
+  QApplication::beep();
 }
 
 void PaneForm::TakeDown() {

@@ -16,6 +16,8 @@ namespace ui {
 
 bool IsInPane(const QWidget& widget);
 
+enum class Keyboard : bool { kLeave, kTake };
+
 class PaneForm : public QObject, public Form {
   Q_OBJECT
 
@@ -26,8 +28,8 @@ class PaneForm : public QObject, public Form {
   // Desktops minimise such a window only together with its owner, so that is not asked for, but remembered.
   WindowState windowState() const override;
   void SetWindowState(WindowState state) override;
-  // Shows it, and gives it the keyboard.
-  void Activate() override;
+  void Show(Keyboard keyboard);
+  void Activate() override { Show(Keyboard::kTake); }
   bool isShown() const;
 
  protected:
@@ -45,6 +47,7 @@ class PaneForm : public QObject, public Form {
   void MoveToEdges(Qt::Edges edges, const QRect& area);
   // After the pane was shown, or has come to rest in another size; not while it is minimised or maximised.
   virtual void Form_Resize() {}
+  void Beep();
   // Off the screen and out of the registry for good; the object may live a little longer.
   void TakeDown();
 
@@ -62,7 +65,7 @@ class PaneForm : public QObject, public Form {
   QString title_;
   std::vector<Key> keys_;
   QTimer resized_;
-  bool minimized_ = false;
+  bool minimized_ = false, changed_ = false;
 };
 
 // Keeps panes that have closed until the command that closed them is over.

@@ -1,9 +1,9 @@
-#include "documents/RecoveryKind.h"
+#include "services/RecoveryKind.h"
 
 #include <charconv>
 #include <cstdint>
 
-namespace documents {
+namespace services {
 namespace {
 
 constexpr std::string_view kRich = "rtf", kPlain = "text";
@@ -43,4 +43,4 @@ RecoveryKind RecoveryKindOf(std::string_view line) {
   return kind;
 }
 
-}  // namespace documents
+}  // namespace services

@@ -1,4 +1,4 @@
-// What the recovery folder remembers of a document beside its name and text: one line.
+// What the recovery folder remembers of a text beside its name and text: one line.
 #pragma once
 
 #include "files/OpenFile.h"
@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-namespace documents {
+namespace services {
 
 struct RecoveryKind {
   bool rich = false;
@@ -18,4 +18,4 @@ std::string ToLine(const RecoveryKind& kind);
 // What cannot be understood is plain text of a file that is not known.
 RecoveryKind RecoveryKindOf(std::string_view line);
 
-}  // namespace documents
+}  // namespace services

@@ -1,0 +1,57 @@
+#include "panes/TextPane.h"
+
+#include "services/Messages.h"
+#include "ui/PathText.h"
+#include "ui/frame/ChildArea.h"
+
+namespace panes {
+
+TextPane::TextPane(services::Services& services, std::string_view name, std::string_view prefix, Qt::Edges firstEdges)
+    : PaneForm(services.forms(), name, *services.forms().at(0), new ui::RichTextBox),
+      services_(services),
+      prefix_(prefix),
+      firstEdges_(firstEdges),
+      Text1_(static_cast<ui::RichTextBox*>(content())) {
+  Text1_->setObjectName(QStringLiteral("Text1"));
+  connect(Text1_, &ui::RichTextBox::ContextMenuRequested, this,
+          [this](const QPoint& position) { services_.ShowPadMenu(*Text1_, position); });
+  connect(Text1_, &ui::RichTextBox::EditFailed, this, [this](const QString& reason) {
+    services::ShowError(services_.dialogs(), this, services::FileText(path().native(), reason));
+  });
+}
+
+bool TextPane::Load(const files::Path& path) {
+  ReadText read;
+  const auto stamp = files::StampOf(path);
+  services_.dialogs().RunWork(
+      services_.forms().at(0), tr("Opening %1").arg(ui::DisplayText(path.native())), stamp ? stamp->size : 0,
+      [&](ui::WorkPort& port) { read = ReadTextFile(path, [&port](int64_t done) { return port.Report(done); }); });
+  if (!read.cancelled) TakeIn(path, std::move(read));
+  return !read.cancelled;
+}
+
+void TextPane::TakeIn(const files::Path& path, ReadText read) {
+  if (read.error) {
+    read.text =
+        text::ReadPlainText(tr("Error: ").toStdString() + path.native() + "\r\n" + std::to_string(read.error->number));
+    read.text.properties = {};
+  }
+  SetCaption(prefix_ + path.native());
+  Text1_->LoadPlain({});
+  Text1_->SetDefaultFormat(services_.defaultFont().name, services_.defaultFont().size);
+  Text1_->LoadPlain(std::move(read.text));
+  stamp_ = read.stamp;
+  error_ = std::move(read.error);
+}
+
+void TextPane::TakeSaved(const files::FileStamp& stamp) {
+  stamp_ = stamp;
+  error_.reset();
+}
+
+// Where it does not hide the others; from then on it stands where the user puts it.
+void TextPane::Form_Resize() {
+  if (!std::exchange(placed_, true)) MoveToEdges(firstEdges_, services_.documentArea().OnScreen());
+}
+
+}  // namespace panes
