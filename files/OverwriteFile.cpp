@@ -71,6 +71,7 @@ Result<FileStamp> OverwriteFile(const SaveTarget& target, RecoveryWriter& entry,
   if (PutBack(file.get(), target, previous, written.bytes) != 0) {
     error.text += ". The file could not be restored. The new text is in " + (entry.path() / "text").native() +
                   ", the old content in " + previous.native();
+    error.damaged = true;
     entry.Keep();
   }
   return error;

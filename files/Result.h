@@ -20,7 +20,8 @@ struct Error {
       0;  // the program's error number: 53 file not found, 75 path/file access error, 70 permission denied, ...
   int systemError = 0;  // errno, 0 when it was no system call
   Path path;
-  std::string text;  // the system's text for errno, or our own ("Not a regular file"); UTF-8
+  std::string text;      // the system's text for errno, or our own ("Not a regular file"); UTF-8
+  bool damaged = false;  // the file is not as it was; the text names what is left of it
 };
 
 // The program's number for an errno of a failed reading, saving or attribute call.

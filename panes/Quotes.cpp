@@ -45,7 +45,7 @@ void Quotes::LoadQuotesFile(const files::Path& path, ui::Keyboard keyboard) {
   if (!pane_) pane_ = std::make_unique<frmQuotes>(services_, *this);
   pane_->List1().SetLines(std::move(lines));
   pane_->SetCaption(path.native());
-  services_.ToggleQuotesOptions(!read.couldNotBeOpened);
+  Toggle(!read.couldNotBeOpened);
   if (pane_) pane_->Show(keyboard);
   ui::LetPendingEventsRun();
   if (pane_ && keyboard == ui::Keyboard::kTake) pane_->List1().setFocus();
@@ -53,12 +53,17 @@ void Quotes::LoadQuotesFile(const files::Path& path, ui::Keyboard keyboard) {
 
 void Quotes::Release() {
   closed_.Take(std::move(pane_));
-  services_.ToggleQuotesOptions(false);
+  Toggle(false);
+}
+
+void Quotes::Toggle(bool loaded) {
+  loaded_ = loaded;
+  services_.ToggleQuotesOptions(loaded);
 }
 
 void Quotes::mnuFindQuote_Click() {
   const ui::CommandScope scope;
-  if (!pane_) return;
+  if (!loaded_) return;
   const auto answer = services_.dialogs().AskText(pane_.get(), Tr("Input the search string"), QuoteSearchText_);
   if (!answer || answer->isEmpty()) return;
   QuoteSearchText_ = *answer;
@@ -69,7 +74,7 @@ void Quotes::mnuFindQuote_Click() {
 void Quotes::mnuFindNextQuote_Click() {
   const ui::CommandScope scope;
   if (QuoteSearchText_.isEmpty()) return mnuFindQuote_Click();
-  if (!pane_) return;
+  if (!loaded_) return;
   const ui::Hourglass hourglass;
   const int count = pane_->List1().count();
   QuoteSearchIndex_ = FindFrom(QuoteSearchIndex_ < count - 1 ? QuoteSearchIndex_ + 1 : 0);
@@ -93,7 +98,7 @@ void Quotes::Show(int index) {
 
 void Quotes::mnuRandom_Click() {
   const ui::CommandScope scope;
-  if (!pane_ || pane_->List1().count() == 0) return;
+  if (!loaded_ || pane_->List1().count() == 0) return;
   Show(QRandomGenerator::global()->bounded(pane_->List1().count()));
 }
 

@@ -23,6 +23,7 @@ class Quotes {
   void Release();                            // by the pane, which has closed
 
  private:
+  void Toggle(bool loaded);
   // At it or behind it; count() = none.
   int FindFrom(int index) const;
   void Show(int index);
@@ -30,6 +31,7 @@ class Quotes {
   services::Services& services_;
   QString QuoteSearchText_;
   int QuoteSearchIndex_ = -1;  // of the quote that was examined last
+  bool loaded_ = false;        // what is listed are quotes
   std::unique_ptr<frmQuotes> pane_;
   ui::ClosedPanes closed_;
 };

@@ -13,6 +13,7 @@ TextPane::TextPane(services::Services& services, std::string_view name, std::str
       firstEdges_(firstEdges),
       Text1_(static_cast<ui::RichTextBox*>(content())) {
   Text1_->setObjectName(QStringLiteral("Text1"));
+  Text1_->SetPlainOnly(true);
   connect(Text1_, &ui::RichTextBox::ContextMenuRequested, this,
           [this](const QPoint& position) { services_.ShowPadMenu(*Text1_, position); });
   connect(Text1_, &ui::RichTextBox::EditFailed, this, [this](const QString& reason) {

@@ -19,6 +19,7 @@ constexpr std::string_view kPrefix = "Notes: ";
 
 frmMyPad::frmMyPad(services::Services& services, Notes& notes)
     : TextPane(services, "frmMyPad", kPrefix, Qt::TopEdge | Qt::RightEdge), notes_(notes) {
+  Text1().setAccessibleName(tr("Notes"));
   connect(&Text1(), &ui::RichTextBox::Change, this, [this] { ShowChanged(NotesChanged()); });
   OwnKey("Ctrl+S", [this] { notes_.mnuNotesSave_Click(); });
   const services::PadSize& size = services.settings().MyPadSize;
@@ -72,6 +73,9 @@ bool frmMyPad::SaveText1() {
   }
   if (!saved || !*saved) {
     Beep();
+    // Silence must not hide where the copies are.
+    if (saved && saved->error().damaged)
+      services::ShowError(services().dialogs(), this, services::ErrorText(path().native(), saved->error()));
     return false;
   }
   TakeSaved(saved->value());
@@ -89,7 +93,8 @@ bool frmMyPad::AskBeforeReplacing() {
   const auto now = files::StampOf(path());
   if (!error() && (!now || now == stamp())) return true;
   QString why = tr("has been changed by another program since it was opened.  Do you want to replace it?");
-  if (error()) why = tr("could not be read when it was opened.  Do you want to save what is in the pad there?");
+  if (error() && !now) why = tr("does not exist.  Do you want to create it and save the notes there?");
+  if (error() && now) why = tr("could not be read when it was opened.  Do you want to save what is in the pad there?");
   const ui::Message question{services::FileText(path().native(), why), ui::Buttons::kYesNo, ui::Icon::kExclamation};
   return services().dialogs().ShowMessage(this, question) == ui::Answer::kYes;
 }

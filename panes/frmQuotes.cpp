@@ -29,7 +29,7 @@ frmQuotes::frmQuotes(services::Services& services, Quotes& quotes)
 void frmQuotes::ConnectList() {
   List1_->SetToolTips([this](int index) {
     const std::string& quote = List1_->line(index).text;
-    return quote.size() <= kMostInToolTip ? ui::DisplayText(quote) : ui::ShortDisplayText(quote);
+    return quote.size() <= kMostInToolTip ? ui::ChoiceList::DisplayText(quote) : ui::ShortDisplayText(quote);
   });
   const auto copy = [this] {
     const ui::CommandScope scope;

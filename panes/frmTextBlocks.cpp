@@ -15,6 +15,7 @@ constexpr QSize kFirstSize = {370, 170};
 frmTextBlocks::frmTextBlocks(services::Services& services, TextBlocks& blocks)
     : TextPane(services, "frmTextBlocks", kPrefix, Qt::BottomEdge | Qt::LeftEdge), blocks_(blocks) {
   SetCaption("Text Blocks");
+  Text1().setAccessibleName(tr("Text blocks"));
   OwnKey("Ctrl+C", [this] { CopyBlock(); });
   SetSize(kFirstSize);
 }
@@ -24,10 +25,10 @@ void frmTextBlocks::MyShow(const files::Path& path, ui::Keyboard keyboard) {
   if (Load(path)) Show(keyboard);
 }
 
-// As plain text alone; where nothing is selected, nothing.
+// Where nothing is selected, nothing.
 void frmTextBlocks::CopyBlock() {
-  ui::SetClipboardText(
-      text::BytesOfUtf16(Text1().document().content().Utf16(Text1().SelectedRange(), text::BreakAs::kLf)));
+  if (Text1().SelectedRange().empty()) return ui::SetClipboardText({});
+  Text1().Copy();
 }
 
 bool frmTextBlocks::Close() {

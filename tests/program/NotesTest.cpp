@@ -102,8 +102,7 @@ TEST_F(NotesTest, AMessageIsSavedOnlyAsNotesAndAfterAQuestion) {
   EXPECT_FALSE(Pad()->SaveText1());
   EXPECT_FALSE(Exists(gone));
   TypeNotes("mine");
-  const QString question =
-      File(gone, "could not be read when it was opened.  Do you want to save what is in the pad there?");
+  const QString question = File(gone, "does not exist.  Do you want to create it and save the notes there?");
   Ask(question, Answer::kNo, ui::Buttons::kYesNo);
   EXPECT_FALSE(Pad()->SaveText1());
   EXPECT_FALSE(Exists(gone));
@@ -204,15 +203,20 @@ TEST_F(NotesTest, SaveAllSavesThemToo) {
 }
 
 TEST_F(NotesTest, TextBlocksAreCopiedAndNeverWritten) {
-  const files::Path first = Put("one.txt", "block\r\ntwo \xFF"), second = Put("two.txt", "other");
+  const std::string text = "block\r\ntwo \xFF \xC3\xA9\xC3\xA9\xC3\xA9";
+  const files::Path first = Put("one.txt", text), second = Put("two.txt", "other");
   panes::TextBlocks& blocks = program().panes().textBlocks();
   dialogs.File(first, [](const ui::FileRequest& request) { EXPECT_EQ(request.title, "Select a text blocks file"); });
   blocks.mnuTextBlocksOpen_Click();
   EXPECT_EQ(Blocks()->caption(), "Text blocks: " + first.native());
   Blocks()->Text1().SelectAll();
   Press(Blocks()->Text1(), Qt::Key_C, Qt::ControlModifier);
-  EXPECT_EQ(QApplication::clipboard()->mimeData()->data("text/plain"), "block\ntwo \xFF");
+  EXPECT_EQ(ui::ClipboardText(), QString::fromUtf8("block\ntwo \uFFFD \u00E9\u00E9\u00E9"));
   EXPECT_EQ(QApplication::clipboard()->mimeData()->formats(), QStringList{"text/plain"});
+  New().RichTextBox1().Paste();
+  EXPECT_EQ(table().Active()->RichTextBox1().document().content().ByteString(
+                table().Active()->RichTextBox1().document().content().all()),
+            text);
   Blocks()->Text1().SetSelStart(0);
   Press(Blocks()->Text1(), Qt::Key_C, Qt::ControlModifier);
   EXPECT_EQ(ui::ClipboardText(), "");
@@ -222,7 +226,7 @@ TEST_F(NotesTest, TextBlocksAreCopiedAndNeverWritten) {
   EXPECT_EQ(Blocks()->Text1().Text(), "other");
   Blocks()->Text1().SetSelText("typed");
   EXPECT_TRUE(Blocks()->RequestClose());
-  EXPECT_EQ(Bytes(first) + Bytes(second), "block\r\ntwo \xFFother");
+  EXPECT_EQ(Bytes(first) + Bytes(second), text + "other");
   blocks.MyShow(At("gone.txt"));
   EXPECT_EQ(Blocks()->Text1().Text().toStdString(), "Error: " + At("gone.txt").native() + "\r\n53");
 }

@@ -82,6 +82,7 @@ TEST_F(QuotesTest, AFileIsChosenLoadedAndReplaced) {
   Quotes().LoadQuotesFile(gone);
   EXPECT_EQ(Lines(), "Error: " + gone.native() + " : 53");
   EXPECT_EQ(Usable(), "L----L----");
+  Press(List(), Qt::Key_F, Qt::ControlModifier);  // asks nothing
   Quotes().LoadQuotesFile(first);
   EXPECT_TRUE(Quotes().pane()->RequestClose());
   EXPECT_EQ(Usable(), "L----L----") << "nothing is loaded any more";
@@ -122,9 +123,8 @@ TEST_F(QuotesTest, FindGoesOnBehindTheQuoteItExaminedLast) {
 }
 
 TEST_F(QuotesTest, CopyingByKeysMouseAndSelection) {
-  Load(
-      "one\ntwo\n\xFF"
-      "byte");
+  const std::string stray = "\xFF\t\xC3\xA9\xC3\xA9\xC3\xA9";
+  Load("one\ntwo\n" + stray);
   QApplication::clipboard()->setText("before");
   Do().mnuCopyQuote_Click();
   EXPECT_EQ(ui::ClipboardText(), "before") << "no quote is selected";
@@ -143,9 +143,8 @@ TEST_F(QuotesTest, CopyingByKeysMouseAndSelection) {
   Click(1);
   EXPECT_EQ(ui::ClipboardText(), "two");
   List().Choose(2);
-  EXPECT_EQ(QApplication::clipboard()->mimeData()->data("text/plain"),
-            "\xFF"
-            "byte");
+  EXPECT_EQ(QApplication::clipboard()->mimeData()->data("text/plain").toStdString(), stray);
+  EXPECT_EQ(List().model()->index(2, 0).data().toString(), QString::fromUtf8("\uFFFD \u00E9\u00E9\u00E9"));
 }
 
 TEST_F(QuotesTest, InThePaneKeysMeanTheQuotes) {
@@ -176,6 +175,7 @@ TEST_F(QuotesTest, StatesAreRememberedFromOneRunToTheNext) {
   };
   EXPECT_EQ(stored(), "2");
   files::LockFile other;
+  place.lock = At("lock");
   ASSERT_TRUE(other.Acquire(place.lock).value());
   Restart();
   EXPECT_EQ(Quotes().pane(), nullptr) << "another copy has it";

@@ -87,8 +87,7 @@ TEST_F(StartUpTest, TheEndWritesItsKeysInTheirOrder) {
 
 TEST_F(StartUpTest, ValuesOfOtherFeaturesComeBackUnchanged) {
   const Pairs pairs = {{"SaveWindowState", "True"}, {"WindowSize", "0"},      {"SaveArrange", "2"},
-                       {"QuotesState", "0"},        {"TextState", "2"},       {"TextBlocksState", "1"},
-                       {"MyPadState", "2"},         {"ToolBarStyle", "0"},    {"ListFontSize", "8.25"},
+                       {"TextState", "2"},          {"ToolBarStyle", "0"},    {"ListFontSize", "8.25"},
                        {"PlusImage", "12"},         {"MyPadSize", "500,300"}, {"Most Recent", "3"},
                        {"AutoCopy", "1"},           {"EmailApp", "m\xFF"},    {"Unknown", "kept"}};
   Store(pairs);

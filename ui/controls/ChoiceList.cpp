@@ -1,5 +1,7 @@
 #include "ui/controls/ChoiceList.h"
 
+#include "ui/PathText.h"
+
 #include <QContextMenuEvent>
 #include <QHelpEvent>
 #include <QMouseEvent>
@@ -7,8 +9,12 @@
 #include <QStyledItemDelegate>
 #include <QToolTip>
 
+#include <algorithm>
+
 namespace ui {
 namespace {
+
+constexpr size_t kMostCopied = 16000;
 
 // As wide as the list: the first line's width would be every line's.
 class Lines : public QStyledItemDelegate {
@@ -25,6 +31,12 @@ class Lines : public QStyledItemDelegate {
   }
 };
 
+std::string WithoutTabs(std::string_view line) {
+  std::string shown(line);
+  std::ranges::replace(shown, '\t', ' ');
+  return shown;
+}
+
 }  // namespace
 
 ChoiceList::ChoiceList(QWidget* parent) : ListBox(parent) {
@@ -32,6 +44,9 @@ ChoiceList::ChoiceList(QWidget* parent) : ListBox(parent) {
   setTextElideMode(Qt::ElideRight);
   setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
   setItemDelegate(new Lines(this));
+  ShowTextsBy([](std::string_view line) {
+    return line.size() <= kMostCopied ? ShortDisplayText(WithoutTabs(line)) : ShortDisplayText(line);
+  });
   setAcceptDrops(false);
   viewport()->setAcceptDrops(false);
 }
@@ -39,6 +54,10 @@ ChoiceList::ChoiceList(QWidget* parent) : ListBox(parent) {
 void ChoiceList::SetLines(std::vector<ListLine> lines) {
   ListBox::SetLines(std::move(lines));
   selectionModel()->clearCurrentIndex();
+}
+
+QString ChoiceList::DisplayText(std::string_view line) {
+  return ui::DisplayText(WithoutTabs(line));
 }
 
 int ChoiceList::Choice() const {

@@ -11,8 +11,9 @@ class ChoiceList : public ListBox {
  public:
   explicit ChoiceList(QWidget* parent = nullptr);
 
-  void SetLines(std::vector<ListLine> lines);  // instead of all there are; no line has the focus
-  int Choice() const;                          // the selected line, -1 = none
+  void SetLines(std::vector<ListLine> lines);         // instead of all there are; no line has the focus
+  static QString DisplayText(std::string_view line);  // of any length; a tab is a blank
+  int Choice() const;                                 // the selected line, -1 = none
   void Choose(int index);
   void ScrollToTop(int index);  // as far as the list reaches
 

@@ -28,7 +28,7 @@ class ListBox::Model : public QAbstractListModel {
   }
   QVariant data(const QModelIndex& index, int role) const override {
     if (role != Qt::DisplayRole && role != Qt::AccessibleTextRole) return {};
-    return ShortDisplayText(lines[static_cast<size_t>(index.row())].text);
+    return shown(lines[static_cast<size_t>(index.row())].text);
   }
   void Replace(std::vector<ListLine> with) {
     beginResetModel();
@@ -54,6 +54,7 @@ class ListBox::Model : public QAbstractListModel {
   }
 
   std::vector<ListLine> lines;
+  QString (*shown)(std::string_view) = ShortDisplayText;
 
  private:
   mutable std::unordered_map<int64_t, int> rows_;  // of the lines before known_, by their data
@@ -82,6 +83,10 @@ const ListLine& ListBox::line(int index) const {
 int ListBox::LineOf(int64_t number) const {
   return model_->RowOf(number);
 }
+void ListBox::ShowTextsBy(QString (*shown)(std::string_view)) {
+  model_->shown = shown;
+}
+
 void ListBox::SetLines(std::vector<ListLine> lines) {
   model_->Replace(std::move(lines));
   if (count() > 0) SetListIndex(0);

@@ -26,7 +26,7 @@ class ListBox : public QListView {
 
   int count() const;
   const ListLine& line(int index) const;
-  int LineOf(int64_t number) const;              // the first line known by it, count() = none; O(1) but after SetLines
+  int LineOf(int64_t number) const;            // the first line known by it, count() = none; O(1) but after SetLines
   void SetLines(std::vector<ListLine> lines);  // instead of all there are; nothing is selected, the focus on line 0
   void Append(ListLine line);
   void SetText(int index, std::string text);
@@ -64,6 +64,8 @@ class ListBox : public QListView {
   void FilesDropped(const std::vector<std::string>& paths);
 
  protected:
+  void ShowTextsBy(QString (*shown)(std::string_view text));  // instead of ShortDisplayText; of as many characters
+
   bool viewportEvent(QEvent* event) override;
   void paintEvent(QPaintEvent* event) override;
   void mousePressEvent(QMouseEvent* event) override;

@@ -176,8 +176,8 @@ QByteArray HtmlOf(const Content& content, const text::rtf::DocumentProperties& p
 
 }  // namespace
 
-EditorMimeData::EditorMimeData(Content content, Range range, text::rtf::DocumentProperties properties, bool html)
-    : content_(std::move(content)), range_(range), properties_(std::move(properties)), html_(html) {
+EditorMimeData::EditorMimeData(Content content, Range range, text::rtf::DocumentProperties properties, As as)
+    : content_(std::move(content)), range_(range), properties_(std::move(properties)), as_(as) {
   const text::FormatTable& table = content_.formats();
   const text::ObjectId object = table[content_.CharFormatAt(range_.begin)].object;
   const bool alone = range_.size() == text::Units(1) && object != text::ObjectId::kNone;
@@ -206,8 +206,9 @@ QVariant EditorMimeData::ImageData(const QString& mimeType) const {
 
 // What somebody added to a drag (files, for instance) comes behind our own.
 QStringList EditorMimeData::formats() const {
-  QStringList own{kRtfTypes[0], kRtfTypes[1]};
-  if (html_) own.append(kHtmlType);
+  QStringList own;
+  if (!isPlain()) own << kRtfTypes[0] << kRtfTypes[1];
+  if (as_ == As::kRtfAndHtml) own.append(kHtmlType);
   own.append(picture_ ? ImageTypes() : QStringList(kPlainType));
   return own + QMimeData::formats();
 }
@@ -220,8 +221,9 @@ QVariant EditorMimeData::retrieveData(const QString& mimeType, QMetaType type) c
   const auto convert = [&]() -> QVariant {
     if (picture_ && ImageTypes().contains(mimeType)) return ImageData(mimeType);
     if (mimeType == kPlainType) return PlainTextForOthers(content_, range_);
-    if (IsRtfType(mimeType)) return QByteArray::fromStdString(WriteFragment(content_, range_, properties_));
-    if (mimeType == kHtmlType && html_) return HtmlOf(content_.Slice(range_), properties_);
+    if (IsRtfType(mimeType) && !isPlain())
+      return QByteArray::fromStdString(WriteFragment(content_, range_, properties_));
+    if (mimeType == kHtmlType && as_ == As::kRtfAndHtml) return HtmlOf(content_.Slice(range_), properties_);
     return QMimeData::retrieveData(mimeType, type);
   };
   // Another program asks, perhaps long after the copying: it gets nothing.
@@ -248,6 +250,7 @@ std::optional<Content> RichFragment(std::string_view rtf, const text::Document& 
 
 std::optional<Content> RichFragment(const QMimeData& data, const text::Document& target) {
   if (const auto* own = qobject_cast<const EditorMimeData*>(&data)) {
+    if (own->isPlain()) return std::nullopt;
     // Bytes that are no characters survive only this way.
     if (own->content().store() == target.content().store()) return own->content().Slice(own->range());
     return Rebuilt(own->content(), own->range(), target);
@@ -343,7 +346,9 @@ std::optional<std::string> PlainBytes(const QMimeData& data, LineEnd lineEnd) {
 // --- The controller's commands
 
 std::unique_ptr<EditorMimeData> EditorController::CopyOfSelection() const {
-  return std::make_unique<EditorMimeData>(document_.content(), range(), rtfProperties_, SavesFormats());
+  using As = EditorMimeData::As;
+  const As as = plainOnly_ ? As::kPlain : SavesFormats() ? As::kRtfAndHtml : As::kRtf;
+  return std::make_unique<EditorMimeData>(document_.content(), range(), rtfProperties_, as);
 }
 
 void EditorController::Copy() {
@@ -367,6 +372,7 @@ void EditorController::Insert(const QMimeData& data, bool plain) {
   const Operation operation(*this);
   if (!HasAnyText(data) || !UserMayChange(range())) return;
   document_.SealStep();
+  plain |= plainOnly_;
   std::optional<Content> fragment;
   if (!plain) fragment = RichFragment(data, document_);
   if (!plain && !fragment && SavesFormats()) {

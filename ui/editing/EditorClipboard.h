@@ -19,13 +19,15 @@ class EditorMimeData : public QMimeData {
   Q_OBJECT
 
  public:
-  // With `html` the text is offered as a page too.
-  EditorMimeData(text::Content content, text::Range range, text::rtf::DocumentProperties properties, bool html);
+  enum class As { kPlain, kRtf, kRtfAndHtml };  // besides as text
+
+  EditorMimeData(text::Content content, text::Range range, text::rtf::DocumentProperties properties, As as);
   QStringList formats() const override;
   bool hasFormat(const QString& mimeType) const override;
 
   const text::Content& content() const { return content_; }
   text::Range range() const { return range_; }
+  bool isPlain() const { return as_ == As::kPlain; }
 
  protected:
   QVariant retrieveData(const QString& mimeType, QMetaType type) const override;
@@ -36,7 +38,7 @@ class EditorMimeData : public QMimeData {
   text::Content content_;
   text::Range range_;
   text::rtf::DocumentProperties properties_;
-  bool html_;
+  As as_;
   const text::EmbeddedObject* picture_ = nullptr;  // that is all of the range
 };
 

@@ -43,6 +43,8 @@ class EditorState {
   const text::rtf::DocumentProperties& rtfProperties() const { return rtfProperties_; }
   // Asked at every paste: only what is saved with its formats takes those of an HTML page, and pictures. Not set: yes.
   void SavesFormatsWhen(std::function<bool()> saves) { savesFormats_ = std::move(saves); }
+  // What is pasted or dropped comes in as text alone, and goes out so.
+  void SetPlainOnly(bool on) { plainOnly_ = on; }
   // Asked before text that is typed goes in. True: it has been dealt with, and perhaps the editor is gone.
   void BeforeTyping(std::function<bool(const QString& text)> take) { beforeTyping_ = std::move(take); }
 
@@ -74,6 +76,7 @@ class EditorState {
   bool reveal_ = false;
   bool overtype_ = false;
   bool readOnly_ = false;
+  bool plainOnly_ = false;
   bool composing_ = false;
   unsigned long long lastKeyTime_ = 0;
 };

@@ -286,6 +286,10 @@ void RichTextBox::SavesFormatsWhen(std::function<bool()> wanted) {
   impl_->controller.SavesFormatsWhen(std::move(wanted));
 }
 
+void RichTextBox::SetPlainOnly(bool on) {
+  impl_->controller.SetPlainOnly(on);
+}
+
 void RichTextBox::SetDefaultFormat(const QString& fontName, double points) {
   impl_->defaultFont = QFont(fontName);
   impl_->defaultFontName = fontName.toStdString();

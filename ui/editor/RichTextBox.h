@@ -128,6 +128,7 @@ class RichTextBox : public QAbstractScrollArea {
   const text::rtf::DocumentProperties& rtfProperties() const;
   void SavesFormatsWhen(
       std::function<bool()> saves);  // asked at every paste: pages' formats and pictures come in only then
+  void SetPlainOnly(bool on);        // what is pasted or dropped comes in, and what is copied goes out, as text alone
   // The font of an empty control and of plain text loaded into it afterwards: no undo step, no change.
   void SetDefaultFormat(const QString& fontName, double points);
   // Tab stops of the view for paragraphs without (enough) stops of their own, in twips: neither edit nor undo step.

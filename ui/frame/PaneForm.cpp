@@ -49,6 +49,11 @@ class PaneForm::Window : public QDialog {
     event->ignore();
     form_.RequestClose();
   }
+  // Whoever works in it does not see it as minimised.
+  void changeEvent(QEvent* event) override {
+    QDialog::changeEvent(event);
+    if (event->type() == QEvent::ActivationChange && isActiveWindow()) form_.minimized_ = false;
+  }
   void resizeEvent(QResizeEvent* event) override {
     QDialog::resizeEvent(event);
     form_.resized_.start();
