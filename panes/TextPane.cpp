@@ -50,9 +50,13 @@ void TextPane::TakeSaved(const files::FileStamp& stamp) {
   error_.reset();
 }
 
-// Where it does not hide the others; from then on it stands where the user puts it.
+// Where it does not hide the others, at the right beside the main window as far as the screen goes; from then on it
+// stands where the user puts it.
 void TextPane::Form_Resize() {
-  if (!std::exchange(placed_, true)) MoveToEdges(firstEdges_, services_.documentArea().OnScreen());
+  if (std::exchange(placed_, true)) return;
+  QRect area = services_.documentArea().OnScreen();
+  if (firstEdges_ & Qt::RightEdge) area.setRight(area.right() + Size().width());
+  MoveToEdges(firstEdges_, area);
 }
 
 }  // namespace panes

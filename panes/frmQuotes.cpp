@@ -8,7 +8,7 @@
 namespace panes {
 namespace {
 
-constexpr QSize kFirstSize = {370, 170};
+constexpr QSize kFirstSize = {340, 170};
 constexpr size_t kMostInToolTip = 4000;
 
 }  // namespace

@@ -8,7 +8,7 @@ namespace panes {
 namespace {
 
 constexpr std::string_view kPrefix = "Text blocks: ";
-constexpr QSize kFirstSize = {370, 170};
+constexpr QSize kFirstSize = {340, 170};
 
 }  // namespace
 
