@@ -148,6 +148,7 @@ const Row kGroups[] = {
     {"{\\field{\\*\\fldinst X {\\field{\\*\\fldinst Y}{\\fldrslt q}}}{\\fldrslt a}}", "a"},
     {"{\\field{\\*\\fldinst SYMBOL 183 \\\\f \"Symbol\" \\\\s 10}{\\fldrslt}}", "<Symbol/2/0>\uF0B7"},
     {"{\\field{\\*\\fldinst SYMBOL 0x41}{\\fldrslt r}}", "r"},
+    {"{\\field{\\*\\fldinst SYMBOL 65}}{\\field{\\*\\fldinst SYMBOL 128}}", "A€"},
     {"{\\field{\\*\\fldinst SYMBOL 8364 \\\\u}}", "€"},
     {"a{\\field{\\*\\fldinst SYMBOL 10 \\\\u}}b{\\field{\\*\\fldinst SYMBOL 0xD \\\\u}}\\qc c", "a\nb\nc$[center]"},
     {"{\\field{\\*\\fldinst SYMBOL \"}}x", "x"},

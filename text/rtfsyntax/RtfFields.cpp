@@ -1,5 +1,7 @@
 #include "text/rtfsyntax/RtfFields.h"
 
+#include "text/plain/Encodings.h"
+
 #include <algorithm>
 #include <charconv>
 #include <cstdint>
@@ -57,11 +59,13 @@ SymbolField ParseSymbol(std::string_view instruction) {
   const auto parsed = std::from_chars(rest.data(), rest.data() + rest.size(), number, hexadecimal ? 16 : 10);
   if (parsed.ec != std::errc()) return field;
   const bool unicode = rest.find("\\u") != std::string_view::npos;
-  field.character = unicode || number > 0xFF ? number : 0xF000 + number;
   if (const size_t at = rest.find("\\f"); at != std::string_view::npos) {
     const std::string_view name = Trimmed(rest.substr(at + 2));
     if (name.starts_with('"')) field.font = name.substr(1, name.find('"', 1) - 1);
   }
+  const bool byte = !unicode && number <= 0xFF;
+  const bool ofText = byte && field.font.empty() && number >= ' ';
+  field.character = ofText ? FromWindows1252(static_cast<unsigned char>(number)) : byte ? 0xF000 + number : number;
   return field;
 }
 

@@ -11,7 +11,8 @@ struct SymbolField {
   std::string font;        // empty: that of the text around
 };
 
-// SYMBOL 183 \f "Symbol" \s 10, the number also as 0xB7; with \u it is a Unicode character.
+// SYMBOL 183 \f "Symbol" \s 10, the number also as 0xB7; with \u it is a Unicode character, without a font
+// one of Windows-1252.
 SymbolField ParseSymbol(std::string_view instruction);
 
 // HYPERLINK "target" \l "mark" as target#mark, either of which may be missing; empty for any other instruction.

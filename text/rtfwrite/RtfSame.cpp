@@ -49,18 +49,12 @@ bool IsClean(std::string_view bytes) {
 // A content from its beginning to its end, as RTF would hold it.
 class Parts {
  public:
-  explicit Parts(const Content& content) {
-    pieces_.reserve(64);
-    content.ForEachPiece(content.all(), [this](const PieceView& piece) {
-      pieces_.push_back(piece);
-      return true;
-    });
-  }
+  explicit Parts(const Content& content) : content_(content) { pieces_.reserve(kPiecesAtOnce); }
 
   // The next part, cut to at most `most` bytes of text.
   bool Next(Part& part) {
     while (rest_.empty()) {
-      if (piece_ == pieces_.size()) return false;
+      if (piece_ == pieces_.size() && !Fetch()) return false;
       Begin(pieces_[piece_++]);
     }
     const size_t end = breaks_ ? FindBreak(rest_) : rest_.size();
@@ -71,6 +65,19 @@ class Parts {
   }
 
  private:
+  static constexpr size_t kPiecesAtOnce = 256;
+
+  bool Fetch() {
+    piece_ = 0;
+    pieces_.clear();
+    content_.ForEachPiece({at_, content_.size()}, [this](const PieceView& piece) {
+      pieces_.push_back(piece);
+      at_ += piece.sums.units;
+      return pieces_.size() < kPiecesAtOnce;
+    });
+    return !pieces_.empty();
+  }
+
   void Begin(const PieceView& piece) {
     rest_ = piece.bytes;
     chars_ = piece.charFormat;
@@ -83,6 +90,8 @@ class Parts {
     rest_ = clean_;
   }
 
+  const Content& content_;
+  Units at_{0};  // behind the pieces that were fetched
   std::vector<PieceView> pieces_;
   size_t piece_ = 0;
   std::string_view rest_;
