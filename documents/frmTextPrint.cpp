@@ -14,16 +14,16 @@ void frmText::mnuPrint_Click() {
   const ui::CommandScope scope;
   const bool selected = RichTextBox1_->SelLength() > 0;
   const int flags = services::kNoPageNumbers + (selected ? services::kOfferSelection : 0);
+  ui::Printer& printer = services_.currentPrinter();
+  printer.SetTitle(ui::DisplayText(files::Path(caption()).filename().native()));
   if (services_.ShowPrinterDialog(this, flags)) return;
 
   constexpr int64_t kParts = 1000;
-  ui::Printer& printer = services_.currentPrinter();
   const ui::PrintJob job = RichTextBox1_->MakePrintJob(selected && printer.printsSelection());
-  const std::string title = ui::DisplayText(caption()).toStdString();
   ui::PrintOutcome outcome;
   services_.dialogs().RunWork(this, tr("Printing the document..."), kParts, [&](ui::WorkPort& port) {
     const auto tell = [&port](double part) { return port.Report(static_cast<int64_t>(part * kParts)); };
-    outcome = ui::Print(printer, job, title, services_.recoveryFolder(), tell);
+    outcome = ui::Print(printer, job, services_.recoveryFolder(), tell);
   });
   if (outcome.error) {
     services::ShowError(services_.dialogs(), this, services::ErrorText(outcome.error->path.native(), *outcome.error));

@@ -22,12 +22,11 @@ Printed PrintOn(QPagedPaintDevice& device, const PrintJob& job, const std::funct
 
 }  // namespace
 
-PrintOutcome Print(Printer& printer, const PrintJob& job, const std::string& title, const files::Path& recoveryFolder,
+PrintOutcome Print(Printer& printer, const PrintJob& job, const files::Path& recoveryFolder,
                    const std::function<bool(double)>& progress) {
   QPrinter& device = printer.device();
   PrintOutcome outcome;
   if (device.outputFormat() != QPrinter::PdfFormat || device.outputFileName().isEmpty()) {
-    device.setDocName(QString::fromStdString(title));
     outcome.printed = PrintOn(device, job, [&](double part) {
       if (progress(part)) return true;
       device.abort();
@@ -37,11 +36,12 @@ PrintOutcome Print(Printer& printer, const PrintJob& job, const std::string& tit
   }
   const files::Path path = QFile::encodeName(device.outputFileName()).toStdString();
   const auto saved = files::SaveAtomically(path, recoveryFolder, [&](const files::ByteSink& sink) {
-    return WritePdf(title, sink, [&](QPdfWriter& writer, const std::function<bool()>& mayGoOn) {
-      writer.setPageLayout(device.pageLayout());
-      outcome.printed = PrintOn(writer, job, [&](double part) { return mayGoOn() && progress(part); });
-      return outcome.printed == Printed::kAll;
-    });
+    return WritePdf(device.docName().toStdString(), sink,
+                    [&](QPdfWriter& writer, const std::function<bool()>& mayGoOn) {
+                      writer.setPageLayout(device.pageLayout());
+                      outcome.printed = PrintOn(writer, job, [&](double part) { return mayGoOn() && progress(part); });
+                      return outcome.printed == Printed::kAll;
+                    });
   });
   if (!saved && outcome.printed != Printed::kCancelled) outcome.error = saved.error();
   if (!saved && outcome.printed == Printed::kAll) outcome.printed = Printed::kFailed;

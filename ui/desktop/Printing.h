@@ -6,7 +6,6 @@
 
 #include <functional>
 #include <optional>
-#include <string>
 
 namespace ui {
 
@@ -19,8 +18,8 @@ struct PrintOutcome {
 
 // As the printer is set up; on the device's paper with the document's margins. A file is written as documents are
 // saved: whole or not at all. `progress` hears from 0 to 1 what part is done; false cancels, after which paper may hold
-// the pages so far. Slow for long texts; may run on any one thread. `title` is UTF-8.
-PrintOutcome Print(Printer& printer, const PrintJob& job, const std::string& title, const files::Path& recoveryFolder,
+// the pages so far. Slow for long texts; may run on any one thread.
+PrintOutcome Print(Printer& printer, const PrintJob& job, const files::Path& recoveryFolder,
                    const std::function<bool(double part)>& progress);
 
 }  // namespace ui
