@@ -64,7 +64,9 @@ void Quotes::Toggle(bool loaded) {
 void Quotes::mnuFindQuote_Click() {
   const ui::CommandScope scope;
   if (!loaded_) return;
-  const auto answer = services_.dialogs().AskText(pane_.get(), Tr("Input the search string"), QuoteSearchText_);
+  // The keyboard goes back to where it was.
+  ui::Form* owner = pane_->widget()->isActiveWindow() ? static_cast<ui::Form*>(pane_.get()) : services_.forms().at(0);
+  const auto answer = services_.dialogs().AskText(owner, Tr("Input the search string"), QuoteSearchText_);
   if (!answer || answer->isEmpty()) return;
   QuoteSearchText_ = *answer;
   QuoteSearchIndex_ = -1;

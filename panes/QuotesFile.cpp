@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <exception>
 
 namespace panes {
 namespace {
@@ -31,7 +32,9 @@ std::vector<std::string> ParseQuotesFile(std::string_view bytes) {
   return quotes;
 }
 
-ReadQuotes ReadQuotesFile(const files::Path& path) {
+namespace {
+
+ReadQuotes Read(const files::Path& path) {
   ReadQuotes read;
   auto file = files::OpenForReading(path);
   if (!file || file.value().size() > kMostBytes) {
@@ -41,12 +44,20 @@ ReadQuotes ReadQuotesFile(const files::Path& path) {
   std::string bytes;
   const files::Status status = files::ReadInto(file.value(), bytes, kMostBytes);
   if (!status) read.couldNotBeRead = status.error();
-  if (HasTooManyLines(bytes)) {
-    read.couldNotBeOpened = files::SystemError(EFBIG, path);
-    return read;
-  }
+  if (HasTooManyLines(bytes))
+    return {.quotes = {}, .couldNotBeOpened = files::SystemError(EFBIG, path), .couldNotBeRead = {}};
   read.quotes = ParseQuotesFile(bytes);
   return read;
+}
+
+}  // namespace
+
+ReadQuotes ReadQuotesFile(const files::Path& path) noexcept {
+  try {
+    return Read(path);
+  } catch (const std::exception&) {
+    return {.quotes = {}, .couldNotBeOpened = files::SystemError(ENOMEM, path), .couldNotBeRead = {}};
+  }
 }
 
 }  // namespace panes

@@ -18,6 +18,7 @@ struct ReadQuotes {
   std::optional<files::Error> couldNotBeOpened, couldNotBeRead;
 };
 
-ReadQuotes ReadQuotesFile(const files::Path& path);
+// Files of more than 64 MB or four million lines are refused: a line in the list costs some 60 bytes besides its own.
+ReadQuotes ReadQuotesFile(const files::Path& path) noexcept;
 
 }  // namespace panes

@@ -118,10 +118,15 @@ bool frmMyPad::Close() {
 
 bool frmMyPad::QueryUnload() {
   rescue_ = false;
-  return !NotesChanged() || Ask(tr("Notes file has changed.\r\nDo you want to save the changes before continuing?"));
+  const bool goes =
+      !NotesChanged() || Ask(tr("Notes file has changed.\r\nDo you want to save the changes before continuing?"));
+  asked_ = Text1().document().content();
+  return goes;
 }
 
 bool frmMyPad::Unload() {
+  // An input method may have delivered text after the question.
+  if (asked_ && !Text1().document().content().SameAs(*asked_) && !QueryUnload()) return false;
   if (rescue_ && !Rescue()) return false;
   ForgetKept();
   RecordState();

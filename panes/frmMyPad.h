@@ -39,6 +39,7 @@ class frmMyPad : public TextPane {
   QSize firstSize_;
   std::optional<files::RecoveryEntry> kept_;
   std::optional<text::Content> keptContent_;
+  std::optional<text::Content> asked_;  // what the user was asked about when the pad was to close
   bool asking_ = false;
   bool rescue_ = false;  // the save that the closing asked for did not happen
 };

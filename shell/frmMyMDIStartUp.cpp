@@ -207,7 +207,11 @@ void frmMyMDI::SaveSettings() {
     settings_.WindowSize = static_cast<int>(state);
     keys.emplace_back("WindowSize");
   }
-  for (const std::string_view key : kSavedAtTheEnd) keys.push_back(key);
+  for (const std::string_view key : kSavedAtTheEnd) {
+    // The panes belong to the copy that was there first.
+    const bool ofPane = key == "QuotesState" || key == "TextBlocksState" || key == "MyPadState" || key == "MyPadSize";
+    if (!ofPane || !otherInstanceRuns_) keys.push_back(key);
+  }
   services::SaveFromMemory(settingsFile_, settings_, keys);
 }
 

@@ -86,7 +86,8 @@ void frmOptions::MakeProjectTab() {
   auto* background = new ui::Label("Label7", tr("Document background (click to change):"));
   Colors_ = new ui::ColorButton("Command1(4)", tr("&Colors..."), ui::ColorButton::Automatic::kBase,
                                 [this] { Command1_Click(4); });
-  auto* automatic = new ui::Button("Automatic", tr("A&utomatic"), [this] { SetColor(services::kSystemWindowColour); });
+  auto* automatic =
+      new ui::Button("Automatic", tr("A&utomatic"), [this] { Colors_->SetColor(services::kSystemWindowColour); });
   automatic->setToolTip(tr("The desktop's own colour"));
   for (ui::Button* button : {static_cast<ui::Button*>(Colors_), automatic}) button->setAutoDefault(false);
   TabStrip1_->AddRow(tab, {background, Colors_, automatic}, 0);
@@ -159,7 +160,7 @@ void frmOptions::Fill(const services::Settings& settings) {
   Text1_->SetText(QString::fromStdString(settings.Extensions));
   Label1_->SetText(settings.Font.name);
   Label3_->SetText(QString::fromStdString(services::WriteNumber(settings.Font.size)));
-  SetColor(settings.DocBackColor);
+  Colors_->SetColor(settings.DocBackColor);
   Check4_->SetValue(settings.TreeSync);
   optDelete_[settings.TreeDelMethod ? 1 : 0]->SetValue(true);
   Check1_->SetValue(settings.AutoCopy);
@@ -198,7 +199,7 @@ void frmOptions::Command1_Click(int index) {
   if (index == 2) return PickFont();
   if (index == 4) return PickColor();
   if (index >= 9) return BrowseForProgram(index);
-  if (index > 1) return BrowseForFile(index);
+  if (std::ranges::count(kDataFiles, index, &DataFile::button)) return BrowseForFile(index);
   Tag = std::to_string(index);
   done(index == 0 ? Accepted : Rejected);
 }
@@ -219,11 +220,7 @@ void frmOptions::PickFont() {
 
 void frmOptions::PickColor() {
   const int64_t chosen = services_.ShowColorDialog(services_.forms().at(0), Colors_->shownColor());
-  if (chosen >= 0) SetColor(static_cast<int>(chosen));
-}
-
-void frmOptions::SetColor(int color) {
-  Colors_->SetColor(color);
+  if (chosen >= 0) Colors_->SetColor(chosen);
 }
 
 void frmOptions::BrowseForFile(int index) {

@@ -48,7 +48,6 @@ class frmOptions final : public ui::ModalForm {
   void PickColor();
   void BrowseForFile(int index);
   void BrowseForProgram(int index);
-  void SetColor(int color);
 
   services::Services& services_;
   ui::TabStrip* TabStrip1_;

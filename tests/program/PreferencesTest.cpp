@@ -60,41 +60,37 @@ class PreferencesTest : public ProgramTest {
 
 struct Row {
   const char* key;
-  const char* before;
   const char* after;
 };
 constexpr Row kRows[] = {
-    {"Extensions", "(missing)", "/a b"},
-    {"Font", "(missing)", "Serif,12.5"},
-    {"Tabs", "(missing)", "300, 600"},
-    {"rtbBackColor", "(missing)", "1056816"},
-    {"AutoCopy", "(missing)", "True"},
-    {"SaveWindowState", "(missing)", "True"},
-    {"TreeDelMethod", "(missing)", "True"},
-    {"TreeSync", "(missing)", "True"},
-    {"AutoLoadProject", "(missing)", "True"},
-    {"AutoCompleteAtStartup", "(missing)", "True"},
-    {"QuoteFile", "", " /a b "},
-    {"NotesFile", "", " /a b "},
-    {"TextBlocks", "", " /a b "},
-    {"AutoTagFile", "", " /a b "},
-    {"EmailApp", "(missing)", "/a b"},
-    {"NewsApp", "(missing)", "/a b"},
-    {"SNewsApp", "(missing)", "/a b"},
-    {"FTPApp", "(missing)", "/a b"},
+    {"Extensions", "/a b"},      {"Font", "Serif,12.5"},
+    {"Tabs", "300, 600"},        {"rtbBackColor", "1056816"},
+    {"AutoCopy", "True"},        {"SaveWindowState", "True"},
+    {"TreeDelMethod", "True"},   {"TreeSync", "True"},
+    {"AutoLoadProject", "True"}, {"AutoCompleteAtStartup", "True"},
+    {"QuoteFile", " /a b "},     {"NotesFile", " /a b "},
+    {"TextBlocks", " /a b "},    {"AutoTagFile", " /a b "},
+    {"EmailApp", "/a b"},        {"NewsApp", "/a b"},
+    {"SNewsApp", "/a b"},        {"FTPApp", "/a b"},
 };
 
 TEST_F(PreferencesTest, CancelChangesNothingAndOkSavesEverything) {
   std::map<std::string, std::string> before;
   for (const Row& row : kRows) before[row.key] = Stored(row.key);
-  const services::DefaultFont font = program().settings().Font;
+  const auto values = [this] {
+    std::vector<std::string> texts;
+    for (const services::SettingRow& row : services::SettingTable())
+      texts.push_back(services::ToText(row, program().settings()));
+    return texts;
+  };
+  const std::vector<std::string> running = values();
   for (const char* leave : {"Command1(1)", "close"}) {
     Open([&](ui::ModalForm& form) {
       EditEverything(form);
       leave == std::string("close") ? void(form.close()) : Press(form, leave);
     });
     for (const Row& row : kRows) EXPECT_EQ(Stored(row.key), before[row.key]) << row.key << " after " << leave;
-    EXPECT_EQ(program().settings().Font, font);
+    EXPECT_EQ(values(), running) << "after " << leave;
   }
   Open([&](ui::ModalForm& form) {
     EXPECT_EQ(Text(form, "Text3"), "") << "edits of before are forgotten";
@@ -141,6 +137,7 @@ TEST_F(PreferencesTest, TabStopsTakeDigitsBlanksAndCommas) {
     };
     for (const char c : std::string("1a2,-x 3.;")) press(c, std::string(1, c).c_str());
     press(Qt::Key_V, "\x16", Qt::ControlModifier);
+    press(Qt::Key_K, "k", Qt::AltModifier);
     EXPECT_EQ(box.Text(), "12, 3");
     QInputMethodEvent letter, digit;
     letter.setCommitString("ä");
@@ -170,6 +167,17 @@ TEST_F(PreferencesTest, BrowsingBeginsAtTheFieldAndKeepsBytes) {
     Press(form, "Command1(0)");
   });
   EXPECT_EQ(program().settings().QuoteFile, chosen.native());
+}
+
+TEST_F(PreferencesTest, EditingAPathKeepsTheBytesBesideTheEdit) {
+  const std::string folder = "/home/me/caf\xE9/";
+  program().settings().QuoteFile = folder + "quotes.txt";
+  Open([&](ui::ModalForm& form) {
+    auto& box = Find<ui::TextBox>(form, "Text2");
+    box.SetText(box.Text().replace("quotes", "more"));
+    Press(form, "Command1(0)");
+  });
+  EXPECT_EQ(program().settings().QuoteFile, folder + "more.txt");
 }
 
 TEST_F(PreferencesTest, TheTabSeenLastStaysInFront) {

@@ -39,6 +39,10 @@ TEST_F(StartUpTest, AnEmptyStoreGivesTheDefaults) {
   ExpectError(kNoWordFile);
   Restart();
   for (const services::SettingRow& row : services::SettingTable()) {
+    if (row.key == "Extensions") {
+      EXPECT_EQ(services::ToText(row, program().settings()), ".txt,.htm*,.js,.css,.xml,.rtf") << "none means these";
+      continue;
+    }
     if (row.key == "QuoteFile" || row.key == "NotesFile" || row.key == "TextBlocks" || row.key == "AutoTagFile")
       continue;  // set by the first run
     EXPECT_EQ(services::ToText(row, program().settings()), row.fallback) << row.key;

@@ -48,13 +48,16 @@ bool TextBox::MayType(const QString& text) const {
 }
 
 void TextBox::keyPressEvent(QKeyEvent* event) {
-  const bool types =
-      event->key() != Qt::Key_Delete && event->key() != Qt::Key_Escape && !(event->modifiers() & Qt::AltModifier);
-  if (!types || MayType(event->text())) QLineEdit::keyPressEvent(event);
+  const bool types = event->key() != Qt::Key_Delete && event->key() != Qt::Key_Escape;
+  if (!types || MayType(event->text())) return QLineEdit::keyPressEvent(event);
+  // It may be a mnemonic.
+  if (event->modifiers() & Qt::AltModifier) event->ignore();
 }
 
 void TextBox::inputMethodEvent(QInputMethodEvent* event) {
-  if (MayType(event->commitString())) QLineEdit::inputMethodEvent(event);
+  if (MayType(event->commitString())) return QLineEdit::inputMethodEvent(event);
+  QInputMethodEvent composing(event->preeditString(), event->attributes());
+  QLineEdit::inputMethodEvent(&composing);
 }
 
 void PathBox::SetPath(std::string path) {
@@ -63,7 +66,7 @@ void PathBox::SetPath(std::string path) {
 }
 
 std::string PathBox::Path() const {
-  return Text() == DisplayText(path_) ? path_ : Text().toStdString();
+  return EditedName(path_, Text());
 }
 
 void LayOutInRows(Control& form, const std::vector<std::vector<Control*>>& rows) {

@@ -69,7 +69,7 @@ class TextBox : public QLineEdit {
   QString typable_;
 };
 
-// A path, which is bytes: those that are no text come back as long as the text that shows them is not changed.
+// A path, which is bytes: those that are no text come back unless they are edited themselves.
 class PathBox final : public TextBox {
   Q_OBJECT
 

@@ -21,7 +21,6 @@ class TabStrip final : public QTabWidget {
   int AddTab(const char* frame, const QString& caption, const QString& key);
   // Below the rows before, from left to right; the control `wide` takes what is left of the width, -1 = none.
   void AddRow(int tab, const std::vector<Control*>& controls, int wide = -1);
-  int SelectedItem() const { return currentIndex(); }
 };
 
 // Options, one of which is chosen.

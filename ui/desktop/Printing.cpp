@@ -1,5 +1,6 @@
 #include "ui/desktop/Printing.h"
 
+#include "ui/PathText.h"
 #include "ui/desktop/Pdf.h"
 #include "ui/dialogs/Printer.h"
 
@@ -34,7 +35,7 @@ PrintOutcome Print(Printer& printer, const PrintJob& job, const files::Path& rec
     });
     return outcome;
   }
-  const files::Path path = QFile::encodeName(device.outputFileName()).toStdString();
+  const files::Path path = PathOfChosen(device.outputFileName());
   const auto saved = files::SaveAtomically(path, recoveryFolder, [&](const files::ByteSink& sink) {
     return WritePdf(device.docName().toStdString(), sink,
                     [&](QPdfWriter& writer, const std::function<bool()>& mayGoOn) {
@@ -43,8 +44,11 @@ PrintOutcome Print(Printer& printer, const PrintJob& job, const files::Path& rec
                       return outcome.printed == Printed::kAll;
                     });
   });
-  if (!saved && outcome.printed != Printed::kCancelled) outcome.error = saved.error();
-  if (!saved && outcome.printed == Printed::kAll) outcome.printed = Printed::kFailed;
+  // A file that took no more stops the pages too; only a producer that gave up by itself gives ECANCELED.
+  if (!saved && saved.error().systemError != ECANCELED) {
+    outcome.error = saved.error();
+    outcome.printed = Printed::kFailed;
+  }
   return outcome;
 }
 
