@@ -17,6 +17,8 @@ namespace ui {
 namespace {
 
 constexpr int kAtRest = 60;  // milliseconds without another size
+// A busy window manager tells the size of its frame late, or places the window itself after we did.
+constexpr int kLooks = 3, kBetweenLooks = 200;
 
 }  // namespace
 
@@ -80,6 +82,9 @@ PaneForm::PaneForm(Forms& forms, std::string_view name, Form& owner, QWidget* co
   window_->setObjectName(QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size())));
   resized_.setSingleShot(true);
   resized_.setInterval(kAtRest);
+  lookAgain_.setSingleShot(true);
+  lookAgain_.setInterval(kBetweenLooks);
+  connect(&lookAgain_, &QTimer::timeout, this, &PaneForm::Place);
   connect(&resized_, &QTimer::timeout, this, [this] {
     if (!window_->painted() || !isShown() || windowState() != WindowState::kNormal) return;
     this->forms().Guarded([this] { Form_Resize(); });
@@ -149,9 +154,19 @@ void PaneForm::SetSize(const QSize& pixels) {
 }
 
 void PaneForm::MoveToEdges(Qt::Edges edges, const QRect& area) {
+  edges_ = edges;
+  area_ = area;
+  looks_ = kLooks;
+  Place();
+}
+
+void PaneForm::Place() {
+  if (!isShown() || windowState() != WindowState::kNormal) return;
   const QRect frame = window_->frameGeometry();
-  const QPoint place = PlaceAtEdges(frame.size(), edges, area, window_->parentWidget()->screen()->availableGeometry());
+  const QPoint place =
+      PlaceAtEdges(frame.size(), edges_, area_, window_->parentWidget()->screen()->availableGeometry());
   if (place != frame.topLeft()) window_->move(place);
+  if (looks_-- > 0) lookAgain_.start();
 }
 
 void PaneForm::Beep() {
@@ -161,6 +176,7 @@ void PaneForm::Beep() {
 void PaneForm::TakeDown() {
   Leave();
   resized_.stop();
+  lookAgain_.stop();
   window_->hide();
 }
 

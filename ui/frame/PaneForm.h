@@ -55,6 +55,7 @@ class PaneForm : public QObject, public Form {
   class Window;
   friend bool IsInPane(const QWidget& widget);
   bool TakeKey(const QKeyEvent& key);
+  void Place();
 
   struct Key {
     int code;  // with its modifiers
@@ -64,7 +65,10 @@ class PaneForm : public QObject, public Form {
   QWidget* content_;
   QString title_;
   std::vector<Key> keys_;
-  QTimer resized_;
+  QTimer resized_, lookAgain_;
+  Qt::Edges edges_;  // those that MoveToEdges was asked for last
+  QRect area_;
+  int looks_ = 0;  // still to be taken at where the window has come to stand
   bool minimized_ = false, changed_ = false;
 };
 
