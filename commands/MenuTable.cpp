@@ -7,6 +7,7 @@
 namespace commands {
 namespace {
 
+using documents::DateTimeForm;
 using documents::FormatChecks;
 using documents::frmText;
 using Kind = ui::MenuRowKind;
@@ -70,6 +71,14 @@ constexpr Row Check(const char* name, const char* caption, const char* key, void
   return row;
 }
 
+// Inserts the current date or time, which is also its caption.
+template <documents::DateTimeForm Form>
+constexpr Row Now(const char* name, const char* caption) {
+  Row row = Doc(name, caption, "", "", [](frmText& document) { document.InsertDateTime(Form); });
+  row.caption = [] { return documents::DateTimeText(Form); };
+  return row;
+}
+
 // With the picture of the toolbar's button.
 constexpr Row With(const char* icon, Row row) {
   row.menu.icon = icon;
@@ -126,6 +135,9 @@ bool CanRedo(frmText& document) {
 bool AutoCompleteOn(frmText& document) {
   return document.AutoCompleteOn();
 }
+bool ObjectSelected(frmText& document) {
+  return document.ObjectSelected();
+}
 bool ClipboardHasText(frmText&) {
   return ui::ClipboardHasText();
 }
@@ -181,6 +193,17 @@ constexpr Row kMenus[] = {
     Search("mnuReplace", QT_TRANSLATE_NOOP("Menu", "R&eplace..."), "Ctrl+H", &Commands::mnuReplace_Click),
     Separator(),
     Edits(With("auto-complete", Doc("mnuAutoComplete", QT_TRANSLATE_NOOP("Menu", "&Auto-Complete"), "", "F4", On<&frmText::mnuAutoComplete_Click>, AutoCompleteOn))),
+    Menu("mnuTime", QT_TRANSLATE_NOOP("Menu", "Insert &Date/Time"), true),
+      Now<DateTimeForm::kDateGeneral>("mnuDateGeneral", QT_TRANSLATE_NOOP("Menu", "&General date")),
+      Now<DateTimeForm::kDateLong>("mnuDateLong", QT_TRANSLATE_NOOP("Menu", "&Long date")),
+      Now<DateTimeForm::kDateMed>("mnuDateMed", QT_TRANSLATE_NOOP("Menu", "&Medium date")),
+      Now<DateTimeForm::kDateShort>("mnuDateShort", QT_TRANSLATE_NOOP("Menu", "&Short date")),
+      Separator(),
+      Now<DateTimeForm::kTimeLong>("mnuTimeLong", QT_TRANSLATE_NOOP("Menu", "Long &time")),
+      Now<DateTimeForm::kTimeMed>("mnuTimeMed", QT_TRANSLATE_NOOP("Menu", "Medium t&ime")),
+      Now<DateTimeForm::kTimeShort>("mnuTimeShort", QT_TRANSLATE_NOOP("Menu", "Short tim&e")),
+    End(),
+    Doc("mnuObjInsert", QT_TRANSLATE_NOOP("Menu", "Insert &Object..."), "", "", On<&frmText::mnuObjInsert_Click>),
   End(),
   Menu("mnuFormat", QT_TRANSLATE_NOOP("Menu", "For&mat"), true),
     Menu("mnuEmphasis", QT_TRANSLATE_NOOP("Menu", "&Emphasis"), true),
@@ -291,6 +314,8 @@ constexpr Row kDocumentPopup[] = {
   With("clear", Doc("mnuRCDelete", QT_TRANSLATE_NOOP("Menu", "&Delete"), "", "", On<&frmText::mnuDelete_Click>)),
   Separator(),
   Doc("mnuRCSelAll", QT_TRANSLATE_NOOP("Menu", "Select &All"), "", "", On<&frmText::mnuSelAll_Click>),
+  Separator(),
+  Doc("mnuRCObjOpen", QT_TRANSLATE_NOOP("Menu", "&Open object"), "Ctrl+Enter", "", On<&frmText::mnuRCObjOpen_Click>, ObjectSelected),
 };
 constexpr Row kListPopup[] = {
   Main("mnuRCOpenFromList", QT_TRANSLATE_NOOP("Menu", "&Open selected item(s)"), "", "", "", &Commands::mnuOpenFromList_Click),

@@ -20,6 +20,7 @@ struct Row {
   void (*pad)(ui::RichTextBox&) = nullptr;          // runs in a text that is no document
   bool (*padEnabled)(ui::RichTextBox&) = nullptr;   // nothing = always
   bool asksClipboard = false;                       // so it is enabled as of the opening of its menu
+  QString (*caption)() = nullptr;                   // a caption of that moment, instead of the row's own
 };
 
 std::span<const Row> MenuTable();

@@ -32,7 +32,7 @@ Menus::Menus(ui::FrameForm& frame, Commands& commands, services::Services& servi
   });
   QObject::connect(&bar_, &ui::MenuBar::AboutToShow, &bar_, [this](size_t row) {
     Fill();
-    if (row == edit_) AskClipboard();
+    if (row == edit_) AskClipboard(), ShowCaptions();
   });
 }
 
@@ -72,6 +72,12 @@ void Menus::AskClipboard() {
   const std::span<const Row> rows = MenuTable();
   for (size_t i = 0; document && i < rows.size(); ++i)
     if (rows[i].asksClipboard) bar_.SetEnabled(i, rows[i].enabled(*document));
+}
+
+void Menus::ShowCaptions() {
+  const std::span<const Row> rows = MenuTable();
+  for (size_t i = 0; i < rows.size(); ++i)
+    if (rows[i].caption) bar_.SetCaption(i, rows[i].caption());
 }
 
 // In slot order; the first nine have their number as mnemonic.

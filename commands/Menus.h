@@ -31,6 +31,7 @@ class Menus {
  private:
   size_t RowOf(std::string_view name) const;
   void AskClipboard();
+  void ShowCaptions();
   void FillWindowList();
   void ActivateListed(size_t index);
   void RunRow(const Row& row);

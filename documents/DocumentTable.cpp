@@ -1,6 +1,7 @@
 #include "documents/DocumentTable.h"
 
 #include "documents/DocumentReader.h"
+#include "documents/ObjectCopies.h"
 #include "documents/frmText.h"
 #include "services/Messages.h"
 #include "services/RecoveryKind.h"
@@ -12,7 +13,8 @@
 
 namespace documents {
 
-DocumentTable::DocumentTable(services::Services& services) : services_(services), Documents_(1), DocInfo_(1) {}
+DocumentTable::DocumentTable(services::Services& services)
+    : services_(services), Documents_(1), DocInfo_(1), copies_(std::make_unique<ObjectCopies>(services, *this)) {}
 
 DocumentTable::~DocumentTable() {
   Documents_.clear();

@@ -11,6 +11,7 @@
 
 namespace documents {
 
+class ObjectCopies;
 class frmText;
 struct ReadDocument;
 
@@ -48,6 +49,9 @@ class DocumentTable {
   // when it could not be read.
   bool OpenRecovered(const files::RecoveryEntry& entry);
 
+  // Files of objects that are open in applications.
+  ObjectCopies& copies() { return *copies_; }
+
   // By the window itself, while it unloads.
   void Release(int slot);
 
@@ -60,6 +64,7 @@ class DocumentTable {
   std::vector<std::unique_ptr<frmText>> Documents_;
   std::vector<std::unique_ptr<frmText>> released_;  // unloaded by the running command
   std::vector<DocRecord> DocInfo_;
+  std::unique_ptr<ObjectCopies> copies_;
 };
 
 }  // namespace documents

@@ -1,5 +1,6 @@
 #include "documents/frmText.h"
 
+#include "documents/ObjectCopies.h"
 #include "files/Attributes.h"
 #include "services/Messages.h"
 #include "services/RecoveryKind.h"
@@ -13,6 +14,10 @@
 
 namespace documents {
 namespace {
+
+bool HoldsObjects(const text::Content& content) {
+  return content.Summarize(content.all()).anyObject;
+}
 
 // What is left of a save that was cut short may be all that is whole of its file.
 bool IsCutShort(const files::RecoveryEntry& entry) {
@@ -45,6 +50,14 @@ void frmText::ConnectEditor() {
           [this](const QPoint& position) { services_.ShowDocumentMenu(slot_, position); });
   connect(RichTextBox1_, &ui::RichTextBox::LinkActivated, this,
           [this](const QString& target) { services_.forms().Guarded([&] { FollowLink(target); }); });
+  connect(RichTextBox1_, &ui::RichTextBox::ObjectActivated, this, [this](text::Units place) {
+    ui::AfterCommand(this, [this, place] { services_.forms().Guarded([&] { OpenObject(place); }); });
+  });
+  connect(RichTextBox1_, &ui::RichTextBox::FilesDropped, this, [this](const std::vector<std::string>& paths) {
+    ui::AfterCommand(this, [this, paths] { services_.forms().Guarded([&] { InsertFiles(paths); }); });
+  });
+  connect(RichTextBox1_, &ui::RichTextBox::DragStarting, this,
+          [this](QMimeData* data, bool asFile) { services_.forms().Guarded([&] { AddFileToDrag(*data, asFile); }); });
   connect(RichTextBox1_, &ui::RichTextBox::EditFailed, this, [this](const QString& reason) {
     services::ShowError(services_.dialogs(), this, services::FileText(caption(), reason));
   });
@@ -127,6 +140,7 @@ bool frmText::QueryUnload() {
   if (unloaded_) return true;
   if (asking_) return false;
   rescue_ = false;
+  table_.copies().TakeBack(id());
   asked_ = RichTextBox1_->document().content();
   if (!table_.DocInfo(slot_).Changed) return true;
   asking_ = true;
@@ -197,11 +211,12 @@ std::optional<files::Error> frmText::Work(const QString& text, int64_t total,
 }
 
 RescuedText frmText::TextToRescue() const {
-  const bool rich = !SavesAsPlain();
+  // Objects that a plain file cannot hold are kept here all the same.
+  const bool rich = !SavesAsPlain() || HoldsObjects(RichTextBox1_->document().content());
   text::TextProperties properties = RichTextBox1_->document().properties();
   const text::Content content = RichTextBox1_->document().content();
   if (!rich && text::FirstUnencodable(content, properties.encoding)) properties = {};
-  return {path(), services::ToLine({rich, origin_.stamp}), BytesToSave(content, properties)};
+  return {path(), services::ToLine({rich, origin_.stamp}), BytesToSave(content, properties, !rich)};
 }
 
 bool frmText::WriteRecovery() {
@@ -219,6 +234,7 @@ bool frmText::WriteRecovery() {
 }
 
 std::optional<files::Error> frmText::KeepText() {
+  if (!unloaded_) table_.copies().TakeBack(id(), true);
   const text::Content content = RichTextBox1_->document().content();
   const bool nothingTyped = content.size() == text::Units(0) && caption().starts_with(kUntitled);
   if (unloaded_ || !table_.DocInfo(slot_).Changed || nothingTyped) return std::nullopt;

@@ -1,15 +1,19 @@
 // The window of one document.
 #pragma once
 
+#include "documents/DateTimeText.h"
 #include "documents/DocumentReader.h"
 #include "documents/DocumentTable.h"
 #include "documents/DocumentWriter.h"
 #include "ui/editor/RichTextBox.h"
 #include "ui/frame/ChildWindow.h"
 
+class QMimeData;
+
 namespace ui {
 class OffsetTool;
-}
+struct ObjectType;
+}  // namespace ui
 
 namespace documents {
 
@@ -78,6 +82,10 @@ class frmText : public ui::ChildForm {
   void mnuDelete_Click();
   void mnuSelAll_Click();
   void mnuAutoComplete_Click();
+  void InsertDateTime(DateTimeForm form);
+  void mnuObjInsert_Click();
+  void mnuRCObjOpen_Click();  // the object that is selected
+  bool ObjectSelected() const { return RichTextBox1_->SelectedObject().has_value(); }
 
   // --- Format
   void mnuBold_Click();
@@ -121,6 +129,7 @@ class frmText : public ui::ChildForm {
     std::shared_ptr<const std::string> rtfBytes;
     bool lossAgreed = false;     // what is in the file and not in the text may go
     bool loseElsewhere = false;  // the user agreed for a file of another name
+    bool objectsGo = false;      // the user agreed that a plain file is saved without them
     bool notRtf = false;         // an .rtf name, but the bytes were none, and nobody said what to write
     bool plainByChoice = false;  // the user said: the text it is
     enum class FileHas { kWhatWasRead, kWhatASaveLeft, kTheWholeText };
@@ -131,6 +140,12 @@ class frmText : public ui::ChildForm {
 
   void ConnectEditor();
   void FollowLink(const QString& target);
+  void InsertAsRichText(const QByteArray& rtfOrText);
+  void InsertNewObject(const ui::ObjectType& type);
+  void InsertFiles(const std::vector<std::string>& paths);
+  void ShowFileErrors(const std::vector<files::Error>& errors);
+  void OpenObject(text::Units place);
+  void AddFileToDrag(QMimeData& data, bool asFile);
   SaveOutcome RenameUntitledAndSaveAs();
   SaveOutcome SaveAttributed(int attributes);
   SaveOutcome Write(const Saving& saving);
@@ -138,13 +153,14 @@ class frmText : public ui::ChildForm {
   SaveOutcome ReportSaveError(const files::Error& error, int attributes);
   SaveOutcome Follow(Go go);
   bool IsAsLoaded(const text::Content& content) const;
-  DocumentBytes BytesToSave(const text::Content& content, const text::TextProperties& properties) const;
+  DocumentBytes BytesToSave(const text::Content& content, const text::TextProperties& properties, bool plain) const;
   Go AskReadOnly();
   Go AskChangedOnDisk();
   QString WhyNotReplaced() const;
   Go AskFormat(Saving& saving);
   Go AskNotRtf();
   Go AskLoss(Saving& saving);
+  Go AskObjects(const text::Content& content);
   Go AskEncoding(Saving& saving);
   Go Ask(const QString& text, ui::Buttons buttons, ui::Icon icon);
   bool WriteRecovery();

@@ -29,15 +29,20 @@ void frmText::mnuCopy_Click() {
 void frmText::mnuPaste_Click() {
   RichTextBox1_->Paste();
 }
+// One step over the selection, or a beep where text is protected.
+void frmText::InsertAsRichText(const QByteArray& rtfOrText) {
+  if (RichTextBox1_->MayTypeOver()) RichTextBox1_->SetSelRTF(rtfOrText);
+}
+
 void frmText::mnuPasteAsText_Click() {
-  RichTextBox1_->SetSelRTF(ui::ClipboardText().toUtf8());
+  InsertAsRichText(ui::ClipboardText().toUtf8());
 }
 void frmText::mnuPasteAsRTF_Click() {
-  RichTextBox1_->SetSelRTF(ui::ClipboardRtf());
+  InsertAsRichText(ui::ClipboardRtf());
 }
 void frmText::mnuPasteAsLink_Click() {
   const QString link = QStringLiteral("<a href=\"") + ui::ClipboardText() + QStringLiteral("\"></a>");
-  RichTextBox1_->SetSelRTF(link.toUtf8());
+  InsertAsRichText(link.toUtf8());
 }
 void frmText::mnuDelete_Click() {
   RichTextBox1_->DeleteSelection();
@@ -48,6 +53,10 @@ void frmText::mnuSelAll_Click() {
 
 void frmText::mnuAutoComplete_Click() {
   if (AutoCompleteOn()) Completion_->ShowCompletionPopup();
+}
+
+void frmText::InsertDateTime(DateTimeForm form) {
+  InsertAsRichText(DateTimeText(form).toUtf8());
 }
 
 // The inverse of a mixed state is True.

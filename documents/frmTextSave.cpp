@@ -1,4 +1,5 @@
 // Save and Save As.
+#include "documents/ObjectCopies.h"
 #include "documents/frmText.h"
 #include "files/AnyCase.h"
 #include "files/Attributes.h"
@@ -67,6 +68,7 @@ Fit FitOf(const text::Content& content, text::Encoding encoding, ui::WorkPort& p
 
 SaveOutcome frmText::mnuSaveFile_Click() {
   const ui::CommandScope scope;
+  table_.copies().TakeBack(id());
   if (caption().starts_with(kUntitled)) return RenameUntitledAndSaveAs();
   const auto attributes = files::GetAttributes(path());
   if (attributes) return SaveAttributed(attributes.value());
@@ -167,7 +169,17 @@ frmText::Go frmText::AskFormat(Saving& saving) {
     if (const Go go = AskNotRtf(); go != Go::kOn) return go;
     if (!origin_.plainByChoice) return AskLoss(saving);
   }
+  if (const Go go = AskObjects(saving.content); go != Go::kOn) return go;
   return AskEncoding(saving);
+}
+
+// Whoever saves rich text under another kind of name was warned then.
+frmText::Go frmText::AskObjects(const text::Content& content) {
+  if (origin_.objectsGo || RichTextBox1_->isRichText() || !content.Summarize(content.all()).anyObject) return Go::kOn;
+  const Go go = Ask(tr("contains objects, which only rich text (.rtf) can hold.  Save without them?"),
+                    ui::Buttons::kYesNoCancel, ui::Icon::kExclamation);
+  origin_.objectsGo = go == Go::kOn;
+  return go;
 }
 
 frmText::Go frmText::AskNotRtf() {
@@ -239,13 +251,14 @@ bool frmText::SavesAsPlain() const {
   return !IsRichName(caption()) || origin_.plainByChoice || origin_.notRtf;
 }
 
-DocumentBytes frmText::BytesToSave(const text::Content& content, const text::TextProperties& properties) const {
+DocumentBytes frmText::BytesToSave(const text::Content& content, const text::TextProperties& properties,
+                                   bool plain) const {
   DocumentBytes bytes;
   bytes.content = content;
   bytes.plainProperties = properties;
   bytes.plainOptions.fromRichText = RichTextBox1_->isRichText();
   bytes.rtfProperties = RichTextBox1_->rtfProperties();
-  if (SavesAsPlain()) return bytes;
+  if (plain) return bytes;
   bytes.form = DocumentBytes::Form::kRtf;
   if (origin_.rtfBytes && IsAsLoaded(content)) {
     bytes.form = DocumentBytes::Form::kVerbatim;
@@ -255,7 +268,7 @@ DocumentBytes frmText::BytesToSave(const text::Content& content, const text::Tex
 }
 
 SaveOutcome frmText::Write(const Saving& saving) {
-  DocumentBytes bytes = BytesToSave(saving.content, saving.properties);
+  DocumentBytes bytes = BytesToSave(saving.content, saving.properties, SavesAsPlain());
   if (saving.spliced) {
     bytes.form = DocumentBytes::Form::kVerbatim;
     bytes.verbatim = saving.spliced;

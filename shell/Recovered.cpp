@@ -1,4 +1,5 @@
 // What is kept at an end that nobody can be asked about, and offered at the next start.
+#include "documents/ObjectCopies.h"
 #include "documents/frmText.h"
 #include "services/Messages.h"
 #include "shell/frmMyMDI.h"
@@ -102,6 +103,7 @@ void frmMyMDI::OfferRecovered() {
     return;
   }
   for (files::RecoveryEntry& entry : entries.value()) OfferRecovered(entry);
+  table_.copies().SweepLeftovers();
 }
 
 void frmMyMDI::OfferRecovered(files::RecoveryEntry& entry) {

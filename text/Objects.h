@@ -38,7 +38,8 @@ struct EmbeddedObject {
   int32_t width = 0, height = 0;  // as shown, scaled and cropped; 0 = the picture's own at 96 dots an inch
   // What is cut off each side of the picture, in 1/10000 of its own width or height; negative adds empty space.
   int32_t cropLeft = 0, cropTop = 0, cropRight = 0, cropBottom = 0;
-  std::string name;  // UTF-8: an object's class, a note's text, a picture's description; may be empty
+  // UTF-8: an object's class, or the name of the file that it is; a note's text, a picture's description; may be empty.
+  std::string name;
   // The group as it was read, "{...}", to be written again anywhere: refers to nothing outside but fonts and colours.
   SharedBytes rtf;
 };

@@ -23,6 +23,7 @@ struct RecordingHost : EditorHost {
   void Refused() override { ++refusals; }
   void ResetComposition() override { ++resets; }
   void FollowLink(const std::string& target) override { followed += target + ","; }
+  void OpenObject(text::Units place) override { opened += std::to_string(place.value()) + ","; }
   void StartDrag() override { ++drags; }
   const QMimeData* ClipboardData(QClipboard::Mode mode) override { return data[mode].get(); }
   void SetClipboardData(QClipboard::Mode mode, std::unique_ptr<QMimeData> newData) override {
@@ -33,6 +34,7 @@ struct RecordingHost : EditorHost {
   int textChanges = 0, selectionChanges = 0, overtypeChanges = 0, refusals = 0, resets = 0, drags = 0;
   double zoom = 1;
   std::string followed;  // links
+  std::string opened;    // objects
   std::unique_ptr<QMimeData> data[3];
 };
 

@@ -245,6 +245,19 @@ TEST(Wheel, ZoomsWithControl) {
   EXPECT_NEAR(editor.host.zoom, 1, 1e-9);
 }
 
+TEST(Mouse, ADoubleClickOpensAnObjectAndControlEnterToo) {
+  Editor editor("|");
+  QMimeData data;
+  data.setData(QStringLiteral("text/rtf"), "{\\rtf1 a{\\object\\objemb{\\*\\objclass Package}}b}");
+  editor.controller.Insert(data, false);
+  Mouse mouse(editor);
+  mouse.DoubleClick(editor.layout.CaretRect({editor.At(1)}).center() + QPointF(6, 0));
+  EXPECT_EQ(editor.host.opened, "1,");
+  EXPECT_EQ(editor.controller.range().size(), text::Units(1));
+  editor.Press("Ctrl+Return Right Ctrl+Return Right Ctrl+Return Home Ctrl+Return");
+  EXPECT_EQ(editor.host.opened, "1,1,1,") << "selected, beside it, and not elsewhere";
+}
+
 // --- Drops
 
 TEST(Drop, IsTakenOnlyAsACopyOfTextFromElsewhere) {
@@ -256,10 +269,30 @@ TEST(Drop, IsTakenOnlyAsACopyOfTextFromElsewhere) {
   EXPECT_TRUE(editor.mouse.CanDrop(text, Qt::CopyAction | Qt::MoveAction, false));
   EXPECT_FALSE(editor.mouse.CanDrop(text, Qt::CopyAction, true)) << "its own drag";
   EXPECT_FALSE(editor.mouse.CanDrop(text, Qt::MoveAction, false));
-  EXPECT_FALSE(editor.mouse.CanDrop(files, Qt::CopyAction, false));
+  EXPECT_TRUE(editor.mouse.CanDrop(files, Qt::CopyAction, false));
   EXPECT_FALSE(editor.mouse.CanDrop(nothing, Qt::CopyAction, false));
+  editor.controller.SetPlainOnly(true);
+  EXPECT_FALSE(editor.mouse.CanDrop(files, Qt::CopyAction, false));
   editor.controller.SetReadOnly(true);
   EXPECT_FALSE(editor.mouse.CanDrop(text, Qt::CopyAction, false));
+}
+
+TEST(Drop, FilesAreGivenBackUnlessRichTextComesWithThem) {
+  const QByteArray files = "file:///a%20b\r\nfile:///caf%E9\r\nhttps://example.org/\r\n";
+  const auto drop = [&](std::vector<std::pair<const char*, QByteArray>> formats, const std::string& text) {
+    Editor editor("|");
+    QMimeData data;
+    for (const auto& [type, bytes] : formats) data.setData(QLatin1String(type), bytes);
+    EXPECT_TRUE(editor.mouse.CanDrop(data, Qt::CopyAction, false));
+    const auto paths = editor.mouse.Drop(data, {1, 1});
+    EXPECT_EQ(editor.Shown(), text);
+    return paths;
+  };
+  const std::vector<std::string> paths{"/a b", "/caf\xE9"};
+  EXPECT_EQ(drop({{"text/uri-list", files}}, "|"), paths);
+  EXPECT_EQ(drop({{"text/uri-list", files}, {"text/plain", "/a b"}}, "|"), paths) << "their names are no text";
+  EXPECT_TRUE(drop({{"text/uri-list", files}, {"text/rtf", "{\\rtf1 x}"}}, "x|").empty()) << "a document's own file";
+  EXPECT_TRUE(drop({{"text/uri-list", "https://example.org/"}, {"text/plain", "https://x"}}, "https://x|").empty());
 }
 
 TEST(Drop, GoesInWhereThePointerIs) {

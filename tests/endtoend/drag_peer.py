@@ -1,9 +1,10 @@
 #!/usr/bin/python3
-"""Another program to drag files from and to: drag_peer.py [--move] [URI...]
+"""Another program to drag files and text from and to: drag_peer.py [--move] [URI...], --text TEXT, --take TYPE
 
 A small window at the upper left corner of the display. What is dragged out of it is a list of the given addresses, which
 may be copied, and moved when it is told so. It prints a line for each thing that happens: "ready", "begun", "offered ACTION" (what the window under the
-pointer would do), "taken", "ended ACTION"; and as a target "over" and "got ADDRESS...".
+pointer would do), "taken", "ended ACTION"; and as a target "over" and "got ADDRESS...". With a text it is a source of
+that text; with a type it is a target for it, and says "got SIZE DATA" with the beginning of what it got.
 """
 
 import sys
@@ -26,7 +27,7 @@ def name_of(action):
 
 
 class Peer(Gtk.Window):
-    def __init__(self, uris, actions):
+    def __init__(self, uris, actions, text=None, take=None):
         super().__init__(title="Drag peer")
         self.set_decorated(False)
         self.set_accept_focus(False)
@@ -36,15 +37,21 @@ class Peer(Gtk.Window):
         box = Gtk.EventBox()
         box.add(Gtk.Label(label="files"))
         self.add(box)
-        if uris:
+        self.text = text
+        if uris or text:
             self.uris, self.offered, self.failed = uris, None, False
-            box.drag_source_set(Gdk.ModifierType.BUTTON1_MASK, [URIS], actions)
+            box.drag_source_set(Gdk.ModifierType.BUTTON1_MASK, [] if text else [URIS], actions)
+            if text:
+                box.drag_source_add_text_targets()  # under all the names that text has
             box.connect("drag-begin", self.begin)
             box.connect("drag-data-get", self.give)
             box.connect("drag-failed", self.fail)
             box.connect("drag-end", self.end)
         else:
-            box.drag_dest_set(Gtk.DestDefaults.ALL, [URIS], Gdk.DragAction.COPY)
+            taken = [] if take == "text" else [Gtk.TargetEntry.new(take, 0, 0) if take else URIS]
+            box.drag_dest_set(Gtk.DestDefaults.ALL, taken, Gdk.DragAction.COPY)
+            if take == "text":
+                box.drag_dest_add_text_targets()
             box.connect("drag-motion", self.motion)
             box.connect("drag-leave", self.leave)
             box.connect("drag-data-received", self.receive)
@@ -66,7 +73,10 @@ class Peer(Gtk.Window):
         return True
 
     def give(self, _, context, data, info, time):
-        data.set_uris(self.uris)
+        if self.text:
+            data.set_text(self.text, -1)
+        else:
+            data.set_uris(self.uris)
         say("taken")
 
     def fail(self, *_):
@@ -86,10 +96,19 @@ class Peer(Gtk.Window):
         self.over = False
 
     def receive(self, _, context, x, y, data, info, time):
-        say("got", *data.get_uris())
+        if data.get_target().name() == "text/uri-list":
+            say("got", *data.get_uris())
+        else:
+            given = data.get_text().encode() if data.get_text() else data.get_data()
+            say("got", len(given), repr(given[:2000]))
 
 
 arguments = sys.argv[1:]
 MOVES = arguments[:1] == ["--move"]
-Peer(arguments[MOVES:], Gdk.DragAction.COPY | Gdk.DragAction.MOVE if MOVES else Gdk.DragAction.COPY)
+if arguments[:1] == ["--text"]:
+    Peer([], Gdk.DragAction.COPY, text=arguments[1])
+elif arguments[:1] == ["--take"]:
+    Peer([], Gdk.DragAction.COPY, take=arguments[1])
+else:
+    Peer(arguments[MOVES:], Gdk.DragAction.COPY | Gdk.DragAction.MOVE if MOVES else Gdk.DragAction.COPY)
 Gtk.main()

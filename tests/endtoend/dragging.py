@@ -21,9 +21,10 @@ class Peer:
 
     AT = (60, 45)
 
-    def __init__(self, home, *paths, moves=False):
+    def __init__(self, home, *paths, moves=False, arguments=()):
         self.log = home.at("peer")
         uris = ["--move"] * moves + ["file://" + urllib.parse.quote(path) for path in paths]
+        uris = [*arguments] or uris
         with open(self.log, "wb") as log:
             self.process = subprocess.Popen([sys.executable, "-c", SOURCE, *uris], stdin=subprocess.DEVNULL, stdout=log,
                                             stderr=subprocess.STDOUT, cwd=home.folder,
@@ -142,16 +143,16 @@ class In(DragTest):
         folder = os.path.join(self.work, b"a folder")
         os.mkdir(folder)
         vanished = self.put(b"vanished.txt")
-        peer = self.peer(self.put("a.txt", b"not opened"), folder, vanished)
+        peer = self.peer(folder, self.put("a.txt", b"embedded, not opened"), vanished)
         self.pick_up(peer)
         os.remove(vanished)
-        self.drop(peer, self.place_of(program, "text"), offered="nothing")
-        # A later drop is answered after this one would have been.
-        peer.kill()
-        peer = self.peer(self.put("b.txt", b"opened"))
-        self.pick_up(peer)
-        self.drop(peer, self.place_of(program, "layered pane", at=(0.98, 0.98)))
-        self.wait_for_texts(program, "as it was", "opened")
+        self.drop(peer, self.place_of(program, "text"))
+        self.answer(program, f"Error: {text_of(folder)}\nIs a directory\n\n"
+                    f"Error: {text_of(vanished)}\nNo such file or directory", "Return")
+        self.wait_for_texts(program, "as it was\ufffc")
+        program.wait_for_focus()
+        cases.SESSION.keys("ctrl+z")
+        self.wait_for_texts(program, "as it was")
         program.signal(15)
         self.expect_clean_end(program, {"Untitled:1": b"as it was"})
 

@@ -55,6 +55,7 @@ class MenuTest : public ProgramTest {
         {"mnuAddAll", "mnuSelectAll"},
         {"mnuSaveProjectAs", "mnuOpenAutoComplete"},
         {"mnuSelAll", "mnuAutoComplete"},
+        {"mnuDelete", "mnuTime"},
         {"mnuLinkAdd", "mnuRemoveFile"},
         {"mnuNewProject", "mnuNotesOpen"},
         {"mnuNewProject", "mnuNotesSave"},

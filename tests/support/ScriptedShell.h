@@ -15,6 +15,10 @@ class ScriptedShell final : public ui::Shell {
     asked.push_back("open " + pathOrAddress);
     return opens ? opens(pathOrAddress) : kStarted;
   }
+  int OpenCopy(const files::Path& file) override {
+    asked.push_back("copy " + file.native());
+    return opens ? opens(file.native()) : kStarted;
+  }
   int Run(const std::string& program, const std::vector<std::string>& arguments,
           const files::Path& directory) override {
     std::string call = "run " + program;

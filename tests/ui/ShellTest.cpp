@@ -126,6 +126,33 @@ TEST_F(ShellTest, FailuresHaveTheirCodes) {
   }
 }
 
+TEST_F(ShellTest, OfWhatCameOutOfADocumentNoProgramIsOpenedAndNoLinkFollowed) {
+  const auto open = [&](const std::string& name, const std::string& bytes) {
+    Put(At(name), bytes);
+    fs::permissions(At(name), fs::perms::owner_all);
+    return InChild([&](ui::Shell& shell) { return shell.OpenCopy(At(name)); });
+  };
+  const std::string elf(
+      "\x7F"
+      "ELF\2\1\1\0\0\0\0\0\0\0\0\0\2\0\x3E\0\1\0\0\0",
+      24);
+  const std::string link = "[Desktop Entry]\nType=Link\nURL=https://quillmark.example/\nExec=/bin/true\n";
+  for (const auto& [name, bytes] :
+       std::vector<std::pair<std::string, std::string>>{{"a.desktop", link},
+                                                        {"A.DESKTOP", link},
+                                                        {"b.url", "[InternetShortcut]\nURL=https://x.example/\n"},
+                                                        {"program", elf},
+                                                        {"setup.exe", "MZ"},
+                                                        {"x.jar", "PK"},
+                                                        {"x.AppImage", elf}})
+    EXPECT_EQ(open(name, bytes), ui::Shell::kAccessDenied) << name;
+  EXPECT_EQ(open("a.odt", "x"), ui::Shell::kNoApplication);
+  EXPECT_EQ(InChild([&](ui::Shell& shell) { return shell.OpenCopy(At("missing")); }), ui::Shell::kNotFound);
+  EXPECT_FALSE(fs::exists(At("ran")));
+  EXPECT_EQ(open("script.txt", "#!/bin/sh\n"), ui::Shell::kStarted);
+  EXPECT_TRUE(Ran().starts_with("viewer\n"));
+}
+
 TEST_F(ShellTest, RunsWhatIsNamedWithItsArgumentsAsTheyAre) {
   for (const char* program : {"recorder", "recorder.exe", "RECORDER_PATH"}) {
     const std::string named = program == std::string("RECORDER_PATH") ? At("bin/recorder").native() : program;

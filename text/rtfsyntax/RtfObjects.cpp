@@ -1,6 +1,7 @@
-// Embedded objects: what their result shows. Their data is never looked into.
+// Embedded objects: what their result shows. Of their data only a package's name is looked at.
 #include "text/rtfsyntax/RtfKeywords.h"
 #include "text/rtfsyntax/RtfLimits.h"
+#include "text/rtfsyntax/RtfPackage.h"
 #include "text/rtfsyntax/RtfPictures.h"
 
 #include <algorithm>
@@ -24,6 +25,7 @@ class ObjectScan {
     object.kind = ObjectKind::kEmbedded;
     if (object.width == 0) object.width = width_;
     if (object.height == 0) object.height = height_;
+    if (object.name == "Package" && !fileName_.empty()) object.name = std::move(fileName_);
     while (object.name.ends_with(' ')) object.name.pop_back();
     return std::move(scanned_);
   }
@@ -64,6 +66,8 @@ class ObjectScan {
     if (token.text == "objw") width_ = std::clamp(token.parameter, 0, kMaxLength);
     if (token.text == "objh") height_ = std::clamp(token.parameter, 0, kMaxLength);
     if (first && token.text == "objclass") return TakeClass();
+    if (first && token.text == "objname") fileName_ = ReadObjectName(tokenizer_);
+    if (first && token.text == "objdata" && fileName_.empty()) fileName_ = LabelInData(tokenizer_).value_or("");
     if (word && word->op == Op::kPicture) return TakePicture();
     if (word && word->op == Op::kUnicode) scanned_.showsText = InResult();
     if (first && token.text == "result") {
@@ -101,6 +105,7 @@ class ObjectScan {
   size_t depth_ = 1, resultDepth_ = 0;
   bool first_ = false, starred_ = false;
   int32_t width_ = 0, height_ = 0;
+  std::string fileName_;  // of a package
 };
 
 }  // namespace

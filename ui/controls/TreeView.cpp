@@ -4,7 +4,7 @@
 #include "ui/PendingEvents.h"
 #include "ui/controls/FocusFrame.h"
 #include "ui/controls/TreeModel.h"
-#include "ui/desktop/DroppedFiles.h"
+#include "ui/editing/DroppedFiles.h"
 
 #include <QApplication>
 #include <QDrag>

@@ -69,6 +69,35 @@ int OpenFile(const std::string& path) {
   return Launch(application.get(), uri.get());
 }
 
+// Kinds whose applications would run them, or go where they lead.
+bool IsProgramOrLink(const char* type) {
+  constexpr const char* kKinds[] = {"application/x-executable",
+                                    "application/x-sharedlib",
+                                    "application/x-ms-dos-executable",
+                                    "application/x-msdownload",
+                                    "application/vnd.microsoft.portable-executable",
+                                    "application/x-msi",
+                                    "application/x-ms-shortcut",
+                                    "application/x-mswinurl",
+                                    "application/x-desktop",
+                                    "application/java-archive",
+                                    "application/x-java-archive",
+                                    "application/x-java-jnlp-file",
+                                    "application/vnd.appimage",
+                                    "application/x-iso9660-appimage",
+                                    "application/vnd.flatpak",
+                                    "application/vnd.flatpak.ref",
+                                    "application/vnd.snap"};
+  return std::ranges::any_of(kKinds, [type](const char* kind) { return g_content_type_is_a(type, kind); });
+}
+
+std::string TypeOf(GFile* file) {
+  const Owned<GFileInfo> info(
+      g_file_query_info(file, G_FILE_ATTRIBUTE_STANDARD_CONTENT_TYPE, G_FILE_QUERY_INFO_NONE, nullptr, nullptr));
+  const char* const type = info ? g_file_info_get_content_type(info.get()) : nullptr;
+  return type ? type : "";
+}
+
 std::optional<std::string> FindProgram(const std::string& program) {
   for (const std::string& name :
        {program, files::EndsWithAnyCase(program, ".exe") ? program.substr(0, program.size() - 4) : ""}) {
@@ -123,6 +152,17 @@ int DesktopShell::Open(const std::string& pathOrAddress) {
   // A file may be called like an address.
   if (!pathOrAddress.starts_with('/') && HasScheme(pathOrAddress)) return OpenAddress(pathOrAddress);
   return OpenFile(pathOrAddress);
+}
+
+int DesktopShell::OpenCopy(const files::Path& path) {
+  const Owned<GFile> file(g_file_new_for_path(path.c_str()));
+  const std::string type = TypeOf(file.get());
+  if (type.empty()) return kNotFound;
+  const bool named = files::EndsWithAnyCase(path.native(), ".desktop") || files::EndsWithAnyCase(path.native(), ".url");
+  if (named || IsProgramOrLink(type.c_str())) return kAccessDenied;
+  const Owned<GAppInfo> application(g_app_info_get_default_for_type(type.c_str(), false));
+  const std::unique_ptr<char, decltype(&g_free)> uri(g_file_get_uri(file.get()), g_free);
+  return Launch(application.get(), uri.get());
 }
 
 int DesktopShell::Run(const std::string& program, const std::vector<std::string>& arguments,

@@ -11,6 +11,7 @@
 
 #include <QBuffer>
 #include <QDebug>
+#include <QGuiApplication>
 #include <QImage>
 
 #include <algorithm>
@@ -204,6 +205,28 @@ QVariant EditorMimeData::ImageData(const QString& mimeType) const {
   return written ? png : QByteArray();
 }
 
+namespace {
+
+constexpr text::Units kMuch(1 << 20);
+
+// A target may ask for all of a huge text.
+class BusyPointer {
+ public:
+  explicit BusyPointer(bool shown) : shown_(shown) {
+    if (shown_) QGuiApplication::setOverrideCursor(Qt::WaitCursor);
+  }
+  ~BusyPointer() {
+    if (shown_) QGuiApplication::restoreOverrideCursor();
+  }
+  BusyPointer(const BusyPointer&) = delete;
+  BusyPointer& operator=(const BusyPointer&) = delete;
+
+ private:
+  bool shown_;
+};
+
+}  // namespace
+
 // What somebody added to a drag (files, for instance) comes behind our own.
 QStringList EditorMimeData::formats() const {
   QStringList own;
@@ -226,6 +249,7 @@ QVariant EditorMimeData::retrieveData(const QString& mimeType, QMetaType type) c
     if (mimeType == kHtmlType && as_ == As::kRtfAndHtml) return HtmlOf(content_.Slice(range_), properties_);
     return QMimeData::retrieveData(mimeType, type);
   };
+  const BusyPointer busy(range_.size() > kMuch && QGuiApplication::instance());
   // Another program asks, perhaps long after the copying: it gets nothing.
   return Guarded(convert, [](const QString& reason) { qWarning() << "The copied text cannot be given:" << reason; });
 }
@@ -274,8 +298,19 @@ std::optional<Content> HtmlFragment(const QMimeData& data, const text::Document&
   return target.properties().lineEnd == LineEnd::kCrLf ? page : Rebuilt(page, page.all(), target);
 }
 
+namespace {
+
+// The text beside a picture of a page is where it came from.
+bool IsAddress(const QString& text) {
+  const QString trimmed = text.trimmed();
+  return (trimmed.startsWith(u"http://") || trimmed.startsWith(u"https://")) && !trimmed.contains(u' ') &&
+         !trimmed.contains(u'\n');
+}
+
+}  // namespace
+
 std::optional<Content> PictureFragment(const QMimeData& data, const text::Document& target) {
-  if (!data.hasImage() || data.hasText()) return std::nullopt;
+  if (!data.hasImage() || (data.hasText() && !IsAddress(data.text()))) return std::nullopt;
   constexpr qsizetype kMaxBytes = 64 << 20;
   text::EmbeddedObject object;
   object.type = text::PictureType::kPng;

@@ -58,8 +58,14 @@ class EditorController : public EditorState {
   // To the next or previous cell of a table, whose text is then selected; behind the last one a row is added. False
   // outside of tables.
   bool MoveToCell(bool forward);
-  // Tells the host of the link at the caret; false without one.
+  // Tells the host of the object that is selected, or of the link at the caret; false without either.
   bool FollowLink();
+  // The place of the embedded object that is selected alone or beside which the caret stands.
+  std::optional<text::Units> SelectedObject() const;
+  bool IsEmbeddedObject(text::Units position) const;
+  // Puts the object that the fragment, of the same store, is in its place; one step, the selection stays. False:
+  // protected text is in the way, or there is none.
+  bool ReplaceObject(text::Units position, const text::Content& fragment);
   // The target of the link at a place, empty without one.
   std::string LinkAt(text::Units position) const;
   void Cut();

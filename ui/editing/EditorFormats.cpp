@@ -37,6 +37,10 @@ std::string EditorController::LinkAt(Units position) const {
 
 // The one behind the caret, else the one before it.
 bool EditorController::FollowLink() {
+  if (const auto object = SelectedObject()) {
+    host_.OpenObject(*object);
+    return true;
+  }
   std::string target = LinkAt(selection_.caret);
   if (target.empty() && selection_.caret > Units(0)) target = LinkAt(selection_.caret - Units(1));
   if (!target.empty()) host_.FollowLink(target);

@@ -1,6 +1,8 @@
 // What the editor's controller asks of the world around it: the widget in the program, a recorder in tests.
 #pragma once
 
+#include "text/Units.h"
+
 #include <QClipboard>
 
 #include <memory>
@@ -26,6 +28,7 @@ class EditorHost {
   virtual void Refused() = 0;  // protected or read-only text was in the way of the user, or nothing could be read
   virtual void ResetComposition() = 0;                     // the input method's pending text is no longer wanted
   virtual void FollowLink(const std::string& target) = 0;  // the user asks for it; UTF-8
+  virtual void OpenObject(text::Units place) = 0;          // an embedded object; the user asks for it
   virtual void StartDrag() = 0;                            // of the selection; returns when it is over
 
   virtual const QMimeData* ClipboardData(QClipboard::Mode mode) = 0;  // null when there is none

@@ -1,12 +1,12 @@
 #include "ui/editing/EditorMouse.h"
 
 #include "text/Movement.h"
+#include "ui/editing/DroppedFiles.h"
 #include "ui/editing/EditorClipboard.h"
 
 #include <QGuiApplication>
 #include <QMouseEvent>
 #include <QStyleHints>
-#include <QUrl>
 #include <QWheelEvent>
 
 #include <algorithm>
@@ -133,6 +133,12 @@ void EditorMouse::DoubleClick(const QMouseEvent& event) {
   doubleClicked_ = event.position();
   doubleClickTime_ = event.timestamp();
   pressedButton_ = event.button();
+  const auto object = ObjectUnder(event.position());
+  if (object && controller_.IsEmbeddedObject(*object)) {
+    state_ = State::kIdle;
+    controller_.Select({*object, *object + Units(1)});
+    return controller_.host().OpenObject(*object);
+  }
   SelectUnit(Unit::kWord, event.position());
 }
 
@@ -225,10 +231,9 @@ void EditorMouse::Wheel(const QWheelEvent& event, double lineHeight) {
 
 bool EditorMouse::CanDrop(const QMimeData& data, Qt::DropActions offered, bool own) const {
   if (own || controller_.readOnly() || !offered.testFlag(Qt::CopyAction)) return false;
-  const QList<QUrl> urls = data.urls();
-  const bool files = std::any_of(urls.begin(), urls.end(), [](const QUrl& url) { return url.isLocalFile(); });
-  // A document dragged from another window carries its file along; its text is what is meant here.
-  return HasRichText(data) || (!files && HasAnyText(data));
+  if (!controller_.plainOnly()) return HasAnyText(data) || HoldsFiles(data);
+  // Text alone holds no files, and their names are not what is meant.
+  return HasRichText(data) || (HasAnyText(data) && !HoldsFiles(data));
 }
 
 void EditorMouse::DragOver(QPointF point) {
@@ -245,11 +250,16 @@ void EditorMouse::DragLeave() {
   controller_.host().ViewChanged();
 }
 
-void EditorMouse::Drop(const QMimeData& data, QPointF point) {
+// A document dragged from another window carries its file along; its text is what is meant here. The text that file
+// managers offer beside files is their names.
+std::vector<std::string> EditorMouse::Drop(const QMimeData& data, QPointF point) {
   dropPlace_.reset();
   const CaretPlace hit = controller_.layout().HitTest(point);
   controller_.Select({hit.position, hit.position}, hit.affinity);
-  controller_.Insert(data, false);
+  std::vector<std::string> files;
+  if (!HasRichText(data)) files = FilesOf(data);
+  if (files.empty()) controller_.Insert(data, false);
+  return files;
 }
 
 }  // namespace ui

@@ -6,6 +6,8 @@
 #include <QPointF>
 
 #include <optional>
+#include <string>
+#include <vector>
 
 class QMimeData;
 class QMouseEvent;
@@ -39,7 +41,8 @@ class EditorMouse {
   bool CanDrop(const QMimeData& data, Qt::DropActions offered, bool own) const;
   void DragOver(QPointF point);
   void DragLeave();
-  void Drop(const QMimeData& data, QPointF point);
+  // What is text or a picture goes in; files are given back, to be embedded at the caret, which is there now.
+  std::vector<std::string> Drop(const QMimeData& data, QPointF point);
   const std::optional<text::layout::CaretPlace>& dropPlace() const { return dropPlace_; }
 
  private:

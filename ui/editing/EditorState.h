@@ -45,6 +45,7 @@ class EditorState {
   void SavesFormatsWhen(std::function<bool()> saves) { savesFormats_ = std::move(saves); }
   // What is pasted or dropped comes in as text alone, and goes out so.
   void SetPlainOnly(bool on) { plainOnly_ = on; }
+  bool plainOnly() const { return plainOnly_; }
   // Asked before text that is typed goes in. True: it has been dealt with, and perhaps the editor is gone.
   void BeforeTyping(std::function<bool(const QString& text)> take) { beforeTyping_ = std::move(take); }
 

@@ -13,6 +13,7 @@
 #include <QScopedValueRollback>
 #include <QScrollBar>
 #include <QStyleHints>
+#include <QTimer>
 
 #include <algorithm>
 #include <cmath>
@@ -383,12 +384,32 @@ void RichTextBox::Impl::ResetComposition() {
   if (box.hasFocus()) QGuiApplication::inputMethod()->reset();
 }
 
+std::optional<Units> RichTextBox::SelectedObject() const {
+  return impl_->controller.SelectedObject();
+}
+bool RichTextBox::MayChangeObject(Units place) const {
+  const EditorController& controller = impl_->controller;
+  return !controller.readOnly() && controller.IsEmbeddedObject(place) &&
+         MayReplace(impl_->document.content(), {place, place + Units(1)});
+}
+bool RichTextBox::ReplaceObject(Units place, std::string_view rtf) {
+  const auto read = text::rtf::ReadFragment(rtf, impl_->document.content().store());
+  return impl_->controller.ReplaceObject(place, read.content);
+}
+
+void RichTextBox::Impl::OpenObject(Units place) {
+  QTimer::singleShot(0, &box, [this, place] { Q_EMIT box.ObjectActivated(place); });
+}
+
 void RichTextBox::Impl::StartDrag() {
   auto data = controller.CopyOfSelection();
-  Q_EMIT box.DragStarting(data.get());
+  const QPointer<RichTextBox> alive(&box);
+  constexpr Qt::KeyboardModifiers kAsFile = Qt::ControlModifier | Qt::ShiftModifier;
+  Q_EMIT box.DragStarting(data.get(), (QGuiApplication::keyboardModifiers() & kAsFile) == kAsFile);
+  // Whoever heard it may have asked the user something, and the button was let go meanwhile.
+  if (!alive || QGuiApplication::mouseButtons() == Qt::NoButton) return;
   auto* drag = new QDrag(&box);
   drag->setMimeData(data.release());
-  const QPointer<RichTextBox> alive(&box);
   dragging = true;
   drag->exec(Qt::CopyAction);
   if (alive) dragging = false;

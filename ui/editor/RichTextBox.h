@@ -109,6 +109,13 @@ class RichTextBox : public QAbstractScrollArea {
   bool MayTypeOver();       // false, with a beep: it would be refused
   QRect CaretRect() const;  // in this control's coordinates; outside of it when the caret is scrolled away
 
+  // --- Embedded objects, each one character
+  // The place of the one that is selected alone or beside which the caret stands.
+  std::optional<text::Units> SelectedObject() const;
+  bool MayChangeObject(text::Units place) const;  // false: it is protected, or there is none
+  // Puts another object, the only thing in that RTF, in its place: one step, and the selection stays. False: as above.
+  bool ReplaceObject(text::Units place, std::string_view rtf);
+
   // The first match at or behind `start` (a surface position), selected and scrolled into view with lines around it
   // unless kFindNoHighlight; returns its position or -1.
   int64_t Find(const QString& text, int64_t start, int options);
@@ -154,7 +161,14 @@ class RichTextBox : public QAbstractScrollArea {
   // Control and a click, or Control and Enter, on a link. Nothing opens it but who hears this.
   void LinkActivated(const QString& target);
   void ContextMenuRequested(const QPoint& globalPosition);  // right button or menu key
-  void DragStarting(QMimeData* data);                       // a drag of the selection; more formats may be added
+  // A double click, or Control and Enter, on an embedded object; from the event loop. Nothing opens it but who hears
+  // this.
+  void ObjectActivated(text::Units place);
+  // To be embedded at the caret; from the event loop, after the drop was answered.
+  void FilesDropped(const std::vector<std::string>& paths);
+  // A drag of the selection, to which formats may be added, with Control and Shift (`asFile`) or less. None starts when
+  // the button has been let go behind this.
+  void DragStarting(QMimeData* data, bool asFile);
   void EditFailed(const QString& reason);  // an event could not be carried out (out of memory); nothing was lost
 
  protected:

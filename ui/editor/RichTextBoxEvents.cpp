@@ -1,4 +1,5 @@
 // Events of the widget handed to the controller, the mouse and the layout.
+#include "text/pictures/Pictures.h"
 #include "ui/editor/RichTextBoxImpl.h"
 
 #include <QApplication>
@@ -7,6 +8,7 @@
 #include <QMimeData>
 #include <QPainter>
 #include <QTextDocument>
+#include <QTimer>
 #include <QToolTip>
 
 #include <algorithm>
@@ -150,6 +152,14 @@ void RichTextBox::Impl::UpdateCursor(QPointF point, Qt::KeyboardModifiers modifi
 
 // As plain text, whatever it looks like.
 bool RichTextBox::Impl::ShowToolTip(const QHelpEvent& event) {
+  const auto under = layout.CharacterAt(event.pos());
+  if (under && controller.IsEmbeddedObject(*under)) {
+    const text::Content& content = document.content();
+    const auto& object = content.formats()[content.formats()[content.CharFormatAt(*under)].object];
+    const QString text = RichTextBox::tr("Double-click to open: %1").arg(text::pictures::NameOf(object));
+    QToolTip::showText(event.globalPos(), Qt::convertFromPlainText(text), box.viewport());
+    return true;
+  }
   const std::string target = mouse.LinkUnder(event.pos());
   if (target.empty()) {
     QToolTip::hideText();
@@ -246,11 +256,13 @@ void RichTextBox::wheelEvent(QWheelEvent* event) {
 // --- Drops: always a copy, so that a foreign source keeps what it has
 
 void RichTextBox::dragEnterEvent(QDragEnterEvent* event) {
+  // The source is asked for its data once, not at each move.
+  impl_->takesDrop = impl_->mouse.CanDrop(*event->mimeData(), event->possibleActions(), impl_->dragging);
   dragMoveEvent(event);
 }
 
 void RichTextBox::dragMoveEvent(QDragMoveEvent* event) {
-  if (!impl_->mouse.CanDrop(*event->mimeData(), event->possibleActions(), impl_->dragging)) return event->ignore();
+  if (!impl_->takesDrop) return event->ignore();
   impl_->mouse.DragOver(event->position());
   event->setDropAction(Qt::CopyAction);
   event->accept();
@@ -260,7 +272,9 @@ void RichTextBox::dropEvent(QDropEvent* event) {
   if (!impl_->mouse.CanDrop(*event->mimeData(), event->possibleActions(), impl_->dragging)) return event->ignore();
   event->setDropAction(Qt::CopyAction);
   event->accept();
-  impl_->mouse.Drop(*event->mimeData(), event->position());
+  std::vector<std::string> files = impl_->mouse.Drop(*event->mimeData(), event->position());
+  if (files.empty()) return;
+  QTimer::singleShot(0, this, [this, paths = std::move(files)] { Q_EMIT FilesDropped(paths); });
 }
 
 }  // namespace ui

@@ -24,6 +24,7 @@ struct RichTextBox::Impl : EditorHost {
   void Refused() override;
   void ResetComposition() override;
   void FollowLink(const std::string& target) override { Q_EMIT box.LinkActivated(QString::fromStdString(target)); }
+  void OpenObject(text::Units place) override;
   void StartDrag() override;
   const QMimeData* ClipboardData(QClipboard::Mode mode) override;
   void SetClipboardData(QClipboard::Mode mode, std::unique_ptr<QMimeData> data) override;
@@ -66,6 +67,7 @@ struct RichTextBox::Impl : EditorHost {
   bool caretShown = false;
   bool syncingScrollBar = false;
   bool dragging = false;
+  bool takesDrop = false;  // what is over it now
   // What assistive programs were told of.
   text::Content toldContent;
   text::Revision toldRevision = 0;

@@ -1,5 +1,6 @@
 #include "ui/frame/MenuBar.h"
 
+#include "ui/PathText.h"
 #include "ui/controls/Icons.h"
 #include "ui/frame/FrameForm.h"
 #include "ui/frame/LeftPane.h"
@@ -115,6 +116,10 @@ void MenuBar::SetEnabled(size_t row, bool enabled) {
 
 void MenuBar::SetChecked(size_t row, bool checked) {
   actions_[row]->setChecked(checked);
+}
+
+void MenuBar::SetCaption(size_t row, const QString& caption) {
+  actions_[row]->setText(DoubleAmpersands(caption));
 }
 
 void MenuBar::SetList(size_t row, const std::vector<MenuListEntry>& entries) {

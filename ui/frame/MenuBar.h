@@ -54,6 +54,7 @@ class MenuBar : public QObject {
   void SetPaneFocused(bool focused);
   void SetEnabled(size_t row, bool enabled);
   void SetChecked(size_t row, bool checked);
+  void SetCaption(size_t row, const QString& caption);  // instead of the table's; an "&" is doubled
   void SetList(size_t row, const std::vector<MenuListEntry>& entries);
 
   const MenuRow& row(size_t index) const { return rows_[index]; }

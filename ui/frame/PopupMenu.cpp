@@ -15,7 +15,9 @@ std::optional<size_t> PickFromPopup(const QPoint& globalPosition, const std::vec
       menu.addSeparator();
       continue;
     }
-    QAction* action = menu.addAction(QCoreApplication::translate("Menu", rows[i].caption));
+    const QString caption = QCoreApplication::translate("Menu", rows[i].caption);
+    const QLatin1String hint(rows[i].hint);
+    QAction* action = menu.addAction(hint.isEmpty() ? caption : caption + QLatin1Char('\t') + hint);
     action->setEnabled(enabled[i]);
     if (*rows[i].icon) action->setIcon(ThemedIcon(rows[i].icon));
     action->setData(static_cast<int>(i));

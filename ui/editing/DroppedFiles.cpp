@@ -1,4 +1,4 @@
-#include "ui/desktop/DroppedFiles.h"
+#include "ui/editing/DroppedFiles.h"
 
 #include "files/FileUrl.h"
 

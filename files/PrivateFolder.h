@@ -1,0 +1,35 @@
+// Folders for files that other programs work on for a while: mode 0700, each owned by one running process.
+#pragma once
+
+#include "files/OpenFile.h"
+
+#include <memory>
+#include <string_view>
+#include <vector>
+
+namespace files {
+
+class Descriptor;
+
+class PrivateFolder {
+ public:
+  // A new one in `parent`, which is made (mode 0700) when needed.
+  static Result<PrivateFolder> Make(const Path& parent);
+  // Those in `parent` whose process has gone, from now on this one's.
+  static std::vector<PrivateFolder> Abandoned(const Path& parent);
+
+  const Path& path() const { return path_; }
+  // A new file in it, mode 0600 or 0400. After a failure nothing is left of it.
+  Result<FileStamp> Write(const Path& name, std::string_view bytes, bool readOnly = false) const;
+  // Instead of a file of that name, if there is one, which keeps its name until the new one is written.
+  Result<FileStamp> Replace(const Path& name, std::string_view bytes, bool readOnly = false) const;
+  // With all that is in it, folders too; what cannot be removed stays.
+  void Remove() const;
+
+ private:
+  PrivateFolder(Path path, std::shared_ptr<const Descriptor> claim);
+  Path path_;
+  std::shared_ptr<const Descriptor> claim_;  // holds a lock
+};
+
+}  // namespace files

@@ -1,0 +1,42 @@
+// Embedded objects within the text.
+#include "ui/editing/EditorController.h"
+#include "ui/editing/EditorOperation.h"
+
+namespace ui {
+
+using text::Content;
+using text::Range;
+using text::Units;
+
+bool EditorController::IsEmbeddedObject(Units position) const {
+  const Content& content = document_.content();
+  if (position >= content.size()) return false;
+  const text::ObjectId object = content.formats()[content.CharFormatAt(position)].object;
+  return object != text::ObjectId::kNone && content.formats()[object].kind == text::ObjectKind::kEmbedded;
+}
+
+std::optional<Units> EditorController::SelectedObject() const {
+  const Range selected = range();
+  if (selected.size() > Units(1)) return std::nullopt;
+  if (IsEmbeddedObject(selected.begin)) return selected.begin;
+  const bool before = selected.empty() && selected.begin > Units(0) && IsEmbeddedObject(selected.begin - Units(1));
+  return before ? std::optional(selected.begin - Units(1)) : std::nullopt;
+}
+
+// A change of the format alone, so no position moves.
+bool EditorController::ReplaceObject(Units position, const Content& fragment) {
+  const Range place{position, position + Units(1)};
+  if (readOnly_ || !IsEmbeddedObject(position) || !MayChange(place) || fragment.size() == Units(0)) return false;
+  const Operation operation(*this);
+  const Content& content = document_.content();
+  text::CharFormat format = content.formats()[content.CharFormatAt(position)];
+  format.object = content.formats()[fragment.CharFormatAt(Units(0))].object;
+  const text::CharFormatId id = content.formats().Intern(format);
+  document_.SealStep();
+  document_.Commit(content.WithCharFormats(place, [id](text::CharFormatId) { return id; }),
+                   {position, Units(1), Units(1), true}, text::EditKind::kCommand, selection_);
+  document_.SealStep();
+  return true;
+}
+
+}  // namespace ui
