@@ -8,6 +8,7 @@
 #include "panes/Panes.h"
 #include "project/ProjectList.h"
 #include "search/Find.h"
+#include "services/OtherPrograms.h"
 #include "services/Services.h"
 
 namespace ui {
@@ -16,12 +17,14 @@ class ToolBar;
 
 namespace commands {
 
+constexpr int kDragDropText = 50;  // of the manual
+
 class Commands {
  public:
   Commands(services::Services& services, documents::DocumentTable& table, documents::Opening& opening,
            project::Project& project, project::ProjectList& list, foldertree::FolderTree& tree,
            foldertree::TreeFiles& treeFiles, search::Find& find, autocomplete::AutoComplete& autoComplete,
-           panes::Panes& panes, ui::ToolBar& toolbar)
+           panes::Panes& panes, services::OtherPrograms& programs, ui::ToolBar& toolbar)
       : services_(services),
         table_(table),
         opening_(opening),
@@ -32,6 +35,7 @@ class Commands {
         find_(find),
         autoComplete_(autoComplete),
         panes_(panes),
+        programs_(programs),
         Toolbar1_(toolbar) {}
 
   // --- File
@@ -81,6 +85,23 @@ class Commands {
   void mnuTreeClearSelections_Click() { tree_.mnuTreeClearSelections_Click(); }
   void mnuTreeRefresh_Click() { tree_.mnuTreeRefresh_Click(); }
   void mnuTreeExplore_Click() { tree_.mnuTreeExplore_Click(); }
+
+  void mnuRCDragDropHelp_Click() { services_.ShowHelpPopup(popupPosition_, kDragDropText); }
+  // Where the panes' menus were opened last, on the screen.
+  void SetPopupPosition(const QPoint& position) { popupPosition_ = position; }
+
+  // --- Internet
+  void mnuIntEmail_Click() { programs_.mnuIntEmail_Click(); }
+  void mnuIntNews_Click() { programs_.mnuIntNews_Click(); }
+  void mnuIntSnews_Click() { programs_.mnuIntSnews_Click(); }
+  void mnuIntFTP_Click() { programs_.mnuIntFTP_Click(); }
+  void mnuVelloraFTP_Click() { programs_.mnuVelloraFTP_Click(); }
+  void mnuSAR_Click() { programs_.mnuSAR_Click(); }
+
+  // --- Help
+  void mnuUserManual_Click() { programs_.mnuUserManual_Click(); }
+  void mnuHTMLTagRef_Click() { programs_.mnuHTMLTagRef_Click(); }
+  void mnuAbout_Click() { programs_.mnuAbout_Click(); }
 
   // --- Quotes
   void mnuLoadQuotes_Click() { panes_.quotes().mnuLoadQuotes_Click(); }
@@ -136,7 +157,9 @@ class Commands {
   search::Find& find_;
   autocomplete::AutoComplete& autoComplete_;
   panes::Panes& panes_;
+  services::OtherPrograms& programs_;
   ui::ToolBar& Toolbar1_;
+  QPoint popupPosition_;
   int toolbarStyle_ = 1;
   bool quotesOptions_ = false;
   ui::WindowState minRest_ = ui::WindowState::kNormal;

@@ -161,6 +161,7 @@ constexpr Row kMenus[] = {
     Doc("mnuClose", QT_TRANSLATE_NOOP("Menu", "&Close document"), "", "", On<&frmText::mnuClose_Click>),
     Separator(),
     With("print", Doc("mnuPrint", QT_TRANSLATE_NOOP("Menu", "&Print document..."), "", "Ctrl+P", On<&frmText::mnuPrint_Click>)),
+    With("view", Doc("mnuViewFile", QT_TRANSLATE_NOOP("Menu", "&View document in external app"), "", "Shift+F5", On<&frmText::mnuViewFile_Click>)),
     Doc("mnuCopyPath", QT_TRANSLATE_NOOP("Menu", "Copy document &pathname to clipboard"), "", "", On<&frmText::mnuCopyPath_Click>),
     Edits(Doc("mnuRefresh", QT_TRANSLATE_NOOP("Menu", "&Refresh"), "", "F5", On<&frmText::mnuRefresh_Click>)),
     Separator(),
@@ -277,6 +278,16 @@ constexpr Row kMenus[] = {
     Quote("mnuRandom", QT_TRANSLATE_NOOP("Menu", "&Pick a random quote"), "", "", &Commands::mnuRandom_Click),
     Quote("mnuCopyQuote", QT_TRANSLATE_NOOP("Menu", "&Copy selected quote"), "Ctrl-C", "", &Commands::mnuCopyQuote_Click),
   End(),
+  Menu("mnuInternet", QT_TRANSLATE_NOOP("Menu", "&Internet")),
+    Main("mnuIntEmail", QT_TRANSLATE_NOOP("Menu", "Compose &Email message"), "", "", "", &Commands::mnuIntEmail_Click),
+    Main("mnuIntNews", QT_TRANSLATE_NOOP("Menu", "Read &News"), "", "", "", &Commands::mnuIntNews_Click),
+    Main("mnuIntSnews", QT_TRANSLATE_NOOP("Menu", "Read &Secure news"), "", "", "", &Commands::mnuIntSnews_Click),
+    Separator(),
+    Main("mnuIntFTP", QT_TRANSLATE_NOOP("Menu", "Start &FTP program"), "", "", "", &Commands::mnuIntFTP_Click),
+    Main("mnuVelloraFTP", QT_TRANSLATE_NOOP("Menu", "Start Vellora &FTP"), "", "", "", &Commands::mnuVelloraFTP_Click),
+    Separator(),
+    Main("mnuSAR", QT_TRANSLATE_NOOP("Menu", "&Trawlex"), "", "", "", &Commands::mnuSAR_Click),
+  End(),
   Menu("mnuOptions", QT_TRANSLATE_NOOP("Menu", "&Options")),
     Main("mnuPrefItem", QT_TRANSLATE_NOOP("Menu", "&Defaults..."), "", "", "Ctrl+D", &Commands::mnuPrefItem_Click),
     Choice("mnuAutoCompleteToggle", QT_TRANSLATE_NOOP("Menu", "Toggle &Auto-Complete"), "Shift+F4", &Commands::mnuAutoCompleteToggle_Click, &Commands::AutoCompleteOn),
@@ -303,6 +314,12 @@ constexpr Row kMenus[] = {
     Separator(),
     List("mnuWindowList"),
   End(),
+  Menu("mnuHelp", QT_TRANSLATE_NOOP("Menu", "&Help")),
+    Main("mnuUserManual", QT_TRANSLATE_NOOP("Menu", "&User manual"), "F1", "", "", &Commands::mnuUserManual_Click),
+    Main("mnuHTMLTagRef", QT_TRANSLATE_NOOP("Menu", "&HTML Tag reference"), "", "", "", &Commands::mnuHTMLTagRef_Click),
+    Separator(),
+    Main("mnuAbout", QT_TRANSLATE_NOOP("Menu", "&About Quillmark"), "", "", "", &Commands::mnuAbout_Click),
+  End(),
 };
 
 constexpr Row kDocumentPopup[] = {
@@ -322,6 +339,7 @@ constexpr Row kListPopup[] = {
   Main("mnuRCListSort", QT_TRANSLATE_NOOP("Menu", "&Sort list"), "", "", "", &Commands::mnuListSort_Click),
   Main("mnuRCCopyPath", QT_TRANSLATE_NOOP("Menu", "&Copy selected pathname(s) to clipboard"), "", "", "", &Commands::mnuCopyListPath_Click),
   Main("mnuRCRemove", QT_TRANSLATE_NOOP("Menu", "&Remove selected items from project"), "", "", "", &Commands::mnuRemoveFile_Click),
+  Main("mnuRCListDragDropHelp", QT_TRANSLATE_NOOP("Menu", "&Drag/Drop help..."), "", "", "", &Commands::mnuRCDragDropHelp_Click),
 };
 constexpr Row kTreePopup[] = {
   Main("mnuRCTreeOpen", QT_TRANSLATE_NOOP("Menu", "&Open"), "", "", "", &Commands::mnuRCTreeOpen_Click),
@@ -336,6 +354,7 @@ constexpr Row kTreePopup[] = {
   Main("mnuRCTreeRefresh", QT_TRANSLATE_NOOP("Menu", "&Refresh selected folder"), "", "", "", &Commands::mnuTreeRefresh_Click),
   Main("mnuRCTreeCreateFolder", QT_TRANSLATE_NOOP("Menu", "&Create a new folder"), "", "", "", &Commands::mnuTreeCreateFolder_Click),
   Main("mnuRCTreeExplore", QT_TRANSLATE_NOOP("Menu", "&Explore"), "", "", "", &Commands::mnuTreeExplore_Click),
+  Main("mnuRCTreeDragDropHelp", QT_TRANSLATE_NOOP("Menu", "&Drag/Drop help..."), "", "", "", &Commands::mnuRCDragDropHelp_Click),
 };
 constexpr Row kPadPopup[] = {
   Pad("mnuRCUndo", QT_TRANSLATE_NOOP("Menu", "&Undo"), In<&ui::RichTextBox::Undo>, Is<&ui::RichTextBox::CanUndo>),

@@ -152,6 +152,7 @@ void Menus::ShowPopup(std::span<const Row> rows, const QPoint& globalPosition) {
   const ui::CommandScope scope;
   std::vector<bool> enabled;
   for (const Row& row : rows) enabled.push_back(!row.usable || (commands_.*row.usable)());
+  commands_.SetPopupPosition(globalPosition);
   if (const auto chosen = ui::PickFromPopup(globalPosition, MenuRows(rows), enabled)) RunRow(rows[*chosen]);
 }
 

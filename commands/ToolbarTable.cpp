@@ -105,6 +105,7 @@ constexpr ToolbarRow kButtons[] = {
   Drop("Open", QT_TRANSLATE_NOOP("Toolbar", "Open a project or document..."), QT_TRANSLATE_NOOP("Toolbar", "Open"), "open", FaceClick::kNothing, kOpenMenu, kOpenCommands),
   Drop("Save", QT_TRANSLATE_NOOP("Toolbar", "Save project or document..."), QT_TRANSLATE_NOOP("Toolbar", "Save"), "save", FaceClick::kNothing, kProjectOrDocument, kSaveCommands),
   Group(Doc("Print", QT_TRANSLATE_NOOP("Toolbar", "Print document..."), QT_TRANSLATE_NOOP("Toolbar", "Print"), "print", On<&frmText::mnuPrint_Click>)),
+  Doc("View", QT_TRANSLATE_NOOP("Toolbar", "View in external application"), QT_TRANSLATE_NOOP("Toolbar", "View"), "view", On<&frmText::mnuViewFile_Click>),
   Group(Main("Find", QT_TRANSLATE_NOOP("Toolbar", "Find..."), QT_TRANSLATE_NOOP("Toolbar", "Find"), "find", &Commands::mnuFind_Click)),
   Group(Doc("Cut", QT_TRANSLATE_NOOP("Toolbar", "Cut selected text"), QT_TRANSLATE_NOOP("Toolbar", "Cut"), "cut", On<&frmText::mnuCut_Click>)),
   Doc("Copy", QT_TRANSLATE_NOOP("Toolbar", "Copy to clipboard"), QT_TRANSLATE_NOOP("Toolbar", "Copy"), "copy", On<&frmText::mnuCopy_Click>),

@@ -1,12 +1,11 @@
 #include "documents/Opening.h"
 
-#include "documents/frmNoExtApp.h"
+#include "documents/ViewExternally.h"
 #include "documents/frmText.h"
 #include "files/AnyCase.h"
 #include "files/Attributes.h"
 #include "services/Messages.h"
 #include "ui/PendingEvents.h"
-#include "ui/desktop/Shell.h"
 
 #include <algorithm>
 #include <cstring>
@@ -46,30 +45,10 @@ bool Opening::ActivateOpen(const std::string& path) {
   return false;
 }
 
-bool Opening::OpenExternally(const std::string& path) {
-  return services_.shell().Open(services_.MakeAbsolute(path).native()) > ui::Shell::kLastFailure;
-}
-
 void Opening::OpenShortcut(std::string& path) {
-  if (OpenExternally(path)) return;
+  if (OpenExternally(services_, path)) return;
   path.erase(std::min(FindLnk(path), path.size()));
-  if (!OpenExternally(path)) AskForProgram(path);
-}
-
-// Again and again until the user has enough: whether a program could do anything with the document only they can see.
-void Opening::AskForProgram(const std::string& path) {
-  frmNoExtApp form(services_);
-  form.Text2().SetText(files::EndsWithAnyCase(path, "rtf") ? QStringLiteral("Wordpad.exe")
-                                                           : QStringLiteral("Notepad.exe"));
-  for (;;) {
-    form.Tag = "A";
-    services_.dialogs().ShowModal(form);
-    if (form.Tag != "0") return;
-    std::string program = form.Program();
-    if (program.find('/') != std::string::npos) program = services_.MakeAbsolute(program).native();
-    if (!program.empty())
-      services_.shell().Run(program, {services_.MakeAbsolute(path).native()}, services_.MakeAbsolute("."));
-  }
+  if (!OpenExternally(services_, path)) AskForProgram(services_, path);
 }
 
 void Opening::mnuOpenFile_Click() {

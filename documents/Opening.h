@@ -21,8 +21,6 @@ class Opening {
  private:
   bool ActivateOpen(const std::string& path);
   void OpenShortcut(std::string& path);
-  bool OpenExternally(const std::string& path);
-  void AskForProgram(const std::string& path);
 
   services::Services& services_;
   DocumentTable& table_;

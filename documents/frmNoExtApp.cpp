@@ -1,6 +1,11 @@
 #include "documents/frmNoExtApp.h"
 
 namespace documents {
+namespace {
+
+constexpr int kHelpTopic = 10000;
+
+}  // namespace
 
 frmNoExtApp::frmNoExtApp(services::Services& services)
     : ModalForm(services.forms().at(0)->widget()), services_(services) {
@@ -19,12 +24,14 @@ frmNoExtApp::frmNoExtApp(services::Services& services)
   auto* ok = new ui::Button("Command1(0)", tr("&OK"), [this] { Command1_Click(0); });
   auto* cancel = new ui::Button("Command1(1)", tr("&Cancel"), [this] { Command1_Click(1); });
   auto* browse = new ui::Button("Command1(2)", tr("&Browse..."), [this] { Command1_Click(2); });
-  ui::LayOutInRows(*this, {{message}, {openWith, Text2_}, {ok, cancel, browse}});
+  auto* help = new ui::Button("Command1(3)", tr("&Help"), [this] { Command1_Click(3); });
+  ui::LayOutInRows(*this, {{message}, {openWith, Text2_}, {ok, cancel, browse, help}});
   ok->setDefault(true);
 }
 
 void frmNoExtApp::Command1_Click(int index) {
   if (index == 2) return Browse();
+  if (index == 3) return services_.ShowHelpContext(kHelpTopic);
   Tag = std::to_string(index);
   done(index == 0 ? 1 : 0);
 }

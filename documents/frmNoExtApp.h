@@ -19,7 +19,7 @@ class frmNoExtApp : public ui::ModalForm {
   ui::TextBox& Text2() { return *Text2_; }
   std::string Program() const { return Text2_->Path(); }
 
-  void Command1_Click(int index);  // 0 OK, 1 Cancel, 2 Browse
+  void Command1_Click(int index);  // 0 OK, 1 Cancel, 2 Browse, 3 Help
 
  protected:
   void reject() override { Command1_Click(1); }  // Escape and the close box

@@ -2,6 +2,7 @@
 
 #include "documents/ObjectCopies.h"
 #include "files/Attributes.h"
+#include "services/Links.h"
 #include "services/Messages.h"
 #include "services/RecoveryKind.h"
 #include "ui/PathText.h"
@@ -48,8 +49,9 @@ void frmText::ConnectEditor() {
   connect(RichTextBox1_, &ui::RichTextBox::OvertypeChanged, this, [this](bool on) { services_.ShowOvertype(on); });
   connect(RichTextBox1_, &ui::RichTextBox::ContextMenuRequested, this,
           [this](const QPoint& position) { services_.ShowDocumentMenu(slot_, position); });
-  connect(RichTextBox1_, &ui::RichTextBox::LinkActivated, this,
-          [this](const QString& target) { services_.forms().Guarded([&] { FollowLink(target); }); });
+  connect(RichTextBox1_, &ui::RichTextBox::LinkActivated, this, [this](const QString& target) {
+    services_.forms().Guarded([&] { services::FollowLink(services_, this, target); });
+  });
   connect(RichTextBox1_, &ui::RichTextBox::ObjectActivated, this, [this](text::Units place) {
     ui::AfterCommand(this, [this, place] { services_.forms().Guarded([&] { OpenObject(place); }); });
   });

@@ -69,6 +69,7 @@ class frmText : public ui::ChildForm {
   void mnuPrint_Click();
   void mnuCopyPath_Click();
   void mnuRefresh_Click();
+  void mnuViewFile_Click();
 
   // --- Edit
   void mnuUndoItem_Click();
@@ -139,7 +140,6 @@ class frmText : public ui::ChildForm {
   };
 
   void ConnectEditor();
-  void FollowLink(const QString& target);
   void InsertAsRichText(const QByteArray& rtfOrText);
   void InsertNewObject(const ui::ObjectType& type);
   void InsertFiles(const std::vector<std::string>& paths);

@@ -138,6 +138,10 @@ class Services {
   virtual void ShowQuotesMenu(const QPoint& globalPosition) = 0;
   virtual void ShowPadMenu(ui::RichTextBox& pad, const QPoint& globalPosition) = 0;
 
+  // --- The user manual: a numbered topic in the help window, a numbered text at a point of the screen
+  virtual void ShowHelpContext(int topic) = 0;
+  virtual void ShowHelpPopup(const QPoint& globalPosition, int text) = 0;
+
   // InitDocProperties for each of them.
   virtual void RefreshAllDocuments() = 0;
   // Brings menus and status bar in line with the document in that slot.

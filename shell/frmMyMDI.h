@@ -16,6 +16,8 @@
 #include "search/Find.h"
 #include "search/frmYesNoAll.h"
 #include "shell/DesktopServices.h"
+#include "shell/ExternalPrograms.h"
+#include "shell/Help.h"
 #include "shell/RecentFiles.h"
 #include "shell/SettingsFile.h"
 #include "shell/frmOptions.h"
@@ -60,6 +62,8 @@ class frmMyMDI final : public DesktopServices {
   project::ProjectList& projectList() { return projectList_; }
   foldertree::FolderTree& folderTree() { return tree_; }
   foldertree::TreeFiles& treeFiles() { return treeFiles_; }
+  Help& help() { return help_; }
+  ExternalPrograms& programs() { return programs_; }
   autocomplete::AutoComplete& autoComplete() { return autoComplete_; }
   panes::Panes& panes() { return panes_; }
   // Another copy was there first: it has the panes and their files.
@@ -102,6 +106,8 @@ class frmMyMDI final : public DesktopServices {
     menus_.ShowPadPopup(pad, globalPosition);
   }
   void ShowQuotesMenu(const QPoint& globalPosition) override { menus_.ShowQuotesPopup(globalPosition); }
+  void ShowHelpContext(int topic) override { help_.ShowHelpContext(topic); }
+  void ShowHelpPopup(const QPoint& globalPosition, int text) override { help_.ShowHelpPopup(globalPosition, text); }
   void RefreshAllDocuments() override { commands_.RefreshAllDocuments(); }
   void InitDocProperties(int slot) override;
   void ToolbarToggle(bool enabled) override;
@@ -156,6 +162,8 @@ class frmMyMDI final : public DesktopServices {
   foldertree::TreeFiles treeFiles_;
   foldertree::TreeDrag treeDrag_;
   panes::Panes panes_;
+  Help help_;
+  ExternalPrograms programs_;
   commands::Commands commands_;
   commands::Toolbar toolbar_;
   commands::ListToolbar listToolbar_;

@@ -45,6 +45,7 @@ void frmMyMDI::MDIForm_Load() {
     const auto first = lock_.Acquire(place_.lock);
     otherInstanceRuns_ = first && !first.value();
   }
+  programs_.PrepareAbout(QUILLMARK_VERSION);
   services::ReadSettings(settingsFile_, SettingsBatch::kFormLoad, settings_);
   BuildDocumentFilter();
   CreateTabStops();
@@ -56,6 +57,10 @@ void frmMyMDI::MDIForm_Load() {
   ui::LetPendingEventsRun();
   QObject::connect(&Timer3_, &QTimer::timeout, &Timer3_, [this] { forms_.Guarded([this] { Timer3_Tick(); }); });
   Timer3_.start(1);
+  help_.ListenForKey([this] {
+    const ui::CommandScope command;
+    commands_.mnuUserManual_Click();
+  });
 }
 
 void frmMyMDI::CreateTabStops() {
@@ -153,6 +158,7 @@ void frmMyMDI::ReportSettingsProblem(Found when) {
 // Gives back the forms that may go; nothing after a Cancel.
 std::optional<std::vector<ui::FormId>> frmMyMDI::MDIForm_QueryUnload() {
   if (!fncconfirm("Project")) return std::nullopt;
+  help_.CloseWindows();
   std::vector<ui::FormId> asked = forms_.Backwards();
   for (const ui::FormId id : asked) {
     documents::frmText* document = table_.Find(id);

@@ -7,6 +7,8 @@
 namespace shell {
 namespace {
 
+constexpr int kHelpTopic = 4000;
+
 constexpr std::string services::Settings::*kPrograms[kInternetPrograms] = {
     &services::Settings::EmailApp, &services::Settings::NewsApp, &services::Settings::SNewsApp,
     &services::Settings::FTPApp};
@@ -52,7 +54,7 @@ frmOptions::frmOptions(services::Services& services)
   MakeInternetTab();
   ui::Button* ok = Command1(0, tr("&OK"));
   ok->setDefault(true);
-  ui::LayOutInRows(*this, {{TabStrip1_}, {ok, Command1(1, tr("&Cancel"))}});
+  ui::LayOutInRows(*this, {{TabStrip1_}, {ok, Command1(1, tr("&Cancel")), Command1(5, tr("&Help"))}});
 }
 
 ui::Button* frmOptions::Command1(int index, const QString& caption) {
@@ -198,6 +200,7 @@ void frmOptions::ReadBack(services::Settings& settings) const {
 void frmOptions::Command1_Click(int index) {
   if (index == 2) return PickFont();
   if (index == 4) return PickColor();
+  if (index == 5) return services_.ShowHelpContext(kHelpTopic);
   if (index >= 9) return BrowseForProgram(index);
   if (std::ranges::count(kDataFiles, index, &DataFile::button)) return BrowseForFile(index);
   Tag = std::to_string(index);

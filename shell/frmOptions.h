@@ -28,7 +28,7 @@ class frmOptions final : public ui::ModalForm {
   // The fields trimmed where they are no paths; an Internet program that is empty becomes its default.
   void ReadBack(services::Settings& settings) const;
 
-  // 0 OK, 1 Cancel, 2 Fonts, 4 Colors, 3 and 6 to 8 browse for a data file, 9 to 12 for an Internet program.
+  // 0 OK, 1 Cancel, 2 Fonts, 4 Colors, 5 Help, 3 and 6 to 8 browse for a data file, 9 to 12 for an Internet program.
   void Command1_Click(int index);
 
  protected:

@@ -56,6 +56,7 @@ class MenuTest : public ProgramTest {
         {"mnuSaveProjectAs", "mnuOpenAutoComplete"},
         {"mnuSelAll", "mnuAutoComplete"},
         {"mnuDelete", "mnuTime"},
+        {"mnuIntFTP", "mnuVelloraFTP"},
         {"mnuLinkAdd", "mnuRemoveFile"},
         {"mnuNewProject", "mnuNotesOpen"},
         {"mnuNewProject", "mnuNotesSave"},
@@ -104,7 +105,8 @@ class MenuTest : public ProgramTest {
 };
 
 TEST_F(MenuTest, WithoutADocument) {
-  EXPECT_EQ(TopLevel(), (QStringList{"&File", "Project &list", "&Tree view", "&Quotes", "&Options", "&Window"}));
+  EXPECT_EQ(TopLevel(), (QStringList{"&File", "Project &list", "&Tree view", "&Quotes", "&Internet", "&Options",
+                                     "&Window", "&Help"}));
   EXPECT_EQ(Shown("mnuFile"),
             (QStringList{"&New project", "&Open a project...", "Save &project file", "Save project file &as...", "-",
                          "&New document", "Open a &document...", "Save a&ll", "-", "Load &Auto-Complete file...",
@@ -118,7 +120,7 @@ TEST_F(MenuTest, WithoutADocument) {
 TEST_F(MenuTest, WithADocument) {
   New();
   EXPECT_EQ(TopLevel(), (QStringList{"&File", "&Edit", "For&mat", "&Strip", "Project &list", "&Tree view", "&Quotes",
-                                     "&Options", "&Window"}));
+                                     "&Internet", "&Options", "&Window", "&Help"}));
   EXPECT_TRUE(Shown("mnuFile").contains("&Save document"));
   EXPECT_EQ(Action("mnuSaveFile").shortcut(), QKeySequence("Ctrl+S"));
   EXPECT_EQ(Action("mnuBold").shortcut(), QKeySequence("Ctrl+B"));

@@ -26,7 +26,7 @@ class ScriptedShell final : public ui::Shell {
     asked.push_back(call);
     ranIn = directory;
     if (runs) runs();
-    return kStarted;
+    return starts ? starts(program) : kStarted;
   }
 
   std::vector<files::Path> Volumes() override { return volumes; }
@@ -35,6 +35,7 @@ class ScriptedShell final : public ui::Shell {
   std::vector<std::string> asked;
   files::Path ranIn;  // where the last program was started
   std::function<int(const std::string&)> opens;
+  std::function<int(const std::string&)> starts;
   std::function<void()> runs;
 };
 

@@ -1,0 +1,55 @@
+// The user manual: where it is, its window, and what F1 shows.
+#pragma once
+
+#include "files/OpenFile.h"
+#include "services/Services.h"
+#include "shell/ApplicationFolder.h"
+
+#include <memory>
+#include <optional>
+
+namespace ui {
+class HelpBook;
+class HelpKey;
+class HelpWindow;
+}  // namespace ui
+
+namespace shell {
+
+class Help {
+ public:
+  Help(services::Services& services, ApplicationFolder application);
+  ~Help();
+
+  // F1 is heard from here on. `open` is what it does where nothing has a topic of its own.
+  void ListenForKey(std::function<void()> open);
+
+  // False, and nothing said, when there is no window to be had.
+  bool ShowManual();
+  bool ShowFile(const files::Path& path);
+  // A topic or text that the manual does not have, or a manual that cannot be read, is told.
+  void ShowHelpContext(int topic);
+  void ShowHelpPopup(const QPoint& globalPosition, int text);
+  void CloseWindows();
+
+  // In the application folder, else where the program was installed.
+  files::Path FindDataFile(const char* name) const;
+  ui::HelpWindow* window() { return window_.get(); }
+
+ private:
+  std::shared_ptr<ui::HelpBook> Read(const files::Path& path, std::optional<files::Error>& error);
+  std::shared_ptr<ui::HelpBook> ReadOrTell(const files::Path& path);
+  bool Open(std::shared_ptr<ui::HelpBook> book);
+  files::Path ManualPath() const { return FindDataFile("UM.chm"); }
+
+  services::Services& services_;
+  const ApplicationFolder application_;
+  files::Path readPath_;  // what book_ was read from, as it was then
+  std::optional<files::FileStamp> readStamp_;
+  std::shared_ptr<ui::HelpBook> book_;
+  std::unique_ptr<ui::HelpWindow> window_;
+  std::unique_ptr<ui::HelpKey> key_;
+  bool reading_ = false;
+};
+
+}  // namespace shell
