@@ -272,12 +272,12 @@ class Program:
             return int(line.rsplit(None, 1)[-1].rstrip(","), 16) if "0x" in line else 0
         return 0
 
-    def wait_for_focus(self):
-        """Until the window that was opened last, or the main window, gets the keys."""
+    def wait_for_focus(self, window=-1):
+        """Until the window that was opened last gets the keys, or the one of this number: 0 is the main window."""
         def focused():
             ours = [int(window, 16) for window, _, _ in self.session.windows(self.pid)]
             # The window manager's word comes before the program has heard of it.
-            return ours and self.active_window() == ours[-1] and (not self.accessible or atspi.is_active(self.pid))
+            return ours and self.active_window() == ours[window] and (not self.accessible or atspi.is_active(self.pid))
         self.wait_until(focused, "the keyboard focus")
 
     def wait_for_title(self, part):
