@@ -60,6 +60,12 @@ void frmText::ConnectEditor() {
   });
   connect(RichTextBox1_, &ui::RichTextBox::DragStarting, this,
           [this](QMimeData* data, bool asFile) { services_.forms().Guarded([&] { AddFileToDrag(*data, asFile); }); });
+  connect(RichTextBox1_, &ui::RichTextBox::DragRefused, this, [this] {
+    ui::AfterCommand(this, [this] {
+      services::ShowError(services_.dialogs(), this,
+                          tr("This is too much to be dragged to another program.  Copy and paste it."));
+    });
+  });
   connect(RichTextBox1_, &ui::RichTextBox::EditFailed, this, [this](const QString& reason) {
     services::ShowError(services_.dialogs(), this, services::FileText(caption(), reason));
   });

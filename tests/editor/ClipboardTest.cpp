@@ -214,5 +214,23 @@ TEST(Clipboard, GoesFromOneBoxToAnother) {
   EXPECT_EQ(to.Text(), QStringLiteral("one\r\none\r\ntwo"));
 }
 
+TEST(Drag, OtherProgramsGetNoMoreThanADisplayTakes) {
+  Editor editor("[" + std::string(100'000, 'x') + "|");
+  const auto data = editor.controller.CopyOfSelection();
+  int refused = 0;
+  data->LimitTo([&] { ++refused; });
+  EXPECT_EQ(data->text().size(), 100'000);
+  EXPECT_EQ(refused, 0);
+  Editor big("[" + std::string(5'000'000, '\x80') + "|");  // three bytes each as text
+  const auto much = big.controller.CopyOfSelection();
+  much->LimitTo([&] { ++refused; });
+  EXPECT_TRUE(much->text().isEmpty());
+  EXPECT_TRUE(much->data(QStringLiteral("text/rtf")).isEmpty());
+  EXPECT_EQ(refused, 2);
+  Editor target("|");
+  target.controller.Insert(*much, false);
+  EXPECT_EQ(target.document.content().size(), text::Units(5'000'000)) << "within the program there is no limit";
+}
+
 }  // namespace
 }  // namespace ui::test

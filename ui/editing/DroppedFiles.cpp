@@ -32,7 +32,7 @@ std::unique_ptr<QMimeData> MimeDataOfFiles(const std::vector<std::string>& paths
   for (const std::string& path : paths)
     if (path.starts_with('/')) list += QByteArray::fromStdString(files::FileUrlFromPath(path)) + "\r\n";
   auto data = std::make_unique<QMimeData>();
-  data->setData(QLatin1String(kUriList), list);
+  if (list.size() <= kMostDragged) data->setData(QLatin1String(kUriList), list);
   return data;
 }
 

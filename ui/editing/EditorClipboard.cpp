@@ -5,6 +5,7 @@
 #include "text/html/HtmlWriter.h"
 #include "text/pictures/Pictures.h"
 #include "text/rtfwrite/RtfSave.h"
+#include "ui/editing/DroppedFiles.h"
 #include "ui/editing/EditorController.h"
 #include "ui/editing/EditorOperation.h"
 #include "ui/editing/Guarded.h"
@@ -33,6 +34,7 @@ namespace {
 
 constexpr QChar kObject(0xFFFC);
 const QString kPlainType = QStringLiteral("text/plain");
+const QString kUriList = QStringLiteral("text/uri-list");
 const QString kHtmlType = QStringLiteral("text/html");
 const QString kPngType = QStringLiteral("image/png");
 const QString kImageType = QStringLiteral("application/x-qt-image");
@@ -240,14 +242,35 @@ bool EditorMimeData::hasFormat(const QString& mimeType) const {
   return formats().contains(mimeType);
 }
 
+QVariant EditorMimeData::Convert(const QString& mimeType, QMetaType type) const {
+  if (picture_ && ImageTypes().contains(mimeType)) return ImageData(mimeType);
+  if (mimeType == kPlainType) return PlainTextForOthers(content_, range_);
+  if (IsRtfType(mimeType) && !isPlain()) return QByteArray::fromStdString(WriteFragment(content_, range_, properties_));
+  if (mimeType == kHtmlType && as_ == As::kRtfAndHtml) return HtmlOf(content_.Slice(range_), properties_);
+  return QMimeData::retrieveData(mimeType, type);
+}
+
+namespace {
+
+// As the toolkit sends it; an image at most as a bitmap.
+qint64 SizeOf(const QVariant& data) {
+  if (data.typeId() == QMetaType::QByteArray) return data.toByteArray().size();
+  if (data.typeId() == QMetaType::QImage) return data.value<QImage>().sizeInBytes();
+  const QString text = data.toString();
+  return text.size() > kMostDragged ? text.size() : text.toUtf8().size();
+}
+
+}  // namespace
+
 QVariant EditorMimeData::retrieveData(const QString& mimeType, QMetaType type) const {
   const auto convert = [&]() -> QVariant {
-    if (picture_ && ImageTypes().contains(mimeType)) return ImageData(mimeType);
-    if (mimeType == kPlainType) return PlainTextForOthers(content_, range_);
-    if (IsRtfType(mimeType) && !isPlain())
-      return QByteArray::fromStdString(WriteFragment(content_, range_, properties_));
-    if (mimeType == kHtmlType && as_ == As::kRtfAndHtml) return HtmlOf(content_.Slice(range_), properties_);
-    return QMimeData::retrieveData(mimeType, type);
+    // What is surely too long need not be converted to know.
+    const bool limited = refused_ && mimeType != kUriList;
+    if (!limited) return Convert(mimeType, type);
+    QVariant data = range_.size() > text::Units(kMostDragged) ? QVariant() : Convert(mimeType, type);
+    if (data.isValid() && SizeOf(data) <= kMostDragged) return data;
+    refused_();
+    return {};
   };
   const BusyPointer busy(range_.size() > kMuch && QGuiApplication::instance());
   // Another program asks, perhaps long after the copying: it gets nothing.

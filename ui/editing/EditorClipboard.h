@@ -9,6 +9,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -28,6 +29,8 @@ class EditorMimeData : public QMimeData {
   const text::Content& content() const { return content_; }
   text::Range range() const { return range_; }
   bool isPlain() const { return as_ == As::kPlain; }
+  // For a drag: other programs get nothing that is longer than kMostDragged, and the call is made instead.
+  void LimitTo(std::function<void()> refused) { refused_ = std::move(refused); }
 
  protected:
   QVariant retrieveData(const QString& mimeType, QMetaType type) const override;
@@ -35,10 +38,12 @@ class EditorMimeData : public QMimeData {
  private:
   QStringList ImageTypes() const;
   QVariant ImageData(const QString& mimeType) const;
+  QVariant Convert(const QString& mimeType, QMetaType type) const;
   text::Content content_;
   text::Range range_;
   text::rtf::DocumentProperties properties_;
   As as_;
+  std::function<void()> refused_;                  // none: there is no limit
   const text::EmbeddedObject* picture_ = nullptr;  // that is all of the range
 };
 

@@ -408,6 +408,9 @@ void RichTextBox::Impl::StartDrag() {
   Q_EMIT box.DragStarting(data.get(), (QGuiApplication::keyboardModifiers() & kAsFile) == kAsFile);
   // Whoever heard it may have asked the user something, and the button was let go meanwhile.
   if (!alive || QGuiApplication::mouseButtons() == Qt::NoButton) return;
+  data->LimitTo([alive, told = false]() mutable {
+    if (alive && !std::exchange(told, true)) QTimer::singleShot(0, alive, [alive] { Q_EMIT alive->DragRefused(); });
+  });
   auto* drag = new QDrag(&box);
   drag->setMimeData(data.release());
   dragging = true;

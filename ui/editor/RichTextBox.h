@@ -169,6 +169,7 @@ class RichTextBox : public QAbstractScrollArea {
   // A drag of the selection, to which formats may be added, with Control and Shift (`asFile`) or less. None starts when
   // the button has been let go behind this.
   void DragStarting(QMimeData* data, bool asFile);
+  void DragRefused();  // another program asked for more than can be dragged to it; from the event loop
   void EditFailed(const QString& reason);  // an event could not be carried out (out of memory); nothing was lost
 
  protected:
