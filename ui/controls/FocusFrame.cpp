@@ -2,6 +2,7 @@
 
 #include <QAbstractItemView>
 #include <QPainter>
+#include <QScrollBar>
 
 namespace ui {
 
@@ -10,6 +11,14 @@ void PaintFocusFrame(QAbstractItemView& view) {
   QPainter painter(view.viewport());
   painter.setPen(QPen(view.palette().color(QPalette::Highlight), 1));
   painter.drawRect(QRectF(view.viewport()->rect()).adjusted(0.5, 0.5, -0.5, -0.5));
+}
+
+void KeepFocusFrameInPlace(QAbstractItemView& view) {
+  for (const QScrollBar* bar : {view.horizontalScrollBar(), view.verticalScrollBar()}) {
+    QObject::connect(bar, &QScrollBar::valueChanged, &view, [&view] {
+      if (view.hasFocus()) view.viewport()->update();
+    });
+  }
 }
 
 }  // namespace ui

@@ -70,6 +70,7 @@ ListBox::ListBox(QWidget* parent) : QListView(parent), model_(new Model(this)) {
   setTextElideMode(Qt::ElideMiddle);
   setAcceptDrops(true);
   viewport()->setAcceptDrops(true);
+  KeepFocusFrameInPlace(*this);
 }
 
 ListBox::~ListBox() = default;

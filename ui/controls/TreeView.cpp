@@ -63,6 +63,7 @@ TreeView::TreeView(QWidget* parent) : QTreeView(parent), model_(new TreeModel(th
   setItemsExpandable(false);
   setRootIsDecorated(false);
   setIndentation(kIndentation);
+  KeepFocusFrameInPlace(*this);
   setTextElideMode(Qt::ElideMiddle);
   setAcceptDrops(true);
   viewport()->setAcceptDrops(true);

@@ -265,7 +265,7 @@ qint64 SizeOf(const QVariant& data) {
 QVariant EditorMimeData::retrieveData(const QString& mimeType, QMetaType type) const {
   const auto convert = [&]() -> QVariant {
     // What is surely too long need not be converted to know.
-    const bool limited = refused_ && mimeType != kUriList;
+    const bool limited = refused_ && mimeType != kUriList && hasFormat(mimeType);
     if (!limited) return Convert(mimeType, type);
     QVariant data = range_.size() > text::Units(kMostDragged) ? QVariant() : Convert(mimeType, type);
     if (data.isValid() && SizeOf(data) <= kMostDragged) return data;
