@@ -1,7 +1,6 @@
 // Events that come in the middle of a command.
 #include "tests/program/ProgramTest.h"
-
-#include <QTimer>
+#include "tests/support/EveryPoint.h"
 
 #include <new>
 
@@ -12,15 +11,6 @@ using ui::Answer;
 
 class PendingEventsTest : public ProgramTest {
  protected:
-  // Runs the call at every place where the program lets events through, until `stop_`.
-  void AtEveryPoint(const std::function<void()>& call) {
-    QTimer::singleShot(0, qApp, [this, call] {
-      if (stop_) return;
-      call();
-      ++points_;
-      AtEveryPoint(call);
-    });
-  }
   void CloseRequests() {
     for (int slot = 1; slot <= table().UpperBound(); ++slot)
       if (table().Document(slot) && !Changed(*table().Document(slot))) table().Document(slot)->RequestClose();
@@ -69,12 +59,11 @@ class PendingEventsTest : public ProgramTest {
     EXPECT_EQ(std::count(shown.begin(), shown.end(), true), List1.count());
   }
   void TearDown() override {
-    stop_ = true;
+    everyPoint.Stop();
     Settle();
   }
 
-  bool stop_ = false;
-  int points_ = 0;
+  support::EveryPoint everyPoint;
 };
 
 TEST_F(PendingEventsTest, ACloseRequestWaitsForTheCommandsEnd) {
@@ -142,13 +131,12 @@ TEST_F(PendingEventsTest, WhatIsOpenedWhileTheEndIsAskedAboutStays) {
 
 TEST_F(PendingEventsTest, DocumentsThatAppearWhileAllAreClosedStay) {
   for (const char* name : {"a.txt", "b.txt", "c.txt"}) Open(Put(name, ""));
-  int made = 0;
-  AtEveryPoint([&] {
-    if (made++ < 2) table().NewDocument();
+  everyPoint.Start([&](int point) {
+    if (point < 2) table().NewDocument();
   });
   program().commands().mnuCloseAll_Click();
-  stop_ = true;
-  EXPECT_GT(points_, 0) << "nothing was injected";
+  everyPoint.Stop();
+  EXPECT_GT(everyPoint.points(), 0) << "nothing was injected";
   for (const char* name : {"a.txt", "b.txt", "c.txt"}) EXPECT_FALSE(Showing(At(name).native())) << name;
   int open = 0;
   for (int slot = 1; slot <= table().UpperBound(); ++slot) open += table().Document(slot) != nullptr;
@@ -157,12 +145,12 @@ TEST_F(PendingEventsTest, DocumentsThatAppearWhileAllAreClosedStay) {
 
 TEST_F(PendingEventsTest, DocumentsThatGoWhileAllAreMinimized) {
   for (const char* name : {"a.txt", "b.txt", "c.txt", "d.txt"}) Open(Put(name, ""));
-  AtEveryPoint([&] {
-    if (frmText* document = Showing(At(points_ == 0 ? "c.txt" : "a.txt").native())) document->Close();
+  everyPoint.Start([&](int point) {
+    if (frmText* document = Showing(At(point == 0 ? "c.txt" : "a.txt").native())) document->Close();
   });
   program().commands().mnuMinRest_Click();
-  stop_ = true;
-  EXPECT_GE(points_, 2);
+  everyPoint.Stop();
+  EXPECT_GE(everyPoint.points(), 2);
   EXPECT_FALSE(Showing(At("c.txt").native()));
   EXPECT_EQ(Showing(At("b.txt").native())->windowState(), ui::WindowState::kMinimized);
 }
@@ -247,13 +235,11 @@ TEST_F(PendingEventsTest, AnythingAtAnyPoint) {
       for (const char* name : {"a.txt", "b.txt", "c.txt"}) Open(Put(name, "text"));
       Put("p.prj", At("a.txt").native() + "\r\n" + At("c.txt").native() + "\r\n/no/z\r\n");
       LoadProject();
-      int times = 0;
-      stop_ = false;
-      AtEveryPoint([&, &act = happens] {
-        if (times++ < 3) act();
+      everyPoint.Start([&act = happens](int point) {
+        if (point < 3) act();
       });
       run();
-      stop_ = true;
+      everyPoint.Stop();
       Settle();
       ExpectSound();
       ExpectSoundProject();

@@ -1,13 +1,24 @@
-// The operations on the files of the tree, with file operations that the test carries out.
+// The operations on the files of the tree, with file operations that the test carries out, or real ones.
 #pragma once
 
+#include "bench/AgreeingDialogs.h"
 #include "tests/program/FolderTreeTest.h"
 #include "tests/support/ScriptedFileOperations.h"
 
 #include <QClipboard>
 #include <QDeadlineTimer>
 #include <QLineEdit>
+#include <QPushButton>
 #include <QThread>
+
+// Skips what meets something of its name and what fails.
+class SkippingDialogs final : public bench::AgreeingDialogs {
+ public:
+  bool ShowModal(ui::ModalForm& form) override {
+    if (auto* const skip = form.findChild<QPushButton*>("cmdSkip")) skip->click();
+    return form.result() == QDialog::Accepted;
+  }
+};
 
 class TreeFilesTest : public FolderTreeTest {
  protected:

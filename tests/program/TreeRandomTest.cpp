@@ -1,9 +1,6 @@
 // Random operations on the tree with the real engine against a plain model of the disk.
-#include "bench/AgreeingDialogs.h"
 #include "tests/program/TreeFilesTest.h"
 #include "ui/desktop/DesktopFileOperations.h"
-
-#include <QPushButton>
 
 #include <cstdlib>
 #include <fstream>
@@ -16,15 +13,6 @@ namespace {
 using ui::Answer;
 using ui::Buttons;
 using ui::Icon;
-
-// Skips what meets something of its name and what fails.
-class SkippingDialogs final : public bench::AgreeingDialogs {
- public:
-  bool ShowModal(ui::ModalForm& form) override {
-    if (auto* const skip = form.findChild<QPushButton*>("cmdSkip")) skip->click();
-    return form.result() == QDialog::Accepted;
-  }
-};
 
 class RandomTree : public TreeFilesTest {
  protected:

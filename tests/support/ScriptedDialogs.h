@@ -67,6 +67,8 @@ class ScriptedDialogs final : public ui::Dialogs {
   }
   // Receives the open form, sets its controls and closes it by accept() or reject().
   void Modal(std::function<void(ui::ModalForm&)> act) { Announce<void(ui::ModalForm&)>("modal form", std::move(act)); }
+  // Whatever else is asked by a message box is answered so.
+  void AnswerTheRest(ui::Answer answer) { rest_ = answer; }
   // The next work is cancelled by the user before it begins.
   void CancelNextWork() { cancelNextWork_ = true; }
   // The memory runs out in the next work.
@@ -77,6 +79,7 @@ class ScriptedDialogs final : public ui::Dialogs {
 
   // --- Dialogs
   ui::Answer ShowMessage(ui::Form*, const ui::Message& shown) override {
+    if (steps_.empty() && rest_) return *rest_;
     const QString title = shown.title.isEmpty() ? QStringLiteral("Quillmark") : shown.title;
     const auto answer = Take<ui::Answer(const ui::Message&)>("message box [" + title + "] " + shown.text);
     return answer ? answer(shown) : ui::Answer::kCancel;
@@ -142,6 +145,7 @@ class ScriptedDialogs final : public ui::Dialogs {
   }
 
   std::deque<Step> steps_;
+  std::optional<ui::Answer> rest_;
   bool cancelNextWork_ = false, failNextWork_ = false;
   std::function<void()> afterNextWork_;
 };
