@@ -4,9 +4,10 @@
     tools/check_manual.py           what must always hold; a test runs it
     tools/check_manual.py --ahead   names what the manual says of the program and the sources do not know
 
-What must hold: the two tables fit each other and the files; tags are closed; links, their places in pages and pictures
-exist; no page is empty or nowhere to be found; every command of the menus stands on the page of commands, under its menu
-and with its keys; commands named elsewhere stand there too; the settings are those of the program, each explained.
+What must hold: the two tables fit each other, the files and what the program asks for; tags are closed; links, their
+places in pages and pictures exist; no page is empty or nowhere to be found; every command of the menus stands on the page
+of commands, under its menu and with its keys; commands named elsewhere stand there too; the settings are those of the
+program, each explained.
 """
 
 import html.parser
@@ -106,11 +107,11 @@ def check_tables(pages):
             problem(where, f"no such page: {name}")
         elif pages[name].title != title:
             problem(where, f'"{title}" is called "{pages[name].title}" on its page')
-    numbers, named, forms = set(), set(), set()
+    topics, named, forms = {}, set(), set()
     for where, (number, target, title, form) in rows("topics.tsv", 4):
-        if not number.isdigit() or int(number) in numbers or not title:
+        if not number.isdigit() or number in topics or not title:
             problem(where, f"the number {number} stands twice, is none, or has no title")
-        numbers.add(int(number) if number.isdigit() else -1)
+        topics[number] = form
         if form and form in forms:
             problem(where, f"{form} has two topics")
         forms.add(form)
@@ -122,10 +123,22 @@ def check_tables(pages):
         problem(name, "is not in the contents")
     for name in sorted(set(listed) - named):
         problem(name, "has no topic")
-    for number in (50, 4000, 10000):
-        if number not in numbers:
-            problem("topics.tsv", f"the program asks for number {number}")
+    check_topics(topics, forms - {""})
     return named | set(listed)
+
+
+def check_topics(topics, forms):
+    """What the sources ask for by number is there, and each window is known by the name that it has there."""
+    asked = {"50": "", "4000": "frmOptions", "10000": "frmNoExtApp"}
+    table = (ROOT / "shell/HelpTopics.cpp").read_text(encoding="utf-8")
+    asked |= {number: form for form, number in re.findall(r'\{"(\w+)", (\d+)\}', table)}
+    if len(asked) < 10:
+        problem("shell/HelpTopics.cpp", "the topics are not where they were")
+    for number, form in asked.items():
+        if topics.get(number) != form:
+            problem("topics.tsv", f"the program asks for number {number}, for {form or 'no window'}")
+    for form in sorted(forms - set(asked.values())):
+        problem("topics.tsv", f"the program has no topic for {form}")
 
 
 def check_files(pages, named):
