@@ -2,7 +2,8 @@
 """Checks the user manual in data/manual.
 
     tools/check_manual.py           what must always hold; a test runs it
-    tools/check_manual.py --ahead   names what the manual says of the program and the sources do not know
+    tools/check_manual.py --ahead   names what the manual says of the program and the sources do not know, and messages
+                                    of the sources that the manual does not explain
 
 What must hold: the two tables fit each other, the files and what the program asks for; tags are closed; links, their
 places in pages and pictures exist; no page is empty or nowhere to be found; every command of the menus stands on the page
@@ -21,6 +22,7 @@ VOID = {"br", "img", "link", "meta", "hr"}
 ROOT_VALUE = "Quillmark Toolbar1"
 FEWEST_WORDS = 40
 LARGEST_PICTURE = 60 * 1024
+WIDEST_PICTURE = 600  # what the page of the help window shows
 
 problems = []
 
@@ -141,6 +143,13 @@ def check_topics(topics, forms):
         problem("topics.tsv", f"the program has no topic for {form}")
 
 
+def check_picture(path):
+    content = path.read_bytes()
+    # The header of a PNG holds its width.
+    if len(content) > LARGEST_PICTURE or int.from_bytes(content[16:20], "big") > WIDEST_PICTURE:
+        problem(path.name, "is too large")
+
+
 def check_files(pages, named):
     used = {"contents.tsv", "topics.tsv"} | named
     for name, page in pages.items():
@@ -159,8 +168,8 @@ def check_files(pages, named):
             used.add(picture)
             if not (MANUAL / picture).is_file():
                 problem(name, f"no such picture: {picture}")
-            elif (MANUAL / picture).stat().st_size > LARGEST_PICTURE:
-                problem(picture, "is too large")
+            else:
+                check_picture(MANUAL / picture)
     for path in MANUAL.rglob("*"):
         name = path.relative_to(MANUAL).as_posix()
         if path.is_file() and name not in used:
@@ -257,6 +266,23 @@ def name_unknown_messages(pages):
                     print(f"{page.path.name}: not in the sources: {part}")
 
 
+def name_untold_messages(pages):
+    """Sentences that windows and questions show are among them; not all of these need words."""
+    manual = " ".join(page.words() for page in pages.values())
+    marked = re.compile(r"\b(?:[tT]r|translate)\((?:\"\w+\",\s*)?((?:" + LITERAL + r"\s*)+)")
+    for path in sorted(ROOT.glob("*/**/*.cpp")):
+        where = path.relative_to(ROOT)
+        if where.parts[0] in ("build", "tests"):
+            continue
+        for found in marked.finditer(path.read_text(encoding="utf-8")):
+            text = "".join(re.findall(LITERAL, found[1])).replace("\\r\\n", " ").replace('\\"', '"').replace("&", "")
+            sentences = re.split(r"(?<=[.?]) |[:(] |%\d+", " ".join(text.split()))
+            told = [part for part in sentences if len(part) <= 12 or part.lstrip('" ') in manual]
+            untold = [part for part in sentences if part not in told and re.search(r"[^.][.?]$", part)]
+            if untold:
+                print(f"{where}: not in the manual: {untold[0]}")
+
+
 def main():
     pages = {path.name: Page(path) for path in sorted(MANUAL.glob("*.html"))}
     check_files(pages, check_tables(pages))
@@ -265,6 +291,7 @@ def main():
     check_settings(pages)
     if ahead:
         name_unknown_messages(pages)
+        name_untold_messages(pages)
     print(*problems, sep="\n", end="\n" if problems else "")
     return 1 if problems else 0
 
