@@ -13,6 +13,7 @@ frmYesNoAll::frmYesNoAll(ui::Form& owner) : ModalForm(owner.widget()) {
   auto* Command1 = new ui::Button("Command1", tr("&Yes"), [this] { Command1_Click(); });
   auto* Command2 = new ui::Button("Command2", tr("&No"), [this] { Command2_Click(); });
   Command3_ = new ui::Button("Command3", tr("&Cancel"), [this] { Command3_Click(); });
+  Command3_->setDefault(true);  // also for Enter in the check box
   chkAll_ = new ui::CheckBox("chkAll", tr("&Apply this choice to all selected"));
   ui::LayOutInRows(*this, {{Label1_}, {Command1, Command2, Command3_}, {chkAll_}});
 }

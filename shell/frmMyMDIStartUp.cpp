@@ -127,15 +127,16 @@ void frmMyMDI::OpenFirst(const std::vector<files::Path>& paths) {
   }
 }
 
-// All of its entries but the folders and the page on the web.
+// All of its entries but the folders and the page on the web. Where it could not be written there are none.
 void frmMyMDI::OpenWelcomeProject() {
   project_.ProjectFile = WelcomeProject(place_.application).native();
   project_.LoadProject();
   projectList_.mnuSelectAll_Click();
   ui::LetPendingEventsRun();
   ui::ListBox& List1 = frame_.leftPane().List1();
-  for (int line = 1; line <= 3 && line < List1.count(); ++line) List1.Select(line, false);
-  projectList_.mnuOpenFromList_Click();
+  constexpr int kNotOpened = 3;
+  for (int line = 1; line <= kNotOpened && line < List1.count(); ++line) List1.Select(line, false);
+  if (List1.count() > kNotOpened + 1) projectList_.mnuOpenFromList_Click();
 }
 
 void frmMyMDI::ReportSettingsProblem(Found when) {

@@ -45,6 +45,12 @@ std::vector<std::string_view> BytesOfUnknown(std::string_view name) {
   return unknown;
 }
 
+// Also what ends a line, or turns round what stands behind it: "txt.exe" behind U+202E would look like "exe.txt".
+bool IsControl(char16_t c) {
+  constexpr std::u16string_view kOthers = u"\u007F\u0085\u2028\u2029\u202D\u202E";
+  return c < 0x20 || kOthers.find(c) != std::u16string_view::npos;
+}
+
 }  // namespace
 
 QString DisplayText(std::string_view bytes) {
@@ -53,7 +59,7 @@ QString DisplayText(std::string_view bytes) {
   for (; bytes.starts_with(kByteOrderMark); bytes.remove_prefix(kByteOrderMark.size())) text += QChar(0xFEFF);
   text += QString::fromUtf8(bytes.data(), static_cast<qsizetype>(bytes.size()));
   for (QChar& c : text)
-    if (c.unicode() < 0x20 || c.unicode() == 0x7F) c = kUnknown;
+    if (IsControl(c.unicode())) c = kUnknown;
   return text;
 }
 

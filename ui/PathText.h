@@ -10,7 +10,7 @@
 
 namespace ui {
 
-// For display only: bytes that are not UTF-8 and control characters show as U+FFFD.
+// For display only: bytes that are not UTF-8, control characters, line ends and direction overrides show as U+FFFD.
 QString DisplayText(std::string_view bytes);
 
 // The same, but of a long text only the beginning and the end, with an ellipsis between: about a thousand characters.

@@ -234,6 +234,14 @@ TEST_F(FirstRunTest, OpensReadmeAndTour) {
   EXPECT_FALSE(table().AnyDocumentOpen());
 }
 
+TEST_F(FirstRunTest, WithoutATourNothingIsAskedFor) {
+  place.application = Find();
+  fs::create_directories(place.application.path);
+  Put("home/data/quillmark/Welcome.prj", "");
+  Restart();
+  EXPECT_FALSE(table().AnyDocumentOpen());
+}
+
 TEST_F(FirstRunTest, ACommandLineComesBeforeTheTour) {
   place.application = Find();
   paths = {Put("a.txt", "")};

@@ -9,8 +9,10 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QColorDialog>
+#include <QComboBox>
 #include <QFileDialog>
 #include <QFontDialog>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
@@ -67,6 +69,19 @@ TEST(QtDialogs, MessageBoxes) {
     });
     EXPECT_EQ(dialogs.ShowMessage(nullptr, {"File: <b>a & b</b>\r\nsecond", c.buttons, Icon::kExclamation}), c.answer);
   }
+}
+
+TEST(QtDialogs, AMessageShowsAllOfALongName) {
+  ui::QtDialogs dialogs;
+  WhenOpen<QMessageBox>([](QMessageBox& box) {
+    const auto* label = box.findChild<QLabel*>("qt_msgbox_label");
+    ASSERT_TRUE(label);
+    EXPECT_LE(label->fontMetrics().boundingRect(label->rect(), Qt::TextWordWrap, label->text()).width(),
+              label->width());
+    EXPECT_EQ(box.text().remove(QChar(0x200B)), QString(250, 'x'));
+    box.accept();
+  });
+  dialogs.ShowMessage(nullptr, {QString(250, 'x'), Buttons::kOk, Icon::kNone});
 }
 
 TEST(QtDialogs, NoHourglassStandsOverAQuestion) {
@@ -141,6 +156,52 @@ TEST(QtDialogs, FileDialogs) {
   }
   // The toolkit's own clearing away does not know such names.
   std::filesystem::remove(path / "caf\xE9.txt");
+}
+
+struct KindCase {
+  QString chosenKind, typed;  // nothing typed: what is proposed
+  std::string chosen;
+};
+
+TEST(QtDialogs, AChosenKindGivesItsExtension) {
+  QTemporaryDir folder;
+  const files::Path path(folder.path().toStdString());
+  std::ofstream(path / "README") << "text";
+  const KindCase cases[] = {
+      {{}, "letter", "letter"},  // the caller knows the extension
+      {".rtf (*.rtf)", "letter", "letter.rtf"},
+      {".rtf (*.rtf)", {}, "Untitled.rtf"},
+      {".rtf (*.rtf)", "letter.old", "letter.old"},
+      {".rtf (*.rtf)", "README", "README"},
+      {".htm* (*.htm*)", "letter", "letter.htm"},
+      {".htm* (*.htm*)", {}, "Untitled.htm"},
+      {"All Files (*)", "letter", "letter"},
+  };
+  ui::QtDialogs dialogs;
+  for (const KindCase& c : cases) {
+    SCOPED_TRACE(c.chosenKind.toStdString() + ' ' + c.typed.toStdString());
+    const ui::FileRequest request{
+        .save = true,
+        .filters = {{".txt", "*.txt"}, {".htm*", "*.htm*"}, {".rtf", "*.rtf"}, {"All Files", "*.*"}},
+        .filterIndex = 1,
+        .folder = path,
+        .name = "Untitled.txt"};
+    WhenOpen<QFileDialog>([&](QFileDialog& dialog) {
+      auto* kinds = dialog.findChild<QComboBox*>("fileTypeCombo");
+      auto* name = dialog.findChild<QLineEdit*>("fileNameEdit");
+      ASSERT_TRUE(kinds && name);
+      const int row = c.chosenKind.isEmpty() ? 0 : kinds->findText(c.chosenKind);
+      ASSERT_GE(row, 0);
+      while (kinds->currentIndex() < row) {
+        QKeyEvent down(QEvent::KeyPress, Qt::Key_Down, Qt::NoModifier);
+        QApplication::sendEvent(kinds, &down);
+      }
+      if (!c.typed.isEmpty()) name->setText(c.typed);
+      static_cast<QDialog&>(dialog).accept();
+    });
+    const auto chosen = dialogs.PickFile(nullptr, request);
+    EXPECT_EQ(chosen ? chosen->filename().native() : "", c.chosen);
+  }
 }
 
 TEST(QtDialogs, ColoursAndTheUsersOwnOnes) {

@@ -49,6 +49,22 @@ TEST(MenuBar, SeparatorsNeverStandFirstLastOrDoubled) {
   }
 }
 
+// The end of a path says which file it is.
+TEST(MenuBar, LongEntriesAreShortenedInTheMiddle) {
+  const std::vector<ui::MenuRow> rows = {
+      {.kind = Kind::kMenu, .name = "m", .caption = "M"}, {.kind = Kind::kList, .name = "list"}, {.kind = Kind::kEnd}};
+  QMenuBar widget;
+  ui::MenuBar bar(widget, rows);
+  const QString middle(300, 'x'), ampersands(300, '&');
+  bar.SetList(1,
+              {{"&1 /a && b/c.txt"}, {"&1 /a/" + middle + "/c.txt"}, {"&1 /" + ampersands + "b/" + middle + "c.txt"}});
+  const QList<QAction*> actions = bar.menu(0)->actions();
+  ASSERT_EQ(actions.size(), 3);
+  EXPECT_EQ(actions[0]->text(), "&1 /a && b/c.txt");
+  EXPECT_EQ(actions[1]->text(), "&1 /a/" + middle.left(34) + QChar(0x2026) + middle.left(64) + "/c.txt");
+  EXPECT_EQ(actions[2]->text(), "&1 /" + ampersands + "b" + QChar(0x2026) + middle.left(65) + "c.txt");
+}
+
 TEST(MenuBar, KeysDependOnTheDocument) {
   const ui::MenuRow rows[] = {
       {.kind = Kind::kMenu, .name = "m", .caption = "M"},

@@ -20,6 +20,10 @@ TEST(PathText, Display) {
       {"gr\xC3\xBC\xC3\x9F", QString::fromUtf8("gr\xC3\xBC\xC3\x9F")},
       {"caf\xE9", QString("caf") + QChar(0xFFFD)},
       {"a\nb\tc", QString("a") + QChar(0xFFFD) + "b" + QChar(0xFFFD) + "c"},
+      {"a\xE2\x80\xA8"
+       "b\xE2\x80\xAEtxt.c",
+       QString("a") + QChar(0xFFFD) + "b" + QChar(0xFFFD) + "txt.c"},
+      {"\u05D0\u200F.txt", QString::fromUtf8("\u05D0\u200F.txt")},
       {"<b>a & b</b>", "<b>a & b</b>"},
   };
   for (const DisplayCase& c : cases) EXPECT_EQ(ui::DisplayText(c.bytes), c.shown);
@@ -32,7 +36,8 @@ TEST(PathText, EditedNames) {
       std::getenv("QUILLMARK_SEED") ? std::stoul(std::getenv("QUILLMARK_SEED")) : std::random_device()();
   SCOPED_TRACE("QUILLMARK_SEED=" + std::to_string(seed));
   std::mt19937 chance(seed);
-  constexpr std::string_view kBytes = "a\n\xEF\xBB\xBF\xBD\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80\xED\xA0\xF4\x90\xC0\xFF";
+  constexpr std::string_view kBytes =
+      "a\n\xEF\xBB\xBF\xBD\xC3\xA9\xE2\x80\xAE\x82\xAC\xF0\x9F\x98\x80\xED\xA0\xF4\x90\xC0\xFF";
   for (int i = 0; i < 5000 && !::testing::Test::HasFailure(); ++i) {
     std::string name;
     for (size_t size = 1 + chance() % 9; name.size() < size;) name += kBytes[chance() % kBytes.size()];

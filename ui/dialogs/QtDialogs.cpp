@@ -1,5 +1,6 @@
 #include "ui/dialogs/QtDialogs.h"
 
+#include "files/Attributes.h"
 #include "ui/Forms.h"
 #include "ui/Hourglass.h"
 #include "ui/PathText.h"
@@ -15,9 +16,11 @@
 #include <QApplication>
 #include <QCoreApplication>
 #include <QFileDialog>
+#include <QLineEdit>
 #include <QMessageBox>
 #include <QPointer>
 #include <QPrintDialog>
+#include <QRegularExpression>
 
 namespace ui {
 namespace {
@@ -54,6 +57,22 @@ QMessageBox::StandardButtons ToQt(Buttons buttons) {
   return QMessageBox::Ok;
 }
 
+// A line ends between words only, and a long name is one.
+QString WithPlacesToBreak(const QString& text) {
+  constexpr int kLongestWord = 80;
+  QString result;
+  int word = 0;
+  for (const QChar c : text) {
+    if (word >= kLongestWord && !c.isLowSurrogate() && !c.isMark()) {
+      result += QChar(0x200B);
+      word = 0;
+    }
+    word = c.isSpace() || c == QLatin1Char('/') ? 0 : word + 1;
+    result += c;
+  }
+  return result;
+}
+
 // "*.*" means every file, also one without a dot.
 QString NameFilterOf(const FileFilter& filter) {
   QString masks;
@@ -63,6 +82,38 @@ QString NameFilterOf(const FileFilter& filter) {
   description.truncate(description.lastIndexOf(QLatin1String(" (")) < 0 ? description.size()
                                                                         : description.lastIndexOf(QLatin1String(" (")));
   return description + QLatin1String(" (") + masks + QLatin1Char(')');
+}
+
+// What the names of this kind end in: ".htm" for "*.htm*", nothing for all files.
+QString ExtensionOf(const FileFilter& filter) {
+  static const QRegularExpression kOneEnding(QStringLiteral(R"(^\s*\*(\.[^*?\[/;]+)\*?\s*(;|$))"));
+  return kOneEnding.match(filter.pattern).captured(1);
+}
+
+// nullptr: the desktop's dialog knows it by another name.
+const FileFilter* FilterNamed(const QFileDialog& dialog, const FileRequest& request, const QString& name) {
+  const qsizetype index = dialog.nameFilters().indexOf(name);
+  return index < 0 ? nullptr : &request.filters[static_cast<size_t>(index)];
+}
+
+// The toolkit's own dialog gives the name the ending of the chosen mask, its asterisk too.
+void KeepMaskOutOfName(QFileDialog& dialog, const FileRequest& request) {
+  QObject::connect(&dialog, &QFileDialog::filterSelected, &dialog, [&dialog, &request](const QString& chosen) {
+    auto* name = dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+    const FileFilter* filter = FilterNamed(dialog, request, chosen);
+    const QString extension = name && filter ? ExtensionOf(*filter) : QString();
+    if (!extension.isEmpty() && name->text().endsWith(extension + QLatin1Char('*')))
+      name->setText(name->text().chopped(1));
+  });
+}
+
+// A name without any extension gets that of the kind that was chosen in the dialog. The kind it began with is the
+// caller's affair.
+files::Path WithChosenExtension(const files::Path& path, const QFileDialog& dialog, const FileRequest& request) {
+  const FileFilter* filter = FilterNamed(dialog, request, dialog.selectedNameFilter());
+  const bool chosen = filter && filter - request.filters.data() + 1 != request.filterIndex;
+  if (!chosen || path.filename().native().find('.') != std::string::npos || files::GetAttributes(path)) return path;
+  return files::Path(path.native() + ExtensionOf(*filter).toStdString());
 }
 
 void Prepare(QFileDialog& dialog, const FileRequest& request) {
@@ -78,6 +129,7 @@ void Prepare(QFileDialog& dialog, const FileRequest& request) {
     dialog.selectNameFilter(filters[request.filterIndex - 1]);
   if (!request.folder.empty()) dialog.setDirectory(DisplayText(request.folder.native()));
   if (!request.name.empty()) dialog.selectFile(DisplayText(request.name.native()));
+  KeepMaskOutOfName(dialog, request);
 }
 
 }  // namespace
@@ -91,7 +143,7 @@ Answer QtDialogs::ShowMessage(Form* owner, const Message& message) {
   box.setIcon(ToQt(message.icon));
   box.setWindowTitle(message.title.isEmpty() ? QCoreApplication::applicationName() : message.title);
   box.setTextFormat(Qt::PlainText);
-  box.setText(text);
+  box.setText(WithPlacesToBreak(text));
   box.setStandardButtons(ToQt(message.buttons));
   switch (box.exec()) {
     case QMessageBox::Yes:
@@ -116,7 +168,7 @@ std::optional<files::Path> QtDialogs::PickFile(Form* owner, const FileRequest& r
   if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return std::nullopt;
   const QString chosen = dialog.selectedFiles().constFirst();
   const files::Path proposed = request.name.empty() ? files::Path() : request.folder / request.name;
-  return PathOfChosen(chosen, proposed);
+  return WithChosenExtension(PathOfChosen(chosen, proposed), dialog, request);
 }
 
 std::optional<FontChoice> QtDialogs::PickFont(Form* owner, const FontChoice& initial, CustomColors& custom) {

@@ -19,6 +19,19 @@ QString CaptionOf(const MenuRow& row) {
   return *row.hint ? caption + QLatin1Char('\t') + QLatin1String(row.hint) : caption;
 }
 
+// A path can be longer than the screen is wide. Neither "&&" nor a surrogate pair is cut in two.
+QString Shortened(const QString& caption) {
+  constexpr qsizetype kLongest = 120, kBegin = 40, kEnd = 70;
+  if (caption.size() <= kLongest) return caption;
+  const auto splits = [&](qsizetype at) {
+    return caption[at - 1] == QLatin1Char('&') || caption[at - 1].isHighSurrogate();
+  };
+  qsizetype begin = kBegin, end = caption.size() - kEnd;
+  while (begin < caption.size() && splits(begin)) ++begin;
+  while (end < caption.size() && splits(end)) ++end;
+  return begin < end ? caption.left(begin) + QChar(0x2026) + caption.mid(end) : caption;
+}
+
 }  // namespace
 
 MenuBar::MenuBar(QMenuBar& bar, std::span<const MenuRow> rows)
@@ -126,7 +139,7 @@ void MenuBar::SetList(size_t row, const std::vector<MenuListEntry>& entries) {
   for (QAction* old : lists_[row]) old->deleteLater(), menus_[row]->removeAction(old);
   lists_[row].clear();
   for (size_t k = 0; k < entries.size(); ++k) {
-    QAction* action = menus_[row]->addAction(entries[k].caption);
+    QAction* action = menus_[row]->addAction(Shortened(entries[k].caption));
     action->setCheckable(entries[k].checked.has_value());
     action->setChecked(entries[k].checked.value_or(false));
     connect(action, &QAction::triggered, this, [this, row, k] { Q_EMIT ListTriggered(row, k); });
