@@ -24,9 +24,9 @@ bool IsFolder(const files::Path& path) {
   return fs::is_directory(path, ignored);
 }
 
-// The help files are read where they were installed.
+// Help files are read, and programs run, where they were installed.
 bool IsForTheUser(const files::Path& path) {
-  return path.filename() != kPortable && path.extension() != ".chm";
+  return path.filename() != kPortable && path.extension() != ".chm" && path.extension() != ".exe";
 }
 
 bool CopyFile(const files::Path& from, const files::Path& to, const files::Path& stateFolder) {

@@ -61,13 +61,13 @@ void ExternalPrograms::StartProtocolApp(const std::string& command) {
     if (Run(program, SplitArguments(std::string_view(command).substr(rest)))) return;
   }
   services::ShowError(services_.dialogs(), services_.forms().at(0),
-                      Tr("Error: There was a problem starting ") + ui::ShortDisplayText(command));
+                      Tr("Error: There was a problem starting ") + ui::DisplayText(command));
 }
 
 void ExternalPrograms::RunSibling(const char* name, const QString& failure) {
   const ui::CommandScope scope;
   const std::string directory = services_.MakeAbsolute(".").native();
-  if (!Run((folder_ / name).native(), {"," + directory}))
+  if (!Run(help_.FindDataFile(name).native(), {"," + directory}))
     services::ShowError(services_.dialogs(), services_.forms().at(0), failure);
 }
 
@@ -92,7 +92,7 @@ void ExternalPrograms::mnuHTMLTagRef_Click() {
 }
 
 void ExternalPrograms::ShowHelpNotice() {
-  frmHelpCheck notice(services_, folder_);
+  frmHelpCheck notice(services_, help_.FindDataFile("hhupd.exe").parent_path());
   services_.dialogs().ShowModal(notice);
 }
 

@@ -45,9 +45,11 @@ std::shared_ptr<ui::HelpBook> Help::Read(const files::Path& path, std::optional<
   if (reading_) return nullptr;  // the key was pressed again before the first reading was done
   reading_ = true;
   std::optional<files::Result<ui::ChmEntries>> read;
+  std::shared_ptr<ui::HelpBook> book;
   try {
     services_.dialogs().RunWork(nullptr, Tr("Opening the help"), 0, [&](ui::WorkPort& port) {
       read = ui::ReadChm(path, [&port] { return !port.cancelled(); });
+      if (*read) book = std::make_shared<ui::HelpBook>(std::move(read->value()));
     });
   } catch (...) {
     reading_ = false;
@@ -58,7 +60,6 @@ std::shared_ptr<ui::HelpBook> Help::Read(const files::Path& path, std::optional<
     error = read->error();
     return nullptr;
   }
-  auto book = std::make_shared<ui::HelpBook>(std::move(read->value()));
   if (!book->Has(book->start())) {
     error = files::Error{.number = 5, .path = path, .text = "The file holds no page."};
     return nullptr;
@@ -69,12 +70,24 @@ std::shared_ptr<ui::HelpBook> Help::Read(const files::Path& path, std::optional<
   return book_;
 }
 
-std::shared_ptr<ui::HelpBook> Help::ReadOrTell(const files::Path& path) {
-  std::optional<files::Error> error;
+void Help::Tell(const files::Path& path, const QString& text) {
+  services::ShowError(services_.dialogs(), services_.forms().at(0), services::FileText(path.native(), text));
+}
+
+// One in the application folder that cannot be read does not hide the one that came with the program.
+std::shared_ptr<ui::HelpBook> Help::ReadManual(std::optional<files::Error>& error) {
+  const files::Path path = ManualPath(), installed = application_.installedData / path.filename();
   auto book = Read(path, error);
-  if (error)
-    services::ShowError(services_.dialogs(), services_.forms().at(0),
-                        services::FileText(path.native(), QString::fromStdString(error->text)));
+  if (!error || path == installed || !files::StampOf(installed)) return book;
+  Tell(path, QString::fromStdString(error->text));
+  error.reset();
+  return Read(installed, error);
+}
+
+std::shared_ptr<ui::HelpBook> Help::ReadManualOrTell() {
+  std::optional<files::Error> error;
+  auto book = ReadManual(error);
+  if (error) Tell(error->path, QString::fromStdString(error->text));
   return book;
 }
 
@@ -92,15 +105,21 @@ bool Help::Open(std::shared_ptr<ui::HelpBook> book) {
 }
 
 bool Help::ShowManual() {
-  return ShowFile(ManualPath());
+  const ui::CommandScope scope;
+  std::optional<files::Error> error;
+  const auto book = ReadManual(error);
+  return book ? ShowBook(book) : !error;
 }
 
 bool Help::ShowFile(const files::Path& path) {
   const ui::CommandScope scope;
   std::optional<files::Error> error;
   const auto book = Read(path, error);
-  if (!book) return !error;
-  // A window that is open already stays at the page where its reader is.
+  return book ? ShowBook(book) : !error;
+}
+
+// A window that is open already stays at the page where its reader is.
+bool Help::ShowBook(std::shared_ptr<ui::HelpBook> book) {
   if (Open(book)) {
     window_->ShowPlace(book->start());
   } else {
@@ -111,8 +130,7 @@ bool Help::ShowFile(const files::Path& path) {
 
 void Help::ShowHelpContext(int topic) {
   const ui::CommandScope scope;
-  const files::Path path = ManualPath();
-  const auto book = ReadOrTell(path);
+  const auto book = ReadManualOrTell();
   if (!book) return;
   Open(book);
   window_->ShowPlace(book->TopicPlace(topic).value_or(book->start()));
@@ -120,13 +138,11 @@ void Help::ShowHelpContext(int topic) {
 
 void Help::ShowHelpPopup(const QPoint& globalPosition, int text) {
   const ui::CommandScope scope;
-  const files::Path path = ManualPath();
-  const auto book = ReadOrTell(path);
+  const auto book = ReadManualOrTell();
   if (!book) return;
   if (const auto found = book->TextOf(text))
     return ui::ShowHelpPopup(services_.forms().at(0)->widget(), globalPosition, *found);
-  services::ShowError(services_.dialogs(), services_.forms().at(0),
-                      services::FileText(path.native(), Tr("The file does not hold this text.")));
+  Tell(readPath_, Tr("The file does not hold this text."));
 }
 
 void Help::CloseWindows() {

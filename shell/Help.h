@@ -27,7 +27,7 @@ class Help {
   // False, and nothing said, when there is no window to be had.
   bool ShowManual();
   bool ShowFile(const files::Path& path);
-  // A topic or text that the manual does not have, or a manual that cannot be read, is told.
+  // The first page when there is no such topic; no such text, or a manual that cannot be read, is told.
   void ShowHelpContext(int topic);
   void ShowHelpPopup(const QPoint& globalPosition, int text);
   void CloseWindows();
@@ -38,7 +38,10 @@ class Help {
 
  private:
   std::shared_ptr<ui::HelpBook> Read(const files::Path& path, std::optional<files::Error>& error);
-  std::shared_ptr<ui::HelpBook> ReadOrTell(const files::Path& path);
+  std::shared_ptr<ui::HelpBook> ReadManual(std::optional<files::Error>& error);
+  std::shared_ptr<ui::HelpBook> ReadManualOrTell();
+  void Tell(const files::Path& path, const QString& text);
+  bool ShowBook(std::shared_ptr<ui::HelpBook> book);
   bool Open(std::shared_ptr<ui::HelpBook> book);
   files::Path ManualPath() const { return FindDataFile("UM.chm"); }
 

@@ -14,7 +14,7 @@ import subprocess
 import sys
 import tempfile
 
-TITLE = "Quillmark"
+TITLE = "Quillmark manual"
 LEFT_OUT = {".tsv"}
 TIME = bytes(4)
 PLACE = "/proc/self/cwd/"  # the compiler keeps full paths for the topics; this one is the same everywhere

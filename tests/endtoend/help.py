@@ -13,7 +13,7 @@ class Help(EndToEndTest):
 
     def open_manual(self, program):
         cases.SESSION.keys("F1")
-        program.wait_until(lambda: "Quillmark" in program.titles(), "the help window")
+        program.wait_until(lambda: "Quillmark manual" in program.titles(), "the help window")
         program.wait_for_focus()
 
     def test_contents_and_search_by_keyboard(self):
@@ -30,7 +30,7 @@ class Help(EndToEndTest):
         cases.SESSION.keys("Return", "Return")
         self.wait_for_page(program, "Working with files in the tree")
         cases.SESSION.keys("Escape")
-        program.wait_until(lambda: "Quillmark" not in program.titles(), "the help window to go")
+        program.wait_until(lambda: "Quillmark manual" not in program.titles(), "the help window to go")
 
     def test_beside_a_dialog(self):
         program = self.start()
@@ -44,7 +44,7 @@ class Help(EndToEndTest):
         cases.SESSION.keys("alt+Home")
         self.wait_for_page(program, "Quillmark")
         cases.SESSION.keys("Escape")
-        program.wait_until(lambda: "Quillmark" not in program.titles(), "the help window to go")
+        program.wait_until(lambda: "Quillmark manual" not in program.titles(), "the help window to go")
         program.wait_for_focus()
         cases.SESSION.keys("Escape")
         program.wait_until(lambda: "About Quillmark" not in program.titles(), "the box to go")

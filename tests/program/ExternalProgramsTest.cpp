@@ -3,6 +3,9 @@
 #include "shell/HelpTopics.h"
 #include "shell/frmHelpCheck.h"
 #include "tests/program/ProgramTest.h"
+#include "ui/desktop/ObjectTypes.h"
+#include "ui/dialogs/FontForm.h"
+#include "ui/dialogs/InsertObjectForm.h"
 #include "ui/help/HelpWindow.h"
 
 #include <QApplication>
@@ -123,6 +126,29 @@ TEST_F(ExternalProgramsTest, F1OpensTheTopicOfTheWindow) {
   ASSERT_TRUE(QApplication::activePopupWidget());
   EXPECT_EQ(QApplication::activePopupWidget()->objectName(), "HelpPopup");
   QApplication::activePopupWidget()->close();
+}
+
+TEST_F(ExternalProgramsTest, DialogsAreKnownByTheNamesOfTheTable) {
+  ui::CustomColors colors;
+  ui::FontForm font({}, colors);
+  ui::InsertObjectForm object({}, {});
+  for (const ui::ModalForm* form : std::initializer_list<const ui::ModalForm*>{&font, &object}) {
+    const auto known = [&](const ui::HelpContext& context) { return form->objectName() == context.name; };
+    EXPECT_EQ(std::ranges::count_if(shell::HelpTopics(), known), 1) << form->objectName().toStdString();
+  }
+}
+
+TEST_F(ExternalProgramsTest, ADamagedManualDoesNotHideTheInstalledOne) {
+  InstallManual();
+  place.application.installedData = At("installed");
+  std::filesystem::create_directory(At("installed"));
+  std::filesystem::rename(place.application.path / "UM.chm", At("installed/UM.chm"));
+  Put("UM.chm", "ITSF and no more");
+  std::filesystem::copy_file(At("UM.chm"), place.application.path / "UM.chm");
+  Restart();
+  ExpectError(File(place.application.path / "UM.chm", "The file is no help file, or is damaged."));
+  program().ShowHelpContext(4000);
+  EXPECT_EQ(ShownPage(), "preferences.html");
 }
 
 TEST_F(ExternalProgramsTest, TopicsAreThoseOfTheManual) {

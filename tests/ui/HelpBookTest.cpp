@@ -3,6 +3,8 @@
 #include "ui/help/HelpHtml.h"
 #include "ui/help/HelpView.h"
 
+#include <QAbstractTextDocumentLayout>
+#include <QApplication>
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -79,6 +81,17 @@ TEST(HelpBookTest, LinksLeadNowhereElse) {
   for (const auto& row : kRows) EXPECT_EQ(book.Resolve(row.from, row.link), row.place) << row.link;
 }
 
+TEST(HelpBookTest, NamesThatAreTooLongAndAStartThatIsMissing) {
+  std::string names;
+  for (int i = 0; i < 200'000; ++i) names += "a/";
+  std::string numbers = Little({0});
+  for (uint32_t i = 0; i < 5000; ++i) numbers += Little({i, 2 * i});
+  const HelpBook book(
+      {{"b.htm", "<p>b"}, {"um.hhc", Chapter("Gone", "gone.htm")}, {"#ivb", numbers}, {"#strings", names}});
+  EXPECT_FALSE(book.TopicPlace(3));
+  EXPECT_EQ(book.start(), (HelpPlace{"b.htm", {}}));
+}
+
 TEST(HelpBookTest, Search) {
   HelpBook book(Entries());
   const struct {
@@ -119,12 +132,53 @@ TEST(SafePageTest, KnownElementsOnlyAndEachClosed) {
 
 // What would take minutes, or all of the stack, when it is shown as it stands.
 TEST(SafePageTest, HostilePagesAreShown) {
-  for (const char* element : {"<div>", "<table><tr><td>", "<b>", "<ul><li>", "<font>", "<blockquote>", "</b>", "< "}) {
-    const HelpBook book({{"a.html", QString(element).repeated(10000).append("end").toStdString()}});
+  const struct {
+    const char* before;
+    const char* repeated;
+    int times;
+    const char* shown;
+  } kRows[] = {
+      {"", "<div>", 10000, "end"},
+      {"", "<table><tr><td>", 10000, "end"},
+      {"", "<b>", 10000, "end"},
+      {"", "<ul><li>", 10000, "end"},
+      {"", "<font>", 10000, "end"},
+      {"", "<blockquote>", 10000, "end"},
+      {"", "</b>", 10000, "end"},
+      {"", "< ", 10000, "end"},
+      {"", "<table><tr><td rowspan=50 colspan=50>", 9000, "end"},
+      {"<table>", "<tr><td rowspan=50 colspan=50>x<tr><td>y<table>", 4500, "end"},
+      {"", "<table><tr><td>x<tr><td>y</table>", 9000, "end"},
+      {"<table>", "<tr><td>x", 19000, "end"},
+      {"", "letters", 560000, "left out"},
+      {"", "some words ", 360000, "left out"},
+  };
+  for (const auto& row : kRows) {
+    const QString page = row.before + QString(row.repeated).repeated(row.times) + "end";
+    const HelpBook book({{"a.html", page.toStdString()}});
     ui::HelpView view;
+    view.resize(600, 400);
+    view.show();
     view.Show(book, {"a.html", {}});
-    EXPECT_TRUE(view.toPlainText().contains("end")) << element;
+    QApplication::processEvents();
+    EXPECT_GT(view.document()->documentLayout()->documentSize().height(), 0) << row.repeated;
+    EXPECT_TRUE(view.toPlainText().contains(row.shown)) << row.repeated;
   }
+}
+
+TEST(HelpViewTest, EachBookShowsItsOwnPage) {
+  const HelpBook first(ChmEntries{{"a.html", "one"}}), second(ChmEntries{{"a.html", "two words"}});
+  ui::HelpView view;
+  view.Show(first, {"a.html", {}});
+  view.Show(second, {"a.html", {}});
+  EXPECT_EQ(view.toPlainText(), "two words");
+  view.Mark({"words", "o"});
+  EXPECT_EQ(view.extraSelections().size(), 3);
+  EXPECT_EQ(view.textCursor().position(), 2);
+  view.Forget();
+  view.Show(first, {"a.html", {}});
+  EXPECT_EQ(view.toPlainText(), "one");
+  EXPECT_TRUE(view.extraSelections().empty());
 }
 
 TEST(HelpViewTest, LoadsNothingFromElsewhere) {
@@ -165,7 +219,7 @@ TEST_F(ChmFileTest, TheManual) {
   const auto read = Read(Manual());
   ASSERT_TRUE(read) << read.error().text;
   const HelpBook book(read.value());
-  EXPECT_EQ(book.title(), "Quillmark");
+  EXPECT_EQ(book.title(), "Quillmark manual");
   EXPECT_TRUE(book.TopicPlace(4000) && book.TopicPlace(10000));
   EXPECT_TRUE(book.TextOf(50).value_or("").contains("drag", Qt::CaseInsensitive));
   EXPECT_EQ(ui::ReadChm(folder_ / "a.chm", [] { return false; }).error().number, 5) << "cancelled";
@@ -177,8 +231,9 @@ TEST_F(ChmFileTest, DamagedFilesAreErrorsOrRead) {
   ASSERT_FALSE(whole.empty());
   EXPECT_FALSE(Read(""));
   EXPECT_FALSE(Read("ITSF"));
-  for (const size_t size : {size_t{90}, size_t{200}, size_t{4000}, size_t{4400}})
-    EXPECT_FALSE(Read(whole.substr(0, size)));
+  for (const size_t size : {size_t{90}, size_t{4000}, whole.size() / 2, whole.size() * 99 / 100, whole.size() - 1})
+    EXPECT_FALSE(Read(whole.substr(0, size))) << size;
+  EXPECT_TRUE(Read(whole + "a signature"));
   const auto seed = std::random_device{}();
   SCOPED_TRACE(seed);
   std::mt19937 random(seed);

@@ -134,6 +134,22 @@ std::optional<ChmEntries> Unpack(std::string_view answer) {
   return std::nullopt;
 }
 
+// The header says how long the file is: at 0x38 stands where a section begins whose third number that is. Behind it
+// there may be more, such as a signature.
+bool IsCutShort(const files::InputFile& file) {
+  unsigned char bytes[8] = {};
+  const auto number = [&](int64_t at) -> std::optional<uint64_t> {
+    if (pread(file.descriptor(), bytes, sizeof bytes, at) != sizeof bytes) return std::nullopt;
+    uint64_t value = 0;
+    for (size_t i = sizeof bytes; i-- > 0;) value = value << 8 | bytes[i];
+    return value;
+  };
+  const auto section = number(0x38);
+  if (!section || *section > static_cast<uint64_t>(file.size())) return true;
+  const auto length = number(static_cast<int64_t>(*section) + 8);
+  return !length || *length > static_cast<uint64_t>(file.size());
+}
+
 files::Error Damaged(const files::Path& path) {
   return {.number = 5, .path = path, .text = "The file is no help file, or is damaged."};
 }
@@ -149,7 +165,7 @@ std::string ChmKey(std::string_view path) {
 files::Result<ChmEntries> ReadChm(const files::Path& path, const std::function<bool()>& goOn) {
   const auto file = files::OpenForReading(path);
   if (!file) return file.error();
-  if (file.value().size() > kLargestChm) return Damaged(path);
+  if (file.value().size() > kLargestChm || IsCutShort(file.value())) return Damaged(path);
   int pipes[2];
   if (pipe2(pipes, O_CLOEXEC) != 0) return files::SystemError(errno, path);
   // By number, so that it is the very file that was looked at.

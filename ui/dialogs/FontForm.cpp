@@ -32,6 +32,7 @@ QFont ToQFont(const FontChoice& choice) {
 
 FontForm::FontForm(const FontChoice& initial, CustomColors& custom, QWidget* owner)
     : ModalForm(owner), initial_(initial), custom_(custom), fonts_(new QFontDialog(this)) {
+  setObjectName(QStringLiteral("FontForm"));
   setWindowTitle(tr("Font"));
   // The toolkit's dialog has no colour; without its frame and buttons it is a part of this one.
   fonts_->setWindowFlags(Qt::Widget);

@@ -17,7 +17,7 @@ namespace ui {
 InsertObjectForm::InsertObjectForm(const std::vector<ObjectType>& types, std::function<files::Path()> browse,
                                    QWidget* owner)
     : ModalForm(owner) {
-  setObjectName(QStringLiteral("frmInsertObject"));
+  setObjectName(QStringLiteral("InsertObjectForm"));
   setWindowTitle(tr("Insert Object"));
   setLayout(new QVBoxLayout);
   AddNew(types);

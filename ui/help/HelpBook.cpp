@@ -15,6 +15,9 @@ constexpr size_t kHead = 2048;  // bytes of a page that are looked at for where 
 constexpr size_t kMostChapters = 5000, kMostTopics = 20000;
 constexpr qsizetype kMostSearched = 32'000'000;  // characters of all pages together
 constexpr qsizetype kLongestText = 20000, kAround = 60;
+constexpr size_t kLongestName = 512;  // of an entry, as the format has it
+constexpr qsizetype kLongestLink = 4000;
+constexpr int kDeepestPath = 8;
 
 // The numbers of the file's tables are little-endian; beyond the end they are nothing.
 std::optional<uint32_t> NumberAt(std::string_view bytes, size_t at, size_t size) {
@@ -57,9 +60,13 @@ HelpBook::HelpBook(ChmEntries entries) : entries_(std::move(entries)) {
   ReadTopics();
   ReadContents();
   ReadTexts();
+  ReadPages();
   if (Has(start_)) return;
   const auto chapter = std::ranges::find_if(contents_, [this](const HelpChapter& each) { return Has(each.place); });
-  if (chapter != contents_.end()) start_ = chapter->place;
+  if (chapter != contents_.end())
+    start_ = chapter->place;
+  else if (!pages_.empty())
+    start_ = pages_.front().place;
 }
 
 const std::string* HelpBook::BytesOf(const std::string& page) const {
@@ -88,6 +95,7 @@ HelpPlace HelpBook::PlaceOf(const QString& target) const {
 }
 
 std::optional<HelpPlace> HelpBook::Resolve(const std::string& fromPage, const QString& link) const {
+  if (link.size() > kLongestLink) return std::nullopt;
   QString path = link.trimmed();
   // "mk:@MSITStore:UM.chm::/page.htm" and "ms-its:UM.chm::/page.htm" are this file's too.
   if (const qsizetype inner = path.indexOf(QLatin1String("::/")); inner >= 0) path = path.mid(inner + 2);
@@ -122,8 +130,8 @@ void HelpBook::ReadSystem() {
 HelpPlace HelpBook::TopicNamed(const QString& name) const {
   QString rest = QString(name).replace(u'\\', u'/');
   HelpPlace place = PlaceOf(rest);
-  for (qsizetype slash = rest.indexOf(u'/'); slash >= 0 && place.page.empty(); slash = rest.indexOf(u'/')) {
-    rest = rest.mid(slash + 1);
+  for (int i = 0; i < kDeepestPath && place.page.empty() && rest.contains(u'/'); ++i) {
+    rest = rest.mid(rest.indexOf(u'/') + 1);
     place = PlaceOf(rest);
   }
   return place;
@@ -137,7 +145,7 @@ void HelpBook::ReadTopics() {
   for (size_t at = 4; topics_.size() < kMostTopics; at += 8) {
     const auto number = NumberAt(*numbers, at, 4), name = NumberAt(*numbers, at + 4, 4);
     if (!number || !name) break;
-    topics_.emplace_back(*number, TopicNamed(DecodePage(TextAt(*strings, *name))));
+    topics_.emplace_back(*number, TopicNamed(DecodePage(TextAt(*strings, *name).substr(0, kLongestName))));
   }
 }
 
@@ -222,17 +230,16 @@ void HelpBook::ReadPages() {
     const HelpPlace place{name, {}};
     const QString text = PageText(PageOf(place));
     total += text.size();
-    const QString title = TitleOf(place);
-    pages_.push_back({place, title, text, text.toCaseFolded()});
+    QString title = TitleOf(place);
+    pages_.push_back({place, std::move(title), text, text.toCaseFolded()});
   };
   for (const HelpChapter& chapter : contents_) add(chapter.place.page);
   for (const auto& [name, ignored] : entries_) add(name);
 }
 
-std::vector<HelpFound> HelpBook::Search(const QString& words) {
+std::vector<HelpFound> HelpBook::Search(const QString& words) const {
   const QStringList wanted = words.toCaseFolded().split(u' ', Qt::SkipEmptyParts);
   if (wanted.isEmpty()) return {};
-  if (pages_.empty()) ReadPages();
   std::vector<HelpFound> inTitle, inText;
   for (const Searched& page : pages_) {
     const QString title = page.title.toCaseFolded();
@@ -247,6 +254,7 @@ std::vector<HelpFound> HelpBook::Search(const QString& words) {
     (titled ? inTitle : inText).push_back({page.place, page.title, excerpt});
   }
   inTitle.insert(inTitle.end(), inText.begin(), inText.end());
+  inTitle.resize(std::min(inTitle.size(), kMostFound));
   return inTitle;
 }
 

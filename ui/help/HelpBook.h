@@ -31,7 +31,8 @@ struct HelpFound {
   QString excerpt;  // words around the first match, in one line
 };
 
-// Nothing here trusts the file: numbers beyond it are nothing, and tables have their greatest sizes.
+// Nothing here trusts the file: numbers beyond it are nothing, and tables, names and pages have their greatest sizes.
+// Making one reads all of its pages and may take a second; any thread.
 class HelpBook {
  public:
   explicit HelpBook(ChmEntries entries);
@@ -52,8 +53,9 @@ class HelpBook {
   std::optional<QString> TextOf(int64_t number) const;
 
   // The pages that hold all of the words, in any case and as parts of words too; those with all of them in the title
-  // first, then in the order of the contents. The first call reads all pages.
-  std::vector<HelpFound> Search(const QString& words);
+  // first, then in the order of the contents; kMostFound at most.
+  std::vector<HelpFound> Search(const QString& words) const;
+  static constexpr size_t kMostFound = 200;
 
  private:
   struct Searched {

@@ -40,11 +40,12 @@ class HtmlTokens {
 // Entities replaced by their characters.
 QString DecodeEntities(const QString& text);
 
-// The page as a view gets it: known elements and attributes only, closed where they must be, at most kDeepest within
-// each other, so that its size alone says what it costs.
+// The page as a view gets it: known elements and attributes only, closed where they must be, no deeper, wider and
+// longer than the toolkit lays out in about a second. A page that is cut says so at its end.
 QString SafePage(const QString& page);
-constexpr int kDeepestElements = 60, kDeepestTables = 5, kMostElements = 20000;
-constexpr qsizetype kLongestPage = 4'000'000;
+constexpr int kDeepestElements = 60, kDeepestTables = 3, kMostElements = 20000;
+constexpr int kMostCells = 2000, kMostSpanned = 4000;  // of all tables together; cells beyond are text
+constexpr qsizetype kLongestPage = 500'000, kLongestWord = 1000;
 
 // The words of the page, for searching and for a small window; blocks part lines.
 QString PageText(const QString& page);

@@ -15,7 +15,7 @@
 namespace ui {
 namespace {
 
-constexpr int kWidth = 420;
+constexpr int kWidth = 420, kBorder = 2;
 
 class Popup final : public QFrame {
  public:
@@ -34,10 +34,15 @@ class Popup final : public QFrame {
   }
   // As high as its text, but never higher than most of the screen.
   QSize SizeWithin(const QRect& screen) {
-    const int width = std::min(kWidth, screen.width());
-    view_->document()->setTextWidth(width - 4);
-    const int height = static_cast<int>(std::ceil(view_->document()->size().height())) + 6;
-    return {width, std::min(height, screen.height() * 3 / 4)};
+    ensurePolished();
+    view_->ensurePolished();
+    view_->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    const int width = std::min(kWidth, screen.width()), frames = 2 * frameWidth() + kBorder;
+    view_->document()->setTextWidth(width - frames);
+    const int height = static_cast<int>(std::ceil(view_->document()->size().height())) + frames;
+    const int most = screen.height() * 3 / 4;
+    if (height > most) view_->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    return {width, std::min(height, most)};
   }
 
  protected:

@@ -12,6 +12,7 @@ namespace ui {
 namespace {
 
 constexpr int64_t kMostPixels = 16'000'000;
+constexpr int kMargin = 14, kSmallest = -4, kLargest = 16, kMostMarks = 500;
 constexpr const char* kPictures[] = {"png", "jpeg", "gif", "bmp"};
 
 QImage PictureOf(const std::string& bytes) {
@@ -32,7 +33,7 @@ HelpView::HelpView(QWidget* parent) : QTextBrowser(parent) {
   setOpenLinks(false);
   setOpenExternalLinks(false);
   setUndoRedoEnabled(false);
-  document()->setDocumentMargin(14);
+  document()->setDocumentMargin(kMargin);
   setTextInteractionFlags(Qt::TextBrowserInteraction | Qt::TextSelectableByKeyboard);
   connect(this, &QTextBrowser::anchorClicked, this,
           [this](const QUrl& url) { Q_EMIT LinkClicked(url.toString(QUrl::FullyEncoded)); });
@@ -59,10 +60,12 @@ void HelpView::SetLook() {
 }
 
 void HelpView::Show(const HelpBook& book, const HelpPlace& place) {
-  book_ = &book;
-  if (place_.page != place.page || page_.isEmpty()) {
+  setExtraSelections({});
+  if (book_ != &book || place_.page != place.page || page_.isEmpty()) {
+    book_ = &book;
     place_ = place;
     page_ = SafePage(book.PageOf(place));
+    widest_ = 0;
     setHtml(page_);
   }
   place_ = place;
@@ -74,9 +77,40 @@ void HelpView::Show(const HelpBook& book, const HelpPlace& place) {
 }
 
 void HelpView::ShowText(const QString& text) {
+  Forget();
+  setPlainText(text);
+}
+
+void HelpView::Forget() {
   book_ = nullptr;
   page_.clear();
-  setPlainText(text);
+  clear();
+}
+
+void HelpView::Mark(const QStringList& words) {
+  QList<QTextEdit::ExtraSelection> marks;
+  QTextCursor first;
+  for (const QString& word : words) {
+    for (QTextCursor at = document()->find(word); !at.isNull() && marks.size() < kMostMarks;
+         at = document()->find(word, at)) {
+      if (first.isNull() || at.selectionStart() < first.selectionStart()) first = at;
+      QTextEdit::ExtraSelection mark;
+      mark.cursor = at;
+      mark.format.setBackground(palette().brush(QPalette::Highlight));
+      mark.format.setForeground(palette().brush(QPalette::HighlightedText));
+      marks.push_back(mark);
+    }
+  }
+  setExtraSelections(marks);
+  if (first.isNull()) return;
+  first.setPosition(first.selectionStart());
+  setTextCursor(first);
+}
+
+void HelpView::Zoom(int steps) {
+  const int wanted = steps == 0 ? 0 : std::clamp(zoomed_ + steps, kSmallest, kLargest);
+  zoomIn(wanted - zoomed_);
+  zoomed_ = wanted;
 }
 
 bool HelpView::FindText(const QString& text, bool backward) {
@@ -95,17 +129,38 @@ QVariant HelpView::loadResource(int type, const QUrl& name) {
   if (type != QTextDocument::ImageResource || !book_) return QByteArray("");
   const auto place = book_->Resolve(place_.page, name.toString(QUrl::FullyEncoded));
   const std::string* const bytes = place ? book_->BytesOf(place->page) : nullptr;
-  const QImage picture = bytes ? PictureOf(*bytes) : QImage();
-  return picture.isNull() ? QImage(1, 1, QImage::Format_ARGB32_Premultiplied) : picture;
+  QImage picture = bytes ? PictureOf(*bytes) : QImage();
+  if (picture.isNull()) {
+    picture = QImage(1, 1, QImage::Format_ARGB32_Premultiplied);
+    picture.fill(Qt::transparent);
+  }
+  widest_ = std::max(widest_, picture.width());
+  const int room = RoomForPictures();
+  return picture.width() > room ? picture.scaledToWidth(room, Qt::SmoothTransformation) : picture;
+}
+
+int HelpView::RoomForPictures() const {
+  const int bar = verticalScrollBar()->isVisible() ? 0 : verticalScrollBar()->sizeHint().width();
+  return std::max(viewport()->width() - bar - 2 * kMargin, 100);
+}
+
+void HelpView::LayOutAgain() {
+  const int scrolled = verticalScrollBar()->value();
+  setHtml(page_);
+  verticalScrollBar()->setValue(scrolled);
+}
+
+void HelpView::resizeEvent(QResizeEvent* event) {
+  QTextBrowser::resizeEvent(event);
+  const int was = event->oldSize().width() - 2 * kMargin, is = event->size().width() - 2 * kMargin;
+  if (!page_.isEmpty() && std::min(was, is) < widest_ && was != is) LayOutAgain();
 }
 
 void HelpView::changeEvent(QEvent* event) {
   QTextBrowser::changeEvent(event);
   if (event->type() != QEvent::PaletteChange || page_.isEmpty()) return;
   SetLook();
-  const int scrolled = verticalScrollBar()->value();
-  setHtml(page_);
-  verticalScrollBar()->setValue(scrolled);
+  LayOutAgain();
 }
 
 }  // namespace ui

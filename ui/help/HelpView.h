@@ -13,8 +13,12 @@ class HelpView final : public QTextBrowser {
  public:
   explicit HelpView(QWidget* parent = nullptr);
 
-  // The book outlives the view or another one is shown.
+  // The book outlives the view, or Forget is called before it goes.
   void Show(const HelpBook& book, const HelpPlace& place);
+  void Forget();
+  // Marks every place of the words on the page until another one is shown, and goes to the first.
+  void Mark(const QStringList& words);
+  void Zoom(int steps);  // 0 is back to the usual size
   void ShowText(const QString& text);
   // The next match after the selection, or before it; begins again at the other end. False when there is none.
   bool FindText(const QString& text, bool backward);
@@ -25,13 +29,18 @@ class HelpView final : public QTextBrowser {
  protected:
   QVariant loadResource(int type, const QUrl& name) override;
   void changeEvent(QEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
 
  private:
   void SetLook();
+  void LayOutAgain();
+  int RoomForPictures() const;
 
   const HelpBook* book_ = nullptr;
   HelpPlace place_;
   QString page_;  // as it was given to the document
+  int zoomed_ = 0;
+  int widest_ = 0;  // pixels of the widest picture on the page, as it is in the file
 };
 
 }  // namespace ui

@@ -59,8 +59,9 @@ HelpWindow::HelpWindow() {
   MakeAction("", tr("Find next"), {QKeySequence(Qt::Key_F3)}, [this] { FindOn(false); });
   MakeAction("", tr("Find previous"), {QKeySequence(Qt::SHIFT | Qt::Key_F3)}, [this] { FindOn(true); });
   MakeAction("", tr("Larger"), {QKeySequence(Qt::CTRL | Qt::Key_Plus), QKeySequence(Qt::CTRL | Qt::Key_Equal)},
-             [this] { view_->zoomIn(); });
-  MakeAction("", tr("Smaller"), {QKeySequence(Qt::CTRL | Qt::Key_Minus)}, [this] { view_->zoomOut(); });
+             [this] { view_->Zoom(1); });
+  MakeAction("", tr("Smaller"), {QKeySequence(Qt::CTRL | Qt::Key_Minus)}, [this] { view_->Zoom(-1); });
+  MakeAction("", tr("Usual size"), {QKeySequence(Qt::CTRL | Qt::Key_0)}, [this] { view_->Zoom(0); });
   MakeAction("", tr("Contents"), {QKeySequence(Qt::ALT | Qt::Key_C)}, [this] {
     side_->setCurrentIndex(0);
     contents_->setFocus();
@@ -116,7 +117,7 @@ QWidget* HelpWindow::MakeSearch() {
   searchFor_->setClearButtonEnabled(true);
   found_ = new QListWidget;
   found_->setAccessibleName(tr("Found pages"));
-  found_->setWordWrap(true);
+  found_->setUniformItemSizes(true);
   column->addWidget(label);
   column->addWidget(searchFor_);
   column->addWidget(found_, 1);
@@ -136,7 +137,7 @@ QWidget* HelpWindow::MakeSearch() {
     const QListWidgetItem* item = found_->item(row);
     if (!item || !found_->isEnabled()) return;
     Go({item->data(kChapter).toString().toStdString(), {}});
-    view_->FindText(searchFor_->text().simplified().section(u' ', 0, 0), false);
+    view_->Mark(searchFor_->text().simplified().split(u' ', Qt::SkipEmptyParts));
   });
   connect(found_, &QListWidget::itemActivated, this, [this] { view_->setFocus(); });
   return page;
@@ -176,6 +177,7 @@ QWidget* HelpWindow::MakeFindBar() {
 }
 
 void HelpWindow::SetBook(std::shared_ptr<HelpBook> book) {
+  view_->Forget();
   book_ = std::move(book);
   visits_.clear();
   visit_ = 0;

@@ -1,6 +1,8 @@
 // What of a help file's page a view is given, and its words.
 #include "ui/help/HelpHtml.h"
 
+#include <QCoreApplication>
+
 #include <algorithm>
 #include <iterator>
 #include <span>
@@ -76,6 +78,12 @@ QString SafeAttribute(const QString& name, const QString& value) {
   return QStringLiteral(" %1=\"%2\"").arg(name, safe.toHtmlEscaped());
 }
 
+// Of the grid of its table.
+int SpannedBy(const HtmlToken& cell) {
+  const auto span = [&](QLatin1String name) { return std::clamp(cell.Attribute(name).toInt(), 1, kLargestSpan); };
+  return span(QLatin1String("colspan")) * span(QLatin1String("rowspan"));
+}
+
 // Writes elements and remembers those that are open.
 class Writer {
  public:
@@ -85,7 +93,20 @@ class Writer {
   }
   bool full() const { return page_.size() > kLongestPage; }
   void Text(const QString& text) {
-    page_ += QString(text).replace(u'<', QLatin1String("&lt;")).replace(u'>', QLatin1String("&gt;"));
+    for (const QChar unit : text) {
+      inWord_ = unit.isSpace() ? 0 : inWord_ + 1;
+      if (inWord_ > kLongestWord && !unit.isLowSurrogate()) {
+        page_ += u' ';
+        inWord_ = 0;
+      }
+      unit == u'<' ? page_ += QLatin1String("&lt;") : unit == u'>' ? page_ += QLatin1String("&gt;") : page_ += unit;
+      if (full()) return;
+    }
+  }
+  void SayCut() {
+    while (!open_.empty()) Pop();
+    page_ += QLatin1String("<p><i>") + QCoreApplication::translate("Help", "The rest of the page is left out.") +
+             QLatin1String("</i></p>");
   }
   void Open(const Element& element, const HtmlToken& token) {
     if (++elements_ > kMostElements) {
@@ -95,8 +116,14 @@ class Writer {
     if (element.traits & kBlock) EndBefore(element);
     const bool table = element.name == QLatin1String("table");
     if (static_cast<int>(open_.size()) >= kDeepestElements || (table && tables_ >= kDeepestTables)) return;
+    const bool cell = element.name == QLatin1String("td") || element.name == QLatin1String("th");
+    if (cells_ >= kMostCells && (table || cell || element.name == QLatin1String("tr"))) return LeaveTable(cell);
+    cells_ += cell;
+    if (cell) spanned_ += SpannedBy(token);
     page_ += u'<' + QString(element.name);
-    for (const auto& [name, value] : token.attributes) page_ += SafeAttribute(name, value);
+    for (const auto& [name, value] : token.attributes)
+      if (!cell || spanned_ <= kMostSpanned || !name.endsWith(QLatin1String("span")))
+        page_ += SafeAttribute(name, value);
     page_ += u'>';
     if (element.traits & kVoid) return;
     tables_ += table;
@@ -114,6 +141,11 @@ class Writer {
   }
 
  private:
+  // What follows is text: that of a row without cells would be lost.
+  void LeaveTable(bool cell) {
+    while (tables_ > 0) Pop();
+    page_ += cell ? QLatin1String(" ") : QLatin1String("<br>");
+  }
   // A paragraph ends where a block begins; an item where the next one does.
   void EndBefore(const Element& element) {
     const auto isRow = [](const Element* each) { return each->name == QLatin1String("tr"); };
@@ -143,7 +175,8 @@ class Writer {
 
   QString page_;
   std::vector<const Element*> open_;
-  int elements_ = 0, tables_ = 0;
+  int elements_ = 0, tables_ = 0, cells_ = 0, spanned_ = 0;
+  qsizetype inWord_ = 0;
 };
 
 }  // namespace
@@ -159,6 +192,7 @@ QString SafePage(const QString& page) {
     if (element && token.kind == Kind::kOpen) writer.Open(*element, token);
     if (element && token.kind == Kind::kClose) writer.Close(*element);
   }
+  if (writer.full()) writer.SayCut();
   return writer.Take();
 }
 
