@@ -119,6 +119,7 @@ TEST(QtDialogs, FileDialogs) {
   const auto put = [&](const std::string& name) { std::ofstream(path / name) << "text"; };
   put("there.txt");
   put("caf\xE9.txt");
+  put("\"there\"");
   const std::vector<PickCase> cases = {
       {"cancel", true, "a.txt", {}, false, ""},
       {"what is proposed", true, "a.txt", {}, true, "a.txt"},
@@ -128,6 +129,8 @@ TEST(QtDialogs, FileDialogs) {
       {"a proposed name that is no text", true, "caf\xE9.txt", {}, true, "caf\xE9.txt"},
       {"a file whose name is no text", false, "", "caf\uFFFD.txt", true, "caf\xE9.txt"},
       {"no extension is added", true, "", "README", true, "README"},
+      {"quotes", true, "", "5\" disk \"a\".txt", true, "5\" disk \"a\".txt"},
+      {"a file with quotes", false, "", "\"there\"", true, "\"there\""},
       {"Hebrew", true, "", "\u05E2\u05D1", true, "\xD7\xA2\xD7\x91"},
   };
   ui::QtDialogs dialogs;

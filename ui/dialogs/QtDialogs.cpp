@@ -16,6 +16,7 @@
 #include <QApplication>
 #include <QCoreApplication>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPointer>
@@ -83,6 +84,26 @@ QString NameFilterOf(const FileFilter& filter) {
                                                                         : description.lastIndexOf(QLatin1String(" (")));
   return description + QLatin1String(" (") + masks + QLatin1Char(')');
 }
+
+// The toolkit's own dialog takes a name with quotes for a list of names.
+class FileDialog final : public QFileDialog {
+ public:
+  using QFileDialog::QFileDialog;
+  QString chosen() const { return quoted_.isEmpty() ? selectedFiles().value(0) : quoted_; }
+
+ protected:
+  void accept() override {
+    const auto* name = findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+    if (!name || !name->text().contains(QLatin1Char('"'))) return QFileDialog::accept();
+    const QString path = directory().absoluteFilePath(name->text());
+    if (QFileInfo(path).isDir()) return setDirectory(path);
+    quoted_ = path;
+    QDialog::accept();
+  }
+
+ private:
+  QString quoted_;
+};
 
 // What the names of this kind end in: ".htm" for "*.htm*", nothing for all files.
 QString ExtensionOf(const FileFilter& filter) {
@@ -163,10 +184,10 @@ Answer QtDialogs::ShowMessage(Form* owner, const Message& message) {
 std::optional<files::Path> QtDialogs::PickFile(Form* owner, const FileRequest& request) {
   const CommandScope scope;
   const NoHourglass pointer;
-  QFileDialog dialog(WidgetOf(owner));
+  FileDialog dialog(WidgetOf(owner));
   Prepare(dialog, request);
-  if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return std::nullopt;
-  const QString chosen = dialog.selectedFiles().constFirst();
+  if (dialog.exec() != QDialog::Accepted || dialog.chosen().isEmpty()) return std::nullopt;
+  const QString chosen = dialog.chosen();
   const files::Path proposed = request.name.empty() ? files::Path() : request.folder / request.name;
   return WithChosenExtension(PathOfChosen(chosen, proposed), dialog, request);
 }
