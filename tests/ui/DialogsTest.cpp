@@ -15,6 +15,7 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QListView>
 #include <QMessageBox>
 #include <QPrintDialog>
 #include <QProgressDialog>
@@ -305,6 +306,38 @@ TEST(FontForm, WhatIsChangedComesBackChanged) {
   });
   form.findChild<QPushButton*>("color")->click();
   EXPECT_EQ(form.choice(), (ui::FontChoice{"No Such Family", 20, false, false, false, true, 0xFF}));
+}
+
+// Its upright style is called "Book", and "Oblique" comes first.
+TEST(FontForm, AnotherFamilyKeepsTheEmphasis) {
+  for (const int emphasis : {0, 1, 2, 3}) {
+    SCOPED_TRACE(emphasis);
+    ui::CustomColors custom{};
+    const ui::FontChoice before{"Liberation Sans", 10, (emphasis & 1) != 0, (emphasis & 2) != 0, false, false, -1};
+    ui::FontForm form(before, custom);
+    for (QListView* list : form.fonts().findChildren<QListView*>()) {
+      const QModelIndexList rows =
+          list->model()->match(list->model()->index(0, 0), Qt::DisplayRole, "DejaVu Sans", 1, Qt::MatchExactly);
+      if (!rows.empty()) list->setCurrentIndex(rows.first());
+    }
+    ui::FontChoice after = before;
+    after.family = "DejaVu Sans";
+    EXPECT_EQ(form.choice(), after);
+    const QFont shown = ui::FontForm(after, custom).fonts().currentFont();
+    EXPECT_EQ(shown.italic(), after.italic) << shown.styleName().toStdString();
+    EXPECT_EQ(shown.bold(), after.bold) << shown.styleName().toStdString();
+  }
+}
+
+TEST(FontForm, EnterIsOkEverywhere) {
+  ui::CustomColors custom{};
+  ui::FontForm form({"Liberation Sans", 10, false, false, false, false, -1}, custom);
+  for (QListView* list : form.fonts().findChildren<QListView*>()) {
+    form.setResult(QDialog::Rejected);
+    QKeyEvent enter(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier);
+    QApplication::sendEvent(list, &enter);
+    EXPECT_EQ(form.result(), QDialog::Accepted);
+  }
 }
 
 struct PlaceCase {

@@ -9,12 +9,32 @@
 #include <QFontDialog>
 #include <QFontInfo>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLabel>
+#include <QListView>
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include <cstdlib>
+#include <utility>
+
 namespace ui {
 namespace {
+
+// The name of the family's plainest style with this emphasis, say "Book"; nothing where there is none.
+QString StyleOf(const QString& family, bool bold, bool italic) {
+  const int weight = bold ? QFont::Bold : QFont::Normal;
+  QString best;
+  std::pair<int, qsizetype> bestRank;
+  for (const QString& style : QFontDatabase::styles(family)) {
+    if (QFontDatabase::bold(family, style) != bold || QFontDatabase::italic(family, style) != italic) continue;
+    const std::pair rank(std::abs(QFontDatabase::weight(family, style) - weight), style.size());
+    if (!best.isEmpty() && rank >= bestRank) continue;
+    best = style;
+    bestRank = rank;
+  }
+  return best;
+}
 
 QFont ToQFont(const FontChoice& choice) {
   QFont font(choice.family);
@@ -25,6 +45,8 @@ QFont ToQFont(const FontChoice& choice) {
   font.setItalic(choice.italic);
   font.setStrikeOut(choice.strikeThru);
   font.setUnderline(choice.underline);
+  // Without a name the toolkit's dialog looks for "Normal" or "Regular", and takes the first style else.
+  font.setStyleName(StyleOf(font.family(), choice.bold, choice.italic));
   return font;
 }
 
@@ -38,7 +60,9 @@ FontForm::FontForm(const FontChoice& initial, CustomColors& custom, QWidget* own
   fonts_->setWindowFlags(Qt::Widget);
   fonts_->setOptions(QFontDialog::NoButtons | QFontDialog::DontUseNativeDialog);
   fonts_->setCurrentFont(ToQFont(initial));
-  shown_ = fonts_->currentFont();
+  shown_ = last_ = fonts_->currentFont();
+  connect(fonts_, &QFontDialog::currentFontChanged, this, &FontForm::KeepEmphasis);
+  fonts_->installEventFilter(this);
 
   auto* layout = new QVBoxLayout(this);
   layout->addWidget(fonts_);
@@ -50,6 +74,28 @@ FontForm::FontForm(const FontChoice& initial, CustomColors& custom, QWidget* own
   // Enter in the size field of the inner dialog would close that one alone.
   connect(fonts_, &QDialog::finished, this, [this](int result) { done(result); });
   SetColor(initial.color);
+}
+
+// Another family has other names for its styles; the toolkit's dialog takes the first one then, be it oblique.
+void FontForm::KeepEmphasis(const QFont& now) {
+  const QFont before = std::exchange(last_, now);
+  if (now.family() == before.family() || (now.bold() == before.bold() && now.italic() == before.italic())) return;
+  const QStringList styles = QFontDatabase::styles(now.family());
+  const qsizetype row = styles.indexOf(StyleOf(now.family(), before.bold(), before.italic()));
+  for (QListView* list : fonts_->findChildren<QListView*>()) {
+    const QAbstractItemModel& model = *list->model();
+    if (row >= 0 && model.rowCount() == styles.size() && model.index(0, 0).data() == styles[0])
+      list->setCurrentIndex(model.index(static_cast<int>(row), 0));
+  }
+}
+
+// The inner dialog has no button that Enter could press.
+bool FontForm::eventFilter(QObject* watched, QEvent* event) {
+  if (watched == fonts_ && event->type() == QEvent::KeyPress) {
+    const int key = static_cast<QKeyEvent*>(event)->key();
+    if (key == Qt::Key_Return || key == Qt::Key_Enter) return accept(), true;
+  }
+  return ModalForm::eventFilter(watched, event);
 }
 
 void FontForm::AddColorRow() {

@@ -21,14 +21,17 @@ class FontForm : public ModalForm {
   FontChoice choice() const;
   QFontDialog& fonts() { return *fonts_; }
   void SetColor(int64_t color);
+  bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
+  void KeepEmphasis(const QFont& now);
   void AddColorRow();
   void PickColor();
 
   const FontChoice initial_;
   CustomColors& custom_;
   QFont shown_;  // what the dialog made of the initial choice
+  QFont last_;   // what it showed last
   QFontDialog* fonts_;
   ColorButton* colorButton_;
 };
