@@ -201,10 +201,13 @@ void FolderTree::AddFolderNodes(const std::string& parentKey) {
   // No key is there twice.
   TreeView1_.RemoveBelow(*parent, 0, nodes_.Count(nodes_.ListBelow(*parent)), [&] { nodes_.RemoveChildren(*parent); });
   NodeTable::Children children = nodes_.Sort(FolderEntryNames, FolderEntryAttributes, nodes_.Checked(*parent));
-  const int last = children.lastAdded;
+  if (children.nodes.empty()) return;
+  const int last = static_cast<int>(children.nodes.size()) - 1;
   TreeView1_.InsertBelow(*parent, 0, static_cast<int>(children.nodes.size()),
                          [&] { nodes_.SetChildren(*parent, std::move(children)); });
+  // As much of the folder as fits, but never without the folder itself: the next click may be meant for it.
   TreeView1_.EnsureVisible({nodes_.ListBelow(*parent), last});
+  TreeView1_.EnsureVisible(*parent);
   if (count > kManyEntries) ShowTooManyEntries();
 }
 

@@ -142,7 +142,6 @@ NodeTable::Children NodeTable::Sort(const std::vector<std::string>& names, const
     // A folder that changes while it is read may give a name twice.
     if (i > 0 && name == names[order[i - 1]]) continue;
     if (name.size() > std::numeric_limits<uint16_t>::max()) continue;
-    if (order[i] == names.size() - 1) children.lastAdded = static_cast<int>(children.nodes.size());
     const bool folder = attributes[order[i]] & files::kDirectory;
     children.nodes.push_back({.number = lastNumber_ + order[i] + 1,
                               .nameAt = static_cast<uint32_t>(children.names.size()),

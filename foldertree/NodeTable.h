@@ -25,7 +25,6 @@ class NodeTable final : public ui::TreeSource {
   struct Children {
     std::vector<Node> nodes;
     std::string names;
-    int lastAdded = 0;  // the row of the one that was given last
   };
 
   // --- TreeSource

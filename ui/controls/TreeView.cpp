@@ -29,22 +29,6 @@ constexpr int kIndentation = 16;  // pixels; the pane is narrow
 // into one that is; the mask of all actions it lets pass, and sends as "copy".
 constexpr Qt::DropAction kCopyNotOffered = Qt::ActionMask;
 
-constexpr int kDark = 128, kFrameAlpha = 140;
-
-// The toolkit's frames are nearly black, so on a dark ground an empty box would not be seen.
-void PaintCheckBoxFrames(QPainter& painter, const QTreeView& view, QStyleOptionViewItem& option) {
-  QColor color = view.palette().color(QPalette::Text);
-  color.setAlpha(kFrameAlpha);
-  painter.setPen(color);
-  option.features |= QStyleOptionViewItem::HasCheckIndicator;
-  for (QModelIndex index = view.indexAt({0, 0}); index.isValid(); index = view.indexBelow(index)) {
-    option.rect = view.visualRect(index);
-    if (option.rect.top() > view.viewport()->height()) break;
-    const QRect box = view.style()->subElementRect(QStyle::SE_ItemViewItemCheckIndicator, &option, &view);
-    painter.drawRect(box.adjusted(0, 0, -1, -1));
-  }
-}
-
 bool Moves(const QDropEvent& event) {
   return event.modifiers() & Qt::ShiftModifier && event.possibleActions() & Qt::MoveAction;
 }
@@ -186,13 +170,8 @@ void TreeView::paintEvent(QPaintEvent* event) {
   MeasureSeenLines();
   QTreeView::paintEvent(event);
   PaintFocusFrame(*this);
-  QPainter painter(viewport());
-  if (palette().color(QPalette::Base).lightness() < kDark) {
-    QStyleOptionViewItem option;
-    initViewItemOption(&option);
-    PaintCheckBoxFrames(painter, *this, option);
-  }
   if (!highlighted_.isValid()) return;
+  QPainter painter(viewport());
   painter.setPen(QPen(palette().color(QPalette::Highlight), 2));
   painter.drawRect(visualRect(highlighted_).adjusted(1, 1, -1, -1));
 }

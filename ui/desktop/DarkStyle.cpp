@@ -1,0 +1,49 @@
+#include "ui/desktop/DarkStyle.h"
+
+#include <QPainter>
+#include <QStyleOption>
+
+namespace ui {
+namespace {
+
+constexpr int kDark = 128, kFrameAlpha = 140;
+const QString kToolkits = QStringLiteral("fusion");  // other styles know dark grounds
+
+}  // namespace
+
+bool DarkStyle::IsDark(const QStyleOption& option) const {
+  return option.palette.color(QPalette::Base).lightness() < kDark && baseStyle()->name() == kToolkits;
+}
+
+void DarkStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
+                              const QWidget* widget) const {
+  QProxyStyle::drawPrimitive(element, option, painter, widget);
+  const bool round = element == PE_IndicatorRadioButton;
+  if ((!round && element != PE_IndicatorCheckBox) || !IsDark(*option)) return;
+  painter->save();
+  painter->setRenderHint(QPainter::Antialiasing, round);
+  QColor color = option->palette.color(QPalette::Text);
+  color.setAlpha(kFrameAlpha);
+  painter->setPen(color);
+  painter->setBrush(Qt::NoBrush);
+  const QRectF frame = QRectF(option->rect).adjusted(0.5, 0.5, -0.5, -0.5);
+  round ? painter->drawEllipse(frame) : painter->drawRect(frame);
+  painter->restore();
+}
+
+// The buttons and the text of an active one are light, so it is painted as active, in the colour of one that is not.
+void DarkStyle::drawComplexControl(ComplexControl control, const QStyleOptionComplex* option, QPainter* painter,
+                                   const QWidget* widget) const {
+  const auto* const bar = qstyleoption_cast<const QStyleOptionTitleBar*>(option);
+  if (control != CC_TitleBar || !bar || bar->titleBarState & State_Active || !IsDark(*option))
+    return QProxyStyle::drawComplexControl(control, option, painter, widget);
+  QStyleOptionTitleBar light = *bar;
+  light.state |= State_Active;
+  light.titleBarState |= State_Active;
+  for (const auto role : {QPalette::Highlight, QPalette::Window})
+    light.palette.setColor(QPalette::Active, role, bar->palette.color(QPalette::Inactive, QPalette::Window));
+  light.palette.setCurrentColorGroup(QPalette::Active);
+  QProxyStyle::drawComplexControl(control, &light, painter, widget);
+}
+
+}  // namespace ui
