@@ -15,7 +15,10 @@ void frmText::mnuPrint_Click() {
   const bool selected = RichTextBox1_->SelLength() > 0;
   const int flags = services::kNoPageNumbers + (selected ? services::kOfferSelection : 0);
   ui::Printer& printer = services_.currentPrinter();
-  printer.SetTitle(ui::DisplayText(files::Path(caption()).filename().native()));
+  const files::Path path(caption());
+  printer.SetTitle(ui::DisplayText(path.filename().native()));
+  printer.ProposeFile(path.is_absolute() ? ui::DisplayText(files::Path(path).replace_extension(".pdf").native())
+                                         : QString());
   if (services_.ShowPrinterDialog(this, flags)) return;
 
   constexpr int64_t kParts = 1000;

@@ -237,6 +237,9 @@ TEST(QtDialogs, ThePrinterIsSetUpUnlessCancelled) {
         EXPECT_EQ(dialog.testOption(QAbstractPrintDialog::PrintPageRange), request.pages);
         EXPECT_EQ(dialog.testOption(QAbstractPrintDialog::PrintSelection), request.selection);
         EXPECT_FALSE(dialog.testOption(QAbstractPrintDialog::PrintCurrentPage));
+        for (const char* name : {"printRange", "pagesRadioButton"})
+          EXPECT_EQ(dialog.findChild<QWidget*>(name)->isHidden(), !request.pages) << name;
+        EXPECT_EQ(dialog.findChild<QWidget*>("printSelection")->isVisible(), request.selection) << "not folded away";
         auto* copies = dialog.findChild<QSpinBox*>("copies");
         ASSERT_TRUE(copies);
         copies->setValue(3);

@@ -10,13 +10,18 @@ class Printer {
   // The desktop's usual one. Looks for printers, which may take its time.
   Printer() : device_(QPrinter::HighResolution) {}
   QPrinter& device() { return device_; }
-  // What jobs are called in the queue, and files that are printed into at first.
+  const QPrinter& device() const { return device_; }
+  // What jobs are called in the queue.
   void SetTitle(const QString& title) { device_.setDocName(title); }
+  // What the dialog proposes for printing into a file; empty: as the toolkit does.
+  void ProposeFile(const QString& path) { proposedFile_ = path; }
+  const QString& proposedFile() const { return proposedFile_; }
   // What was chosen in the dialog last.
   bool printsSelection() const { return device_.printRange() == QPrinter::Selection; }
 
  private:
   QPrinter device_;
+  QString proposedFile_;
 };
 
 }  // namespace ui

@@ -17,11 +17,14 @@
 #include <QCoreApplication>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QHeaderView>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPointer>
 #include <QPrintDialog>
+#include <QPushButton>
 #include <QRegularExpression>
+#include <QTreeView>
 
 namespace ui {
 namespace {
@@ -151,6 +154,29 @@ void Prepare(QFileDialog& dialog, const FileRequest& request) {
   if (!request.folder.empty()) dialog.setDirectory(DisplayText(request.folder.native()));
   if (!request.name.empty()) dialog.selectFile(DisplayText(request.name.native()));
   KeepMaskOutOfName(dialog, request);
+  // The toolkit's own dialog cuts dates and sizes off; the desktop's has no such list.
+  if (const auto* list = dialog.findChild<QTreeView*>(QStringLiteral("treeView")))
+    for (int column = 1; column < list->header()->count(); ++column)
+      list->header()->setSectionResizeMode(column, QHeaderView::ResizeToContents);
+}
+
+// The toolkit offers ranges of pages whatever it was told, keeps the selection out of sight, and proposes a file in the
+// folder that the program was started in.
+void Prepare(QPrintDialog& dialog, const PrinterRequest& request, const Printer& printer) {
+  dialog.setOption(QAbstractPrintDialog::PrintPageRange, request.pages);
+  dialog.setOption(QAbstractPrintDialog::PrintCurrentPage, false);
+  dialog.setOption(QAbstractPrintDialog::PrintSelection, request.selection);
+  dialog.setPrintRange(request.selection ? QAbstractPrintDialog::Selection : QAbstractPrintDialog::AllPages);
+  if (const auto* ranges = dialog.findChild<QWidget*>(QStringLiteral("gbPrintRange")); ranges && !request.pages)
+    for (QWidget* choice : ranges->findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly))
+      if (choice->objectName() != QLatin1String("printAll") && choice->objectName() != QLatin1String("printSelection"))
+        choice->hide();
+  if (request.selection)
+    for (auto* button : dialog.findChildren<QPushButton*>())
+      if (button->text().endsWith(QLatin1String(">>"))) button->click();
+  auto* file = dialog.findChild<QLineEdit*>(QStringLiteral("filename"));
+  if (file && !printer.proposedFile().isEmpty() && printer.device().outputFileName().isEmpty())
+    file->setText(printer.proposedFile());
 }
 
 }  // namespace
@@ -208,10 +234,7 @@ bool QtDialogs::PickPrinter(Form* owner, const PrinterRequest& request, Printer&
   const CommandScope scope;
   const NoHourglass pointer;
   QPrintDialog dialog(&printer.device(), WidgetOf(owner));
-  dialog.setOption(QAbstractPrintDialog::PrintPageRange, request.pages);
-  dialog.setOption(QAbstractPrintDialog::PrintCurrentPage, false);
-  dialog.setOption(QAbstractPrintDialog::PrintSelection, request.selection);
-  dialog.setPrintRange(request.selection ? QAbstractPrintDialog::Selection : QAbstractPrintDialog::AllPages);
+  Prepare(dialog, request, printer);
   return dialog.exec() == QDialog::Accepted;
 }
 

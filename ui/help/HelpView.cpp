@@ -46,17 +46,17 @@ void HelpView::SetLook() {
   const QColor base = palette().color(QPalette::Base);
   frame = QColor((frame.red() + 2 * base.red()) / 3, (frame.green() + 2 * base.green()) / 3,
                  (frame.blue() + 2 * base.blue()) / 3);
-  document()->setDefaultStyleSheet(
-      QStringLiteral("h1 { font-size: x-large; margin-top: 0px; margin-bottom: 10px; }"
-                     "h2 { font-size: large; margin-top: 20px; margin-bottom: 6px; }"
-                     "h3 { font-size: medium; margin-top: 14px; margin-bottom: 4px; }"
-                     "p, dd { margin-top: 6px; margin-bottom: 6px; }"
-                     "li { margin-top: 3px; margin-bottom: 3px; }"
-                     "table { margin-top: 6px; margin-bottom: 10px; border-collapse: collapse; border-color: %1; }"
-                     "kbd, code, pre, tt { font-family: monospace; }"
-                     "a { color: %2; }"
-                     ".menu { font-weight: bold; } .msg { font-style: italic; }")
-          .arg(frame.name(), palette().color(QPalette::Link).name()));
+  document()->setDefaultStyleSheet(QStringLiteral("h1 { font-size: x-large; margin-top: 0px; margin-bottom: 10px; }"
+                                                  "h2 { font-size: large; margin-top: 20px; margin-bottom: 6px; }"
+                                                  "h3 { font-size: medium; margin-top: 14px; margin-bottom: 4px; }"
+                                                  "p, dd { margin-top: 6px; margin-bottom: 6px; }"
+                                                  "li { margin-top: 3px; margin-bottom: 3px; }"
+                                                  "table { margin-top: 6px; margin-bottom: 10px; border-collapse: "
+                                                  "collapse; border-style: solid; border-color: %1; }"
+                                                  "kbd, code, pre, tt { font-family: monospace; }"
+                                                  "a { color: %2; }"
+                                                  ".menu { font-weight: bold; } .msg { font-style: italic; }")
+                                       .arg(frame.name(), palette().color(QPalette::Link).name()));
 }
 
 void HelpView::Show(const HelpBook& book, const HelpPlace& place) {
