@@ -9,6 +9,8 @@
 #include <QPixmapCache>
 #include <QSvgRenderer>
 
+#include <algorithm>
+
 static void LoadPictures() {
   Q_INIT_RESOURCE(icons);
 }
@@ -19,9 +21,14 @@ namespace {
 // A picture's strokes are wider than a letter's: with the full colour they would outweigh the text.
 constexpr int kNormalAlpha = 215, kDisabledAlpha = 80;
 
-QString FileOf(std::string_view name) {
+QString FileOf(const QString& name) {
   LoadPictures();
-  return QStringLiteral(":/icons/%1.svg").arg(QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size())));
+  return QStringLiteral(":/icons/%1.svg").arg(name);
+}
+
+QByteArray BytesOf(const QString& name) {
+  QFile file(FileOf(name));
+  return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
 QColor InkOf(QIcon::Mode mode, QIcon::State state) {
@@ -36,7 +43,8 @@ QColor InkOf(QIcon::Mode mode, QIcon::State state) {
 
 class ThemedIconEngine final : public QIconEngine {
  public:
-  explicit ThemedIconEngine(QString name, QByteArray picture) : name_(std::move(name)), picture_(std::move(picture)) {}
+  explicit ThemedIconEngine(QString name)
+      : name_(std::move(name)), on24_(BytesOf(name_)), on16_(BytesOf(QStringLiteral("16/") + name_)) {}
 
   void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode, QIcon::State state) override {
     const double ratio = painter->device() ? painter->device()->devicePixelRatioF() : 1;
@@ -57,7 +65,7 @@ class ThemedIconEngine final : public QIconEngine {
  private:
   // A faint picture is faint as a whole: its strokes would show where they cross.
   QPixmap Draw(const QSize& size, const QColor& ink) const {
-    QSvgRenderer renderer(QByteArray(picture_).replace("currentColor", ink.name(QColor::HexRgb).toLatin1()));
+    QSvgRenderer renderer(QByteArray(PictureFor(size)).replace("currentColor", ink.name(QColor::HexRgb).toLatin1()));
     QPixmap opaque(size), drawn(size);
     opaque.fill(Qt::transparent);
     drawn.fill(Qt::transparent);
@@ -70,20 +78,27 @@ class ThemedIconEngine final : public QIconEngine {
     return drawn;
   }
 
+  // The one whose grid falls onto the pixels.
+  const QByteArray& PictureFor(const QSize& size) const {
+    const int side = std::min(size.width(), size.height());
+    const bool small = side % 24 != 0 && (side % 16 == 0 || side < 20);
+    return small ? on16_ : on24_;
+  }
+
   QString name_;
-  QByteArray picture_;
+  QByteArray on24_, on16_;  // each is drawn on a grid of that many units
 };
 
 }  // namespace
 
 QIcon ThemedIcon(std::string_view name) {
-  QFile file(FileOf(name));
-  if (name.empty() || !file.open(QIODevice::ReadOnly)) return {};
-  return QIcon(new ThemedIconEngine(file.fileName(), file.readAll()));
+  const QString shown = QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size()));
+  if (name.empty() || !QFile::exists(FileOf(shown))) return {};
+  return QIcon(new ThemedIconEngine(shown));
 }
 
 QIcon ApplicationIcon() {
-  return QIcon(FileOf("quillmark"));
+  return QIcon(FileOf(QStringLiteral("quillmark")));
 }
 
 }  // namespace ui

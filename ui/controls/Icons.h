@@ -1,4 +1,5 @@
-// The program's own pictures: strokes in the palette's colour, drawn at the size and resolution asked for.
+// The program's own pictures: strokes in the palette's colour, drawn at the size and resolution asked for. Each is
+// there twice, on a grid of 24 and, in data/icons/16/, on one of 16, so that straight strokes fill whole pixels.
 #pragma once
 
 #include <QIcon>
