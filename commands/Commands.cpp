@@ -87,13 +87,18 @@ void Commands::mnuNextPane_Click() {
 void Commands::mnuMinRest_Click() {
   const ui::CommandScope scope;
   ui::Forms& forms = services_.forms();
+  const ui::FormId current = services_.documentArea().current();
   minRest_ = minRest_ == ui::WindowState::kMinimized ? ui::WindowState::kNormal : ui::WindowState::kMinimized;
+  // Where one is maximised, the toolkit makes every other one that becomes active so.
+  if (documents::frmText* document = table_.Find(current))
+    if (document->windowState() == ui::WindowState::kMaximized) document->SetWindowState(ui::WindowState::kNormal);
   for (const ui::FormId id : forms.Backwards()) {
     ui::Form* form = forms.Find(id);
     if (!form || form == forms.at(0)) continue;
     form->SetWindowState(minRest_);
     ui::LetPendingEventsRun();
   }
+  if (documents::frmText* document = table_.Find(current)) document->Activate();
 }
 
 void Commands::Arrange(int code) {

@@ -12,10 +12,40 @@ namespace {
 
 constexpr int kGroundDarker = 125;  // per cent
 
+constexpr QSize kLeastCascaded(240, 160), kLeastTile(160, 100);
+
 // How far each cascaded window stands from the one before.
 int CascadeStep(const QMdiSubWindow& window) {
   const int titleBar = window.style()->pixelMetric(QStyle::PM_TitleBarHeight, nullptr, &window);
   return std::max(20, titleBar + 2);
+}
+
+// Three quarters of the room, each a step further than the one before; those that begin at the top again stand beside
+// the ones before, as far as the room goes.
+QRect CascadePlace(int index, const QSize& room, int step) {
+  const QSize size = (room * 3 / 4).expandedTo(kLeastCascaded);
+  const QSize free = (room - size).expandedTo({0, 0});
+  const int rows = free.height() / step + 1, columns = free.width() / step + 1;
+  const int row = index % rows, column = (row + index / rows) % columns;
+  return {QPoint(column * step, row * step), size};
+}
+
+// One behind the other from edge to edge; where that leaves each too little, in as many lines as it takes.
+std::vector<QRect> TilePlaces(int count, const QSize& room, bool rows) {
+  const QSize whole = rows ? room : room.transposed(), least = rows ? kLeastTile : kLeastTile.transposed();
+  const int fit = std::max(whole.height() / least.height(), 1);
+  const int lines = (count + fit - 1) / fit, most = lines ? (count + lines - 1) / lines : 0;
+  const int width = std::max(whole.width(), lines * least.width()), height = std::max(whole.height(), least.height());
+  std::vector<QRect> places;
+  for (int i = 0; i < count; ++i) {
+    const int line = i / most, inLine = std::min(most, count - line * most), at = i % most;
+    // By its edges, so that rounding leaves no gap.
+    const QPoint begin(width * line / lines, height * at / inLine);
+    const QPoint end(width * (line + 1) / lines, height * (at + 1) / inLine);
+    const QRect place(begin, QSize(end.x() - begin.x(), end.y() - begin.y()));
+    places.push_back(rows ? place : QRect(QPoint(place.y(), place.x()), place.size().transposed()));
+  }
+  return places;
 }
 
 }  // namespace
@@ -75,19 +105,10 @@ void ChildArea::SetCurrent(ChildWindow* window) {
   Q_EMIT CurrentChanged();
 }
 
-// Three quarters of the area, each a step further than the one before.
 QRect ChildArea::PlaceForNew() {
-  const QSize area = viewport()->size();
-  const QSize size(std::max(240, area.width() * 3 / 4), std::max(160, area.height() * 3 / 4));
   const int step = subWindowList().isEmpty() ? 24 : CascadeStep(*subWindowList().constFirst());
   if (subWindowList().size() <= 1) placed_ = 0;
-  QPoint corner(placed_ * step, placed_ * step);
-  if (corner.y() + size.height() > area.height()) {
-    placed_ = 0;
-    corner = QPoint(0, 0);
-  }
-  ++placed_;
-  return QRect(corner, size);
+  return CascadePlace(placed_++, viewport()->size(), step);
 }
 
 void ChildArea::ActivateNext() {
@@ -131,33 +152,28 @@ std::vector<QMdiSubWindow*> ChildArea::Arrangeable() {
   return windows;
 }
 
+// Without scroll bars, since nothing will stand outside, and without the rows of the minimised windows.
+QSize ChildArea::RoomToArrange() {
+  const QSize whole = maximumViewportSize();
+  const int icons = PlaceIcons(whole);
+  return icons <= whole.height() / 2 ? QSize(whole.width(), whole.height() - icons) : whole;
+}
+
 void ChildArea::Cascade() {
   const QPointer<ChildWindow> front = current_;
-  int i = 0;
-  for (QMdiSubWindow* window : Arrangeable()) {
-    const QSize area = viewport()->size();
-    const QSize size(std::max(240, area.width() * 3 / 4), std::max(160, area.height() * 3 / 4));
-    const int step = CascadeStep(*window);
-    const int rounds = std::max(1, (area.height() - size.height()) / step + 1);
-    window->setGeometry(QRect(QPoint(i % rounds * step, i % rounds * step), size));
-    window->raise();
-    ++i;
+  const std::vector<QMdiSubWindow*> windows = Arrangeable();
+  const QSize room = RoomToArrange();
+  for (size_t i = 0; i < windows.size(); ++i) {
+    windows[i]->setGeometry(CascadePlace(static_cast<int>(i), room, CascadeStep(*windows[i])));
+    windows[i]->raise();
   }
   if (front) front->raise();
 }
 
 void ChildArea::Tile(bool rows) {
   const std::vector<QMdiSubWindow*> windows = Arrangeable();
-  if (windows.empty()) return;
-  const QSize area = viewport()->size();
-  const int count = static_cast<int>(windows.size());
-  for (int i = 0; i < count; ++i) {
-    // From edge to edge, so that rounding leaves no gap.
-    const int whole = rows ? area.height() : area.width();
-    const int begin = whole * i / count, end = whole * (i + 1) / count;
-    windows[i]->setGeometry(rows ? QRect(0, begin, area.width(), end - begin)
-                                 : QRect(begin, 0, end - begin, area.height()));
-  }
+  const std::vector<QRect> places = TilePlaces(static_cast<int>(windows.size()), RoomToArrange(), rows);
+  for (size_t i = 0; i < windows.size(); ++i) windows[i]->setGeometry(places[i]);
 }
 
 void ChildArea::TileInRows() {
@@ -168,13 +184,21 @@ void ChildArea::TileInColumns() {
 }
 
 void ChildArea::ArrangeIcons() {
-  QPoint next(0, viewport()->height());
+  PlaceIcons(maximumViewportSize());
+}
+
+// In rows from the lower left corner upwards. Gives back their height.
+int ChildArea::PlaceIcons(const QSize& room) {
+  QPoint next(0, room.height());
+  int top = room.height();
   for (QMdiSubWindow* window : subWindowList(QMdiArea::CreationOrder)) {
     if (!window->isVisible() || !window->isMinimized()) continue;
-    if (next.x() > 0 && next.x() + window->width() > viewport()->width()) next = QPoint(0, next.y() - window->height());
+    if (next.x() > 0 && next.x() + window->width() > room.width()) next = QPoint(0, next.y() - window->height());
     window->move(next.x(), next.y() - window->height());
     next.rx() += window->width();
+    top = std::min(top, window->y());
   }
+  return room.height() - top;
 }
 
 }  // namespace ui

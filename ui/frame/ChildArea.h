@@ -27,7 +27,7 @@ class ChildArea : public QMdiArea {
   // To the back of the order; the window next to the front becomes the current one.
   void SendToBack(FormId form);
 
-  // A maximised window is made normal first; minimised ones are left out.
+  // A maximised window is made normal first; minimised ones stand in rows at the bottom, which stay free.
   void Cascade();
   void TileInRows();
   void TileInColumns();
@@ -47,6 +47,8 @@ class ChildArea : public QMdiArea {
   void SetCurrent(ChildWindow* window);
   QRect PlaceForNew();
   std::vector<QMdiSubWindow*> Arrangeable();
+  QSize RoomToArrange();
+  int PlaceIcons(const QSize& room);
   void Tile(bool rows);
 
   QPointer<ChildWindow> current_;
