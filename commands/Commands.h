@@ -116,7 +116,8 @@ class Commands {
   void mnuTextBlocksOpen_Click() { panes_.textBlocks().mnuTextBlocksOpen_Click(); }
   void mnuNotesOpen_Click() { panes_.notes().mnuNotesOpen_Click(); }
   void mnuNotesSave_Click() { panes_.notes().mnuNotesSave_Click(); }
-  bool NotesSave() const { return panes_.notes().pad() != nullptr; }
+  bool NotesSave() const { return notesSave_; }
+  void SetNotesSave(bool enabled) { notesSave_ = enabled; }
 
   // --- Options
   void mnuPrefItem_Click() { services_.mnuPrefItem_Click(); }
@@ -161,7 +162,7 @@ class Commands {
   ui::ToolBar& Toolbar1_;
   QPoint popupPosition_;
   int toolbarStyle_ = 1;
-  bool quotesOptions_ = false;
+  bool quotesOptions_ = false, notesSave_ = false;
   ui::WindowState minRest_ = ui::WindowState::kNormal;
 };
 

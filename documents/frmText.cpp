@@ -245,7 +245,12 @@ std::optional<files::Error> frmText::KeepText() {
   if (!unloaded_) table_.copies().TakeBack(id(), true);
   const text::Content content = RichTextBox1_->document().content();
   const bool nothingTyped = content.size() == text::Units(0) && caption().starts_with(kUntitled);
-  if (unloaded_ || !table_.DocInfo(slot_).Changed || nothingTyped) return std::nullopt;
+  if (unloaded_) return std::nullopt;
+  if (!table_.DocInfo(slot_).Changed || nothingTyped) {
+    // Kept before, and since then undone.
+    if (origin_.kept) ForgetRecovered(false);
+    return std::nullopt;
+  }
   if (origin_.kept && content.SameAs(*origin_.kept)) return std::nullopt;
   const auto written = RescueDocument(services_.recoveryFolder(), TextToRescue());
   if (!written) return written.error();

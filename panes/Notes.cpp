@@ -3,6 +3,7 @@
 #include "ui/PendingEvents.h"
 
 #include <QCoreApplication>
+#include <QScopeGuard>
 
 namespace panes {
 
@@ -10,9 +11,11 @@ void Notes::MyShow(const files::Path& path, ui::Keyboard keyboard) {
   const ui::CommandScope scope;
   const bool made = !pad_;
   if (made) pad_ = std::make_unique<frmMyPad>(services_, *this);
+  // The loading was cancelled, or failed.
+  const auto unseen = qScopeGuard([&] {
+    if (made && pad_ && !pad_->isShown()) pad_.reset();
+  });
   pad_->MyShow(path, keyboard);
-  // The loading was cancelled.
-  if (made && pad_ && !pad_->isShown()) pad_.reset();
 }
 
 void Notes::mnuNotesOpen_Click() {

@@ -2,6 +2,8 @@
 
 #include "ui/PendingEvents.h"
 
+#include <functional>
+
 namespace panes {
 
 void Panes::StartUp() {
@@ -9,20 +11,22 @@ void Panes::StartUp() {
   const auto absolute = [this](const std::string& setting) {
     return services_.MakeAbsolute(services::PathOfSetting(setting));
   };
-  if (!settings.TextBlocks.empty()) textBlocks_.MyShow(absolute(settings.TextBlocks), ui::Keyboard::kLeave);
-  ui::LetPendingEventsRun();
-  if (settings.QuoteFile.empty()) {
+  // What fails in one of them keeps neither the others nor what comes behind from being opened.
+  const auto open = [this](const std::function<void()>& pane) {
+    services_.forms().Guarded(pane);
+    ui::LetPendingEventsRun();
+  };
+  open([&] {
+    if (!settings.TextBlocks.empty()) textBlocks_.MyShow(absolute(settings.TextBlocks), ui::Keyboard::kLeave);
+  });
+  open([&] {
     services_.ToggleQuotesOptions(false);
-  } else {
-    quotes_.LoadQuotesFile(absolute(settings.QuoteFile), ui::Keyboard::kLeave);
-  }
-  ui::LetPendingEventsRun();
-  if (settings.NotesFile.empty()) {
+    if (!settings.QuoteFile.empty()) quotes_.LoadQuotesFile(absolute(settings.QuoteFile), ui::Keyboard::kLeave);
+  });
+  open([&] {
     services_.ToggleNotesSave(false);
-  } else {
-    notes_.MyShow(absolute(settings.NotesFile), ui::Keyboard::kLeave);
-  }
-  ui::LetPendingEventsRun();
+    if (!settings.NotesFile.empty()) notes_.MyShow(absolute(settings.NotesFile), ui::Keyboard::kLeave);
+  });
   const auto apply = [](ui::Form* pane, int& state) {
     if (pane && state >= 0) pane->SetWindowState(static_cast<ui::WindowState>(state));
     state = services::kNoState;

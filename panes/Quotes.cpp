@@ -1,7 +1,9 @@
 #include "panes/Quotes.h"
 
+#include "files/OpenFile.h"
 #include "panes/QuotesFile.h"
 #include "ui/Hourglass.h"
+#include "ui/PathText.h"
 #include "ui/PendingEvents.h"
 #include "ui/desktop/Clipboard.h"
 
@@ -37,7 +39,12 @@ void Quotes::mnuLoadQuotes_Click() {
 void Quotes::LoadQuotesFile(const files::Path& path, ui::Keyboard keyboard) {
   const ui::CommandScope scope;
   const ui::Hourglass hourglass;
-  ReadQuotes read = ReadQuotesFile(path);
+  ReadQuotes read;
+  const auto stamp = files::StampOf(path);
+  services_.dialogs().RunWork(
+      services_.forms().at(0), Tr("Opening %1").arg(ui::DisplayText(path.native())), stamp ? stamp->size : 0,
+      [&](ui::WorkPort& port) { read = ReadQuotesFile(path, [&port](int64_t done) { return port.Report(done); }); });
+  if (read.cancelled) return;
   std::vector<ui::ListLine> lines(read.quotes.size());
   for (size_t i = 0; i < lines.size(); ++i) lines[i].text = std::move(read.quotes[i]);
   for (const auto& error : {read.couldNotBeOpened, read.couldNotBeRead})

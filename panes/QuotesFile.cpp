@@ -1,16 +1,18 @@
 #include "panes/QuotesFile.h"
 
 #include "files/OpenFile.h"
-#include "text/plain/PlainText.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <exception>
+#include <unistd.h>
+#include <utility>
 
 namespace panes {
 namespace {
 
 constexpr int64_t kMostBytes = int64_t{64} << 20;
+constexpr size_t kPortion = size_t{1} << 20;
 // A short line needs some 60 bytes in memory.
 constexpr ptrdiff_t kMostLines = 4'000'000;
 
@@ -34,29 +36,48 @@ std::vector<std::string> ParseQuotesFile(std::string_view bytes) {
 
 namespace {
 
-ReadQuotes Read(const files::Path& path) {
-  ReadQuotes read;
-  auto file = files::OpenForReading(path);
-  if (!file || file.value().size() > kMostBytes) {
-    read.couldNotBeOpened = file ? files::SystemError(EFBIG, path) : file.error();
-    return read;
+ReadQuotes Refused(files::Error error) {
+  ReadQuotes refused;
+  refused.couldNotBeOpened = std::move(error);
+  return refused;
+}
+
+// Up to the end of the file, the first error, or the moment when `progress` says no.
+int ReadPortions(const files::InputFile& file, const text::Progress& progress, std::string& bytes) {
+  for (;;) {
+    const size_t used = bytes.size();
+    if (progress && !progress(static_cast<int64_t>(used))) return ECANCELED;
+    bytes.resize(used + kPortion);
+    const ssize_t count = pread(file.descriptor(), bytes.data() + used, kPortion, static_cast<off_t>(used));
+    const int error = count < 0 ? errno : 0;
+    bytes.resize(used + static_cast<size_t>(std::max<ssize_t>(count, 0)));
+    if (error == EINTR) continue;
+    if (count <= 0 || static_cast<int64_t>(bytes.size()) > kMostBytes) return count <= 0 ? error : EFBIG;
   }
+}
+
+ReadQuotes Read(const files::Path& path, const text::Progress& progress) {
+  auto file = files::OpenForReading(path);
+  if (!file) return Refused(file.error());
+  if (file.value().size() > kMostBytes) return Refused(files::SystemError(EFBIG, path));
+  ReadQuotes read;
   std::string bytes;
-  const files::Status status = files::ReadInto(file.value(), bytes, kMostBytes);
-  if (!status) read.couldNotBeRead = status.error();
-  if (HasTooManyLines(bytes))
-    return {.quotes = {}, .couldNotBeOpened = files::SystemError(EFBIG, path), .couldNotBeRead = {}};
+  const int error = ReadPortions(file.value(), progress, bytes);
+  read.cancelled = error == ECANCELED;
+  if (read.cancelled) return read;
+  if (HasTooManyLines(bytes)) return Refused(files::SystemError(EFBIG, path));
+  if (error) read.couldNotBeRead = files::SystemError(error, path);
   read.quotes = ParseQuotesFile(bytes);
   return read;
 }
 
 }  // namespace
 
-ReadQuotes ReadQuotesFile(const files::Path& path) noexcept {
+ReadQuotes ReadQuotesFile(const files::Path& path, const text::Progress& progress) noexcept {
   try {
-    return Read(path);
+    return Read(path, progress);
   } catch (const std::exception&) {
-    return {.quotes = {}, .couldNotBeOpened = files::SystemError(ENOMEM, path), .couldNotBeRead = {}};
+    return Refused(files::SystemError(ENOMEM, path));
   }
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "files/Result.h"
+#include "text/plain/PlainText.h"
 
 #include <optional>
 #include <string>
@@ -16,9 +17,11 @@ std::vector<std::string> ParseQuotesFile(std::string_view bytes);
 struct ReadQuotes {
   std::vector<std::string> quotes;  // also what was read before an error
   std::optional<files::Error> couldNotBeOpened, couldNotBeRead;
+  bool cancelled = false;
 };
 
-// Files of more than 64 MB or four million lines are refused: a line in the list costs some 60 bytes besides its own.
-ReadQuotes ReadQuotesFile(const files::Path& path) noexcept;
+// On any thread. Files of more than 64 MB or four million lines are refused: a line in the list costs some 60 bytes
+// besides its own.
+ReadQuotes ReadQuotesFile(const files::Path& path, const text::Progress& progress = {}) noexcept;
 
 }  // namespace panes

@@ -3,6 +3,7 @@
 #include "ui/PendingEvents.h"
 
 #include <QCoreApplication>
+#include <QScopeGuard>
 
 namespace panes {
 
@@ -10,9 +11,11 @@ void TextBlocks::MyShow(const files::Path& path, ui::Keyboard keyboard) {
   const ui::CommandScope scope;
   const bool made = !pane_;
   if (made) pane_ = std::make_unique<frmTextBlocks>(services_, *this);
+  // The loading was cancelled, or failed.
+  const auto unseen = qScopeGuard([&] {
+    if (made && pane_ && !pane_->isShown()) pane_.reset();
+  });
   pane_->MyShow(path, keyboard);
-  // The loading was cancelled.
-  if (made && pane_ && !pane_->isShown()) pane_.reset();
 }
 
 void TextBlocks::mnuTextBlocksOpen_Click() {

@@ -37,10 +37,12 @@ void TextPane::TakeIn(const files::Path& path, ReadText read) {
         text::ReadPlainText(tr("Error: ").toStdString() + path.native() + "\r\n" + std::to_string(read.error->number));
     read.text.properties = {};
   }
-  SetCaption(prefix_ + path.native());
+  // Should the memory end in between, what stands here then is no file's text.
+  stamp_.reset();
   Text1_->LoadPlain({});
   Text1_->SetDefaultFormat(services_.defaultFont().name, services_.defaultFont().size);
   Text1_->LoadPlain(std::move(read.text));
+  SetCaption(prefix_ + path.native());
   stamp_ = read.stamp;
   error_ = std::move(read.error);
 }

@@ -137,7 +137,7 @@ bool frmMyPad::Unload() {
 
 void frmMyPad::RecordState() {
   services().settings().MyPadState = static_cast<int>(windowState());
-  if (windowState() != ui::WindowState::kNormal || Size() == firstSize_) return;
+  if (isMaximized() || Size() == firstSize_) return;
   services().settings().MyPadSize = {.height = Size().height() * ui::kTwipsPerPixel,
                                      .width = Size().width() * ui::kTwipsPerPixel};
 }
@@ -154,6 +154,8 @@ bool frmMyPad::Rescue() {
 
 std::optional<files::Error> frmMyPad::KeepText() {
   TextBytes text{Text1().document().content(), Text1().document().properties()};
+  // Kept before, and since then saved or undone.
+  if (!NotesChanged()) ForgetKept();
   if (!NotesChanged() || (kept_ && text.content.SameAs(*keptContent_))) return std::nullopt;
   if (text::FirstUnencodable(text.content, text.properties.encoding)) text.properties = {};
   auto written = KeepTextFile(path(), services().recoveryFolder(), text, stamp());

@@ -112,7 +112,8 @@ void frmMyMDI::InitDocProperties(int slot) {
     document->RichTextBox1().SetDefaultTabStops(tabStops_);
     document->completion().Fill();
   }
-  menus_.FollowActiveDocument();
+  // There is one menu bar, and it is the active document's.
+  if (slot == ActiveSlot()) menus_.FollowActiveDocument();
 }
 
 void frmMyMDI::ShowAutoComplete() {
@@ -127,8 +128,8 @@ void frmMyMDI::ToggleQuotesOptions(bool enabled) {
   RefreshAllDocuments();
 }
 
-// The row asks whether there is a pad.
-void frmMyMDI::ToggleNotesSave(bool) {
+void frmMyMDI::ToggleNotesSave(bool enabled) {
+  commands_.SetNotesSave(enabled);
   menus_.Fill();
   RefreshAllDocuments();
 }

@@ -101,7 +101,7 @@ class frmMyMDI final : public DesktopServices {
   void ShowAutoComplete() override;
   std::unique_ptr<services::Completion> MakeCompletion(ui::RichTextBox& editor) override;
   void ToggleQuotesOptions(bool enabled) override;
-  void ToggleNotesSave(bool) override;
+  void ToggleNotesSave(bool enabled) override;
   void ShowPadMenu(ui::RichTextBox& pad, const QPoint& globalPosition) override {
     menus_.ShowPadPopup(pad, globalPosition);
   }

@@ -15,6 +15,7 @@ namespace {
 constexpr QChar kUnknown(0xFFFD);
 constexpr QChar kEllipsis(0x2026);
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+constexpr qsizetype kToolTipLine = 100;  // longer ones are given several lines
 constexpr qsizetype kNameBegin = 30, kNameEnd = 50;
 constexpr qsizetype kHalfShown = 500;          // characters of each end of a long text
 constexpr size_t kHalfBytes = 4 * kHalfShown;  // which hold that many in any case
@@ -84,8 +85,10 @@ QString NameInText(std::string_view bytes) {
 }
 
 QString PlainToolTip(const QString& text) {
-  if (!Qt::mightBeRichText(text)) return text;
-  return QStringLiteral("<p style='white-space:pre'>%1</p>").arg(text.toHtmlEscaped());
+  const bool wraps = text.size() > kToolTipLine;
+  if (!wraps && !Qt::mightBeRichText(text)) return text;
+  return QStringLiteral("<p style='white-space:%1'>%2</p>")
+      .arg(wraps ? QStringLiteral("pre-wrap") : QStringLiteral("pre"), text.toHtmlEscaped());
 }
 
 QString DoubleAmpersands(QString text) {

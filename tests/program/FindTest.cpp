@@ -296,7 +296,7 @@ TEST_F(FindTest, ReplaceTakesOnlyTheTextToTheLetter) {
   EXPECT_EQ(document.RichTextBox1().Text(), "x ABC abc abc") << "each is a step of its own";
 }
 
-// What it leaves is compared with the steps below; here is what the rules say and the dialog tells.
+// What it leaves is compared with the steps below; here is what the dialog tells.
 TEST_F(FindTest, ReplaceAllFromTheCaretOn) {
   const struct {
     const char *text, *needle, *replacement, *expected, *label;

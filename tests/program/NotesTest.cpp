@@ -154,6 +154,97 @@ TEST_F(NotesTest, WhatCannotBeSavedStaysChangedAndIsKeptAtTheEnd) {
   EXPECT_EQ(Showing(path.native())->RichTextBox1().Text(), "new old");
 }
 
+TEST_F(NotesTest, ALoadThatIsCancelledOrFailsChangesNothing) {
+  // Large enough for a Cancel while it is read.
+  constexpr int64_t kSize = 40 << 20;
+  const files::Path first = Put("first.txt", ""), second = Put("second.txt", "");
+  std::filesystem::resize_file(first, kSize);
+  std::filesystem::resize_file(second, kSize + 1);
+  for (const bool fails : {false, true}) {
+    const auto spoil = [&] { fails ? dialogs.FailNextWork() : dialogs.CancelNextWork(); };
+    const auto show = [&](const files::Path& path) {
+      spoil();
+      EXPECT_EQ(program().forms().Guarded([&] { Notes().MyShow(path); }), !fails);
+    };
+    if (fails) ExpectError("Error: std::bad_alloc");
+    show(first);
+    EXPECT_EQ(Pad(), nullptr);
+    EXPECT_FALSE(CanSaveNotes());
+    Notes().MyShow(first);
+    if (fails) ExpectError("Error: std::bad_alloc");
+    show(second);
+    EXPECT_EQ(Pad()->path(), first);
+    EXPECT_EQ(Pad()->Text1().document().content().sums().bytes.value(), kSize);
+    EXPECT_TRUE(Pad()->RequestClose());
+  }
+}
+
+TEST_F(NotesTest, APaneThatCannotBeOpenedDoesNotHinderTheStart) {
+  Store({{"TextBlocks", Put("b.txt", "").native()},
+         {"QuoteFile", Put("q.txt", "quote").native()},
+         {"NotesFile", Put("n.txt", "notes").native()}});
+  dialogs.FailNextWork();
+  ExpectError("Error: std::bad_alloc");
+  paths = {Put("a.txt", "a")};
+  Restart();
+  EXPECT_EQ(Blocks(), nullptr);
+  ASSERT_TRUE(Pad() && program().panes().quotes().pane());
+  EXPECT_EQ(Pad()->Text1().Text(), "notes");
+  EXPECT_NE(Showing(At("a.txt").native()), nullptr);
+}
+
+TEST_F(NotesTest, WhatShouldBeSavedButCannotBeIsKeptOrStays) {
+  const files::Path path = Load("notes.txt", "old"), second = Put("second.txt", "2");
+  std::filesystem::permissions(path, std::filesystem::perms::owner_read);
+  TypeNotes("new ");
+  Ask(QString::fromStdString(path.native()) + " has changed.\r\nDo you want to save the changes before continuing?",
+      Answer::kYes);
+  Notes().MyShow(second);
+  EXPECT_EQ(Pad()->path(), second);
+  const auto kept = files::ListRecovery(place.recovery);
+  ASSERT_EQ(kept.value().size(), 1u);
+  EXPECT_EQ(Bytes(kept.value()[0].text), "new old");
+  // And now not even there.
+  std::filesystem::remove_all(place.recovery);
+  Put(place.recovery.filename(), "in the way");
+  std::filesystem::permissions(second, std::filesystem::perms::owner_read);
+  TypeNotes("more ");
+  Ask(kClosing, Answer::kYes);
+  ExpectError(Error(second, "Not a directory"));
+  EXPECT_FALSE(Pad()->RequestClose());
+  EXPECT_EQ(Pad()->Text1().Text(), "more 2");
+  std::filesystem::remove(place.recovery);
+}
+
+TEST_F(NotesTest, WhatWasKeptGoesWhenItIsUndone) {
+  Load("notes.txt", "old");
+  const auto entries = [&] {
+    std::error_code none;
+    return std::distance(std::filesystem::directory_iterator(place.recovery, none), {});
+  };
+  TypeNotes("new ");
+  for (int i = 0; i < 2; ++i) {
+    EXPECT_FALSE(program().KeepTexts());
+    EXPECT_EQ(entries(), 1);
+  }
+  Pad()->Text1().Undo();
+  EXPECT_FALSE(program().KeepTexts());
+  EXPECT_EQ(entries(), 0);
+}
+
+TEST_F(NotesTest, AFileThatCouldNotBeReadIsNotReplacedUnasked) {
+  std::filesystem::create_directory(At("folder"));
+  for (const auto& [path, number] : {std::pair{At("folder"), "70"}, {files::Path("/proc/self/mem"), "57"}}) {
+    Notes().MyShow(path);
+    EXPECT_EQ(Pad()->Text1().Text().toStdString(), "Error: " + path.native() + "\r\n" + number);
+    TypeNotes("mine");
+    Ask(File(path, "could not be read when it was opened.  Do you want to save what is in the pad there?"), Answer::kNo,
+        ui::Buttons::kYesNo);
+    EXPECT_FALSE(Pad()->SaveText1());
+    Pad()->Text1().document().SetSaved();
+  }
+}
+
 TEST_F(NotesTest, AnEndNobodyIsAskedAboutKeepsThem) {
   const files::Path path = Load("notes.txt", "old");
   TypeNotes("new ");
@@ -186,20 +277,11 @@ TEST_F(NotesTest, SizesAndStatesAreRememberedFromOneRunToTheNext) {
       << "not rounded to pixels";
   Restart();
   Pad()->widget()->resize(220, 300);
-  Blocks()->SetWindowState(ui::WindowState::kMinimized);
+  program().commands().mnuMinRest_Click();
   program().frame().RequestClose();
-  EXPECT_THAT(Stored(), testing::IsSupersetOf(
-                            {std::pair<std::string, std::string>{"MyPadSize", "4500,3300"}, {"TextBlocksState", "1"}}));
-}
-
-TEST_F(NotesTest, SaveAllSavesThemToo) {
-  const files::Path path = Load("notes.txt", "old");
-  documents::frmText& document = *Open(Put("a.txt", "a"));
-  TypeNotes("new ");
-  Type(document, "b");
-  program().commands().mnuSaveAll_Click();
-  EXPECT_EQ(Bytes(path), "new old");
-  EXPECT_EQ(Bytes(At("a.txt")), "ba");
+  EXPECT_THAT(Stored(), testing::IsSupersetOf({std::pair<std::string, std::string>{"MyPadSize", "4500,3300"},
+                                               {"MyPadState", "1"},
+                                               {"TextBlocksState", "1"}}));
 }
 
 TEST_F(NotesTest, TextBlocksAreCopiedAndNeverWritten) {

@@ -152,14 +152,40 @@ TEST_F(PreferencesTest, TabStopsTakeDigitsBlanksAndCommas) {
   });
 }
 
-TEST_F(PreferencesTest, BrowsingBeginsAtTheFieldAndKeepsBytes) {
+TEST_F(PreferencesTest, BrowsingBeginsAtTheFieldElseAtThePanesFile) {
+  program().panes().quotes().LoadQuotesFile(Put("q.txt", "quote"));
+  program().panes().notes().MyShow(Put("n.txt", ""));
+  program().panes().textBlocks().MyShow(Put("t.txt", ""));
+  const struct {
+    const char *button, *field, *title, *fileOfPane;
+  } kBrowse[] = {
+      {"Command1(3)", "Text2", "Select a quotes or tagline file", "q.txt"},
+      {"Command1(6)", "Text4", "Select a personal notes file", "n.txt"},
+      {"Command1(7)", "Text5", "Select a text blocks file", "t.txt"},
+      {"Command1(8)", "Text6", "Select an Auto-Complete file", ""},
+      {"Command1(9)", "Text7(0)", "Select a URL protocol application", ""},
+      {"Command1(12)", "Text7(3)", "Select a URL protocol application", ""},
+  };
+  Open([&](ui::ModalForm& form) {
+    for (const auto& row : kBrowse) {
+      for (const bool empty : {true, false}) {
+        SetText(form, row.field, empty ? "" : At("typed.txt").c_str());
+        dialogs.File({}, [&](const ui::FileRequest& request) {
+          EXPECT_EQ(request.title, row.title);
+          EXPECT_EQ(request.name, empty ? row.fileOfPane : "typed.txt") << row.button;
+        });
+        Press(form, row.button);
+      }
+    }
+    Press(form, "Command1(0)");
+  });
+  EXPECT_EQ(program().panes().quotes().pane()->caption(), At("q.txt").native()) << "the next start loads another";
+}
+
+TEST_F(PreferencesTest, BrowsingKeepsBytes) {
   const files::Path chosen = Put("q\xFFuotes.txt", "");
   Open([&](ui::ModalForm& form) {
-    SetText(form, "Text2", At("old.txt").c_str());
-    dialogs.File(chosen, [](const ui::FileRequest& request) {
-      EXPECT_EQ(request.title, "Select a quotes or tagline file");
-      EXPECT_EQ(request.name, "old.txt");
-    });
+    dialogs.File(chosen);
     Press(form, "Command1(3)");
     dialogs.File({});
     Press(form, "Command1(12)");

@@ -88,6 +88,23 @@ TEST_F(QuotesTest, AFileIsChosenLoadedAndReplaced) {
   EXPECT_EQ(Usable(), "L----L----") << "nothing is loaded any more";
 }
 
+TEST_F(QuotesTest, WhatCannotBeReadIsAnEntry) {
+  const files::Path large = Put("large.txt", "");
+  std::filesystem::resize_file(large, 65 << 20);
+  const struct {
+    files::Path path;
+    const char *number, *usable;
+  } kFiles[] = {{"/proc/self/mem", "57", "LFFRCLFNRC"}, {large, "61", "L----L----"}, {folder(), "70", "L----L----"}};
+  for (const auto& row : kFiles) {
+    Quotes().LoadQuotesFile(row.path);
+    EXPECT_EQ(Lines(), "Error: " + row.path.native() + " : " + row.number);
+    EXPECT_EQ(Usable(), row.usable) << row.path;
+  }
+  dialogs.CancelNextWork();
+  Quotes().LoadQuotesFile(Put("quotes.txt", "quote"));
+  EXPECT_EQ(Quotes().pane()->caption(), folder().native()) << "cancelled";
+}
+
 TEST_F(QuotesTest, FindGoesOnBehindTheQuoteItExaminedLast) {
   Load("a war\nWar and peace\nwarm\npeace\n\xD7\xA9\xD7\x9C\xD7\x95\xD7\x9D");
   const struct {

@@ -60,6 +60,15 @@ class KeepTest : public ProgramTest {
   }
 };
 
+TEST_F(KeepTest, WhatWasKeptGoesWhenItIsUndone) {
+  frmText& document = Edited(Put("a.txt", "a"));
+  Keep();
+  EXPECT_EQ(Kept(), (Texts{{At("a.txt").native(), "+a"}}));
+  document.RichTextBox1().Undo();
+  Keep();
+  EXPECT_EQ(Kept(), Texts{});
+}
+
 TEST_F(KeepTest, WhatIsKeptAndWhatNot) {
   New();                               // nothing typed
   Open(Put("same.txt", "as it was"));  // unchanged

@@ -30,6 +30,16 @@ TEST(PathText, Display) {
   EXPECT_EQ(ui::DoubleAmpersands("a & b && c"), "a && b &&&& c");
 }
 
+TEST(PathText, ToolTips) {
+  const QString longText(101, 'x');
+  const std::pair<QString, QString> rows[] = {
+      {"a & b", "a & b"},
+      {"<b>a</b>", "<p style='white-space:pre'>&lt;b&gt;a&lt;/b&gt;</p>"},
+      {longText, "<p style='white-space:pre-wrap'>" + longText + "</p>"},
+  };
+  for (const auto& [text, shown] : rows) EXPECT_EQ(ui::PlainToolTip(text), shown);
+}
+
 // What was typed before or behind a name leaves its bytes alone, whatever they are.
 TEST(PathText, EditedNames) {
   const unsigned seed =

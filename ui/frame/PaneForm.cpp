@@ -58,6 +58,8 @@ class PaneForm::Window : public QDialog {
   }
   void resizeEvent(QResizeEvent* event) override {
     QDialog::resizeEvent(event);
+    // Nor does whoever pulls at its frame.
+    if (painted_ && event->spontaneous() && event->size() != event->oldSize()) form_.minimized_ = false;
     form_.resized_.start();
   }
   // Only now the desktop's frame is known.
@@ -105,7 +107,7 @@ bool PaneForm::isShown() const {
 
 WindowState PaneForm::windowState() const {
   if (minimized_) return WindowState::kMinimized;
-  return window_->isMaximized() ? WindowState::kMaximized : WindowState::kNormal;
+  return isMaximized() ? WindowState::kMaximized : WindowState::kNormal;
 }
 
 void PaneForm::SetWindowState(WindowState state) {
@@ -147,6 +149,10 @@ bool PaneForm::TakeKey(const QKeyEvent& key) {
 
 QSize PaneForm::Size() const {
   return window_->size();
+}
+
+bool PaneForm::isMaximized() const {
+  return window_->isMaximized();
 }
 
 void PaneForm::SetSize(const QSize& pixels) {

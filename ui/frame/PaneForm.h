@@ -42,6 +42,7 @@ class PaneForm : public QObject, public Form {
   void OwnKey(const char* key, std::function<void()> call);
   // Of the content; a new size is as large as the screen at most.
   QSize Size() const;
+  bool isMaximized() const;  // also while it counts as minimised
   void SetSize(const QSize& pixels);
   // With these edges at those of the area, on the screen. A desktop that places windows itself ignores it.
   void MoveToEdges(Qt::Edges edges, const QRect& area);
