@@ -161,7 +161,7 @@ def menu_items(pid):
 def _extents(pid, role, name):
     for window in _windows(pid):
         for node in _walk(window) if window else []:
-            for found in [node, *(_children(node) if node.get_role_name() == "list" else [])]:
+            for found in [node, *(_children(node) if node.get_role_name() in ("list", "tool bar") else [])]:
                 if found.get_role_name() == role and name in (None, found.get_name()) and _showing(found):
                     return found.get_component_iface().get_extents(Atspi.CoordType.SCREEN)
     return None

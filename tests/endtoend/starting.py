@@ -7,6 +7,7 @@ import signal
 import subprocess
 import time
 
+import atspi
 import cases
 from cases import EndToEndTest, seeded
 from harness import SLOW
@@ -103,7 +104,6 @@ class Killed(EndToEndTest):
         self.assertEqual(program.output(), "")
         left = [name for name in os.listdir(self.home.work) if name != "a.txt"]
         self.assertTrue(all(name.startswith(".quillmark-") for name in left), left)
-        print(f"left over by killed saves: {len(left)}")
 
 
 class Twice(EndToEndTest):
@@ -140,3 +140,40 @@ class Twice(EndToEndTest):
         first.signal(signal.SIGKILL)
         first.process.wait()
         self.expect_no_lock_held(self.home)
+
+
+class Customised(EndToEndTest):
+    LAYOUT = "Quillmark Toolbar1"
+
+    def shown(self, program):
+        """The names of some buttons that are shown, from left to right."""
+        places = {name: atspi.extents(program.pid, "push button", name) for name in ("Save", "Print", "View")}
+        return sorted((name for name in places if places[name]), key=lambda name: places[name].x)
+
+    def test_a_toolbar_by_the_keyboard_lasts(self):
+        self.home.put("a.txt", b"a")
+        session = cases.SESSION
+        program = self.open("a.txt")
+        self.assertEqual(self.shown(program), ["Save", "Print", "View"])
+        session.keys("alt+o")
+        program.wait_until(lambda: "Toolbar" in atspi.menu_items(program.pid), "the menu")
+        session.keys("b", "c")
+        program.wait_for_title("Customize the toolbar")
+        program.wait_until(lambda: atspi.is_active(program.pid), "the dialog to get the keys")
+        lines = lambda: [text for text, _ in atspi.list_lines(program.pid, "Buttons and separators")]
+        before = lines()
+        # Print goes, View comes before Save, with a separator behind it.
+        session.keys("Down", "Down", "Down", "Down", "space", "Down", "alt+Up", "alt+Up", "alt+Up", "alt+s")
+        program.wait_until(lambda: len(lines()) == len(before) + 1, "the separator")
+        session.keys("Return")
+        program.wait_until(lambda: self.shown(program) == ["View", "Save"], "the buttons in their new order")
+        program.wait_until(lambda: self.LAYOUT in (self.settings() or {}), "the stored layout")
+        layout = self.settings()[self.LAYOUT]
+        self.assertTrue(layout.startswith("buttons,New,Open,View,|,Save,|,!Print,|,"), layout)
+        session.keys("alt+F4")
+        self.expect_clean_end(program)
+        program = self.open("a.txt")
+        program.wait_until(lambda: self.shown(program) == ["View", "Save"], "the buttons after a restart")
+        session.keys("alt+F4")
+        self.expect_clean_end(program)
+        self.assertEqual(self.settings()[self.LAYOUT], layout)

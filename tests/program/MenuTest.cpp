@@ -1,12 +1,10 @@
 // The menu bar as the user finds it.
 #include "tests/program/ProgramTest.h"
-#include "ui/desktop/Clipboard.h"
 
 #include <QAction>
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QMenu>
-#include <QMenuBar>
 
 #include <map>
 #include <set>
@@ -37,14 +35,8 @@ class MenuTest : public ProgramTest {
     }
     return texts;
   }
-  QStringList TopLevel() {
-    QStringList texts;
-    for (const QAction* action : program().frame().menuBar().actions())
-      if (action->isVisible()) texts += action->text();
-    return texts;
-  }
-  // Captions that are given, so that their letters cannot be others.
-  static bool IsGiven(const std::string& a, const std::string& b) {
+  // Pairs that share a letter: captions like these are what users look for.
+  static bool Clash(const std::string& a, const std::string& b) {
     static const std::set<std::pair<std::string, std::string>> kClashes = {
         {"mnuNewProject", "mnuNew"},
         {"mnuSaveProjectAs", "mnuSaveFileAs"},
@@ -76,57 +68,30 @@ class MenuTest : public ProgramTest {
     for (qsizetype i = 1; i < shown.size(); ++i) EXPECT_FALSE(shown[i] == "-" && shown[i - 1] == "-") << menu;
   }
   void ExpectRules() {
-    std::map<QKeySequence, std::string> keys;
     // The letters of each open menu, the bar's first.
     std::vector<std::map<QChar, QString>> mnemonics(1);
     for (size_t i = 0; i < Bar().rowCount(); ++i) {
       if (Bar().row(i).kind == ui::MenuRowKind::kEnd) mnemonics.pop_back();
       const QAction* action = Bar().action(i);
       if (!action || action->isSeparator()) continue;
-      if (Bar().row(i).kind == ui::MenuRowKind::kMenu && action->isVisible()) ExpectTidy(Bar().row(i).name);
       const bool menu = Bar().row(i).kind == ui::MenuRowKind::kMenu;
-      if (!action->isVisible()) {
-        if (menu) mnemonics.emplace_back();
-        continue;
+      if (action->isVisible()) {
+        if (menu) ExpectTidy(Bar().row(i).name);
+        const qsizetype at = action->text().indexOf('&');
+        ASSERT_GE(at, 0) << Bar().row(i).name << " has no mnemonic";
+        const QChar letter = action->text()[at + 1].toLower();
+        const auto [other, unique] = mnemonics.back().emplace(letter, Bar().row(i).name);
+        EXPECT_TRUE(unique || Clash(other->second.toStdString(), Bar().row(i).name))
+            << Bar().row(i).name << " and " << other->second.toStdString();
       }
-      if (!action->shortcut().isEmpty()) {
-        EXPECT_TRUE(keys.emplace(action->shortcut(), Bar().row(i).name).second)
-            << action->shortcut().toString().toStdString() << " twice: " << Bar().row(i).name;
-      }
-      const qsizetype at = action->text().indexOf('&');
-      ASSERT_GE(at, 0) << Bar().row(i).name << " has no mnemonic";
-      const QChar letter = action->text()[at + 1].toLower();
-      const auto [other, unique] = mnemonics.back().emplace(letter, Bar().row(i).name);
-      EXPECT_TRUE(unique || IsGiven(other->second.toStdString(), Bar().row(i).name))
-          << Bar().row(i).name << " and " << other->second.toStdString();
       if (menu) mnemonics.emplace_back();
     }
   }
 };
 
-TEST_F(MenuTest, WithoutADocument) {
-  EXPECT_EQ(TopLevel(), (QStringList{"&File", "Project &list", "&Tree view", "&Quotes", "&Internet", "&Options",
-                                     "&Window", "&Help"}));
-  EXPECT_EQ(Shown("mnuFile"),
-            (QStringList{"&New project", "&Open a project...", "Save &project file", "Save project file &as...", "-",
-                         "&New document", "Open a &document...", "Save a&ll", "-", "Load &Auto-Complete file...",
-                         "Load Often Used &Text Blocks...", "Load &Notes...", "Save &Notes", "-", "E&xit"}));
-  EXPECT_TRUE(Action("mnuSaveFile").shortcut().isEmpty());
-  EXPECT_EQ(Action("mnuNew").shortcut(), QKeySequence("Ctrl+N"));
-  EXPECT_EQ(Action("mnuNextPane").text(), "&Next window\tCtrl+F6") << "shown though it does nothing";
+TEST_F(MenuTest, SeparatorsPartItemsAndLettersNameOne) {
   ExpectRules();
-}
-
-TEST_F(MenuTest, WithADocument) {
   New();
-  EXPECT_EQ(TopLevel(), (QStringList{"&File", "&Edit", "For&mat", "&Strip", "Project &list", "&Tree view", "&Quotes",
-                                     "&Internet", "&Options", "&Window", "&Help"}));
-  EXPECT_TRUE(Shown("mnuFile").contains("&Save document"));
-  EXPECT_EQ(Action("mnuSaveFile").shortcut(), QKeySequence("Ctrl+S"));
-  EXPECT_EQ(Action("mnuBold").shortcut(), QKeySequence("Ctrl+B"));
-  EXPECT_TRUE(Action("mnuCut").shortcut().isEmpty()) << "the key belongs to the editor";
-  EXPECT_EQ(Action("mnuCut").text(), "Cu&t\tCtrl+X");
-  EXPECT_EQ(Action("mnuExit").text(), "E&xit\tAlt+F4");
   ExpectRules();
 }
 
@@ -174,87 +139,6 @@ TEST_F(MenuTest, ThePasteFormsAreEnabledByWhatTheClipboardHolds) {
   Q_EMIT Bar().AboutToShow(Row("mnuEdit"));
   EXPECT_TRUE(Action("mnuPasteAsText").isEnabled());
   EXPECT_FALSE(Action("mnuPasteAsRTF").isEnabled());
-}
-
-TEST_F(MenuTest, EditCommandsReachTheActiveDocument) {
-  frmText& document = New();
-  Type(document, "one two");
-  Choose("mnuSelAll");
-  Choose("mnuCopy");
-  EXPECT_EQ(ui::ClipboardText(), "one two");
-  Choose("mnuDelete");
-  EXPECT_EQ(document.RichTextBox1().Text(), "");
-  Choose("mnuPaste");
-  Choose("mnuPasteAsText");
-  EXPECT_EQ(document.RichTextBox1().Text(), "one twoone two");
-  Choose("mnuUndoItem");
-  EXPECT_EQ(document.RichTextBox1().Text(), "one two");
-  Choose("mnuRedoItem");
-  EXPECT_EQ(document.RichTextBox1().Text(), "one twoone two");
-  Choose("mnuCopyPath");
-  EXPECT_EQ(ui::ClipboardText(), "Untitled:1");
-}
-
-TEST_F(MenuTest, MinimizeAndRestoreAll) {
-  frmText& a = New();
-  frmText& b = New();
-  Choose("mnuMinRest");
-  EXPECT_EQ(a.windowState(), ui::WindowState::kMinimized);
-  EXPECT_EQ(b.windowState(), ui::WindowState::kMinimized);
-  EXPECT_NE(program().frame().windowState(), ui::WindowState::kMinimized);
-  Choose("mnuMinRest");
-  EXPECT_EQ(a.windowState(), ui::WindowState::kNormal);
-  EXPECT_EQ(b.windowState(), ui::WindowState::kNormal);
-}
-
-TEST_F(MenuTest, NextWindowVisitsAllAndSendToBackActivatesTheNextInFront) {
-  for (int i = 0; i < 3; ++i) New();
-  std::set<std::string> seen;
-  for (int i = 0; i < 3; ++i) {
-    Choose("mnuNextPane");
-    seen.insert(table().Active()->caption());
-  }
-  EXPECT_EQ(seen.size(), 3u);
-  Choose("mnuWindowSendBack");
-  EXPECT_EQ(table().Active()->caption(), "Untitled:2");
-  Choose("mnuWindowSendBack");
-  EXPECT_EQ(table().Active()->caption(), "Untitled:1");
-}
-
-TEST_F(MenuTest, TilesFillTheAreaWithoutGapsOrOverlaps) {
-  std::vector<frmText*> documents;
-  for (int i = 0; i < 3; ++i) documents.push_back(&New());
-  documents[2]->SetWindowState(ui::WindowState::kMaximized);
-  for (const bool rows : {true, false}) {
-    Choose(rows ? "mnuWindowTileHoriz" : "mnuWindowTileVertical");
-    EXPECT_EQ(program().settings().SaveArrange, rows ? 1 : 2);
-    const QSize area = program().frame().area().viewport()->size();
-    int next = 0;
-    for (frmText* document : documents) {
-      const QRect window = document->widget()->geometry();
-      EXPECT_EQ(rows ? window.top() : window.left(), next);
-      EXPECT_EQ(rows ? window.width() : window.height(), rows ? area.width() : area.height());
-      next = rows ? window.bottom() + 1 : window.right() + 1;
-    }
-    EXPECT_EQ(next, rows ? area.height() : area.width());
-  }
-  Choose("mnuWindowCascade");
-  EXPECT_EQ(program().settings().SaveArrange, 0);
-  EXPECT_LT(documents[0]->widget()->y(), documents[1]->widget()->y());
-  EXPECT_LT(documents[1]->widget()->x(), documents[2]->widget()->x());
-}
-
-TEST_F(MenuTest, ArrangeIconsStandsThemAtTheBottom) {
-  frmText& a = New();
-  frmText& b = New();
-  a.SetWindowState(ui::WindowState::kMinimized);
-  b.SetWindowState(ui::WindowState::kMinimized);
-  a.widget()->move(200, 100);
-  Choose("mnuWindowArrange");
-  const int bottom = program().frame().area().viewport()->height();
-  EXPECT_EQ(a.widget()->geometry().bottom() + 1, bottom);
-  EXPECT_EQ(a.widget()->x(), 0);
-  EXPECT_EQ(b.widget()->geometry().left(), a.widget()->geometry().right() + 1);
 }
 
 }  // namespace

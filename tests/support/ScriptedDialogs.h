@@ -76,6 +76,9 @@ class ScriptedDialogs final : public ui::Dialogs {
   // Runs on the user interface's thread once the next work has ended.
   void AfterNextWork(std::function<void()> call) { afterNextWork_ = std::move(call); }
   size_t left() const { return steps_.size(); }
+  // From now on nothing is announced: every question is noted and cancelled.
+  void NoteAll() { noted_.emplace(); }
+  std::vector<std::string> TakeNoted() { return std::exchange(noted_.value(), {}); }
 
   // --- Dialogs
   ui::Answer ShowMessage(ui::Form*, const ui::Message& shown) override {
@@ -85,7 +88,7 @@ class ScriptedDialogs final : public ui::Dialogs {
     return answer ? answer(shown) : ui::Answer::kCancel;
   }
   std::optional<files::Path> PickFile(ui::Form*, const ui::FileRequest& request) override {
-    const QString what = request.save ? "save dialog " : "open dialog ";
+    const QString what = (request.save ? "save dialog [" : "open dialog [") + request.title + "] ";
     const auto answer =
         Take<std::optional<files::Path>(const ui::FileRequest&)>(what + QString::fromStdString(request.name.native()));
     return answer ? answer(request) : std::nullopt;
@@ -130,6 +133,10 @@ class ScriptedDialogs final : public ui::Dialogs {
   // Runs inside a command, as every dialog does; null when something else was announced.
   template <class Signature>
   std::function<Signature> Take(const QString& asked) {
+    if (noted_) {
+      noted_->push_back(asked.toStdString());
+      return {};
+    }
     const auto* answer = steps_.empty() ? nullptr : std::any_cast<std::function<Signature>>(&steps_.front().answer);
     if (!answer) {
       ADD_FAILURE() << "unannounced: " << asked.toStdString()
@@ -146,6 +153,7 @@ class ScriptedDialogs final : public ui::Dialogs {
 
   std::deque<Step> steps_;
   std::optional<ui::Answer> rest_;
+  std::optional<std::vector<std::string>> noted_;
   bool cancelNextWork_ = false, failNextWork_ = false;
   std::function<void()> afterNextWork_;
 };
