@@ -3,6 +3,7 @@
 #include <QImage>
 #include <QPainter>
 #include <QStyleOption>
+#include <QWidget>
 #include <gtest/gtest.h>
 
 namespace {
@@ -44,6 +45,26 @@ TEST(DarkStyle, WhatIsBlackElsewhereIsSeen) {
                        style.drawComplexControl(QStyle::CC_TitleBar, &option, &painter, nullptr);
                      }),
             150);
+}
+
+TEST(DarkStyle, ANarrowTitleBarShowsTheEnd) {
+  const auto painted = [](const QString& title) {
+    const ui::DarkStyle style;
+    QWidget window;
+    window.setWindowTitle(title);
+    QStyleOptionTitleBar bar;
+    bar.rect = QRect(0, 0, 160, 24);
+    bar.subControls = QStyle::SC_TitleBarLabel;
+    bar.titleBarFlags = Qt::WindowSystemMenuHint | Qt::WindowTitleHint | Qt::Window;
+    QImage image(160, 24, QImage::Format_RGB32);
+    image.fill(Qt::white);
+    QPainter painter(&image);
+    style.drawComplexControl(QStyle::CC_TitleBar, &bar, &painter, &window);
+    return image;
+  };
+  const QString folder = "/home/me/texts/of/this/and/that/year/";
+  EXPECT_EQ(painted(folder + "name.txt"), painted("/another" + folder + "name.txt"));
+  EXPECT_NE(painted(folder + "name.txt"), painted(folder + "game.txt"));
 }
 
 }  // namespace

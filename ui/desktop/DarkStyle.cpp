@@ -2,11 +2,13 @@
 
 #include <QPainter>
 #include <QStyleOption>
+#include <QWidget>
 
 namespace ui {
 namespace {
 
 constexpr int kDark = 128, kFrameAlpha = 140;
+constexpr int kTitleInset = 16;                      // the styles keep some of the label's place free
 const QString kToolkits = QStringLiteral("fusion");  // other styles know dark grounds
 
 }  // namespace
@@ -31,19 +33,34 @@ void DarkStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* opti
   painter->restore();
 }
 
-// The buttons and the text of an active one are light, so it is painted as active, in the colour of one that is not.
 void DarkStyle::drawComplexControl(ComplexControl control, const QStyleOptionComplex* option, QPainter* painter,
                                    const QWidget* widget) const {
   const auto* const bar = qstyleoption_cast<const QStyleOptionTitleBar*>(option);
-  if (control != CC_TitleBar || !bar || bar->titleBarState & State_Active || !IsDark(*option))
-    return QProxyStyle::drawComplexControl(control, option, painter, widget);
-  QStyleOptionTitleBar light = *bar;
+  if (control != CC_TitleBar || !bar) return QProxyStyle::drawComplexControl(control, option, painter, widget);
+  QStyleOptionTitleBar shown = *bar;
+  if (widget) shown.text = EndOfTitle(*bar, *widget);
+  DrawTitleBar(shown, painter, widget);
+}
+
+// The end of a path is the file's name.
+QString DarkStyle::EndOfTitle(const QStyleOptionTitleBar& bar, const QWidget& window) const {
+  // Twice in a title the toolkit's mark means itself.
+  const QString title = window.windowTitle().replace(QLatin1String("[*][*]"), QLatin1String("[*]"));
+  const int room = proxy()->subControlRect(CC_TitleBar, &bar, SC_TitleBarLabel, &window).width();
+  return bar.fontMetrics.elidedText(title, Qt::ElideLeft, room - kTitleInset);
+}
+
+// The buttons and the text of an active one are light, so it is painted as active, in the colour of one that is not.
+void DarkStyle::DrawTitleBar(const QStyleOptionTitleBar& bar, QPainter* painter, const QWidget* widget) const {
+  if (bar.titleBarState & State_Active || !IsDark(bar))
+    return QProxyStyle::drawComplexControl(CC_TitleBar, &bar, painter, widget);
+  QStyleOptionTitleBar light = bar;
   light.state |= State_Active;
   light.titleBarState |= State_Active;
   for (const auto role : {QPalette::Highlight, QPalette::Window})
-    light.palette.setColor(QPalette::Active, role, bar->palette.color(QPalette::Inactive, QPalette::Window));
+    light.palette.setColor(QPalette::Active, role, bar.palette.color(QPalette::Inactive, QPalette::Window));
   light.palette.setCurrentColorGroup(QPalette::Active);
-  QProxyStyle::drawComplexControl(control, &light, painter, widget);
+  QProxyStyle::drawComplexControl(CC_TitleBar, &light, painter, widget);
 }
 
 }  // namespace ui

@@ -3,9 +3,12 @@
 
 #include <QProxyStyle>
 
+class QStyleOptionTitleBar;
+
 namespace ui {
 
-// Frames of check boxes and option buttons, title bars of document windows that are not active.
+// Frames of check boxes and option buttons, title bars of document windows that are not active. On any ground a title
+// bar that is too narrow shows the end of its title.
 class DarkStyle final : public QProxyStyle {
   Q_OBJECT
 
@@ -17,6 +20,8 @@ class DarkStyle final : public QProxyStyle {
 
  private:
   bool IsDark(const QStyleOption& option) const;
+  QString EndOfTitle(const QStyleOptionTitleBar& bar, const QWidget& window) const;
+  void DrawTitleBar(const QStyleOptionTitleBar& bar, QPainter* painter, const QWidget* widget) const;
 };
 
 }  // namespace ui

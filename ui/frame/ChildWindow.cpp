@@ -6,44 +6,12 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QDragMoveEvent>
-#include <QProxyStyle>
-#include <QStyleOptionTitleBar>
+#include <QStyle>
 
 namespace ui {
-namespace {
-
-// The styles keep some of the label's place free.
-constexpr int kInset = 16;
-
-// Where a title bar is too narrow it shows the end of the path, which is the file's name.
-class TitleStyle final : public QProxyStyle {
- public:
-  TitleStyle() : QProxyStyle(QApplication::style()->name()) { setParent(qApp); }
-  static TitleStyle* Shared() {
-    static QPointer<TitleStyle> shared;
-    if (!shared) shared = new TitleStyle;
-    return shared;
-  }
-
-  void drawComplexControl(ComplexControl control, const QStyleOptionComplex* option, QPainter* painter,
-                          const QWidget* widget) const override {
-    const auto* bar = qstyleoption_cast<const QStyleOptionTitleBar*>(option);
-    if (control != CC_TitleBar || !bar || !widget)
-      return QProxyStyle::drawComplexControl(control, option, painter, widget);
-    QStyleOptionTitleBar shown(*bar);
-    // Twice in a title the toolkit's mark means itself.
-    const QString title = widget->windowTitle().replace(QLatin1String("[*][*]"), QLatin1String("[*]"));
-    const int room = proxy()->subControlRect(CC_TitleBar, bar, SC_TitleBarLabel, widget).width();
-    shown.text = bar->fontMetrics.elidedText(title, Qt::ElideLeft, room - kInset);
-    QProxyStyle::drawComplexControl(control, &shown, painter, widget);
-  }
-};
-
-}  // namespace
 
 ChildWindow::ChildWindow(ChildForm& form, ChildArea& area, QWidget* content)
     : owner_(form), formId_(form.id()), area_(area) {
-  setStyle(TitleStyle::Shared());
   setWidget(content);
   setAcceptDrops(true);
   setWindowIcon(style()->standardIcon(QStyle::SP_FileIcon));
