@@ -189,8 +189,8 @@ bool Project::fncconfirm(std::string_view what) {
   if (answer != ui::Answer::kYes) return givenUp_;
   const Saved saved = mnuSaveProject_Click();
   ui::LetPendingEventsRun();
-  if (saved != Saved::kCancelled) return saved == Saved::kYes;
-  // The caller goes on without a file.
+  if (saved == Saved::kYes) return true;
+  // The caller goes on without a file that holds it.
   const auto error = KeepProject();
   if (error)
     services::ShowError(services_.dialogs(), services_.forms().at(0), services::ErrorText(ProjectFile, *error));

@@ -125,16 +125,20 @@ TEST_F(ProjectTest, AsksBeforeChangesAreLost) {
   EXPECT_TRUE(program().fncconfirm("Project"));
 }
 
-TEST_F(ProjectTest, AProjectThatCouldNotBeSavedStays) {
+TEST_F(ProjectTest, AProjectThatCouldNeitherBeSavedNorKeptStays) {
+  Put("state", "a file where the folder should be");
   Model().AddNewDocOrLink("/no/a");
   Model().ProjectFile = At("missing/p.prj").native();
-  ExpectChanged(At("missing/p.prj"), Answer::kYes);
-  ExpectError(Error(At("missing/p.prj"), "No such file or directory"));
+  const auto expectErrors = [this] {
+    ExpectChanged(At("missing/p.prj"), Answer::kYes);
+    ExpectError(Error(At("missing/p.prj"), "No such file or directory"));
+    ExpectError(Error(At("missing/p.prj"), "Not a directory"));
+  };
+  expectErrors();
   program().commands().mnuNewProject_Click();
   EXPECT_THAT(Entries(), ElementsAre("/no/a"));
   EXPECT_EQ(Model().ProjectFile, At("missing/p.prj"));
-  ExpectChanged(At("missing/p.prj"), Answer::kYes);
-  ExpectError(Error(At("missing/p.prj"), "No such file or directory"));
+  expectErrors();
   EXPECT_FALSE(program().frame().Close());
   Model().ProjectSaved = true;
 }

@@ -354,6 +354,15 @@ TEST_F(KeptProjectTest, ASaveThatWasNotMadeAtTheEndLosesNothing) {
   EXPECT_EQ(Entries(), "/x/two.txt;");
 }
 
+TEST_F(KeptProjectTest, ASaveThatFailedAtTheEndLosesNothing) {
+  program().AddNewDocOrLink("/x/two.txt");
+  program().project().ProjectFile = At("missing/p.prj").native();
+  ExpectProjectQuestion(Answer::kYes);
+  ExpectError(Error(At("missing/p.prj"), "No such file or directory"));
+  EXPECT_TRUE(program().frame().RequestClose());
+  EXPECT_EQ(Kept(), (Texts{{At("missing/p.prj").native(), "/x/two.txt\r\n\r\n"}}));
+}
+
 TEST_F(KeepTest, CharactersThatThePageCannotHoldAreKeptAsUtf8) {
   Edited(Put("a.txt", "caf\xE9 na\xEFve \xFC"), QString(QChar(0x4E2D)));
   Keep();
