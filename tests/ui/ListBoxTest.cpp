@@ -31,11 +31,12 @@ class ListBoxTest : public ::testing::Test {
     Mouse(QEvent::MouseButtonPress, At(line), modifiers);
     Mouse(QEvent::MouseButtonRelease, At(line), modifiers);
   }
+  void Send(QEvent::Type type, Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
+    QKeyEvent event(type, key, modifiers);
+    QApplication::sendEvent(&list, &event);
+  }
   void Key(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
-    for (const auto type : {QEvent::KeyPress, QEvent::KeyRelease}) {
-      QKeyEvent event(type, key, modifiers);
-      QApplication::sendEvent(&list, &event);
-    }
+    for (const auto type : {QEvent::KeyPress, QEvent::KeyRelease}) Send(type, key, modifiers);
   }
 
   ui::ListBox list;
@@ -83,6 +84,11 @@ TEST_F(ListBoxTest, KeysAndClicksTellWhatTheyMean) {
   Key(Qt::Key_Delete);
   Key(Qt::Key_Delete, Qt::ShiftModifier);
   EXPECT_THAT(deleted, ElementsAre(false, true));
+  Send(QEvent::KeyPress, Qt::Key_Delete, Qt::ShiftModifier);
+  Send(QEvent::KeyRelease, Qt::Key_Delete);  // Shift was let go first
+  EXPECT_THAT(deleted, ElementsAre(false, true, true));
+  Send(QEvent::KeyRelease, Qt::Key_Delete);  // pressed in a dialog that has closed
+  EXPECT_EQ(deleted.size(), 3u);
 }
 
 TEST_F(ListBoxTest, APressWithAModifierIsAClickUnlessItIsDragged) {

@@ -231,19 +231,24 @@ void ListBox::RequestMenuByKey() {
 }
 
 void ListBox::keyPressEvent(QKeyEvent* event) {
+  deletePressed_.reset();
   if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
     dragging_ = false;
     Q_EMIT Opened();
   } else if (event->key() == Qt::Key_F10 && event->modifiers() == Qt::ShiftModifier) {
     RequestMenuByKey();  // the toolkit knows the menu key alone, which many keyboards do not have
-  } else if (event->key() != Qt::Key_Delete) {
+  } else if (event->key() == Qt::Key_Delete) {
+    deletePressed_ = event->modifiers() & Qt::ShiftModifier;
+  } else {
     QListView::keyPressEvent(event);
   }
 }
 
 void ListBox::keyReleaseEvent(QKeyEvent* event) {
   if (event->key() != Qt::Key_Delete) return QListView::keyReleaseEvent(event);
-  if (!event->isAutoRepeat()) Q_EMIT Deleted(event->modifiers() & Qt::ShiftModifier);
+  if (event->isAutoRepeat()) return;
+  // A key that was pressed elsewhere deletes nothing here. Shift counts as it was then: it may be let go first.
+  if (const auto shift = std::exchange(deletePressed_, std::nullopt)) Q_EMIT Deleted(*shift);
 }
 
 void ListBox::focusInEvent(QFocusEvent* event) {

@@ -5,6 +5,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -55,7 +56,7 @@ class ListBox : public QListView {
 
  Q_SIGNALS:
   void Opened();             // double click (from the event loop, outside of commands) or Enter
-  void Deleted(bool shift);  // the Delete key was let go
+  void Deleted(bool shift);  // the Delete key was let go; pressed with Shift
   void FocusGained();        // not by a press, which selects by itself
   void FocusLost();
   // A line was pressed with the right button, or the menu key was. The line is selected and has the focus by then.
@@ -94,6 +95,7 @@ class ListBox : public QListView {
   std::function<QString(int)> toolTip_;
   std::function<std::vector<std::string>()> dragFiles_;
   std::unique_ptr<QMouseEvent> armed_;  // the press with a modifier that may become a drag
+  std::optional<bool> deletePressed_;   // with Shift, and not let go yet
   bool dragging_ = false;
   bool holdsFiles_ = false;  // what is dragged over it
 };
