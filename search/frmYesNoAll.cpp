@@ -6,7 +6,7 @@
 
 namespace search {
 
-frmYesNoAll::frmYesNoAll(ui::Form& owner) : ModalForm(owner.widget()) {
+frmYesNoAll::frmYesNoAll(ui::Form& owner) : QuestionForm(owner.widget()) {
   setObjectName(QStringLiteral("frmYesNoAll"));
   setWindowTitle(QCoreApplication::applicationName());
   Label1_ = new ui::Label("Label1", {});

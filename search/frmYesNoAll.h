@@ -11,7 +11,7 @@
 namespace search {
 
 // Hidden between questions, never destroyed: chkAll and Tag keep their values.
-class frmYesNoAll : public ui::ModalForm {
+class frmYesNoAll : public ui::QuestionForm {
   Q_OBJECT
 
  public:

@@ -4,6 +4,8 @@
 #include "ui/desktop/DesktopFileOperations.h"
 #include "ui/dialogs/OperationForms.h"
 
+#include <QApplication>
+#include <QKeyEvent>
 #include <QListWidget>
 #include <QTemporaryDir>
 
@@ -141,6 +143,25 @@ TEST_F(FileOperationsTest, TellsWhatFailed) {
   });
   EXPECT_EQ(operations.Copy(nullptr, {none, fifo, a}, target), (Result{70, false}));
   EXPECT_EQ(Text("t/a"), "1");
+}
+
+TEST_F(FileOperationsTest, LettersAnswerWithoutAlt) {
+  const std::string target = Make("t/"), none = folder + "/none";
+  dialogs.Modal([](ui::ModalForm& form) {
+    const auto press = [&form](Qt::Key key, Qt::KeyboardModifiers modifiers = {}, bool held = false) {
+      QKeyEvent event(QEvent::KeyPress, key, modifiers, {}, held);
+      QApplication::sendEvent(form.findChild<ui::Button*>("cmdSkip"), &event);
+    };
+    const auto* all = form.findChild<ui::CheckBox*>("chkAll");
+    press(Qt::Key_S, Qt::ControlModifier);
+    press(Qt::Key_S, {}, true);
+    EXPECT_FALSE(all->Value());
+    press(Qt::Key_S);
+    EXPECT_TRUE(all->Value());
+    press(Qt::Key_X);
+    press(Qt::Key_K);
+  });
+  EXPECT_EQ(operations.Copy(nullptr, {none}, target), (Result{53, false}));
 }
 
 TEST_F(FileOperationsTest, ThrowsWhatTheWorkThrows) {

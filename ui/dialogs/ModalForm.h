@@ -12,4 +12,15 @@ class ModalForm : public QDialog {
   explicit ModalForm(QWidget* owner = nullptr);
 };
 
+// A question that buttons answer: as in message boxes, their letters press them without Alt.
+class QuestionForm : public ModalForm {
+  Q_OBJECT
+
+ public:
+  using ModalForm::ModalForm;
+
+ protected:
+  void keyPressEvent(QKeyEvent* event) override;
+};
+
 }  // namespace ui

@@ -29,7 +29,8 @@ QString Describe(const files::ItemInfo& item) {
   if (item.kind == ItemKind::kLink) text = QT_TRANSLATE_NOOP("ui::ConflictForm", "symbolic link, changed %1");
   if (item.kind == ItemKind::kSpecial) text = QT_TRANSLATE_NOOP("ui::ConflictForm", "special file, changed %1");
   if (item.kind != ItemKind::kFile) return ConflictForm::tr(text).arg(when);
-  return ConflictForm::tr("file of %1, changed %2").arg(QLocale().formattedDataSize(item.size), when);
+  const QString size = item.size == 1 ? ConflictForm::tr("1 byte") : QLocale().formattedDataSize(item.size);
+  return ConflictForm::tr("file of %1, changed %2").arg(size, when);
 }
 
 QString QuestionOf(const files::Conflict& conflict) {
@@ -72,7 +73,7 @@ void Give(Control& control, const QString& description) {
 
 }  // namespace
 
-ConflictForm::ConflictForm(const files::Conflict& conflict, QWidget* owner) : ModalForm(owner) {
+ConflictForm::ConflictForm(const files::Conflict& conflict, QWidget* owner) : QuestionForm(owner) {
   setObjectName(QStringLiteral("ConflictForm"));
   setWindowTitle(QCoreApplication::applicationName());
   const bool folders = conflict.source.kind == ItemKind::kFolder && conflict.target.kind == ItemKind::kFolder;
@@ -106,7 +107,7 @@ files::ConflictAnswer ConflictForm::answer() const {
   return {result() == Accepted ? choice_ : files::ConflictChoice::kCancel, chkAll_->Value()};
 }
 
-FailureForm::FailureForm(const files::OperationFailure& failure, QWidget* owner) : ModalForm(owner) {
+FailureForm::FailureForm(const files::OperationFailure& failure, QWidget* owner) : QuestionForm(owner) {
   setObjectName(QStringLiteral("FailureForm"));
   setWindowTitle(QCoreApplication::applicationName());
   auto* Label1 = new Label(

@@ -10,7 +10,7 @@ class Button;
 class CheckBox;
 
 // A name is taken. Escape cancels the operation; Enter loses nothing.
-class ConflictForm final : public ModalForm {
+class ConflictForm final : public QuestionForm {
   Q_OBJECT
 
  public:
@@ -23,7 +23,7 @@ class ConflictForm final : public ModalForm {
 };
 
 // Something could not be done.
-class FailureForm final : public ModalForm {
+class FailureForm final : public QuestionForm {
   Q_OBJECT
 
  public:

@@ -43,8 +43,9 @@ class FrameForm::Window : public QMainWindow {
       const QWidget* focus = focusWidget();
       if (area_->current() == FormId::kNone && (!focus || area_->isAncestorOf(focus))) pane_->List1().setFocus();
     });
-    MoveFocusBy(Qt::Key_F6, 1);
-    MoveFocusBy(Qt::SHIFT | Qt::Key_F6, -1);
+    On(Qt::Key_F6, [this] { MoveFocus(1); });
+    On(Qt::SHIFT | Qt::Key_F6, [this] { MoveFocus(-1); });
+    On(Qt::Key_F10, [this] { OpenMenuBar(); });
     const QSize screen = QGuiApplication::primaryScreen()->availableSize();
     resize(QSize(1000, 700).boundedTo(screen * 9 / 10));
     setAcceptDrops(true);
@@ -91,11 +92,16 @@ class FrameForm::Window : public QMainWindow {
     event.setAccepted(takeDrop_ && holdsFiles_ && event.possibleActions() & Qt::CopyAction);
   }
   // An action, so that the panes pass it on.
-  void MoveFocusBy(QKeyCombination key, int step) {
+  template <class Handler>
+  void On(QKeyCombination key, Handler handler) {
     auto* action = new QAction(this);
     action->setShortcut(key);
     addAction(action);
-    connect(action, &QAction::triggered, this, [this, step] { MoveFocus(step); });
+    connect(action, &QAction::triggered, this, handler);
+  }
+  void OpenMenuBar() {
+    activateWindow();
+    menuBar()->setActiveAction(menuBar()->actions().value(0));
   }
   std::vector<QWidget*> Stops();
   void MoveFocus(int step);
