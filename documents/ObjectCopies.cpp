@@ -3,7 +3,9 @@
 #include "documents/DocumentTable.h"
 #include "documents/EmbeddedFile.h"
 #include "documents/frmText.h"
+#include "files/FolderUse.h"
 #include "services/Messages.h"
+#include "text/ObjectAt.h"
 #include "text/rtfsyntax/RtfPackage.h"
 #include "ui/PathText.h"
 #include "ui/PendingEvents.h"
@@ -13,26 +15,40 @@
 #include <algorithm>
 #include <cerrno>
 #include <new>
+#include <thread>
 
 namespace documents {
 namespace {
 
-// Programs write a file in several steps.
-constexpr int kSettling = 400;  // milliseconds
+using std::chrono::milliseconds;
+using std::chrono::steady_clock;
+using text::Units;
 
-constexpr const char* kAbout = ".about";
+// Programs write a file in several steps: they empty it, they keep it open. Some keep it open all the time.
+constexpr milliseconds kSettling(400), kSettlingWhenOpen(2000), kSettlingWhenEmptied(5000), kPatience(6000);
 
-const text::EmbeddedObject* ObjectAt(const text::Content& content, text::Units place) {
-  if (place >= content.size()) return nullptr;
-  const text::ObjectId id = content.formats()[content.CharFormatAt(place)].object;
-  return id == text::ObjectId::kNone ? nullptr : &content.formats()[id];
-}
-
-text::ObjectId IdAt(const text::Content& content, text::Units place) {
-  return place < content.size() ? content.formats()[content.CharFormatAt(place)].object : text::ObjectId::kNone;
+milliseconds AgeOf(const files::FileStamp& stamp) {
+  const auto written =
+      std::chrono::seconds(stamp.modifiedSeconds) + std::chrono::nanoseconds(stamp.modifiedNanoseconds);
+  const auto age = std::chrono::system_clock::now().time_since_epoch() - written;
+  return std::max(std::chrono::duration_cast<milliseconds>(age), milliseconds(0));
 }
 
 }  // namespace
+
+bool ObjectCopies::Watched::IsChanged() const {
+  const auto now = files::StampOf(path);
+  return now && *now != taken;
+}
+
+bool ObjectCopies::Watched::IsComplete() {
+  const auto now = files::StampOf(path);
+  if (!now) return true;
+  if (*now != seen) seen = *now, since = steady_clock::now();
+  const auto unchanged = std::max(AgeOf(*now), std::chrono::duration_cast<milliseconds>(steady_clock::now() - since));
+  if (unchanged < (now->size == 0 && taken.size > 0 ? kSettlingWhenEmptied : kSettling)) return false;
+  return unchanged >= kSettlingWhenOpen || files::UseOfFolder(folder) != files::FolderUse::kWritten;
+}
 
 ObjectCopies::ObjectCopies(services::Services& services, DocumentTable& table) : services_(services), table_(table) {
   settling_.setSingleShot(true);
@@ -44,79 +60,113 @@ ObjectCopies::ObjectCopies(services::Services& services, DocumentTable& table) :
           [this] { ui::AfterCommand(this, [this] { services_.forms().Guarded([this] { Look(); }); }); });
 }
 
-ObjectCopies::~ObjectCopies() {
-  for (const Copy& copy : copies_)
-    if (!copy.told && !IsChanged(copy)) copy.folder.Remove();
-}
-
 // --- Opening
 
-void ObjectCopies::Open(frmText& document, text::Units place) {
+void ObjectCopies::Open(frmText& document, Units place) {
   const ui::CommandScope scope;
   const ui::FormId id = document.id();
   TakeBack(id);
   if (!table_.Find(id)) return;
-  const text::Content content = document.RichTextBox1().document().content();
-  const text::EmbeddedObject* object = ObjectAt(content, place);
-  if (!object || object->kind != text::ObjectKind::kEmbedded) return;
-  Copy* copy = CopyOf(id, IdAt(content, place));
-  if (!copy || !files::StampOf(copy->path())) {
-    std::optional<text::rtf::Package> package;
-    services_.dialogs().RunWork(&document, tr("Opening %1").arg(ui::NameInText(object->name)), 0,
-                                [&](ui::WorkPort&) { package = text::rtf::ReadPackage(object->rtf.bytes); });
-    if (!package) {
-      const QString kind = object->name.empty() ? tr("of an unknown kind") : ui::NameInText(object->name);
-      return services::ShowError(services_.dialogs(), &document,
-                                 tr("This object (%1) is no file that could be opened by itself.").arg(kind));
-    }
-    copy = MakeCopy(document, place, object->name.empty() ? package->name : object->name, package->bytes);
-  }
-  if (copy) Launch(document, *copy);
+  bool fresh = false;
+  if (Copy* copy = CopyForOpening(document, place, fresh)) Launch(document, *copy, fresh);
 }
 
-ObjectCopies::Copy* ObjectCopies::CopyOf(ui::FormId document, text::ObjectId object) {
+ObjectCopies::Copy* ObjectCopies::CopyForOpening(frmText& document, Units place, bool& fresh) {
+  const text::Content content = document.RichTextBox1().document().content();
+  const text::EmbeddedObject* object = text::EmbeddedAt(content, place);
+  if (!object) return nullptr;
+  const text::ObjectId state = text::ObjectIdAt(content, place);
+  Copy* copy = CopyOf(document, place);
+  // What an application has changed and what cannot be taken back yet is the object's newest state.
+  if (copy && (copy->states.back() == state || copy->file.IsChanged())) return copy;
+  std::optional<text::rtf::Package> package;
+  services_.dialogs().RunWork(&document, tr("Opening %1").arg(ui::NameInText(object->name)), 0,
+                              [&](ui::WorkPort&) { package = text::rtf::ReadPackage(object->rtf.bytes); });
+  if (!package) {
+    const QString kind = object->name.empty() ? tr("of an unknown kind") : ui::NameInText(object->name);
+    services::ShowError(services_.dialogs(), &document,
+                        tr("This object (%1) is no file that could be opened by itself.").arg(kind));
+    return nullptr;
+  }
+  if (copy) return BringUpTo(document, *copy, state, package->bytes) ? copy : nullptr;
+  fresh = true;
+  return MakeCopy(document, place, object->name.empty() ? package->name : object->name, package->bytes);
+}
+
+// The same object may stand at several places; what counts is where this one is.
+ObjectCopies::Copy* ObjectCopies::CopyOf(frmText& document, Units place) {
   for (Copy& copy : copies_)
-    if (copy.document == document && copy.states.back() == object && !copy.told) return &copy;
+    if (!copy.gone && !copy.told && copy.document == document.id() && PlaceOf(copy, document) == place &&
+        files::StampOf(copy.path()))
+      return &copy;
   return nullptr;
 }
 
-ObjectCopies::Copy* ObjectCopies::MakeCopy(frmText& document, text::Units place, const std::string& name,
+ObjectCopies::Copy* ObjectCopies::MakeCopy(frmText& document, Units place, const std::string& name,
                                            std::string_view bytes) {
   ui::RichTextBox& editor = document.RichTextBox1();
   const std::string plain = ui::PlainFileName(name);
-  auto folder = files::PrivateFolder::Make(root());
-  const auto written = folder ? folder.value().Write(plain, bytes, !editor.MayChangeObject(place))
-                              : files::Result<files::FileStamp>(folder.error());
-  if (!written) {
-    if (folder) folder.value().Remove();
-    services::ShowError(services_.dialogs(), &document, services::ErrorText(plain, written.error()));
+  const auto fail = [&](const files::Error& error) -> Copy* {
+    services::ShowError(services_.dialogs(), &document, services::ErrorText(plain, error));
     return nullptr;
+  };
+  auto folder = files::PrivateFolder::Make(root());
+  if (!folder) return fail(folder.error());
+  Copy made{.document = document.id(),
+            .caption = document.caption(),
+            .states = {text::ObjectIdAt(editor.document().content(), place)},
+            .place = place,
+            .revision = editor.document().revision(),
+            .alone = true,
+            .folder = folder.value(),
+            .name = plain,
+            .file = {folder.value().path(), folder.value().path() / plain, {}, {}, {}},
+            .safe = {},
+            .program = {}};
+  made.alone = PlacesOf(made, editor.document()).size() <= 1;
+  // First of all, so that whatever is in the folder is told of when this program is killed.
+  if (const auto about = WriteAbout(made); !about) {
+    folder.value().RemoveWith({});
+    return fail(about.error());
   }
-  const text::ObjectId object = IdAt(editor.document().content(), place);
-  copies_.push_back({document.id(),
-                     document.caption(),
-                     {object},
-                     place,
-                     editor.document().revision(),
-                     folder.value(),
-                     plain,
-                     written.value(),
-                     written.value()});
-  WriteAbout(copies_.back());
+  const auto written = folder.value().Write(plain, bytes, !editor.MayChangeObject(place));
+  if (!written) {
+    QStringList none;
+    Remove(made, none);
+    return fail(written.error());
+  }
+  made.file.taken = made.file.seen = written.value();
+  copies_.push_back(std::move(made));
+  if (!table_.DocInfo(document.slot()).Changed) MarkSafe(copies_.back());
   Watch(copies_.back());
   return &copies_.back();
 }
 
-bool ObjectCopies::Launch(frmText& document, const Copy& copy) {
-  const int result = services_.shell().OpenCopy(copy.path());
-  if (result > ui::Shell::kLastFailure) return true;
+// The document has gone back to an earlier state, or on to a later one again.
+bool ObjectCopies::BringUpTo(frmText& document, Copy& copy, text::ObjectId state, std::string_view bytes) {
+  const auto written = copy.folder.Overwrite(copy.name, bytes);
+  if (const auto now = files::StampOf(copy.path())) copy.file.taken = copy.file.seen = *now;
+  copy.states.push_back(state);
+  static_cast<void>(WriteAbout(copy));
+  if (written) return true;
+  services::ShowError(services_.dialogs(), &document, services::ErrorText(copy.name, written.error()));
+  return false;
+}
+
+void ObjectCopies::Launch(frmText& document, Copy& copy, bool fresh) {
+  const int result = services_.shell().OpenCopy(copy.path(), copy.program);
+  if (result > ui::Shell::kLastFailure) {
+    static_cast<void>(WriteAbout(copy));
+    return;
+  }
   const QString text = result == ui::Shell::kAccessDenied
                            ? tr("is a program or a link and is not opened.  A program inside a document may do harm.")
                            : tr("cannot be opened: no application is installed for this type of file.");
-  services::ShowError(services_.dialogs(), &document, services::FileText(copy.name, text));
-  copy.folder.Remove();
-  copies_.remove_if([&](const Copy& each) { return &each == &copy; });
-  return false;
+  const QString message = services::FileText(copy.name, text);
+  // Nobody has seen one that was made just now.
+  QStringList none;
+  if (fresh) Remove(copy, none), Drop(copy);
+  services::ShowError(services_.dialogs(), &document, message);
 }
 
 // --- Watching
@@ -129,41 +179,103 @@ void ObjectCopies::Watch(const Copy& copy) {
   if (!watcher_.files().contains(file) && files::StampOf(copy.path())) watcher_.addPath(file);
 }
 
-bool ObjectCopies::IsChanged(const Copy& copy) const {
-  const auto now = files::StampOf(copy.path());
-  return now && *now != copy.taken;
-}
-
 void ObjectCopies::Look() {
   const ui::CommandScope scope;
   for (Copy& copy : copies_) {
+    if (copy.gone) continue;
     Watch(copy);
-    const auto now = files::StampOf(copy.path());
-    if (!now || *now == copy.taken) continue;
-    if (*now == copy.seen) {
+    if (!copy.file.IsChanged()) continue;
+    if (copy.file.IsComplete()) {
       TakeBack(copy, false);
     } else {
-      copy.seen = *now;
       settling_.start();
     }
   }
+}
+
+// --- Where an object is
+
+// Where it was, through the edits since.
+std::optional<Units> ObjectCopies::Followed(Copy& copy, const text::Document& document) const {
+  const auto changes = document.ChangesSince(copy.revision);
+  if (!changes) return std::nullopt;
+  for (const text::Change& change : *changes) copy.place = text::MapPosition(copy.place, change, text::Bias::kLeft);
+  copy.revision = document.revision();
+  const bool still = std::ranges::count(copy.states, text::ObjectIdAt(document.content(), copy.place)) > 0;
+  return still && text::EmbeddedAt(document.content(), copy.place) ? std::optional(copy.place) : std::nullopt;
+}
+
+// All places where any of its states is, but for those of other copies.
+std::vector<Units> ObjectCopies::PlacesOf(const Copy& copy, const text::Document& document) {
+  std::vector<Units> others, places;
+  for (Copy& other : copies_)
+    if (&other != &copy && !other.gone && other.document == copy.document)
+      if (const auto place = Followed(other, document)) others.push_back(*place);
+  const text::Content& content = document.content();
+  Units at(0);
+  content.ForEachPiece(content.all(), [&](const text::PieceView& piece) {
+    const Units end = at + piece.sums.units;
+    const text::ObjectId id = content.formats()[piece.charFormat].object;
+    const bool state = id != text::ObjectId::kNone && std::ranges::count(copy.states, id) > 0;
+    for (; state && at < end; at = at + Units(1))
+      if (std::ranges::count(others, at) == 0) places.push_back(at);
+    at = end;
+    return true;
+  });
+  return places;
+}
+
+// Followed; else, when it was cut and put in elsewhere, where it is now. Of several equal ones nobody knows which one
+// it was.
+std::optional<Units> ObjectCopies::PlaceOf(Copy& copy, frmText& window) {
+  const text::Document& document = window.RichTextBox1().document();
+  if (const auto place = Followed(copy, document)) return place;
+  if (!copy.alone) return std::nullopt;
+  const std::vector<Units> places = PlacesOf(copy, document);
+  if (places.size() != 1) return std::nullopt;
+  copy.place = places.front(), copy.revision = document.revision();
+  return copy.place;
 }
 
 // --- Taking back
 
 void ObjectCopies::TakeBack(ui::FormId document, bool quietly) {
   const ui::CommandScope scope;
+  if (!quietly) WaitForWriters(document);
   for (Copy& copy : copies_)
-    if (copy.document == document && IsChanged(copy)) TakeBack(copy, quietly);
+    if (!copy.gone && copy.document == document && copy.file.IsChanged()) {
+      if (copy.file.IsComplete()) {
+        TakeBack(copy, quietly);
+      } else {
+        settling_.start();
+      }
+    }
+}
+
+void ObjectCopies::WaitForWriters(ui::FormId id) {
+  frmText* const document = table_.Find(id);
+  std::vector<std::pair<Copy*, Watched>> writing;
+  for (Copy& copy : copies_)
+    if (!copy.gone && copy.document == id && copy.file.IsChanged() && !copy.file.IsComplete())
+      writing.emplace_back(&copy, copy.file);
+  if (!document || writing.empty()) return;
+  const auto wait = [&](ui::WorkPort& port) {
+    constexpr milliseconds kStep(50);
+    const auto end = steady_clock::now() + kPatience;
+    for (auto& [copy, file] : writing)
+      while (!file.IsComplete() && port.Report(0) && steady_clock::now() < end) std::this_thread::sleep_for(kStep);
+  };
+  const QString name = ui::NameInText(writing.front().first->name);
+  services_.dialogs().RunWork(document, tr("Waiting for %1 to be written").arg(name), 0, wait);
+  for (auto& [copy, file] : writing) copy->file = file;
 }
 
 void ObjectCopies::TakeBack(Copy& copy, bool quietly) {
   const QString reason = TakeIn(copy, quietly);
-  if (reason.isEmpty()) {
-    copy.told = false;
-    WriteAbout(copy);
-  } else if (!quietly) {
-    TellKept(copy, reason);
+  if (!reason.isEmpty()) {
+    if (!quietly) TellKept(copy, reason);
+  } else if (std::exchange(copy.told, false)) {
+    static_cast<void>(WriteAbout(copy));
   }
 }
 
@@ -174,16 +286,18 @@ QString ObjectCopies::TakeIn(Copy& copy, bool quietly) {
   auto place = PlaceOf(copy, *document);
   if (!place) return tr("the object is no longer in the document.");
   if (!document->RichTextBox1().MayChangeObject(*place)) return tr("the object is protected there.");
-  const text::EmbeddedObject object = *ObjectAt(document->RichTextBox1().document().content(), *place);
+  const text::EmbeddedObject object = *text::ObjectAt(document->RichTextBox1().document().content(), *place);
   const text::EmbeddedObject card = ui::FileCard(object.name);
   files::FileStamp stamp;
   files::Result<std::string> bytes{std::string()};
   std::string rtf;
+  bool same = false;
   const auto work = [&] {
     try {
       bytes = ReadEmbeddable(copy.path(), &stamp);
       const auto before = bytes ? text::rtf::ReadPackage(object.rtf.bytes) : std::nullopt;
-      if (bytes && !(before && before->bytes == bytes.value())) rtf = ObjectRtf(object.name, bytes.value(), card);
+      same = before && before->bytes == bytes.value();
+      if (bytes && !same) rtf = ObjectRtf(object.name, bytes.value(), card, &object);
     } catch (const std::bad_alloc&) {
       bytes = files::SystemError(ENOMEM, copy.path());
     }
@@ -195,92 +309,22 @@ QString ObjectCopies::TakeIn(Copy& copy, bool quietly) {
                                 [&](ui::WorkPort&) { work(); });
   }
   if (!bytes) return QString::fromStdString(bytes.error().text);
+  // Written again in the meantime: the watcher looks once more.
+  if (files::StampOf(copy.path()) != stamp) return settling_.start(), QString();
   document = table_.Find(copy.document);
   place = document ? PlaceOf(copy, *document) : std::nullopt;
   if (!place) return tr("the object is no longer in the document.");
-  copy.taken = copy.seen = stamp;
-  if (rtf.empty()) return {};
-  if (!document->RichTextBox1().ReplaceObject(*place, rtf)) return tr("the object is protected there.");
-  copy.states.push_back(IdAt(document->RichTextBox1().document().content(), *place));
+  if (!same && !document->RichTextBox1().ReplaceObject(*place, rtf)) return tr("the object is protected there.");
+  const bool wasSafe = copy.safe == copy.file.taken;
+  copy.file.taken = copy.file.seen = stamp;
+  if (same) {
+    if (wasSafe) MarkSafe(copy);
+    return {};
+  }
+  const text::Document& edited = document->RichTextBox1().document();
+  copy.states.push_back(text::ObjectIdAt(edited.content(), *place));
+  copy.alone = PlacesOf(copy, edited).size() <= 1;
   return {};
-}
-
-// Where it was, followed through the edits; else wherever it is now, the last state of it first. Undo brings earlier
-// ones back.
-std::optional<text::Units> ObjectCopies::PlaceOf(Copy& copy, const frmText& window) const {
-  const text::Document& document = const_cast<frmText&>(window).RichTextBox1().document();
-  const text::Content& content = document.content();
-  const auto isState = [&copy](text::ObjectId id) { return std::ranges::count(copy.states, id) > 0; };
-  if (const auto changes = document.ChangesSince(copy.revision)) {
-    for (const text::Change& change : *changes) copy.place = text::MapPosition(copy.place, change, text::Bias::kLeft);
-    copy.revision = document.revision();
-    if (isState(IdAt(content, copy.place))) return copy.place;
-  }
-  std::optional<text::Units> found;
-  text::Units at(0);
-  content.ForEachPiece(content.all(), [&](const text::PieceView& piece) {
-    const text::ObjectId id = content.formats()[piece.charFormat].object;
-    const bool last = id == copy.states.back();
-    if (last || (!found && isState(id))) found = at;
-    at = at + piece.sums.units;
-    return !last;
-  });
-  if (found) copy.place = *found, copy.revision = document.revision();
-  return found;
-}
-
-// --- What could not be taken back
-
-void ObjectCopies::TellKept(Copy& copy, const QString& reason) {
-  const auto now = files::StampOf(copy.path());
-  if (now) copy.taken = copy.seen = *now;  // told once for each change
-  copy.told = true;
-  std::error_code ignored;
-  std::filesystem::remove(copy.folder.path() / kAbout, ignored);
-  const QString text =
-      tr("The changes to [%1] could not be taken back into [%2]:\r\n%3\r\n\r\nThe changed file is kept here:\r\n%4");
-  frmText* document = table_.Find(copy.document);
-  services::ShowError(services_.dialogs(), document ? static_cast<ui::Form*>(document) : services_.forms().at(0),
-                      text.arg(ui::NameInText(copy.name), ui::DisplayText(copy.caption), reason,
-                               ui::DisplayText(copy.path().native())));
-}
-
-// For the next start, when this program is killed: the state of the copy whose bytes the document has got, and names.
-void ObjectCopies::WriteAbout(const Copy& copy) const {
-  const std::string about = std::to_string(copy.taken.size) + " " + std::to_string(copy.taken.modifiedSeconds) + " " +
-                            std::to_string(copy.taken.modifiedNanoseconds) + "\n" + copy.name;
-  // Without it the copy is kept rather than cleared away.
-  static_cast<void>(copy.folder.Replace(kAbout, about));
-}
-
-void ObjectCopies::SweepLeftovers() {
-  const ui::CommandScope scope;
-  QStringList kept;
-  for (const files::PrivateFolder& folder : files::PrivateFolder::Abandoned(root())) {
-    const files::Path about = folder.path() / kAbout;
-    auto file = files::OpenForReading(about);
-    const auto read = file ? files::ReadAll(file.value(), 4096) : files::Result<std::string>(file.error());
-    if (!read) continue;  // told of already
-    const std::string& line = read.value();
-    const files::Path path = folder.path() / ui::PlainFileName(line.substr(line.find('\n') + 1));
-    const auto now = files::StampOf(path);
-    const std::string stamp = now ? std::to_string(now->size) + " " + std::to_string(now->modifiedSeconds) + " " +
-                                        std::to_string(now->modifiedNanoseconds)
-                                  : std::string();
-    if (!now || line.substr(0, line.find('\n')) == stamp) {
-      folder.Remove();
-    } else {
-      kept += ui::DisplayText(path.native());
-      std::error_code ignored;
-      std::filesystem::remove(about, ignored);
-    }
-  }
-  if (kept.isEmpty()) return;
-  services::ShowError(
-      services_.dialogs(), services_.forms().at(0),
-      tr("The program ended while files out of documents were being edited.  What was changed in them since is not in "
-         "the documents.  These files are kept:\r\n%1")
-          .arg(kept.join(QStringLiteral("\r\n"))));
 }
 
 }  // namespace documents

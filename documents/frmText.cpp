@@ -62,12 +62,15 @@ void frmText::ConnectEditor() {
           [this](QMimeData* data, bool asFile) { services_.forms().Guarded([&] { AddFileToDrag(*data, asFile); }); });
   connect(RichTextBox1_, &ui::RichTextBox::DragRefused, this, [this] {
     ui::AfterCommand(this, [this] {
-      services::ShowError(services_.dialogs(), this,
-                          tr("This is too much to be dragged to another program.  Copy and paste it."));
+      services_.forms().Guarded([this] {
+        services::ShowError(services_.dialogs(), this,
+                            tr("This is too much to be dragged to another program.  Copy and paste it."));
+      });
     });
   });
   connect(RichTextBox1_, &ui::RichTextBox::EditFailed, this, [this](const QString& reason) {
-    services::ShowError(services_.dialogs(), this, services::FileText(caption(), reason));
+    services_.forms().Guarded(
+        [&] { services::ShowError(services_.dialogs(), this, services::FileText(caption(), reason)); });
   });
   RichTextBox1_->installEventFilter(this);
 }
@@ -186,12 +189,14 @@ bool frmText::Unload() {
   const int state = static_cast<int>(windowState());
   TakeDown();
   const int slot = slot_;
+  const ui::FormId form = id();
   table_.Release(slot);
   if (!table_.AnyDocumentOpen()) {
     services_.ToolbarToggle(false);
     services_.ShowSelectionFont({});
   }
   if (shown) table_.LastDocWindowState = state;
+  table_.copies().Closed(form);
   return true;
 }
 
@@ -242,21 +247,22 @@ bool frmText::WriteRecovery() {
 }
 
 std::optional<files::Error> frmText::KeepText() {
-  if (!unloaded_) table_.copies().TakeBack(id(), true);
+  if (unloaded_) return std::nullopt;
+  table_.copies().TakeBack(id(), true);
   const text::Content content = RichTextBox1_->document().content();
   const bool nothingTyped = content.size() == text::Units(0) && caption().starts_with(kUntitled);
-  if (unloaded_) return std::nullopt;
-  if (!table_.DocInfo(slot_).Changed || nothingTyped) {
+  const bool changed = table_.DocInfo(slot_).Changed && !nothingTyped;
+  if (!changed) {
     // Kept before, and since then undone.
     if (origin_.kept) ForgetRecovered(false);
-    return std::nullopt;
+  } else if (!origin_.kept || !content.SameAs(*origin_.kept)) {
+    const auto written = RescueDocument(services_.recoveryFolder(), TextToRescue());
+    if (!written) return written.error();
+    ForgetRecovered(false);
+    origin_.recovered.push_back(written.value());
+    origin_.kept = content;
   }
-  if (origin_.kept && content.SameAs(*origin_.kept)) return std::nullopt;
-  const auto written = RescueDocument(services_.recoveryFolder(), TextToRescue());
-  if (!written) return written.error();
-  ForgetRecovered(false);
-  origin_.recovered.push_back(written.value());
-  origin_.kept = content;
+  if (!nothingTyped) table_.copies().SavedIn(id(), content);
   return std::nullopt;
 }
 

@@ -8,6 +8,8 @@
 #include "ui/editor/RichTextBox.h"
 #include "ui/frame/ChildWindow.h"
 
+#include <set>
+
 class QMimeData;
 
 namespace ui {
@@ -128,11 +130,11 @@ class frmText : public ui::ChildForm {
     std::optional<files::FileStamp> stamp;  // of the file as it was read or written last; nothing: there was none
     std::optional<text::Content> asLoaded;  // what rtfBytes are the file of
     std::shared_ptr<const std::string> rtfBytes;
-    bool lossAgreed = false;     // what is in the file and not in the text may go
-    bool loseElsewhere = false;  // the user agreed for a file of another name
-    bool objectsGo = false;      // the user agreed that a plain file is saved without them
-    bool notRtf = false;         // an .rtf name, but the bytes were none, and nobody said what to write
-    bool plainByChoice = false;  // the user said: the text it is
+    bool lossAgreed = false;             // what is in the file and not in the text may go
+    bool loseElsewhere = false;          // the user agreed for a file of another name
+    std::set<text::ObjectId> objectsGo;  // the user agreed that a plain file is saved without these
+    bool notRtf = false;                 // an .rtf name, but the bytes were none, and nobody said what to write
+    bool plainByChoice = false;          // the user said: the text it is
     enum class FileHas { kWhatWasRead, kWhatASaveLeft, kTheWholeText };
     FileHas fileHas = FileHas::kWhatWasRead;      // of a file that a recovered text was not made from
     std::vector<files::RecoveryEntry> recovered;  // entries that hold this text, claimed
@@ -143,6 +145,8 @@ class frmText : public ui::ChildForm {
   void InsertAsRichText(const QByteArray& rtfOrText);
   void InsertNewObject(const ui::ObjectType& type);
   void InsertFiles(const std::vector<std::string>& paths);
+  std::optional<text::Content> ObjectOf(const files::Path& path, const text::EmbeddedObject& card,
+                                        std::vector<files::Error>& errors) const;
   void ShowFileErrors(const std::vector<files::Error>& errors);
   void OpenObject(text::Units place);
   void AddFileToDrag(QMimeData& data, bool asFile);

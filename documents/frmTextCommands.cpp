@@ -34,14 +34,21 @@ void frmText::InsertAsRichText(const QByteArray& rtfOrText) {
   if (RichTextBox1_->MayTypeOver()) RichTextBox1_->SetSelRTF(rtfOrText);
 }
 
+// The clipboard may have lost what the menu was opened for.
 void frmText::mnuPasteAsText_Click() {
-  InsertAsRichText(ui::ClipboardText().toUtf8());
+  const QString text = ui::ClipboardText();
+  if (text.isEmpty()) return RichTextBox1_->Refuse();
+  InsertAsRichText(text.toUtf8());
 }
 void frmText::mnuPasteAsRTF_Click() {
-  InsertAsRichText(ui::ClipboardRtf());
+  const QByteArray rtf = ui::ClipboardRtf();
+  if (rtf.isEmpty()) return RichTextBox1_->Refuse();
+  InsertAsRichText(rtf);
 }
 void frmText::mnuPasteAsLink_Click() {
-  const QString link = QStringLiteral("<a href=\"") + ui::ClipboardText() + QStringLiteral("\"></a>");
+  const QString text = ui::ClipboardText();
+  if (text.isEmpty()) return RichTextBox1_->Refuse();
+  const QString link = QStringLiteral("<a href=\"") + text + QStringLiteral("\"></a>");
   InsertAsRichText(link.toUtf8());
 }
 void frmText::mnuDelete_Click() {

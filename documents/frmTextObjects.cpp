@@ -4,6 +4,7 @@
 #include "documents/frmText.h"
 #include "files/FileUrl.h"
 #include "services/Messages.h"
+#include "text/rtf/Rtf.h"
 #include "text/rtfsyntax/RtfPackage.h"
 #include "ui/PathText.h"
 #include "ui/PendingEvents.h"
@@ -15,6 +16,31 @@
 #include <cerrno>
 
 namespace documents {
+namespace {
+
+// In a file every byte is two, and all of it is held as long as the document.
+constexpr int64_t kMostBytesAtOnce = 256 << 20;
+constexpr size_t kMostAtOnce = 500;
+
+// By the sizes alone; files that are too large by themselves are told of one by one.
+QString WhyTooMuch(const std::vector<std::string>& paths) {
+  if (paths.size() > kMostAtOnce) return frmText::tr("%1 files are too many to be inserted at once.").arg(paths.size());
+  int64_t bytes = 0;
+  for (const std::string& path : paths) {
+    const auto stamp = files::StampOf(path);
+    if (stamp && stamp->size <= static_cast<int64_t>(text::rtf::kMaxPackageBytes)) bytes += stamp->size;
+  }
+  constexpr int64_t kMegabyte = 1 << 20;
+  if (bytes <= kMostBytesAtOnce) return {};
+  return frmText::tr("These files have together more than %1 MB, the most that is inserted at once.")
+      .arg(kMostBytesAtOnce / kMegabyte);
+}
+
+text::Content FragmentOf(const std::string& rtf, const text::Document& document) {
+  return text::rtf::ReadFragment(rtf, document.content().store()).content;
+}
+
+}  // namespace
 
 void frmText::mnuObjInsert_Click() {
   const ui::CommandScope scope;
@@ -43,40 +69,46 @@ void frmText::InsertNewObject(const ui::ObjectType& type) {
     bytes = std::move(read.value());
   }
   const std::string rtf = ObjectRtf(type.fileName, bytes, ui::FileCard(type.fileName));
-  InsertAsRichText(QByteArray::fromStdString(rtf));
-  if (const auto place = RichTextBox1_->SelectedObject()) table_.copies().Open(*this, *place);
+  const auto place = RichTextBox1_->InsertObjects({FragmentOf(rtf, RichTextBox1_->document())});
+  if (place) table_.copies().Open(*this, *place);
+}
+
+// A file as an object of this document. Any thread.
+std::optional<text::Content> frmText::ObjectOf(const files::Path& path, const text::EmbeddedObject& card,
+                                               std::vector<files::Error>& errors) const {
+  const auto bytes = ReadEmbeddable(path);
+  if (!bytes) {
+    errors.push_back(bytes.error());
+    return std::nullopt;
+  }
+  return FragmentOf(ObjectRtf(card.name, bytes.value(), card), RichTextBox1_->document());
 }
 
 // All of them are one step, whatever is said of those that cannot be read.
 void frmText::InsertFiles(const std::vector<std::string>& paths) {
   const ui::CommandScope scope;
-  constexpr size_t kMost = 500;
-  if (paths.size() > kMost)
-    return services::ShowError(services_.dialogs(), this,
-                               tr("%1 files are too many to be inserted at once.").arg(paths.size()));
+  if (const QString reason = WhyTooMuch(paths); !reason.isEmpty())
+    return services::ShowError(services_.dialogs(), this, reason);
   if (unloaded_ || !RichTextBox1_->MayTypeOver()) return;
-  std::vector<std::pair<std::string, text::EmbeddedObject>> named;
+  std::vector<text::EmbeddedObject> cards;
   for (const std::string& path : paths) {
-    std::string name = ui::DisplayText(files::Path(path).filename().native()).toStdString();
-    text::EmbeddedObject card = ui::FileCard(name);
-    named.emplace_back(std::move(name), std::move(card));
+    const std::string name = ui::DisplayText(files::Path(path).filename().native()).toStdString();
+    cards.push_back(ui::FileCard(name));
+    cards.back().name = name;
   }
-  std::string rtf = "{\\rtf1\\ansi\\uc1 ";
+  std::vector<text::Content> objects;
   std::vector<files::Error> errors;
-  bool cancelled = false, any = false;
+  bool cancelled = false;
   const auto failure = Work(tr("Inserting files into %1"), static_cast<int64_t>(paths.size()), [&](ui::WorkPort& port) {
-    for (size_t i = 0; i < paths.size() && !cancelled; ++i) {
+    for (size_t i = 0; i < paths.size(); ++i) {
       cancelled = !port.Report(static_cast<int64_t>(i));
-      const auto bytes = cancelled ? files::Result<std::string>(std::string()) : ReadEmbeddable(paths[i]);
-      if (!bytes) errors.push_back(bytes.error());
-      if (cancelled || !bytes) continue;
-      const text::EmbeddedObject shown = ui::PictureOfFile(bytes.value(), named[i].second);
-      rtf += text::rtf::PackageGroup(named[i].first, bytes.value(), shown);
-      any = true;
+      if (cancelled) return;
+      if (auto object = ObjectOf(paths[i], cards[i], errors)) objects.push_back(std::move(*object));
     }
+    cancelled = port.cancelled();
   });
   if (failure) errors = {*failure};
-  if (any && !failure && !cancelled && !unloaded_) InsertAsRichText(QByteArray::fromStdString(rtf + "}"));
+  if (!objects.empty() && !failure && !cancelled && !unloaded_) RichTextBox1_->InsertObjects(objects);
   if (!errors.empty() && !cancelled) ShowFileErrors(errors);
 }
 

@@ -50,6 +50,17 @@ QString EncodingName(text::Encoding encoding) {
   return {};
 }
 
+std::set<text::ObjectId> ObjectsIn(const text::Content& content) {
+  std::set<text::ObjectId> objects;
+  if (!content.Summarize(content.all()).anyObject) return objects;
+  content.ForEachPiece(content.all(), [&](const text::PieceView& piece) {
+    const text::ObjectId object = content.formats()[piece.charFormat].object;
+    if (object != text::ObjectId::kNone) objects.insert(object);
+    return true;
+  });
+  return objects;
+}
+
 enum class Fit { kAll, kNotAll, kCancelled };
 
 // Whether the encoding can hold every character.
@@ -173,12 +184,12 @@ frmText::Go frmText::AskFormat(Saving& saving) {
   return AskEncoding(saving);
 }
 
-// Whoever saves rich text under another kind of name was warned then.
+// What was agreed about is these very objects, as they are.
 frmText::Go frmText::AskObjects(const text::Content& content) {
-  if (origin_.objectsGo || RichTextBox1_->isRichText() || !content.Summarize(content.all()).anyObject) return Go::kOn;
+  if (std::ranges::includes(origin_.objectsGo, ObjectsIn(content))) return Go::kOn;
   const Go go = Ask(tr("contains objects, which only rich text (.rtf) can hold.  Save without them?"),
                     ui::Buttons::kYesNoCancel, ui::Icon::kExclamation);
-  origin_.objectsGo = go == Go::kOn;
+  if (go == Go::kOn) origin_.objectsGo = ObjectsIn(content);
   return go;
 }
 
@@ -292,6 +303,7 @@ void frmText::Saved(const files::FileStamp& stamp, const DocumentBytes& written)
   rescue_ = false;
   ForgetRecovered(true);
   if (unloaded_) return;
+  if (written.form != DocumentBytes::Form::kPlain) table_.copies().SavedIn(id(), written.content);
   if (written.form == DocumentBytes::Form::kPlain) RichTextBox1_->document().properties() = written.plainProperties;
   // An input method may have delivered text meanwhile: that is not in the file.
   if (RichTextBox1_->document().content().SameAs(written.content)) SetUnchanged();
@@ -311,6 +323,7 @@ void frmText::TakeName(const files::Path& chosen) {
   if (!files::SamePath(chosen, path())) {
     origin_.lossAgreed = origin_.loseElsewhere;
     origin_.notRtf = origin_.plainByChoice = false;
+    origin_.objectsGo.clear();
     origin_.kept.reset();
   }
   origin_.loseElsewhere = false;
@@ -330,7 +343,8 @@ SaveOutcome frmText::mnuSaveFileAs_Click() {
   if (chosen.empty() || unloaded_) return SaveOutcome::kCancelled;
   // Whether to replace this file has been asked by the dialog.
   const auto agreed = files::StampOf(chosen);
-  if (IsRtfExtension(filter.extension) && !files::EndsWithAnyCase(chosen.native(), "rtf")) {
+  const bool warned = IsRtfExtension(filter.extension) && !files::EndsWithAnyCase(chosen.native(), "rtf");
+  if (warned) {
     const QString text =
         tr("Warning: If you change the extension from .RTF, the saved file will lose any special "
            "formatting.\r\nShall I continue?");
@@ -338,6 +352,7 @@ SaveOutcome frmText::mnuSaveFileAs_Click() {
     if (services_.dialogs().ShowMessage(this, question) != ui::Answer::kYes) return SaveOutcome::kCancelled;
   }
   TakeName(chosen);
+  if (warned) origin_.objectsGo = ObjectsIn(RichTextBox1_->document().content());
   origin_.stamp = agreed;
   origin_.fileHas = Origin::FileHas::kWhatWasRead;
   const SaveOutcome outcome = mnuSaveFile_Click();

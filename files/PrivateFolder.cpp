@@ -3,6 +3,7 @@
 #include "files/Folders.h"
 #include "files/Io.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
 #include <sys/file.h>
@@ -21,6 +22,20 @@ std::shared_ptr<const Descriptor> Claim(const Path& folder) {
   const bool still = fstat(opened.get(), &held) == 0 && lstat(folder.c_str(), &named) == 0 &&
                      held.st_dev == named.st_dev && held.st_ino == named.st_ino;
   return still ? std::make_shared<const Descriptor>(std::move(opened)) : nullptr;
+}
+
+Result<FileStamp> WriteAll(Descriptor& file, std::string_view bytes, const Path& path) {
+  int error = 0;
+  {
+    const FileSizeSignalBlock block;
+    error = WriteFully(file.get(), bytes, 0).error;
+  }
+  if (error == 0 && ftruncate(file.get(), static_cast<off_t>(bytes.size())) != 0) error = errno;
+  struct stat status {};
+  if (error == 0 && fstat(file.get(), &status) != 0) error = errno;
+  const int closing = file.Close();
+  if (error == 0) error = closing;
+  return error == 0 ? Result<FileStamp>(StampOf(status)) : SystemError(error, path);
 }
 
 }  // namespace
@@ -55,18 +70,9 @@ Result<FileStamp> PrivateFolder::Write(const Path& name, std::string_view bytes,
   const mode_t mode = readOnly ? S_IRUSR : S_IRUSR | S_IWUSR;
   Descriptor file(open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode));
   if (!file) return SystemError(errno, path);
-  int error = 0;
-  {
-    const FileSizeSignalBlock block;
-    error = WriteFully(file.get(), bytes, 0).error;
-  }
-  struct stat status {};
-  if (error == 0 && fstat(file.get(), &status) != 0) error = errno;
-  const int closing = file.Close();
-  if (error == 0) error = closing;
-  if (error == 0) return StampOf(status);
-  unlink(path.c_str());
-  return SystemError(error, path);
+  auto written = WriteAll(file, bytes, path);
+  if (!written) unlink(path.c_str());
+  return written;
 }
 
 Result<FileStamp> PrivateFolder::Replace(const Path& name, std::string_view bytes, bool readOnly) const {
@@ -80,9 +86,29 @@ Result<FileStamp> PrivateFolder::Replace(const Path& name, std::string_view byte
   return SystemError(error, to);
 }
 
-void PrivateFolder::Remove() const {
-  std::error_code ignored;
-  std::filesystem::remove_all(path_, ignored);
+Result<FileStamp> PrivateFolder::Overwrite(const Path& name, std::string_view bytes) const {
+  const Path path = path_ / name;
+  Descriptor file(open(path.c_str(), O_WRONLY | O_NOFOLLOW | O_CLOEXEC));
+  if (!file) return SystemError(errno, path);
+  return WriteAll(file, bytes, path);
+}
+
+std::vector<Path> PrivateFolder::RemoveWith(const std::vector<Path>& names) const {
+  std::vector<Path> others;
+  std::error_code error;
+  for (std::filesystem::directory_iterator entry(path_, error), end; !error && entry != end; entry.increment(error))
+    if (std::ranges::count(names, entry->path().filename()) == 0 || entry->is_directory(error))
+      others.push_back(entry->path());
+  if (error) others.push_back(path_);
+  if (!others.empty()) return others;
+  for (const Path& name : names) Forget(name);
+  // What has come meanwhile keeps it.
+  rmdir(path_.c_str());
+  return {};
+}
+
+void PrivateFolder::Forget(const Path& name) const {
+  unlink((path_ / name).c_str());
 }
 
 }  // namespace files

@@ -23,8 +23,12 @@ class PrivateFolder {
   Result<FileStamp> Write(const Path& name, std::string_view bytes, bool readOnly = false) const;
   // Instead of a file of that name, if there is one, which keeps its name until the new one is written.
   Result<FileStamp> Replace(const Path& name, std::string_view bytes, bool readOnly = false) const;
-  // With all that is in it, folders too; what cannot be removed stays.
-  void Remove() const;
+  // Over the bytes of a file that is there; programs that have it open see them. After a failure any of them may stand.
+  Result<FileStamp> Overwrite(const Path& name, std::string_view bytes) const;
+  // Removes these files and the folder, but nothing at all when it holds anything else: that is given back. There is no
+  // way to remove what nobody knows of.
+  std::vector<Path> RemoveWith(const std::vector<Path>& names) const;
+  void Forget(const Path& name) const;  // a file in it, if it is there
 
  private:
   PrivateFolder(Path path, std::shared_ptr<const Descriptor> claim);

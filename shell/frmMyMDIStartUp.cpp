@@ -1,4 +1,5 @@
 // How the main window starts and ends.
+#include "documents/ObjectCopies.h"
 #include "documents/frmText.h"
 #include "services/Messages.h"
 #include "shell/FirstRun.h"
@@ -179,6 +180,7 @@ bool frmMyMDI::Close() {
   }
   // What has been opened meanwhile was not asked about.
   if (table_.AnyDocumentOpen() || !panes_.Unload()) return false;
+  table_.copies().TellAtEnd();
   MDIForm_Unload();
   return true;
 }

@@ -1,6 +1,7 @@
 #include "tests/editor/EditorFixture.h"
 
 #include <QApplication>
+#include <QImage>
 #include <QMouseEvent>
 #include <QUrl>
 #include <QWheelEvent>
@@ -258,6 +259,22 @@ TEST(Mouse, ADoubleClickOpensAnObjectAndControlEnterToo) {
   EXPECT_EQ(editor.host.opened, "1,1,1,") << "selected, beside it, and not elsewhere";
 }
 
+TEST(Mouse, ARightPressMeansTheObjectUnderIt) {
+  Editor editor("|");
+  QMimeData data;
+  const QByteArray object = "{\\object\\objemb\\objw600\\objh600{\\*\\objclass Package}}";
+  data.setData(QStringLiteral("text/rtf"), "{\\rtf1 a" + object + object + "b}");
+  editor.controller.Insert(data, false);
+  const double left = editor.layout.CaretRect({text::Units(1)}).center().x();
+  const QPointF middle = editor.layout.CaretRect({text::Units(2)}).center();
+  for (const auto& [point, place] :
+       {std::pair(QPointF(left + 4, middle.y()), 1), {middle - QPointF(4, 0), 1}, {middle + QPointF(4, 0), 2}}) {
+    editor.controller.Select({text::Units(0), text::Units(0)});
+    editor.mouse.PrepareContextMenu(point);
+    EXPECT_EQ(editor.controller.range(), (text::Range{text::Units(place), text::Units(place + 1)})) << point.x();
+  }
+}
+
 // --- Drops
 
 TEST(Drop, IsTakenOnlyAsACopyOfTextFromElsewhere) {
@@ -273,26 +290,62 @@ TEST(Drop, IsTakenOnlyAsACopyOfTextFromElsewhere) {
   EXPECT_FALSE(editor.mouse.CanDrop(nothing, Qt::CopyAction, false));
   editor.controller.SetPlainOnly(true);
   EXPECT_FALSE(editor.mouse.CanDrop(files, Qt::CopyAction, false));
+  QMimeData picture;
+  picture.setImageData(QImage(2, 2, QImage::Format_RGB32));
+  EXPECT_FALSE(editor.mouse.CanDrop(picture, Qt::CopyAction, false));
   editor.controller.SetReadOnly(true);
   EXPECT_FALSE(editor.mouse.CanDrop(text, Qt::CopyAction, false));
 }
 
-TEST(Drop, FilesAreGivenBackUnlessRichTextComesWithThem) {
-  const QByteArray files = "file:///a%20b\r\nfile:///caf%E9\r\nhttps://example.org/\r\n";
-  const auto drop = [&](std::vector<std::pair<const char*, QByteArray>> formats, const std::string& text) {
-    Editor editor("|");
-    QMimeData data;
-    for (const auto& [type, bytes] : formats) data.setData(QLatin1String(type), bytes);
-    EXPECT_TRUE(editor.mouse.CanDrop(data, Qt::CopyAction, false));
-    const auto paths = editor.mouse.Drop(data, {1, 1});
-    EXPECT_EQ(editor.Shown(), text);
-    return paths;
+// "P" where a picture stands.
+TEST(Drop, EverythingThatIsOfferedGoesInButTheSameThingOnce) {
+  const QByteArray files = "file:///a%20b\r\nfile:///caf%E9\r\nhttps://example.org/\r\n", rtf = "{\\rtf1 r}";
+  const QByteArray ours = "application/x-quillmark-drag";
+  const QByteArray image = "application/x-qt-image", none;
+  const struct {
+    std::vector<std::pair<QByteArray, QByteArray>> offered;
+    const char *rich, *plain;  // in a document that keeps formats, and in one that does not
+    bool files;
+  } kRows[] = {
+      {{{"text/uri-list", files}}, "|", "|", true},
+      {{{"text/uri-list", files}, {"text/plain", "/a b\r\ncaf\xE9\r\n"}}, "|", "|", true},
+      {{{"text/uri-list", files}, {"text/plain", "file:///a%20b"}, {image, none}}, "|", "|", true},
+      {{{"text/uri-list", files}, {"text/plain", "about them"}}, "about them|", "about them|", true},
+      {{{"text/uri-list", files}, {"text/rtf", rtf}}, "r|", "r|", true},
+      {{{"text/uri-list", files}, {"text/rtf", rtf}, {ours, "text"}}, "r|", "r|", false},
+      {{{"text/uri-list", files}, {"text/rtf", rtf}, {ours, "file"}}, "|", "|", true},
+      {{{"text/rtf", rtf}, {ours, "file"}}, "r|", "r|", false},
+      {{{"text/uri-list", "https://x.org/"}, {"text/plain", "https://x.org/"}},
+       "https://x.org/|",
+       "https://x.org/|",
+       false},
+      {{{image, none}}, "P|", "P|", false},
+      {{{image, none}, {"text/plain", "beside"}}, "besideP|", "besideP|", false},
+      {{{image, none}, {"text/plain", "https://x.org/a.png"}}, "P|", "https://x.org/a.png|", false},
+      {{{image, none}, {"text/rtf", rtf}, {"text/plain", "r"}}, "r|", "r|", false},
+      {{{image, none}, {"text/html", "<img src=x>"}}, "P|", "P|", false},
+      {{{image, none}, {"text/html", "<b>h</b>"}, {"text/plain", "h"}}, "h|", "h|", false},
   };
-  const std::vector<std::string> paths{"/a b", "/caf\xE9"};
-  EXPECT_EQ(drop({{"text/uri-list", files}}, "|"), paths);
-  EXPECT_EQ(drop({{"text/uri-list", files}, {"text/plain", "/a b"}}, "|"), paths) << "their names are no text";
-  EXPECT_TRUE(drop({{"text/uri-list", files}, {"text/rtf", "{\\rtf1 x}"}}, "x|").empty()) << "a document's own file";
-  EXPECT_TRUE(drop({{"text/uri-list", "https://example.org/"}, {"text/plain", "https://x"}}, "https://x|").empty());
+  for (const auto& row : kRows) {
+    for (const bool keeps : {true, false}) {
+      Editor editor("|");
+      editor.controller.SavesFormatsWhen([keeps] { return keeps; });
+      QMimeData data;
+      for (const auto& [type, bytes] : row.offered) {
+        type == image ? data.setImageData(QImage(2, 2, QImage::Format_RGB32))
+                      : data.setData(QString::fromLatin1(type), bytes);
+      }
+      EXPECT_TRUE(editor.mouse.CanDrop(data, Qt::CopyAction, false));
+      const auto paths = editor.mouse.Drop(data, {1, 1});
+      std::string shown = editor.Shown();
+      for (size_t at; (at = shown.find("\uFFFC")) != std::string::npos;) shown.replace(at, 3, "P");
+      const auto number = &row - kRows;
+      EXPECT_EQ(shown, keeps ? row.rich : row.plain) << number;
+      EXPECT_EQ(paths, row.files ? std::vector<std::string>({"/a b", "/caf\xE9"}) : std::vector<std::string>())
+          << number;
+      EXPECT_EQ(editor.host.refusals, 0) << number;
+    }
+  }
 }
 
 TEST(Drop, GoesInWhereThePointerIs) {

@@ -5,6 +5,7 @@ import time
 
 import atspi
 import cases
+import harness
 from dragging import DragTest, Peer
 
 APPLICATION = """[Desktop Entry]
@@ -34,6 +35,22 @@ class InsertTest(DragTest):
         with open(os.path.join(folder, "mimeapps.list"), "w", encoding="utf-8") as file:
             file.write("[Default Applications]\ntext/plain=scribe.desktop\n")
 
+    def insert_file(self, program, path):
+        """By the dialog; it stands behind what was there."""
+        before = "".join(self.texts_of(program)).count("\ufffc")
+        self.edit_menu("Up", "Return")
+        program.wait_for_title("Insert Object")
+        program.wait_for_focus()
+        cases.SESSION.keys("alt+f", "Tab")
+        cases.SESSION.type(path)
+        cases.SESSION.keys("Return")
+        program.wait_until(lambda: "".join(self.texts_of(program)).count("\ufffc") > before, "the object")
+        program.wait_for_focus()
+
+    def copies(self):
+        root = self.home.at("state", "quillmark", "objects")
+        return sorted(name for _, _, names in os.walk(root) for name in names)
+
     def saved_with(self, program, name, part):
         """Saves until the file holds that."""
         def holds():
@@ -61,14 +78,7 @@ class Objects(InsertTest):
         self.home.put("a.rtf", b"")
         note = self.home.put("note.txt", b"as it was")
         program = self.open("a.rtf")
-        self.edit_menu("Up", "Return")
-        program.wait_for_title("Insert Object")
-        program.wait_for_focus()
-        cases.SESSION.keys("alt+f", "Tab")
-        cases.SESSION.type(note)
-        cases.SESSION.keys("Return")
-        self.wait_for_texts(program, "\ufffc")
-        program.wait_for_focus()
+        self.insert_file(program, note)
         self.saved_with(program, "a.rtf", b"as it was".hex().encode())
         self.assertFalse(os.path.exists(self.home.at("copy")), "opened by nobody's act")
         cases.SESSION.keys("alt+F4")
@@ -94,20 +104,54 @@ class Objects(InsertTest):
             link = self.home.put(name, APPLICATION.encode() % self.home.at("scribe").encode())
             os.chmod(link, 0o755)
             program = self.open("a.rtf")
-            self.edit_menu("Up", "Return")
-            program.wait_for_title("Insert Object")
-            program.wait_for_focus()
-            cases.SESSION.keys("alt+f", "Tab")
-            cases.SESSION.type(link)
-            cases.SESSION.keys("Return")
-            self.wait_for_texts(program, "\ufffc")
-            program.wait_for_focus()
+            self.insert_file(program, link)
             cases.SESSION.keys("ctrl+Return")
             self.answer(program, f"File: {name}\nis a program or a link and is not opened.", "Return")
             program.wait_for_no_dialog()
             cases.SESSION.keys("ctrl+z", "alt+F4")
             self.expect_clean_end(program)
             self.assertFalse(os.path.exists(self.home.at("opened")))
+
+
+    def test_something_new_is_opened_and_not_what_stands_behind_it(self):
+        self.install('basename "$1" >> "$HOME/opened"\n')
+        self.home.put("a.rtf", b"")
+        program = self.open("a.rtf")
+        self.insert_file(program, self.home.put("existing.txt", b"X"))
+        cases.SESSION.keys("ctrl+Home")
+        self.edit_menu("Up", "Return")
+        program.wait_for_title("Insert Object")
+        program.wait_for_focus()
+        cases.SESSION.keys("Return")
+        self.wait_for_texts(program, "\ufffc\ufffc")
+        program.wait_until(lambda: os.path.exists(self.home.at("opened")), "the application")
+        with open(self.home.at("opened"), encoding="utf-8") as file:
+            self.assertNotIn("existing.txt", file.read())
+        cases.SESSION.keys("ctrl+z", "ctrl+z", "alt+F4")
+        self.expect_clean_end(program)
+
+    def test_what_an_application_still_has_open_is_told_of_and_kept(self):
+        self.install('echo report > "$(dirname "$1")/report.pdf"\ntouch "$HOME/open"\n'
+                     'while [ ! -e "$HOME/go" ]; do sleep 0.1; done\nprintf "late" > "$1"\ntouch "$HOME/done"\n')
+        self.home.put("a.rtf", b"")
+        program = self.open("a.rtf")
+        self.insert_file(program, self.home.put("note.txt", b"as it was"))
+        self.saved_with(program, "a.rtf", b"as it was".hex().encode())
+        cases.SESSION.keys("ctrl+Return")
+        program.wait_until(lambda: os.path.exists(self.home.at("open")), "the application")
+        cases.SESSION.keys("alt+F4")
+        self.answer(program, "These files out of documents may still be open in other programs.", "Return")
+        self.assertEqual(program.wait_for_end(), 0)
+        with open(self.home.at("go"), "w", encoding="utf-8"):
+            pass
+        harness.wait_until(lambda: os.path.exists(self.home.at("done")), "the application's end")
+        program = self.start("a.rtf")
+        self.answer(program, "What was changed in them since is not in the documents.", "Return")
+        program.wait_for_no_dialog()
+        program.wait_for_focus()
+        cases.SESSION.keys("alt+F4")
+        self.expect_clean_end(program)
+        self.assertEqual(self.copies(), ["note.txt", "report.pdf"])
 
 
 class Drags(InsertTest):

@@ -60,6 +60,32 @@ TEST(Package, ANameThatOnlyTheDataHoldIsFound) {
   EXPECT_EQ(PackageLabel(group), "caf\u00E9.ods");
 }
 
+TEST(Package, SomethingStandsBeforeOneThatBeginsATextAndIsReadAsNothing) {
+  const std::string group = PackageGroup("a.txt", "x", Dot());
+  const auto marks = [](const std::string& rtf) {
+    const size_t object = rtf.find("{\\object");
+    return rtf.substr(0, object).find("bkmkstart") != std::string::npos;
+  };
+  const ReadResult first = ReadNew("{\\rtf1 " + group + "}"), second = ReadNew("{\\rtf1 x" + group + "}");
+  EXPECT_TRUE(marks(Written(first)));
+  EXPECT_FALSE(marks(Written(second)));
+  EXPECT_EQ(Written(ReadNew(Written(first))), Written(first));
+  EXPECT_EQ(ReadNew(Written(first)).content.size(), Units(1));
+}
+
+TEST(Package, ThePictureIsShownAsLargeAndCutOffAsWanted) {
+  EmbeddedObject shown = Dot();
+  shown.width = 600, shown.height = 150;
+  shown.cropLeft = 1000, shown.cropRight = 1500, shown.cropBottom = 5000;
+  const EmbeddedObject read = *OnlyObject(ReadNew("{\\rtf1 " + PackageGroup("a.png", "x", shown) + "}").content);
+  EXPECT_EQ(read.width, 600);
+  EXPECT_EQ(read.height, 150);
+  EXPECT_EQ(read.cropLeft, 1000);
+  EXPECT_EQ(read.cropRight, 1500);
+  EXPECT_EQ(read.cropTop, 0);
+  EXPECT_EQ(read.cropBottom, 5000);
+}
+
 TEST(Package, WhatIsNoneOrDamagedIsNothing) {
   const std::string group = PackageGroup("name", "some bytes", Dot());
   const size_t data = group.find("objdata") + 9, end = group.find('}', data);

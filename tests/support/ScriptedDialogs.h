@@ -34,6 +34,10 @@ class ScriptedDialogs final : public ui::Dialogs {
       return answer;
     });
   }
+  // Whose text is only partly known.
+  void AnyMessage(std::function<ui::Answer(const ui::Message&)> answer) {
+    Announce<ui::Answer(const ui::Message&)>("message box", std::move(answer));
+  }
   // Nothing given = Cancel. `check` looks at what the dialog was asked to show.
   void File(std::optional<files::Path> chosen, std::function<void(const ui::FileRequest&)> check = {}) {
     Announce<std::optional<files::Path>(const ui::FileRequest&)>("file dialog", [=](const ui::FileRequest& request) {

@@ -15,7 +15,7 @@ class ScriptedShell final : public ui::Shell {
     asked.push_back("open " + pathOrAddress);
     return opens ? opens(pathOrAddress) : kStarted;
   }
-  int OpenCopy(const files::Path& file) override {
+  int OpenCopy(const files::Path& file, std::string&) override {
     asked.push_back("copy " + file.native());
     return opens ? opens(file.native()) : kStarted;
   }

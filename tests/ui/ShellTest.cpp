@@ -130,7 +130,11 @@ TEST_F(ShellTest, OfWhatCameOutOfADocumentNoProgramIsOpenedAndNoLinkFollowed) {
   const auto open = [&](const std::string& name, const std::string& bytes) {
     Put(At(name), bytes);
     fs::permissions(At(name), fs::perms::owner_all);
-    return InChild([&](ui::Shell& shell) { return shell.OpenCopy(At(name)); });
+    return InChild([&](ui::Shell& shell) {
+      std::string program;
+      const int result = shell.OpenCopy(At(name), program);
+      return result == ui::Shell::kStarted && program != "recorder" ? -1 : result;
+    });
   };
   const std::string elf(
       "\x7F"
@@ -147,10 +151,21 @@ TEST_F(ShellTest, OfWhatCameOutOfADocumentNoProgramIsOpenedAndNoLinkFollowed) {
                                                         {"x.AppImage", elf}})
     EXPECT_EQ(open(name, bytes), ui::Shell::kAccessDenied) << name;
   EXPECT_EQ(open("a.odt", "x"), ui::Shell::kNoApplication);
-  EXPECT_EQ(InChild([&](ui::Shell& shell) { return shell.OpenCopy(At("missing")); }), ui::Shell::kNotFound);
+  std::string program;
+  EXPECT_EQ(InChild([&](ui::Shell& shell) { return shell.OpenCopy(At("missing"), program); }), ui::Shell::kNotFound);
   EXPECT_FALSE(fs::exists(At("ran")));
-  EXPECT_EQ(open("script.txt", "#!/bin/sh\n"), ui::Shell::kStarted);
-  EXPECT_TRUE(Ran().starts_with("viewer\n"));
+  // What would run them stands ready, but an application for plain text gets them.
+  Put(At("data/applications/runner.desktop"),
+      "[Desktop Entry]\nType=Application\nName=Runner\nExec=" + At("bin/recorder").native() + " runner %u\n");
+  std::ofstream defaults(At("config/mimeapps.list"), std::ios::app);
+  for (const char* type : {"application/x-shellscript", "application/javascript", "text/javascript", "text/x-python",
+                           "text/x-python3", "application/x-perl", "text/x-ms-regedit", "text/vbscript"})
+    defaults << type << "=runner.desktop\n";
+  defaults.close();
+  for (const char* name : {"script.txt", "a.sh", "b.js", "c.py", "d.pl", "e.reg", "f.vbs"}) {
+    EXPECT_EQ(open(name, "#!/bin/sh\n"), ui::Shell::kStarted) << name;
+    EXPECT_TRUE(Ran().starts_with("viewer\n")) << name;
+  }
 }
 
 TEST_F(ShellTest, RunsWhatIsNamedWithItsArgumentsAsTheyAre) {

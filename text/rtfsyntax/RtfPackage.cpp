@@ -176,6 +176,20 @@ void AppendName(std::string& rtf, std::string_view utf8) {
   }
 }
 
+struct SideWords {
+  const char *goal, *before, *after;
+};
+
+// The picture's own length, from what is seen of it, and what is cut off.
+void AppendSide(std::string& rtf, const SideWords& words, int32_t shown, int32_t cropBefore, int32_t cropAfter) {
+  constexpr int64_t kWhole = 10000;
+  const int64_t seen = std::max<int64_t>(1, kWhole - cropBefore - cropAfter);
+  const int64_t goal = shown * kWhole / seen;
+  rtf += words.goal + std::to_string(goal);
+  if (cropBefore != 0) rtf += words.before + std::to_string(goal * cropBefore / kWhole);
+  if (cropAfter != 0) rtf += words.after + std::to_string(goal * cropAfter / kWhole);
+}
+
 }  // namespace
 
 std::optional<std::string> LabelInData(RtfTokenizer data) {
@@ -265,7 +279,9 @@ std::string PackageGroup(std::string_view name, std::string_view bytes, const Em
   rtf += shown.type == PictureType::kJpeg ? "\\jpegblip" : "\\pngblip";
   const PixelSize pixels = PixelsOf(shown.type, shown.picture.bytes);
   rtf += "\\picw" + std::to_string(pixels.width) + "\\pich" + std::to_string(pixels.height);
-  rtf += "\\picwgoal" + std::to_string(shown.width) + "\\pichgoal" + std::to_string(shown.height) + "\r\n";
+  AppendSide(rtf, {"\\picwgoal", "\\piccropl", "\\piccropr"}, shown.width, shown.cropLeft, shown.cropRight);
+  AppendSide(rtf, {"\\pichgoal", "\\piccropt", "\\piccropb"}, shown.height, shown.cropTop, shown.cropBottom);
+  rtf += "\r\n";
   AppendHex(rtf, shown.picture.bytes);
   return rtf += "}}}";
 }

@@ -1,4 +1,5 @@
 // What is new in a spliced file, in groups that begin with what is in force at their place.
+#include "text/ObjectAt.h"
 #include "text/Utf16.h"
 #include "text/rtfsyntax/RtfFields.h"
 #include "text/rtfwrite/RtfSplice.h"
@@ -133,6 +134,8 @@ void RtfSplice::InsertObject(ObjectId id) {
     words_.Raw(bytes);
     return true;
   };
+  if (written_ == Units(0) && id == ObjectIdAt(after_, Units(0)) && EmbeddedAt(after_, Units(0)))
+    words_.Raw(kBeforeFirstObject);
   const DocumentProperties properties;
   RtfWriter(after_, properties, append).RunObject(formats_[id]);
 }

@@ -1,5 +1,6 @@
 #include "text/rtfwrite/RtfWriter.h"
 
+#include "text/ObjectAt.h"
 #include "text/Utf16.h"
 #include "text/rtfsyntax/RtfCodePages.h"
 #include "text/rtfwrite/RtfSave.h"
@@ -27,6 +28,7 @@ RtfWriter::RtfWriter(const Content& content, const DocumentProperties& propertie
 bool RtfWriter::Run(Range range, bool wholeDocument) {
   CollectFormats(range, wholeDocument);
   Header(wholeDocument);
+  if (!range.empty() && EmbeddedAt(content_, range.begin)) words_.Raw(kBeforeFirstObject);
   Body(range);
   const bool openEnd = wholeDocument || !paragraph_.empty();
   if (openEnd && !refused_)

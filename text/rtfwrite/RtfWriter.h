@@ -16,6 +16,10 @@
 
 namespace text::rtf {
 
+// Of an object that is the very first thing in a text, LibreOffice 7.4 keeps only the picture, unless anything stands
+// before it: an empty bookmark, which is nothing for other readers.
+constexpr std::string_view kBeforeFirstObject = "{\\*\\bkmkstart _Object}{\\*\\bkmkend _Object}";
+
 class RtfWriter {
  public:
   RtfWriter(const Content& content, const DocumentProperties& properties, const ByteSink& sink);

@@ -9,6 +9,7 @@
 #include <gio/gunixmounts.h>
 #include <memory>
 #include <optional>
+#include <span>
 
 namespace ui {
 namespace {
@@ -69,11 +70,13 @@ int OpenFile(const std::string& path) {
   return Launch(application.get(), uri.get());
 }
 
+bool IsOneOf(const char* type, std::span<const char* const> kinds) {
+  return std::ranges::any_of(kinds, [type](const char* kind) { return g_content_type_is_a(type, kind); });
+}
+
 // Kinds whose applications would run them, or go where they lead.
 bool IsProgramOrLink(const char* type) {
-  constexpr const char* kKinds[] = {"application/x-executable",
-                                    "application/x-sharedlib",
-                                    "application/x-ms-dos-executable",
+  constexpr const char* kKinds[] = {"application/x-ms-dos-executable",
                                     "application/x-msdownload",
                                     "application/vnd.microsoft.portable-executable",
                                     "application/x-msi",
@@ -88,7 +91,24 @@ bool IsProgramOrLink(const char* type) {
                                     "application/vnd.flatpak",
                                     "application/vnd.flatpak.ref",
                                     "application/vnd.snap"};
-  return std::ranges::any_of(kKinds, [type](const char* kind) { return g_content_type_is_a(type, kind); });
+  // Wine makes types of its own for what it would run.
+  constexpr std::string_view kWine = "application/x-wine-extension-";
+  return IsOneOf(type, kKinds) || std::string_view(type).starts_with(kWine);
+}
+
+// The kinds of scripts belong to these, but so do compiled programs. Of others the application may be what runs them.
+bool MayBeRun(const char* type) {
+  constexpr const char* kKinds[] = {"application/x-executable", "application/x-sharedlib", "application/x-bat",
+                                    "application/x-powershell", "text/x-ms-regedit",       "text/vbscript"};
+  return IsOneOf(type, kKinds);
+}
+
+// The name that processes of an application have, unless any other program may be called so.
+std::string ProgramOf(GAppInfo* application) {
+  const char* const executable = application ? g_app_info_get_executable(application) : nullptr;
+  const std::string name = executable ? files::Path(executable).filename().native() : std::string();
+  constexpr std::string_view kAnything[] = {"sh", "bash", "env", "flatpak"};
+  return std::ranges::count(kAnything, name) > 0 ? std::string() : name;
 }
 
 std::string TypeOf(GFile* file) {
@@ -154,13 +174,16 @@ int DesktopShell::Open(const std::string& pathOrAddress) {
   return OpenFile(pathOrAddress);
 }
 
-int DesktopShell::OpenCopy(const files::Path& path) {
+int DesktopShell::OpenCopy(const files::Path& path, std::string& program) {
   const Owned<GFile> file(g_file_new_for_path(path.c_str()));
   const std::string type = TypeOf(file.get());
   if (type.empty()) return kNotFound;
   const bool named = files::EndsWithAnyCase(path.native(), ".desktop") || files::EndsWithAnyCase(path.native(), ".url");
   if (named || IsProgramOrLink(type.c_str())) return kAccessDenied;
-  const Owned<GAppInfo> application(g_app_info_get_default_for_type(type.c_str(), false));
+  const bool script = MayBeRun(type.c_str());
+  if (script && !g_content_type_is_a(type.c_str(), "text/plain")) return kAccessDenied;
+  const Owned<GAppInfo> application(g_app_info_get_default_for_type(script ? "text/plain" : type.c_str(), false));
+  program = ProgramOf(application.get());
   const std::unique_ptr<char, decltype(&g_free)> uri(g_file_get_uri(file.get()), g_free);
   return Launch(application.get(), uri.get());
 }

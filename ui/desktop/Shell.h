@@ -26,8 +26,10 @@ class Shell {
   // library sets no other.
   virtual int Open(const std::string& pathOrAddress) = 0;
 
-  // The same for a file that came out of a document: nothing is done with programs, and with links to anything.
-  virtual int OpenCopy(const files::Path& file) = 0;
+  // The same for a file that came out of a document: nothing is done with programs, and with links to anything. Scripts
+  // go to the default application of plain text, which runs none. `program`: the name of what was started, if one tells
+  // it from others.
+  virtual int OpenCopy(const files::Path& file, std::string& program) = 0;
 
   // Starts a program that the user or a setting names: a path, or a name on PATH, with or without ".exe" at its end.
   // "Notepad.exe" and "Wordpad.exe", when they are not on PATH, are the default programs for plain and for rich text.
@@ -41,7 +43,7 @@ class Shell {
 class DesktopShell final : public Shell {
  public:
   int Open(const std::string& pathOrAddress) override;
-  int OpenCopy(const files::Path& file) override;
+  int OpenCopy(const files::Path& file, std::string& program) override;
   int Run(const std::string& program, const std::vector<std::string>& arguments, const files::Path& directory) override;
   std::vector<files::Path> Volumes() override;
 };

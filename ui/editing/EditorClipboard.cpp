@@ -38,6 +38,8 @@ const QString kUriList = QStringLiteral("text/uri-list");
 const QString kHtmlType = QStringLiteral("text/html");
 const QString kPngType = QStringLiteral("image/png");
 const QString kImageType = QStringLiteral("application/x-qt-image");
+// Beside a drag's data: which of them the user means.
+const QString kDragType = QStringLiteral("application/x-quillmark-drag");
 const QString kRtfTypes[] = {QStringLiteral("text/rtf"), QStringLiteral("application/rtf")};
 
 bool IsRtfType(const QString& type) {
@@ -265,7 +267,7 @@ qint64 SizeOf(const QVariant& data) {
 QVariant EditorMimeData::retrieveData(const QString& mimeType, QMetaType type) const {
   const auto convert = [&]() -> QVariant {
     // What is surely too long need not be converted to know.
-    const bool limited = refused_ && mimeType != kUriList && hasFormat(mimeType);
+    const bool limited = refused_ && mimeType != kUriList && mimeType != kDragType && hasFormat(mimeType);
     if (!limited) return Convert(mimeType, type);
     QVariant data = range_.size() > text::Units(kMostDragged) ? QVariant() : Convert(mimeType, type);
     if (data.isValid() && SizeOf(data) <= kMostDragged) return data;
@@ -283,8 +285,21 @@ bool HasRichText(const QMimeData& data) {
   return data.hasFormat(kRtfTypes[0]) || data.hasFormat(kRtfTypes[1]);
 }
 
+bool HasText(const QMimeData& data) {
+  return HasRichText(data) || data.hasText() || data.hasHtml();
+}
+
 bool HasAnyText(const QMimeData& data) {
-  return HasRichText(data) || data.hasText() || data.hasHtml() || data.hasImage();
+  return HasText(data) || data.hasImage();
+}
+
+void EditorMimeData::MarkAs(Drag drag) {
+  setData(kDragType, drag == Drag::kFile ? "file" : "text");
+}
+
+EditorMimeData::Drag EditorMimeData::DragOf(const QMimeData& data) {
+  if (!data.hasFormat(kDragType)) return Drag::kForeign;
+  return data.data(kDragType) == "file" ? Drag::kFile : Drag::kText;
 }
 
 std::optional<Content> RichFragment(std::string_view rtf, const text::Document& target) {
@@ -321,8 +336,6 @@ std::optional<Content> HtmlFragment(const QMimeData& data, const text::Document&
   return target.properties().lineEnd == LineEnd::kCrLf ? page : Rebuilt(page, page.all(), target);
 }
 
-namespace {
-
 // The text beside a picture of a page is where it came from.
 bool IsAddress(const QString& text) {
   const QString trimmed = text.trimmed();
@@ -330,10 +343,8 @@ bool IsAddress(const QString& text) {
          !trimmed.contains(u'\n');
 }
 
-}  // namespace
-
 std::optional<Content> PictureFragment(const QMimeData& data, const text::Document& target) {
-  if (!data.hasImage() || (data.hasText() && !IsAddress(data.text()))) return std::nullopt;
+  if (!data.hasImage()) return std::nullopt;
   constexpr qsizetype kMaxBytes = 64 << 20;
   text::EmbeddedObject object;
   object.type = text::PictureType::kPng;
@@ -433,17 +444,29 @@ void EditorController::Insert(const QMimeData& data, bool plain) {
   plain |= plainOnly_;
   std::optional<Content> fragment;
   if (!plain) fragment = RichFragment(data, document_);
-  if (!plain && !fragment && SavesFormats()) {
-    fragment = HtmlFragment(data, document_);
-    if (!fragment) fragment = PictureFragment(data, document_);
-  }
+  const bool formats = !plain && SavesFormats();
+  if (formats && !fragment) fragment = HtmlFragment(data, document_);
+  if (formats && !fragment && (!data.hasText() || IsAddress(data.text()))) fragment = PictureFragment(data, document_);
+  const auto bytes = fragment ? std::nullopt : PlainBytes(data, document_.properties().lineEnd);
+  // A plain file takes a picture only for want of text; before it is saved the user is asked.
+  if (!plain && !fragment && !bytes) fragment = PictureFragment(data, document_);
   if (fragment) {
     Replace(range(), *fragment);
-  } else if (const auto bytes = PlainBytes(data, document_.properties().lineEnd)) {
+  } else if (bytes) {
     Replace(range(), *bytes);
   } else {
     host_.Refused();
   }
+  document_.SealStep();
+}
+
+void EditorController::InsertPicture(const QMimeData& data) {
+  const Operation operation(*this);
+  if (!UserMayChange(range())) return;
+  document_.SealStep();
+  const auto fragment = PictureFragment(data, document_);
+  if (fragment) Replace(range(), *fragment);
+  if (!fragment) host_.Refused();
   document_.SealStep();
 }
 

@@ -31,6 +31,11 @@ class EditorMimeData : public QMimeData {
   bool isPlain() const { return as_ == As::kPlain; }
   // For a drag: other programs get nothing that is longer than kMostDragged, and the call is made instead.
   void LimitTo(std::function<void()> refused) { refused_ = std::move(refused); }
+  // What of a drag is meant by the user; kForeign: it comes from another kind of program. Any editor's drag is known,
+  // also another copy's of this program.
+  enum class Drag { kForeign, kText, kFile };
+  void MarkAs(Drag drag);
+  static Drag DragOf(const QMimeData& data);
 
  protected:
   QVariant retrieveData(const QString& mimeType, QMetaType type) const override;
@@ -51,13 +56,15 @@ class EditorMimeData : public QMimeData {
 QString PlainTextForOthers(const text::Content& content, text::Range range);
 
 bool HasRichText(const QMimeData& data);
-bool HasAnyText(const QMimeData& data);
+bool HasText(const QMimeData& data);     // of any kind
+bool HasAnyText(const QMimeData& data);  // or a picture
+bool IsAddress(const QString& text);     // of a page, alone
 
 // The data's rich text made for that document's store and line ends; nothing when it has none.
 std::optional<text::Content> RichFragment(const QMimeData& data, const text::Document& target);
 // The same for RTF bytes; nothing when they are not RTF.
 std::optional<text::Content> RichFragment(std::string_view rtf, const text::Document& target);
-// The data's page, if it has one with any text, or its picture.
+// The data's page, if it has one with any text, or its picture, whatever is beside it.
 std::optional<text::Content> HtmlFragment(const QMimeData& data, const text::Document& target);
 std::optional<text::Content> PictureFragment(const QMimeData& data, const text::Document& target);
 // The data's text as engine bytes with those line ends; nothing when it has none.

@@ -12,6 +12,7 @@
 
 #include <memory>
 #include <string_view>
+#include <vector>
 
 class QInputMethodEvent;
 class QKeyEvent;
@@ -66,6 +67,9 @@ class EditorController : public EditorState {
   // Puts the object that the fragment, of the same store, is in its place; one step, the selection stays. False:
   // protected text is in the way, or there is none.
   bool ReplaceObject(text::Units position, const text::Content& fragment);
+  // Contents of the same store over the selection, the caret behind them; the place of the first. Nothing: it was
+  // refused.
+  std::optional<text::Units> InsertObjects(const std::vector<text::Content>& fragments);
   // The target of the link at a place, empty without one.
   std::string LinkAt(text::Units position) const;
   void Cut();
@@ -73,6 +77,7 @@ class EditorController : public EditorState {
   void Paste(bool plain);
   // Inserts the data over the selection: rich text first, unless `plain`.
   void Insert(const QMimeData& data, bool plain);
+  void InsertPicture(const QMimeData& data);  // over the selection
   void PublishPrimarySelection();
   std::unique_ptr<EditorMimeData> CopyOfSelection() const;  // for clipboards and drags
 

@@ -1,6 +1,8 @@
 #include "ui/editing/EditorMouse.h"
 
 #include "text/Movement.h"
+#include "text/ObjectAt.h"
+#include "ui/editing/DropParts.h"
 #include "ui/editing/DroppedFiles.h"
 #include "ui/editing/EditorClipboard.h"
 
@@ -98,9 +100,7 @@ void EditorMouse::Click(QPointF point, Qt::KeyboardModifiers modifiers) {
 std::optional<Units> EditorMouse::ObjectUnder(QPointF point) {
   const auto character = controller_.layout().CharacterAt(point);
   if (!character) return std::nullopt;
-  const text::Content& content = controller_.document().content();
-  const auto& format = content.formats()[content.CharFormatAt(*character)];
-  return format.object == text::ObjectId::kNone ? std::nullopt : character;
+  return text::ObjectAt(controller_.document().content(), *character) ? character : std::nullopt;
 }
 
 bool EditorMouse::IsThirdClick(const QMouseEvent& event) const {
@@ -192,6 +192,7 @@ void EditorMouse::PastePrimary(QPointF point) {
 
 void EditorMouse::PrepareContextMenu(QPointF point) {
   if (IsOnSelection(point)) return;
+  if (const auto object = ObjectUnder(point)) return controller_.Select({*object, *object + Units(1)});
   const CaretPlace hit = controller_.layout().HitTest(point);
   controller_.Select({hit.position, hit.position}, hit.affinity);
 }
@@ -233,7 +234,7 @@ bool EditorMouse::CanDrop(const QMimeData& data, Qt::DropActions offered, bool o
   if (own || controller_.readOnly() || !offered.testFlag(Qt::CopyAction)) return false;
   if (!controller_.plainOnly()) return HasAnyText(data) || HoldsFiles(data);
   // Text alone holds no files, and their names are not what is meant.
-  return HasRichText(data) || (HasAnyText(data) && !HoldsFiles(data));
+  return HasRichText(data) || (HasText(data) && !HoldsFiles(data));
 }
 
 void EditorMouse::DragOver(QPointF point) {
@@ -250,16 +251,14 @@ void EditorMouse::DragLeave() {
   controller_.host().ViewChanged();
 }
 
-// A document dragged from another window carries its file along; its text is what is meant here. The text that file
-// managers offer beside files is their names.
 std::vector<std::string> EditorMouse::Drop(const QMimeData& data, QPointF point) {
   dropPlace_.reset();
   const CaretPlace hit = controller_.layout().HitTest(point);
   controller_.Select({hit.position, hit.position}, hit.affinity);
-  std::vector<std::string> files;
-  if (!HasRichText(data)) files = FilesOf(data);
-  if (files.empty()) controller_.Insert(data, false);
-  return files;
+  const DropParts parts = PartsOfDrop(data);
+  if (parts.text) controller_.Insert(data, false);
+  if (parts.picture && !controller_.plainOnly()) controller_.InsertPicture(data);
+  return controller_.plainOnly() ? std::vector<std::string>() : parts.files;
 }
 
 }  // namespace ui

@@ -23,7 +23,8 @@ class EditorMouse {
   void DoubleClick(const QMouseEvent& event);
   void Move(const QMouseEvent& event);
   void Release(const QMouseEvent& event);
-  // A right press outside the selection moves the caret there, so that the menu means what was clicked.
+  // A right press outside the selection moves the caret there, or selects the object, so that the menu means what was
+  // clicked.
   void PrepareContextMenu(QPointF point);
 
   // The target of the link under a point, empty without one.

@@ -1,4 +1,5 @@
 // Embedded objects within the text.
+#include "text/ObjectAt.h"
 #include "ui/editing/EditorController.h"
 #include "ui/editing/EditorOperation.h"
 
@@ -9,10 +10,7 @@ using text::Range;
 using text::Units;
 
 bool EditorController::IsEmbeddedObject(Units position) const {
-  const Content& content = document_.content();
-  if (position >= content.size()) return false;
-  const text::ObjectId object = content.formats()[content.CharFormatAt(position)].object;
-  return object != text::ObjectId::kNone && content.formats()[object].kind == text::ObjectKind::kEmbedded;
+  return text::EmbeddedAt(document_.content(), position) != nullptr;
 }
 
 std::optional<Units> EditorController::SelectedObject() const {
@@ -30,13 +28,28 @@ bool EditorController::ReplaceObject(Units position, const Content& fragment) {
   const Operation operation(*this);
   const Content& content = document_.content();
   text::CharFormat format = content.formats()[content.CharFormatAt(position)];
-  format.object = content.formats()[fragment.CharFormatAt(Units(0))].object;
+  format.object = text::ObjectIdAt(fragment, Units(0));
   const text::CharFormatId id = content.formats().Intern(format);
   document_.SealStep();
   document_.Commit(content.WithCharFormats(place, [id](text::CharFormatId) { return id; }),
                    {position, Units(1), Units(1), true}, text::EditKind::kCommand, selection_);
   document_.SealStep();
   return true;
+}
+
+// One step, each behind the one before.
+std::optional<Units> EditorController::InsertObjects(const std::vector<Content>& fragments) {
+  const Operation operation(*this);
+  if (!UserMayChange(range())) return std::nullopt;
+  const Units place = range().begin;
+  document_.SealStep();
+  bool done = !fragments.empty();
+  {
+    const text::EditGroup oneStep(document_);
+    for (const Content& fragment : fragments) done = done && Replace(range(), fragment);
+  }
+  document_.SealStep();
+  return done ? std::optional(place) : std::nullopt;
 }
 
 }  // namespace ui

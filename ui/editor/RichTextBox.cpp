@@ -184,6 +184,9 @@ bool RichTextBox::TypeOver(const QString& text) {
 bool RichTextBox::MayTypeOver() {
   return impl_->controller.UserMayReplaceSelection();
 }
+void RichTextBox::Refuse() {
+  impl_->Refused();
+}
 QRect RichTextBox::CaretRect() const {
   return impl_->layout.CaretRect(impl_->controller.caret()).toRect().translated(viewport()->pos());
 }
@@ -392,6 +395,9 @@ bool RichTextBox::MayChangeObject(Units place) const {
   return !controller.readOnly() && controller.IsEmbeddedObject(place) &&
          MayReplace(impl_->document.content(), {place, place + Units(1)});
 }
+std::optional<Units> RichTextBox::InsertObjects(const std::vector<Content>& objects) {
+  return impl_->controller.InsertObjects(objects);
+}
 bool RichTextBox::ReplaceObject(Units place, std::string_view rtf) {
   const auto read = text::rtf::ReadFragment(rtf, impl_->document.content().store());
   return impl_->controller.ReplaceObject(place, read.content);
@@ -405,17 +411,28 @@ void RichTextBox::Impl::StartDrag() {
   auto data = controller.CopyOfSelection();
   const QPointer<RichTextBox> alive(&box);
   constexpr Qt::KeyboardModifiers kAsFile = Qt::ControlModifier | Qt::ShiftModifier;
-  Q_EMIT box.DragStarting(data.get(), (QGuiApplication::keyboardModifiers() & kAsFile) == kAsFile);
+  const bool asFile = (QGuiApplication::keyboardModifiers() & kAsFile) == kAsFile;
+  Q_EMIT box.DragStarting(data.get(), asFile);
   // Whoever heard it may have asked the user something, and the button was let go meanwhile.
   if (!alive || QGuiApplication::mouseButtons() == Qt::NoButton) return;
-  data->LimitTo([alive, told = false]() mutable {
-    if (alive && !std::exchange(told, true)) QTimer::singleShot(0, alive, [alive] { Q_EMIT alive->DragRefused(); });
+  data->MarkAs(asFile ? EditorMimeData::Drag::kFile : EditorMimeData::Drag::kText);
+  // A target may ask while the pointer is only over it, where no message could be answered.
+  struct State {
+    bool over = false, refused = false;
+  };
+  const auto state = std::make_shared<State>();
+  data->LimitTo([alive, state] {
+    const bool first = !std::exchange(state->refused, true);
+    if (first && state->over && alive) QTimer::singleShot(0, alive, [alive] { Q_EMIT alive->DragRefused(); });
   });
   auto* drag = new QDrag(&box);
   drag->setMimeData(data.release());
   dragging = true;
   drag->exec(Qt::CopyAction);
-  if (alive) dragging = false;
+  if (!alive) return;
+  dragging = false;
+  state->over = true;
+  if (state->refused) Q_EMIT box.DragRefused();
 }
 
 const QMimeData* RichTextBox::Impl::ClipboardData(QClipboard::Mode mode) {

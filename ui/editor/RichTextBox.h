@@ -107,12 +107,16 @@ class RichTextBox : public QAbstractScrollArea {
   // As the user's typing in insert mode, but a step of its own. False, with a beep: protected text is in the way.
   bool TypeOver(const QString& text);
   bool MayTypeOver();       // false, with a beep: it would be refused
+  void Refuse();            // the beep of a command that has nothing to do
   QRect CaretRect() const;  // in this control's coordinates; outside of it when the caret is scrolled away
 
   // --- Embedded objects, each one character
   // The place of the one that is selected alone or beside which the caret stands.
   std::optional<text::Units> SelectedObject() const;
   bool MayChangeObject(text::Units place) const;  // false: it is protected, or there is none
+  // Contents of this document's store with an object each, over the selection in one step: the place of the first.
+  // Nothing, with a beep: it would be refused.
+  std::optional<text::Units> InsertObjects(const std::vector<text::Content>& objects);
   // Puts another object, the only thing in that RTF, in its place: one step, and the selection stays. False: as above.
   bool ReplaceObject(text::Units place, std::string_view rtf);
 
@@ -169,7 +173,7 @@ class RichTextBox : public QAbstractScrollArea {
   // A drag of the selection, to which formats may be added, with Control and Shift (`asFile`) or less. None starts when
   // the button has been let go behind this.
   void DragStarting(QMimeData* data, bool asFile);
-  void DragRefused();  // another program asked for more than can be dragged to it; from the event loop
+  void DragRefused();                      // another program asked for more than can be dragged to it; the drag is over
   void EditFailed(const QString& reason);  // an event could not be carried out (out of memory); nothing was lost
 
  protected:

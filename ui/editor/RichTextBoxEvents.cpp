@@ -1,4 +1,5 @@
 // Events of the widget handed to the controller, the mouse and the layout.
+#include "text/ObjectAt.h"
 #include "text/pictures/Pictures.h"
 #include "ui/editor/RichTextBoxImpl.h"
 
@@ -153,10 +154,8 @@ void RichTextBox::Impl::UpdateCursor(QPointF point, Qt::KeyboardModifiers modifi
 // As plain text, whatever it looks like.
 bool RichTextBox::Impl::ShowToolTip(const QHelpEvent& event) {
   const auto under = layout.CharacterAt(event.pos());
-  if (under && controller.IsEmbeddedObject(*under)) {
-    const text::Content& content = document.content();
-    const auto& object = content.formats()[content.formats()[content.CharFormatAt(*under)].object];
-    const QString text = RichTextBox::tr("Double-click to open: %1").arg(text::pictures::NameOf(object));
+  if (const auto* object = under ? text::EmbeddedAt(document.content(), *under) : nullptr) {
+    const QString text = RichTextBox::tr("Double-click to open: %1").arg(text::pictures::NameOf(*object));
     QToolTip::showText(event.globalPos(), Qt::convertFromPlainText(text), box.viewport());
     return true;
   }
