@@ -58,7 +58,10 @@ ParaFormat PickParagraph(Choices& choices, FormatTable& formats) {
   format.lineSpacing = choices.Wide();
   format.lineSpacingMultiple = choices.Next() & 1;
   Tabs tabs;
-  for (int32_t i = choices.Next() % 4; i > 0; --i) tabs.push_back(choices.Wide());
+  for (int32_t i = choices.Next() % 4; i > 0; --i) {
+    const int32_t kind = choices.Next();
+    tabs.push_back({choices.Wide(), static_cast<TabKind>(kind % 4), static_cast<TabLeader>(kind / 4 % 7)});
+  }
   format.tabs = formats.Intern(tabs);
   if (choices.Next() % 4 == 0) {
     const auto kind = static_cast<NumberStyle>(choices.Next() % 7);

@@ -33,7 +33,7 @@ size_t Hash(const ParaFormat& f) {
 
 size_t Hash(const Tabs& tabs) {
   size_t seed = tabs.size();
-  for (int32_t tab : tabs) seed = Mix(seed, static_cast<size_t>(tab));
+  for (const TabStop& tab : tabs) seed = Mix(seed, HashOf(tab.position, tab.kind, tab.leader));
   return seed;
 }
 
@@ -96,8 +96,9 @@ ParaFormatId FormatTable::Intern(const ParaFormat& format) {
 TabsId FormatTable::Intern(const Tabs& tabs) {
   Tabs sorted = tabs;
   std::sort(sorted.begin(), sorted.end());
-  sorted.erase(std::unique(sorted.begin(), sorted.end()), sorted.end());
-  if (sorted.size() > kMaxTabs) sorted.resize(kMaxTabs);
+  const auto samePlace = [](const TabStop& a, const TabStop& b) { return a.position == b.position; };
+  sorted.erase(std::unique(sorted.begin(), sorted.end(), samePlace), sorted.end());
+  if (sorted.size() > kMaxTabs) sorted.erase(sorted.begin() + kMaxTabs, sorted.end());
   return InternIn<TabsId>(mutex_, tabs_, tabsIndex_, sorted);
 }
 

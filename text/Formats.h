@@ -2,6 +2,7 @@
 // Lengths are twips (1440 per inch), sizes half points.
 #pragma once
 
+#include <compare>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -97,8 +98,20 @@ struct ParaFormat {
   bool operator==(const ParaFormat&) const = default;
 };
 
-// Left tab stops in twips from the paragraph's left edge, ascending, without repeats, at most kMaxTabs.
-using Tabs = std::vector<int32_t>;
+// What stands at the stop: the text's begin, middle, end or first decimal point up to the next tab or the line's end.
+enum class TabKind : uint8_t { kLeft, kCenter, kRight, kDecimal };
+// What fills the space before it.
+enum class TabLeader : uint8_t { kNone, kDots, kMiddleDots, kHyphens, kLine, kThickLine, kEquals };
+struct TabStop {
+  int32_t position = 0;  // twips from the edge where the paragraph's lines begin
+  TabKind kind = TabKind::kLeft;
+  TabLeader leader = TabLeader::kNone;
+  constexpr TabStop(int32_t at, TabKind itsKind = TabKind::kLeft, TabLeader itsLeader = TabLeader::kNone)
+      : position(at), kind(itsKind), leader(itsLeader) {}
+  auto operator<=>(const TabStop&) const = default;
+};
+// Ascending, one at a position, at most kMaxTabs.
+using Tabs = std::vector<TabStop>;
 constexpr size_t kMaxTabs = 64;
 
 // What to change of a character format; an empty field stays as it is.

@@ -161,7 +161,7 @@ TEST(Tabs, DefaultStopsComeBehindTheParagraphsOwn) {
     }
     EXPECT_EQ(f.document.revision(), revision);
     f.view.SetDefaultTabStops({});
-    EXPECT_NEAR(f.Left(1), c.own.empty() ? 48 : c.own[0] / 15.0, 0.5);
+    EXPECT_NEAR(f.Left(1), c.own.empty() ? 48 : c.own[0].position / 15.0, 0.5);
   }
 }
 

@@ -61,6 +61,10 @@ class RandomDocument {
     return format;
   }
 
+  TabStop Stop() {
+    return {static_cast<int32_t>(Below(20000)), static_cast<TabKind>(Below(4)), static_cast<TabLeader>(Below(7))};
+  }
+
   ParaFormat Paragraph() {
     ParaFormat format;
     if (Below(3) == 0) return format;
@@ -75,7 +79,7 @@ class RandomDocument {
     format.lineSpacing = Below(2) ? Signed(500) : 0;
     format.lineSpacingMultiple = Below(2);
     Tabs tabs;
-    for (uint32_t i = Below(2) ? Below(kMaxTabs) : 0; i > 0; --i) tabs.push_back(static_cast<int32_t>(Below(20000)));
+    for (uint32_t i = Below(2) ? Below(kMaxTabs) : 0; i > 0; --i) tabs.push_back(Stop());
     format.tabs = formats_.Intern(tabs);
     return format;
   }

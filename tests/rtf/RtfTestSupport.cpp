@@ -96,7 +96,12 @@ std::string DescribeParagraph(const FormatTable& formats, const ParaFormat& form
   number("sb", format.spaceBefore);
   number("sa", format.spaceAfter);
   number(format.lineSpacingMultiple ? "slm" : "sl", format.lineSpacing);
-  for (int32_t tab : formats[format.tabs]) words += "tx" + std::to_string(tab) + " ";
+  for (const TabStop& tab : formats[format.tabs]) {
+    constexpr const char* kKinds[] = {"tx", "txc", "txr", "txd"};
+    words += kKinds[static_cast<size_t>(tab.kind)] + std::to_string(tab.position);
+    if (tab.leader != TabLeader::kNone) words += "/" + std::to_string(static_cast<int>(tab.leader));
+    words += ' ';
+  }
   if (!format.box.empty()) words += DescribeBox(format.box);
   if (format.list != ListId::kNone) words += DescribeList(formats, format);
   if (format.row != RowId::kNone) words += DescribeRow(formats[format.row]);

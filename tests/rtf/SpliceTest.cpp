@@ -67,6 +67,9 @@ TEST(RtfSplice, Text) {
        "{\\rtf1\\ansicpg932{\\fonttbl{\\f0\\fcharset128 M;}}\\f0\\'83B\\par}"},
       {"{\\rtf1\\ansicpg932{\\fonttbl{\\f0\\fcharset128 M;}}\\f0\\'83\\'41\\'83\\'43\\par}", Delete("ア"),
        "{\\rtf1\\ansicpg932{\\fonttbl{\\f0\\fcharset128 M;}}\\f0\\u12452?\\par}"},
+      // readers that do not know the code page would take the space for a second half
+      {"{\\rtf1{\\fonttbl{\\f0\\fcharset128\\cpg65001 M;}}\\f0\\'c3\\'8b\\par}", Type("Ë", " x"),
+       "{\\rtf1{\\fonttbl{\\f0\\fcharset128\\cpg65001 M;}}\\f0\\'c3\\'8b{\\u32?x}\\par}"},
   };
   for (const Row& row : kRows) Check(row);
 }
@@ -228,7 +231,9 @@ TEST(RtfSplice, Unknown) {
        "{\\pntext\\f1\\'B7\\tab}{\\*\\pn\\pnlvlblt\\pnf1\\pnindent0{\\pntxtb\\'B7}}a\\par "
        "\\pard\\tqr\\tldot\\tx900\\absw300 b\\par}"},
       {"{\\rtf1\\pard\\tqr\\tx900{\\keep\\tqc\\tx500 a\\par}b\\par}",
-       [](Edited& e) { e.Paragraphs("a", [&](ParaFormat& f) { f.tabs = e.formats().Intern(Tabs{500}); }); },
+       [](Edited& e) {
+         e.Paragraphs("a", [&](ParaFormat& f) { f.tabs = e.formats().Intern(Tabs{{500, TabKind::kCenter}}); });
+       },
        "{\\rtf1\\pard\\tqr\\tx900{\\keep\\tqc\\tx500 \\pard\\keep\\tqc\\tx500 a\\par}b\\par}"},
       {"{\\rtf1 a {\\uldb dou ble} b\\par}", replace("dou ble", "xyz"), "{\\rtf1 a {\\uldb xyz} b\\par}"},
       {"{\\rtf1 {\\*\\bkmkstart m}bc{\\*\\bkmkend m}\\par}", replace("bc", "X"),

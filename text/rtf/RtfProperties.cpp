@@ -2,6 +2,7 @@
 #include "text/rtf/RtfReader.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace text::rtf {
 
@@ -52,6 +53,8 @@ void ResetParagraph(GroupState& s) {
   s.inTable = false;
   s.tableLevel = 0;
   s.tabs.reset();
+  s.nextTab = {0};
+  s.startIndent = s.endIndent = false;
   s.said &= ~kAboutParagraphs;
   if (s.style.inForce) s.charIdGood = false;
   s.style.EndParagraphFormat();
@@ -165,6 +168,8 @@ bool RtfReader::ParagraphProperty(const Keyword& word, int32_t number) {
   GroupState& s = state();
   if (int32_t* length = LengthOf(s.paragraph, word.op)) {
     *length = ClampLength(number);
+    if (word.op == Op::kLeftIndent) s.startIndent = false;
+    if (word.op == Op::kRightIndent) s.endIndent = false;
     s.paragraphIdGood = false;
     TellParagraphWord(false);
     return true;
@@ -187,6 +192,21 @@ bool RtfReader::ParagraphProperty(const Keyword& word, int32_t number) {
       break;
     case Op::kTab:
       AddTab(number);
+      break;
+    case Op::kBarTab:
+      s.nextTab = {0};
+      break;
+    case Op::kTabKind:
+      s.nextTab.kind = static_cast<TabKind>(word.value);
+      break;
+    case Op::kTabLeader:
+      s.nextTab.leader = static_cast<TabLeader>(word.value);
+      break;
+    case Op::kStartIndent:
+      OtherIndent(kSaidLeft, number, s.startIndent, s.paragraph.leftIndent);
+      break;
+    case Op::kEndIndent:
+      OtherIndent(kSaidRight, number, s.endIndent, s.paragraph.rightIndent);
       break;
     case Op::kParagraphShading:
       s.paragraph.box.shading = number == 0 ? Color{} : inForce_.tables().ColorAt(number);
@@ -307,22 +327,35 @@ void RtfReader::RecordRow(const Keyword* word, const Token& token) {
   }
 }
 
+// \lin and \rin count where \li and \ri do not stand.
+void RtfReader::OtherIndent(Said about, int32_t number, bool& inForce, int32_t& indent) {
+  if ((state().said & about) != 0 && !inForce) return;
+  Say(about);
+  inForce = true;
+  indent = ClampLength(number);
+}
+
 void RtfReader::AddTab(int32_t position) {
   GroupState& s = state();
+  TabStop stop = std::exchange(s.nextTab, {0});
   if (position < 0) return;
-  position = ClampLength(position);
+  stop.position = ClampLength(position);
   if (!s.tabs) {
     s.tabs = std::make_shared<Tabs>();
   } else if (s.tabs.use_count() > 1) {
     s.tabs = std::make_shared<Tabs>(*s.tabs);
   }
-  const auto place = std::lower_bound(s.tabs->begin(), s.tabs->end(), position);
-  if (place != s.tabs->end() && *place == position) return;
+  const auto place = std::lower_bound(s.tabs->begin(), s.tabs->end(), stop.position,
+                                      [](const TabStop& other, int32_t at) { return other.position < at; });
+  if (place != s.tabs->end() && place->position == stop.position) {
+    *place = stop;
+    return;
+  }
   if (s.tabs->size() == kMaxTabs) {
     result_.limited = true;
     return;
   }
-  s.tabs->insert(place, position);
+  s.tabs->insert(place, stop);
 }
 
 }  // namespace text::rtf

@@ -77,6 +77,7 @@ class RtfReader {
   void RecordRow(const Keyword* word, const Token& token);
   void KeepHeaderWord(const Keyword& word, const Token& token);
   void AddTab(int32_t position);
+  void OtherIndent(Said about, int32_t number, bool& inForce, int32_t& indent);
   bool StyleProperty(const Keyword& word, int32_t number);
   void Say(Said said);
   CharFormatId CurrentChars() { return inForce_.Chars(state()); }

@@ -64,9 +64,11 @@ struct GroupState : Look {
   ParaFormatId paragraphId = ParaFormatId::kDefault;
 
   // --- Paragraphs
-  ListUse numbering;       // from {\*\pn}
-  bool inTable = false;    // \intbl
-  uint8_t tableLevel = 0;  // \itap
+  ListUse numbering;                            // from {\*\pn}
+  TabStop nextTab{0};                           // all but its place
+  bool startIndent = false, endIndent = false;  // from \lin, \rin: \li and \ri have not come
+  bool inTable = false;                         // \intbl
+  uint8_t tableLevel = 0;                       // \itap
 
   uint8_t level() const { return tableLevel > 0 ? tableLevel : inTable ? 1 : 0; }
 };

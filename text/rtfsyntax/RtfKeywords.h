@@ -50,6 +50,11 @@ enum class Op : uint8_t {
   kLineSpacingMultiple,
   kDirection,
   kTab,
+  kTabKind,      // of the next stop
+  kTabLeader,    // in front of it
+  kBarTab,       // passed over
+  kStartIndent,  // what \li and \ri say too, mostly
+  kEndIndent,
   kListOverride,
   kListLevel,
   kParagraphShading,

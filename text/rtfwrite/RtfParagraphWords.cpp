@@ -1,5 +1,7 @@
 #include "text/rtfwrite/RtfParagraphWords.h"
 
+#include "text/rtfsyntax/RtfKeywords.h"
+#include "text/rtfsyntax/RtfLimits.h"
 #include "text/rtfsyntax/RtfTokenizer.h"
 
 #include <algorithm>
@@ -48,6 +50,12 @@ bool IsAboutStop(std::string_view word) {
   return word.starts_with("tq") || word.starts_with("tl");
 }
 
+void Apply(std::string_view word, TabStop& stop) {
+  const Keyword* keyword = FindKeyword(word);
+  if (keyword && keyword->op == Op::kTabKind) stop.kind = static_cast<TabKind>(keyword->value);
+  if (keyword && keyword->op == Op::kTabLeader) stop.leader = static_cast<TabLeader>(keyword->value);
+}
+
 bool SameList(const ParaFormat& a, const ParaFormat& b) {
   return a.bullet == b.bullet && a.list == b.list && a.listLevel == b.listLevel;
 }
@@ -89,6 +97,7 @@ void ParagraphWords::OnWord(Span span) {
 ParagraphWords::Kept ParagraphWords::Replay(const ParaFormat& from, const ParaFormat& to, FormatTable& formats) const {
   Kept kept;
   std::string aboutStop;
+  TabStop stop{0};
   Tabs stops;
   kept.box = from.box == to.box;
   const Tabs& wanted = formats[to.tabs];
@@ -102,13 +111,16 @@ ParagraphWords::Kept ParagraphWords::Replay(const ParaFormat& from, const ParaFo
     const std::string_view word = token.text;
     if (IsAboutStop(word)) {
       say(aboutStop, token);
+      Apply(word, stop);
       continue;
     }
     const bool isStop = word == "tx" || word == "tb";
     const std::string kind = isStop ? std::exchange(aboutStop, {}) : std::string();
-    if (word == "tx" && !std::binary_search(wanted.begin(), wanted.end(), token.parameter)) continue;
+    if (isStop) stop.position = ClampLength(token.parameter);
+    const TabStop said = isStop ? std::exchange(stop, {0}) : stop;
+    if (word == "tx" && !std::binary_search(wanted.begin(), wanted.end(), said)) continue;
     kept.words += kind;
-    if (word == "tx") stops.push_back(token.parameter);
+    if (word == "tx") stops.push_back(said);
     const bool ofList = word == "ls" || word == "ilvl";
     if (ofList && !SameList(from, to)) continue;
     if (!kept.box && IsAboutBox(word)) continue;

@@ -190,8 +190,10 @@ class Comparison {
 
   static Tabs Stops(const Tabs& tabs) {
     Tabs stops;
-    for (const int32_t tab : tabs)
-      if (tab >= 0 && (stops.empty() || stops.back() != ClampLength(tab))) stops.push_back(ClampLength(tab));
+    for (TabStop stop : tabs) {
+      stop.position = ClampLength(stop.position);
+      if (stop.position >= 0 && (stops.empty() || stops.back().position != stop.position)) stops.push_back(stop);
+    }
     return stops;
   }
 

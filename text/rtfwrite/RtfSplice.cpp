@@ -6,6 +6,16 @@
 
 namespace text::rtf {
 
+namespace {
+
+// In one past ASCII, escaped or not.
+bool EndsInByte(std::string_view bytes) {
+  if (bytes.size() >= 4 && bytes.substr(bytes.size() - 4, 2) == "\\'") return bytes[bytes.size() - 2] >= '8';
+  return !bytes.empty() && static_cast<uint8_t>(bytes.back()) >= 0x80;
+}
+
+}  // namespace
+
 RtfSplice::RtfSplice(const Source& source, const Content& wanted)
     : bytes_(std::string_view(*source.bytes).substr(source.bytes->find('{'))),
       before_(source.content),
@@ -300,6 +310,7 @@ RtfSplice::Place RtfSplice::Here(size_t offset) {
   static_cast<Reach&>(place) = ReachHere(offset);
   place.state = reader_.inForce();
   place.bare = true;
+  place.behindByte = place.state.multiByte && EndsInByte(bytes_.substr(0, offset));
   return place;
 }
 

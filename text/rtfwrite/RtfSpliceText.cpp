@@ -31,6 +31,7 @@ void RtfSplice::Insert(const Place& place, Units upTo) {
   place_ = &place;
   run_.reset();
   bare_ = place.bare;
+  mayTear_ = place.behindByte;
   paragraphAt_ = 0;
   paragraph_.reset();
   FindRows(upTo);
@@ -68,6 +69,11 @@ void RtfSplice::InsertText(std::string_view utf8, CharFormatId id) {
     CloseRun();
     OpenRun(id);
   }
+  if (mayTear_ && utf8.front() >= ' ' && utf8.front() < 0x7F) {
+    words_.UnicodeWord(static_cast<uint8_t>(utf8.front()), coding_.fallbackCount);
+    utf8.remove_prefix(1);
+  }
+  mayTear_ = false;
   words_.Text(utf8, coding_);
 }
 

@@ -46,6 +46,10 @@ constexpr SideWord kSideWords[] = {
 // By Alignment.
 constexpr std::string_view kAlignments[] = {"ql", "qr", "qc", "qj"};
 
+// By TabKind, by TabLeader.
+constexpr std::string_view kTabKinds[] = {"", "tqc", "tqr", "tqdec"};
+constexpr std::string_view kTabLeaders[] = {"", "tldot", "tlmdot", "tlhyph", "tlul", "tlth", "tleq"};
+
 bool IsPlain(char c) {
   return c >= ' ' && c < 0x7F && c != '\\' && c != '{' && c != '}';
 }
@@ -190,6 +194,12 @@ void RtfWords::Chars(const CharFormat& wasFormat, const CharFormat& toFormat, co
   if (to.offset != was.offset) Word(to.offset < 0 ? "dn" : "up", std::abs(to.offset) / 10);
 }
 
+void RtfWords::Stop(const TabStop& stop) {
+  if (stop.kind != TabKind::kLeft) Word(kTabKinds[static_cast<size_t>(stop.kind)]);
+  if (stop.leader != TabLeader::kNone) Word(kTabLeaders[static_cast<size_t>(stop.leader)]);
+  Word("tx", ClampLength(stop.position));
+}
+
 void RtfWords::Box(const ParaBox& box, const TableNumbers& numbers) {
   for (const SideWord& side : kSideWords) {
     if ((box.borders & side.side) == 0) continue;
@@ -223,8 +233,8 @@ bool RtfWords::ParagraphChange(const ParaFormat& from, const ParaFormat& to, con
     Word("sl", ClampLength(to.lineSpacing));
     Word("slmult", to.lineSpacingMultiple ? 1 : 0);
   }
-  for (const int32_t tab : wanted)
-    if (tab >= 0 && !std::binary_search(had.begin(), had.end(), tab)) Word("tx", ClampLength(tab));
+  for (const TabStop& tab : wanted)
+    if (tab.position >= 0 && !std::binary_search(had.begin(), had.end(), tab)) Stop(tab);
   if (from.box != to.box || !style.box.empty()) Box(to.box, numbers);
   if (from.alignment != to.alignment || style.alignment != kUsual.alignment)
     Word(kAlignments[static_cast<size_t>(to.alignment)]);

@@ -55,6 +55,7 @@ class RtfWords {
   std::string_view Text(std::string_view utf8, const TextCoding& coding,
                         size_t most = std::numeric_limits<size_t>::max());
   void Character(char32_t character, const TextCoding& coding);
+  void UnicodeWord(char32_t unit, int32_t fallbackCount);
   // A font's name, as ASCII.
   void Name(std::string_view utf8);
 
@@ -86,9 +87,9 @@ class RtfWords {
   void Row(const TableRow& row, const TableNumbers& numbers);
 
  private:
+  void Stop(const TabStop& stop);
   void Box(const ParaBox& box, const TableNumbers& numbers);
   void LevelEntry(const ListLevel& level, const FormatTable& formats, const TableNumbers& numbers);
-  void UnicodeWord(char32_t unit, int32_t fallbackCount);
 
   std::string& out_;
   bool needsDelimiter_ = false;  // the last thing was a control word without its space
