@@ -75,7 +75,7 @@ constexpr NamedPage kPages[] = {
     {28597, "ISO-8859-7"},
     {28599, "ISO-8859-9"},
     {28605, "ISO-8859-15"},
-    {65001, "UTF-8"},
+    {kUtf8CodePage, "UTF-8"},
 };
 
 struct CharsetPage {
@@ -192,7 +192,7 @@ void CodePage::FillLeads(int number) {
   if (number == 932) mark(0x81, 0x9F), mark(0xE0, 0xFC);
   if (number == 936 || number == 949 || number == 950) mark(0x81, 0xFE);
   if (number == 1361) mark(0x84, 0xD3), mark(0xD8, 0xDE), mark(0xE0, 0xF9);
-  if (number == 65001) multiByte_ = true;
+  if (number == kUtf8CodePage) multiByte_ = true;
 }
 
 void CodePage::Decode(std::string_view bytes, std::string& out) const {

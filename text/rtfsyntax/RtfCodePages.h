@@ -13,6 +13,7 @@ struct UConverter;
 namespace text::rtf {
 
 constexpr int kSymbolCodePage = 42;
+constexpr int kUtf8CodePage = 65001;
 
 // The code page that a \fcharset means; `ansi` is the document's \ansicpg.
 int CodePageOfCharset(int charset, int ansi);

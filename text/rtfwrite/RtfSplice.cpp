@@ -1,5 +1,7 @@
 #include "text/rtfwrite/RtfSplice.h"
 
+#include "text/rtfsyntax/RtfCodePages.h"
+
 #include <algorithm>
 #include <functional>
 #include <utility>
@@ -310,7 +312,7 @@ RtfSplice::Place RtfSplice::Here(size_t offset) {
   static_cast<Reach&>(place) = ReachHere(offset);
   place.state = reader_.inForce();
   place.bare = true;
-  place.behindByte = place.state.multiByte && EndsInByte(bytes_.substr(0, offset));
+  place.behindUtf8 = place.state.codePage == kUtf8CodePage && EndsInByte(bytes_.substr(0, offset));
   return place;
 }
 

@@ -46,9 +46,9 @@ class RtfSplice : private RtfWatcher {
   };
   struct Place : Reach {
     InForce state;
-    bool isBreak = false;     // directly behind a break
-    bool bare = false;        // text needs no group
-    bool behindByte = false;  // of a character in a double-byte font
+    bool isBreak = false;  // directly behind a break
+    bool bare = false;     // text needs no group
+    bool behindUtf8 = false;
   };
   // From here on the paragraph format is another one than the file says.
   struct Deviation : Reach {
@@ -170,7 +170,7 @@ class RtfSplice : private RtfWatcher {
   std::optional<CharFormatId> run_;
   std::string_view runEnd_;  // what closes it
   bool bare_ = false;        // text needs no group
-  bool mayTear_ = false;     // readers may take the first byte for the second half of what stands before
+  bool mayTear_ = false;     // readers that know no UTF-8 may take a byte for the second half of what stands before
   TextCoding coding_;
   size_t paragraphAt_ = 0;  // in inserted_
   std::optional<ParaFormat> paragraph_;

@@ -31,7 +31,7 @@ void RtfSplice::Insert(const Place& place, Units upTo) {
   place_ = &place;
   run_.reset();
   bare_ = place.bare;
-  mayTear_ = place.behindByte;
+  mayTear_ = place.behindUtf8;
   paragraphAt_ = 0;
   paragraph_.reset();
   FindRows(upTo);
@@ -69,11 +69,7 @@ void RtfSplice::InsertText(std::string_view utf8, CharFormatId id) {
     CloseRun();
     OpenRun(id);
   }
-  if (mayTear_ && utf8.front() >= ' ' && utf8.front() < 0x7F) {
-    words_.UnicodeWord(static_cast<uint8_t>(utf8.front()), coding_.fallbackCount);
-    utf8.remove_prefix(1);
-  }
-  mayTear_ = false;
+  coding_.onlyUnicode = mayTear_;
   words_.Text(utf8, coding_);
 }
 

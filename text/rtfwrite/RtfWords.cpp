@@ -95,7 +95,7 @@ std::string_view RtfWords::Text(std::string_view utf8, const TextCoding& coding,
   const size_t begin = out_.size();
   while (!utf8.empty() && out_.size() - begin < most) {
     size_t plain = 0;
-    while (plain < utf8.size() && IsPlain(utf8[plain])) ++plain;
+    while (plain < utf8.size() && !coding.onlyUnicode && IsPlain(utf8[plain])) ++plain;
     if (plain > 0) {
       if (needsDelimiter_ && ContinuesWord(utf8)) out_ += ' ';
       Raw(utf8.substr(0, plain));
@@ -133,6 +133,7 @@ void RtfWords::Character(char32_t c, const TextCoding& coding) {
       break;
   }
   if (c < 0x20) return Hex(static_cast<uint8_t>(c));
+  if (coding.onlyUnicode && c < 0x80) return UnicodeWord(c, coding.fallbackCount);
   if (coding.codePage == kSymbolCodePage && c >= 0xF020 && c <= 0xF0FF) return Hex(static_cast<uint8_t>(c & 0xFF));
   if (const uint8_t byte = coding.codePage == 1252 ? Windows1252Byte(c) : 0) return Hex(byte);
   if (c < 0x10000) return UnicodeWord(c, coding.fallbackCount);

@@ -24,6 +24,7 @@ struct TableNumbers {
 struct TextCoding {
   int codePage = 0;
   int32_t fallbackCount = 1;
+  bool onlyUnicode = false;  // ASCII too
 };
 
 class RtfWords {
@@ -55,7 +56,6 @@ class RtfWords {
   std::string_view Text(std::string_view utf8, const TextCoding& coding,
                         size_t most = std::numeric_limits<size_t>::max());
   void Character(char32_t character, const TextCoding& coding);
-  void UnicodeWord(char32_t unit, int32_t fallbackCount);
   // A font's name, as ASCII.
   void Name(std::string_view utf8);
 
@@ -87,6 +87,7 @@ class RtfWords {
   void Row(const TableRow& row, const TableNumbers& numbers);
 
  private:
+  void UnicodeWord(char32_t unit, int32_t fallbackCount);
   void Stop(const TabStop& stop);
   void Box(const ParaBox& box, const TableNumbers& numbers);
   void LevelEntry(const ListLevel& level, const FormatTable& formats, const TableNumbers& numbers);
