@@ -165,6 +165,53 @@ TEST(Tabs, DefaultStopsComeBehindTheParagraphsOwn) {
   }
 }
 
+TEST(Tabs, TextStandsAtItsStop) {
+  struct Case {
+    const char* text;
+    Tabs stops;
+    int place;
+    double x;
+    ParaFormat format = {};
+  };
+  ParaFormat indented, rightToLeft;
+  indented.leftIndent = 300;
+  rightToLeft.rightToLeft = true;
+  rightToLeft.alignment = Alignment::kRight;
+  const TabStop right{3000, TabKind::kRight}, center{3000, TabKind::kCenter}, decimal{3000, TabKind::kDecimal};
+  const Case cases[] = {
+      {"a\t12", {right}, 4, 200},
+      {"a\t12\tb", {right, {3750}}, 4, 200},
+      {"a\t12\tb", {right, {3750}}, 5, 250},
+      {"a\t12", {right}, 4, 200, indented},
+      {"a\u2028b\t12\u2028long and longer", {right}, 6, 200},
+      {"a\t1234", {center}, 4, 200},
+      {"a\t12.345", {decimal}, 4, 200},
+      {"a\t12", {decimal}, 4, 200},
+      {"a\t12\tb.c", {decimal, {3750}}, 4, 200},
+      {"a\t12", {{30000, TabKind::kRight}}, 4, 391},     // at the line's end instead of past it
+      {"\u05D0\t\u05D1", {right}, 3, 192, rightToLeft},  // from the right
+      {"\u05D0\t\u05D1", {{3000}}, 2, 192, rightToLeft},
+      {"\u05D0\t\u05D1", {{3000, TabKind::kLeft, TabLeader::kDots}}, 2, 192, rightToLeft},
+  };
+  for (const Case& c : cases) {
+    Formatted f(c.text, {}, c.format);
+    ParaFormatPatch patch;
+    patch.tabs = f.document.formats().Intern(c.stops);
+    f.document.PatchParagraphs({Units(0), Units(1)}, patch, {});
+    EXPECT_NEAR(f.Left(c.place), c.x, 1.5) << &c - cases;
+  }
+}
+
+// More text than there is room for goes on behind the tab, and wraps.
+TEST(Tabs, LongTextBehindAStopStaysInTheLine) {
+  Formatted f("a\t" + Repeated("word ", 60) + "\tend", {}, {});
+  ParaFormatPatch patch;
+  patch.tabs = f.document.formats().Intern(Tabs{{1500, TabKind::kRight, TabLeader::kDots}, {4000, TabKind::kRight}});
+  f.document.PatchParagraphs({Units(0), Units(1)}, patch, {});
+  EXPECT_LT(f.Left(2), 15);
+  EXPECT_NEAR(f.Left(static_cast<int>(f.document.content().size().value())), 4000 / 15.0, 1.5);
+}
+
 TEST(Tabs, AHangingFirstLineStopsAtTheIndent) {
   ParaFormat format;
   format.leftIndent = 600;

@@ -63,6 +63,24 @@ QColor LegibleOn(const QColor& paper, const QColor& color) {
   return light;
 }
 
+// Of a leader that is a line, else 0.
+double ThicknessOf(TabLeader leader) {
+  return leader == TabLeader::kLine ? 1 : leader == TabLeader::kThickLine ? 2 : 0;
+}
+
+QChar CharacterOf(TabLeader leader) {
+  switch (leader) {
+    case TabLeader::kMiddleDots:
+      return QChar(0xB7);
+    case TabLeader::kHyphens:
+      return QLatin1Char('-');
+    case TabLeader::kEquals:
+      return QLatin1Char('=');
+    default:
+      return QLatin1Char('.');
+  }
+}
+
 bool Contains(const std::vector<int>& offsets, int offset) {
   return std::binary_search(offsets.begin(), offsets.end(), offset);
 }
@@ -134,6 +152,7 @@ void BlockPainter::PaintLines(const PlacedPart& part, size_t first, size_t last)
   if (first == 0 && !block.labelRect().isEmpty()) PaintLabel(block, origin);
   for (size_t line = first; line <= last; ++line) {
     PaintText(block, line, selected, origin);
+    PaintLeaders(block, line, selected, origin);
     PaintMarks(block, line, selected, origin);
   }
 }
@@ -295,6 +314,37 @@ void BlockPainter::PaintGlyphs(const LayoutBlock& block, size_t line, int from, 
       if (look.font.underline()) fill(baseline + metrics.underlinePos());
       if (look.font.strikeOut()) fill(baseline - metrics.strikeOutPos());
     }
+  }
+}
+
+// One below the other in all the lines.
+void BlockPainter::PaintLeaders(const LayoutBlock& block, size_t line, const Selected& selected, QPointF origin) {
+  const BlockLine& geometry = block.lines()[line];
+  const auto& leaders = block.leaders();
+  const auto before = [](const LeaderAt& leader, int shown) { return leader.shown < shown; };
+  for (auto at = std::lower_bound(leaders.begin(), leaders.end(), geometry.begin, before);
+       at != leaders.end() && at->shown < geometry.end; ++at) {
+    std::vector<QRectF> rects;
+    block.AddRects(line, at->shown, at->shown + 1, &rects);
+    if (rects.empty()) continue;
+    const FormatLook& look = block.LookAt(at->shown);
+    const bool isSelected = at->shown >= selected.from && at->shown < selected.to;
+    painter_.setPen(isSelected ? highlightedText_ : ColorOf(look));
+    const double baseline = geometry.baseline - look.raise;
+    if (const double thick = ThicknessOf(at->leader); thick > 0) {
+      const QRectF rule(rects[0].left(), std::round(baseline) + 1, rects[0].width(), thick);
+      painter_.fillRect(rule.translated(origin), painter_.pen().color());
+      continue;
+    }
+    QFont font = look.font;
+    font.setUnderline(false);
+    font.setStrikeOut(false);
+    const QChar dot = CharacterOf(at->leader);
+    const double step = std::max(1.0, QFontMetricsF(font).horizontalAdvance(dot));
+    const double first = std::ceil(rects[0].left() / step) * step;
+    const int count = static_cast<int>((rects[0].right() - first) / step);
+    painter_.setFont(font);
+    if (count > 0) painter_.drawText(origin + QPointF(first, baseline), QString(count, dot));
   }
 }
 

@@ -33,6 +33,7 @@ class BlockPainter {
   void PaintText(const LayoutBlock& block, size_t line, const Selected& selected, QPointF origin);
   void PaintGlyphs(const LayoutBlock& block, size_t line, int from, int to, QPointF linePosition,
                    bool ownColors = false);
+  void PaintLeaders(const LayoutBlock& block, size_t line, const Selected& selected, QPointF origin);
   void PaintMarks(const LayoutBlock& block, size_t line, const Selected& selected, QPointF origin);
   void PaintObject(const LayoutBlock& block, size_t line, int offset, QPointF origin, bool selected);
   bool PaintPicture(const FormatLook& look, const QRectF& box);

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 
 namespace text::layout {
 namespace {
@@ -147,34 +148,59 @@ LayoutBlock::Edges LayoutBlock::EdgesOf(bool firstLine, double zoom) const {
 
 // Qt counts tab stops from where the line begins, the document from the paragraph's edge. A hanging first line has the
 // place of the following lines as a stop of its own.
-// For a line that begins at `lead`.
-QList<QTextOption::Tab> LayoutBlock::TabsFrom(const BlockStyle& style, double lead) const {
+std::vector<PixelStop> LayoutBlock::StopsOf(const BlockStyle& style) const {
   const double zoom = style.fonts->zoom();
   const double distance = option_.tabStopDistance();
-  std::vector<double> stops;
-  for (const int32_t stop : (*style.formats)[text_.paragraph.tabs]) stops.push_back(Pixels(stop, zoom));
-  if (text_.paragraph.firstIndent < 0) stops.push_back(Pixels(text_.paragraph.leftIndent, zoom));
-  double last = stops.empty() ? 0 : *std::max_element(stops.begin(), stops.end());
+  std::vector<PixelStop> stops;
+  double last = 0;
+  const auto add = [&](double at, TabKind kind = TabKind::kLeft, TabLeader leader = TabLeader::kNone) {
+    stops.push_back({at, kind, leader});
+    last = std::max(last, at);
+  };
+  for (const TabStop& stop : (*style.formats)[text_.paragraph.tabs])
+    add(Pixels(stop.position, zoom), stop.kind, stop.leader);
+  if (text_.paragraph.firstIndent < 0) add(Pixels(text_.paragraph.leftIndent, zoom));
   for (const int twips : *style.defaultStops) {
     const double stop = Pixels(twips, zoom);
-    if (stop > last) stops.push_back(last = stop);
+    if (stop > last) add(stop);
   }
-  QList<QTextOption::Tab> tabs;
-  if (stops.empty() && lead == 0) return tabs;
   for (double stop = (std::floor(last / distance) + 1) * distance; stop < width_ && stops.size() < 1000;
        stop += distance) {
-    stops.push_back(stop);
+    stops.push_back({stop});
   }
-  std::sort(stops.begin(), stops.end());
-  for (const double stop : stops) {
-    if (stop > lead) tabs.append(QTextOption::Tab(stop - lead, QTextOption::LeftTab));
+  std::stable_sort(stops.begin(), stops.end(), [](const PixelStop& a, const PixelStop& b) { return a.at < b.at; });
+  return stops;
+}
+
+// For a line that begins at `lead`.
+QList<QTextOption::Tab> LayoutBlock::TabsFrom(const std::vector<PixelStop>& stops, double lead) const {
+  QList<QTextOption::Tab> tabs;
+  for (const PixelStop& stop : stops) {
+    if (stop.at > lead) tabs.append(StopAt(stop.at - lead, text_.rightToLeft));
   }
   return tabs;
 }
 
-void LayoutBlock::UseTabs(bool ofFirstLine) const {
-  option_.setTabs(ofFirstLine ? firstTabs_ : otherTabs_);
+void LayoutBlock::UseTabs(size_t line) const {
+  option_.setTabs(lineTabs_[std::min(line, lineTabs_.size() - 1)]);
   layout_.setTextOption(option_);
+}
+
+// For the line that is placed next.
+void LayoutBlock::PlaceTabs(const BlockStyle& style, const QTextLine& line, const Edges& edges) {
+  const double lead = text_.rightToLeft ? edges.right : edges.left;
+  if (ruler_) {
+    while (!leaders_.empty() && leaders_.back().shown >= line.textStart()) leaders_.pop_back();
+    const double end = width_ - (text_.rightToLeft ? edges.left : edges.right);
+    lineTabs_.push_back(ruler_->StopsOf(line.textStart(), lead, end, leaders_));
+  } else if (lines_.size() < 2) {
+    const bool regular =
+        text_.paragraph.tabs == TabsId::kNone && text_.paragraph.firstIndent >= 0 && style.defaultStops->empty();
+    lineTabs_.push_back(regular && lead == 0 ? QList<QTextOption::Tab>() : TabsFrom(StopsOf(style), lead));
+  } else {
+    return;
+  }
+  UseTabs(lines_.size());
 }
 
 void LayoutBlock::MeasureLine(const QTextLine& line, double zoom, BlockLine* measured, double* ascent,
@@ -209,14 +235,12 @@ void LayoutBlock::MeasureLine(const QTextLine& line, double zoom, BlockLine* mea
 void LayoutBlock::PlaceLines(const BlockStyle& style) {
   const double zoom = style.fonts->zoom();
   double y = text_.startsParagraph ? Space(text_.paragraph.spaceBefore, zoom) + boxMeasures_.inset.top() : 0;
+  if (text_.tabs && IsMoreThanLeft((*style.formats)[text_.paragraph.tabs])) ruler_.emplace(layout_, StopsOf(style));
   layout_.beginLayout();
   for (QTextLine line = layout_.createLine(); line.isValid(); line = layout_.createLine()) {
     const bool first = lines_.empty() && text_.startsParagraph;
     const Edges edges = EdgesOf(first, zoom);
-    if (text_.tabs && lines_.size() < 2) {
-      (lines_.empty() ? firstTabs_ : otherTabs_) = TabsFrom(style, text_.rightToLeft ? edges.right : edges.left);
-      UseTabs(lines_.empty());
-    }
+    if (text_.tabs) PlaceTabs(style, line, edges);
     line.setLineWidth(width_ - edges.left - edges.right);
     // The heights are ours: positions within the layout have a range that tall blocks would leave.
     line.setPosition({edges.left, 0});
@@ -232,7 +256,8 @@ void LayoutBlock::PlaceLines(const BlockStyle& style) {
     lines_.push_back(placed);
   }
   layout_.endLayout();
-  tabsDiffer_ = lines_.size() > 1 && firstTabs_ != otherTabs_;
+  ruler_.reset();
+  tabsDiffer_ = std::adjacent_find(lineTabs_.begin(), lineTabs_.end(), std::not_equal_to()) != lineTabs_.end();
   height_ = y;
   if (text_.endsParagraph) height_ += boxMeasures_.inset.bottom() + Space(text_.paragraph.spaceAfter, zoom);
 }

@@ -6,6 +6,7 @@
 
 #include "text/layout/BlockText.h"
 #include "text/layout/FormatFonts.h"
+#include "text/layout/LayoutTabs.h"
 #include "text/layout/LineOrder.h"
 #include "text/layout/ParagraphBox.h"
 
@@ -57,7 +58,7 @@ class LayoutBlock {
   const BlockText& text() const { return text_; }
   // To be used before another line is asked for.
   QTextLine qtLine(size_t line) const {
-    if (tabsDiffer_) UseTabs(line == 0);
+    if (tabsDiffer_) UseTabs(line);
     return layout_.lineAt(static_cast<int>(line));
   }
   // The look of the character at a shown offset, or at the end of the text of the last one.
@@ -97,6 +98,8 @@ class LayoutBlock {
   QRectF labelRect() const { return labelRect_; }
   const QFont& labelFont() const { return labelFont_; }
   const BlockBox& box() const { return box_; }
+  // Tabs whose space is filled, ascending.
+  const std::vector<LeaderAt>& leaders() const { return leaders_; }
   // What stands for the object at a shown offset.
   QSizeF ObjectSize(int shown) const { return ObjectSizeOf(LookAt(shown)); }
 
@@ -108,8 +111,10 @@ class LayoutBlock {
   QList<QTextLayout::FormatRange> FormatRanges() const;
   void PlaceLines(const BlockStyle& style);
   Edges EdgesOf(bool firstLine, double zoom) const;
-  QList<QTextOption::Tab> TabsFrom(const BlockStyle& style, double lead) const;
-  void UseTabs(bool ofFirstLine) const;
+  std::vector<PixelStop> StopsOf(const BlockStyle& style) const;
+  QList<QTextOption::Tab> TabsFrom(const std::vector<PixelStop>& stops, double lead) const;
+  void UseTabs(size_t line) const;
+  void PlaceTabs(const BlockStyle& style, const QTextLine& line, const Edges& edges);
   void MeasureLine(const QTextLine& line, double zoom, BlockLine* measured, double* ascent, double* descent) const;
   void MeasureLabel(const BlockStyle& style);
   void PlaceLabel(double zoom);
@@ -134,10 +139,12 @@ class LayoutBlock {
   const FormatLook* endLook_ = nullptr;
   bool raises_ = false;  // some look does
   // Whenever a line is looked at, the toolkit places its tabs anew by the one option of the layout. So the option is
-  // changed with the line where the first line's stops are others.
+  // changed with the line where lines have stops of their own.
   mutable QTextLayout layout_;
   mutable QTextOption option_;
-  QList<QTextOption::Tab> firstTabs_, otherTabs_;  // counted from a line's begin
+  std::vector<QList<QTextOption::Tab>> lineTabs_;  // counted from a line's begin; the last one's are those of the rest
+  std::optional<TabRuler> ruler_;                  // while lines are placed
+  std::vector<LeaderAt> leaders_;
   bool tabsDiffer_ = false;
   std::vector<BlockLine> lines_;
   std::vector<uint8_t> levels_;  // of each shown unit, if some may run to the left
