@@ -74,6 +74,17 @@ TEST(RtfTruncated, ChangedBytesDoNoHarm) {
   }
 }
 
+// A definition that thousands of rows share is not written for each of them.
+TEST(RtfHostile, WideRowsOfFewCellsDoNotGrow) {
+  const std::string file = "{\\rtf1\\trowd" +
+                           Numbered(1000, [](size_t i) { return "\\cellx" + std::to_string(i * 10 + 10); }) +
+                           Repeat("\\intbl a\\cell\\row ", 2000) + "}";
+  const ReadResult read = ReadNew(file);
+  const std::string written = Written(read.content, read.properties);
+  EXPECT_LT(written.size(), 3 * file.size());
+  EXPECT_EQ(Describe(ReadNew(written).content), Describe(read.content));
+}
+
 struct HostileRow {
   const char* name;
   std::function<std::string()> file;

@@ -201,7 +201,7 @@ void RtfSplice::ReplaceHere(size_t offset, const Edit& edit) {
   const bool bare = !last_ || last_->bare;
   Place place = Here(offset);
   place.bare = bare;
-  CharFormat first = Writable(formats_[after_.CharFormatAt(written_)]);
+  CharFormat first = Writable(formats_[afterCursor_.CharsAt(written_)]);
   first.object = ObjectId::kNone;
   if (first != place.state.chars || !Allows(place.state, {written_, edit.after.end})) return;
   Insert(place, edit.after.end);
@@ -247,9 +247,9 @@ void RtfSplice::MarkUsed() {
 }
 
 // What is to be written is in the format of the text before.
-bool RtfSplice::ContinuesLast() const {
+bool RtfSplice::ContinuesLast() {
   if (!last_ || last_->isBreak) return false;
-  CharFormat first = Writable(formats_[after_.CharFormatAt(written_)]);
+  CharFormat first = Writable(formats_[afterCursor_.CharsAt(written_)]);
   first.object = ObjectId::kNone;
   return first == last_->state.chars;
 }
@@ -345,10 +345,10 @@ void RtfSplice::OnBreak(Span span, bool joins) {
   if (edit.kind == Edit::Kind::kSame) {
     EndParagraph(span, nullptr, nullptr, std::nullopt);
   } else {
-    const CharFormatId chars = after_.CharFormatAt(to);
-    const bool same = chars == before_.CharFormatAt(read_);
-    EndParagraph(span, &formats_[before_.ParaFormatOf(before_.ParagraphAt(read_))],
-                 &formats_[after_.ParaFormatOf(after_.ParagraphAt(to))], same ? std::nullopt : std::optional(chars));
+    const CharFormatId chars = afterCursor_.CharsAt(to);
+    const bool same = chars == beforeCursor_.CharsAt(read_);
+    EndParagraph(span, &formats_[beforeCursor_.ParagraphAt(read_)], &formats_[afterCursor_.ParagraphAt(to)],
+                 same ? std::nullopt : std::optional(chars));
   }
   MarkUsed();
   dropped_ = droppedBreak_ = false;

@@ -10,6 +10,7 @@
 #include "text/rtf/Rtf.h"
 #include "text/rtf/RtfReader.h"
 #include "text/rtf/RtfWatcher.h"
+#include "text/rtfwrite/RtfCursor.h"
 #include "text/rtfwrite/RtfSpliceOutput.h"
 #include "text/rtfwrite/RtfSpliceTables.h"
 #include "text/rtfwrite/RtfWords.h"
@@ -96,7 +97,7 @@ class RtfSplice : private RtfWatcher {
   void Keep(Span span, Units units, Text kind);
   // Writes what is new up to there; false when no place allows it yet.
   bool Flush(size_t here, Units upTo, bool beforeBreak);
-  bool ContinuesLast() const;
+  bool ContinuesLast();
   bool Allows(const InForce& state, Range wanted) const;
   void FlushWholeParagraphs(Units upTo);
   Reach ReachHere(size_t offset);
@@ -119,7 +120,7 @@ class RtfSplice : private RtfWatcher {
   void Insert(const Place& place, Units upTo);
   void InsertText(std::string_view utf8, CharFormatId id);
   void InsertBreak(CharFormatId id, const ParaFormat& wanted);
-  void FindRows(Units upTo);
+  void FindRows(const std::vector<PieceView>& pieces);
   std::string RowWords(RowId row);
   void InsertObject(ObjectId id);
   std::string_view WithMark(std::string_view note) const;
@@ -133,6 +134,7 @@ class RtfSplice : private RtfWatcher {
   std::string_view bytes_;  // from the first brace on
   const Content& before_;
   const Content& after_;
+  RtfCursor beforeCursor_{before_}, afterCursor_{after_};
   FormatTable& formats_;
   RtfReader reader_;
   SpliceOutput output_;

@@ -34,8 +34,9 @@ void RtfSplice::Insert(const Place& place, Units upTo) {
   mayTear_ = place.behindUtf8;
   paragraphAt_ = 0;
   paragraph_.reset();
-  FindRows(upTo);
-  after_.ForEachPiece({written_, upTo}, [&](const PieceView& piece) {
+  const std::vector<PieceView>& pieces = afterCursor_.Pieces({written_, upTo});
+  FindRows(pieces);
+  for (const PieceView& piece : pieces) {
     for (std::string_view rest = piece.bytes; !rest.empty();) {
       const size_t end = piece.sums.breaks.value() > 0 ? FindBreak(rest) : rest.size();
       if (end > 0) InsertText(rest.substr(0, end), piece.charFormat);
@@ -43,8 +44,7 @@ void RtfSplice::Insert(const Place& place, Units upTo) {
       InsertBreak(piece.charFormat, formats_[piece.paraFormat]);
       rest.remove_prefix(end + (rest.substr(end).starts_with("\r\n") ? 2 : 1));
     }
-    return true;
-  });
+  }
   CloseRun();
   const size_t before = output_.BytesAt(place.at);
   output_.InsertLast(place.at, inserted_);
@@ -157,18 +157,17 @@ std::string_view RtfSplice::WithMark(std::string_view note) const {
 }
 
 // The rows that end in what is put in. A paragraph in no such row belongs to that around its place.
-void RtfSplice::FindRows(Units upTo) {
+void RtfSplice::FindRows(const std::vector<PieceView>& pieces) {
   rows_.clear();
   row_ = 0;
   rowBegins_ = true;
   nestedRowEnded_ = false;
-  after_.ForEachPiece({written_, upTo}, [&](const PieceView& piece) {
+  for (const PieceView& piece : pieces) {
     const ParaFormat& format = formats_[piece.paraFormat];
     const bool ends = piece.sums.breaks > Breaks(0) && format.rowMark == RowMark::kRowEnd;
     if (ends && formats_[format.row].level <= 1)
       rows_.insert(rows_.end(), static_cast<size_t>(piece.sums.breaks.value()), format.row);
-    return true;
-  });
+  }
 }
 
 void RtfSplice::InsertBreak(CharFormatId id, const ParaFormat& wantedFormat) {

@@ -62,7 +62,7 @@ void RtfWriter::Paragraph(ParaFormatId id, bool close, std::optional<CharFormatI
   const RtfRowPlan::Given given = breakFormat ? plan_.At(paragraphNumber_) : RtfRowPlan::Given();
   format.row = given.row;
   format.rowMark = given.mark;
-  if (const auto row = plan_.RowAt(paragraphNumber_)) words_.Row(formats_[*row], numbers_);
+  if (const auto row = plan_.RowAt(paragraphNumber_); row && !IsDefined(*row)) words_.Row(formats_[*row], numbers_);
   const bool same = anyParagraph_ && SameLook(currentParagraph_, format);
   if (same || !ParagraphFormat(format)) words_.Label(format, formats_, numbers_);
   anyParagraph_ = true;
@@ -80,6 +80,14 @@ void RtfWriter::Paragraph(ParaFormatId id, bool close, std::optional<CharFormatI
   if (breakFormat) Chars(*breakFormat);
   Close(format);
   SendIfLarge();
+}
+
+// A definition holds on for the rows behind. It is left out only where it is so long that rows of few cells would grow
+// by a multiple, which no usual table does: not all readers know.
+bool RtfWriter::IsDefined(RowId row) const {
+  constexpr size_t kMany = 64;
+  return currentParagraph_.rowMark == RowMark::kRowEnd && currentParagraph_.row == row &&
+         formats_[row].cells.size() > kMany;
 }
 
 void RtfWriter::Close(const ParaFormat& format) {

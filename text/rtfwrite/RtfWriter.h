@@ -66,6 +66,7 @@ class RtfWriter {
   void Paragraph(ParaFormatId format, bool close, std::optional<CharFormatId> breakFormat);
   // False, and nothing written, when the format is written like the one in force.
   bool ParagraphFormat(const ParaFormat& format);
+  bool IsDefined(RowId row) const;
   void Close(const ParaFormat& format);
   void Chars(CharFormatId id);
   void Text(const Stretch& stretch);
