@@ -2,10 +2,10 @@
 // Lengths are twips (1440 per inch), sizes half points.
 #pragma once
 
-#include <compare>
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace text {
@@ -108,7 +108,10 @@ struct TabStop {
   TabLeader leader = TabLeader::kNone;
   constexpr TabStop(int32_t at, TabKind itsKind = TabKind::kLeft, TabLeader itsLeader = TabLeader::kNone)
       : position(at), kind(itsKind), leader(itsLeader) {}
-  auto operator<=>(const TabStop&) const = default;
+  bool operator==(const TabStop&) const = default;
+  bool operator<(const TabStop& other) const {
+    return std::tie(position, kind, leader) < std::tie(other.position, other.kind, other.leader);
+  }
 };
 // Ascending, one at a position, at most kMaxTabs.
 using Tabs = std::vector<TabStop>;
