@@ -28,7 +28,8 @@ struct Message {
   QString text;  // lines end in CR LF
   Buttons buttons = Buttons::kOk;
   Icon icon = Icon::kExclamation;
-  QString title = {};  // empty = the application's
+  QString title = {};       // empty = the application's
+  bool noIsPreset = false;  // Enter says No: what is asked about cannot be undone
 };
 
 struct FileFilter {
@@ -51,6 +52,7 @@ struct FontChoice {
   double points = 10;
   bool bold = false, italic = false, strikeThru = false, underline = false;
   int64_t color = -1;  // 0x00BBGGRR; -1 = automatic
+  bool plain = false;  // of no interest is anything but family and size
   bool operator==(const FontChoice&) const = default;
 };
 

@@ -83,11 +83,13 @@ class ScriptedDialogs final : public ui::Dialogs {
   // From now on nothing is announced: every question is noted and cancelled.
   void NoteAll() { noted_.emplace(); }
   std::vector<std::string> TakeNoted() { return std::exchange(noted_.value(), {}); }
+  ui::Message last;  // that was shown
 
   // --- Dialogs
   ui::Answer ShowMessage(ui::Form*, const ui::Message& shown) override {
     if (steps_.empty() && rest_) return *rest_;
     const QString title = shown.title.isEmpty() ? QStringLiteral("Quillmark") : shown.title;
+    last = shown;
     const auto answer = Take<ui::Answer(const ui::Message&)>("message box [" + title + "] " + shown.text);
     return answer ? answer(shown) : ui::Answer::kCancel;
   }

@@ -61,14 +61,17 @@ TEST(QtDialogs, MessageBoxes) {
       {Buttons::kYesNoCancel, QMessageBox::Cancel, Answer::kCancel},
   };
   for (const BoxCase& c : cases) {
+    const bool noIsPreset = c.press == QMessageBox::No;
     WhenOpen<QMessageBox>([&](QMessageBox& box) {
       EXPECT_EQ(box.textFormat(), Qt::PlainText);
       EXPECT_EQ(box.text(), "File: <b>a & b</b>\nsecond");
       EXPECT_EQ(box.windowTitle(), "Quillmark");
       ASSERT_TRUE(box.button(c.press));
+      if (noIsPreset) EXPECT_EQ(box.defaultButton(), box.button(QMessageBox::No));
       box.button(c.press)->click();
     });
-    EXPECT_EQ(dialogs.ShowMessage(nullptr, {"File: <b>a & b</b>\r\nsecond", c.buttons, Icon::kExclamation}), c.answer);
+    const ui::Message message{"File: <b>a & b</b>\r\nsecond", c.buttons, Icon::kExclamation, {}, noIsPreset};
+    EXPECT_EQ(dialogs.ShowMessage(nullptr, message), c.answer);
   }
 }
 

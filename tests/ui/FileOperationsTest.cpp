@@ -74,6 +74,7 @@ TEST_F(FileOperationsTest, AsksBeforeDeleting) {
   EXPECT_EQ(operations.Delete(nullptr, {odd}, false), kAborted);
   EXPECT_TRUE(fs::exists(odd));
   fs::remove(odd);
+  EXPECT_TRUE(dialogs.last.noIsPreset);
   Asks("Do you want to delete the folder \"sub\" and everything in it for good?  This cannot be undone.", Answer::kYes);
   EXPECT_EQ(operations.Delete(nullptr, {sub + "/", inner}, false), kDone);
   EXPECT_FALSE(fs::exists(sub));
@@ -82,6 +83,7 @@ TEST_F(FileOperationsTest, AsksBeforeDeleting) {
   Asks("Do you want to move these 10 items to the trash?\r\n\r\n1\r\n2\r\n3\r\n4\r\n5\r\n6\r\n7\r\n8\r\nand 2 more",
        Answer::kYes);
   EXPECT_EQ(operations.Delete(nullptr, many, true), kDone);
+  EXPECT_FALSE(dialogs.last.noIsPreset);
   EXPECT_FALSE(fs::exists(many[9]));
   EXPECT_EQ(operations.Delete(nullptr, {}, true), kDone);
 }

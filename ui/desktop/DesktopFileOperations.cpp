@@ -40,7 +40,7 @@ FileOperations::Result DesktopFileOperations::Delete(Form* owner, const Paths& p
   const CommandScope scope;
   const Paths items = files::WithoutNested(paths);
   if (items.empty()) return {};
-  if (!Confirms(owner, toTrash ? TrashQuestion(items) : DeletionQuestion(items))) return {kAborted, true};
+  if (!Confirms(owner, toTrash ? TrashQuestion(items) : DeletionQuestion(items), !toTrash)) return {kAborted, true};
   if (toTrash) return Trashed(owner, items);
   return Report(owner, Run(owner, {OperationKind::kDelete, items, {}}), items.size() == 1);
 }
@@ -61,8 +61,9 @@ FileOperations::Result DesktopFileOperations::CopyThenDelete(Form* owner, const 
   return Report(owner, Run(owner, {OperationKind::kCopyThenDelete, paths, folder}), paths.size() == 1);
 }
 
-bool DesktopFileOperations::Confirms(Form* owner, const QString& text) {
-  return dialogs_.ShowMessage(owner, {.text = text, .buttons = Buttons::kYesNo, .icon = Icon::kExclamation}) ==
+bool DesktopFileOperations::Confirms(Form* owner, const QString& text, bool forGood) {
+  return dialogs_.ShowMessage(
+             owner, {.text = text, .buttons = Buttons::kYesNo, .icon = Icon::kExclamation, .noIsPreset = forGood}) ==
          Answer::kYes;
 }
 
@@ -89,7 +90,7 @@ FileOperations::Result DesktopFileOperations::Trashed(Form* owner, const Paths& 
   Paths left;
   files::OperationOutcome outcome = PutIntoTrash(owner, paths, left);
   if (!left.empty() && !outcome.cancelled) {
-    if (Confirms(owner, NoTrashQuestion(left)))
+    if (Confirms(owner, NoTrashQuestion(left), true))
       Add(outcome, Run(owner, {OperationKind::kDelete, left, {}}));
     else
       outcome.cancelled = true;

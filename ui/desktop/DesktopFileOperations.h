@@ -22,7 +22,7 @@ class DesktopFileOperations final : public FileOperations {
   Result CopyThenDelete(Form* owner, const Paths& paths, const std::string& folder) override;
 
  private:
-  bool Confirms(Form* owner, const QString& text);
+  bool Confirms(Form* owner, const QString& text, bool forGood);
   // What the trash could not take for want of one goes to `left`.
   files::OperationOutcome PutIntoTrash(Form* owner, const Paths& paths, Paths& left);
   Result Trashed(Form* owner, const Paths& paths);

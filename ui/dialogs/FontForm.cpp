@@ -4,13 +4,16 @@
 #include "ui/dialogs/ColorNumber.h"
 #include "ui/dialogs/ColorPicker.h"
 
+#include <QCheckBox>
 #include <QDialogButtonBox>
 #include <QFontDatabase>
 #include <QFontDialog>
 #include <QFontInfo>
+#include <QGroupBox>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QLineEdit>
 #include <QListView>
 #include <QPushButton>
 #include <QVBoxLayout>
@@ -67,6 +70,7 @@ FontForm::FontForm(const FontChoice& initial, CustomColors& custom, QWidget* own
   auto* layout = new QVBoxLayout(this);
   layout->addWidget(fonts_);
   AddColorRow();
+  if (initial.plain) HideEffects();
   auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
   layout->addWidget(buttons);
   connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
@@ -99,7 +103,9 @@ bool FontForm::eventFilter(QObject* watched, QEvent* event) {
 }
 
 void FontForm::AddColorRow() {
-  auto* row = new QHBoxLayout;
+  auto* colors = new QWidget(this);
+  auto* row = new QHBoxLayout(colors);
+  row->setContentsMargins(0, 0, 0, 0);
   auto* label = new QLabel(tr("&Color:"), this);
   colorButton_ = new ColorButton("color", {}, ColorButton::Automatic::kText, [this] { PickColor(); });
   label->setBuddy(colorButton_);
@@ -110,8 +116,17 @@ void FontForm::AddColorRow() {
   row->addWidget(colorButton_);
   row->addWidget(automatic);
   row->addStretch();
-  static_cast<QVBoxLayout*>(layout())->addLayout(row);
+  layout()->addWidget(colors);
+  colors->setVisible(!initial_.plain);
   connect(automatic, &QPushButton::clicked, this, [this] { SetColor(-1); });
+}
+
+// The toolkit's dialog has them whether anybody asks for them or not; style comes second of its three lists and fields.
+void FontForm::HideEffects() {
+  for (auto* box : fonts_->findChildren<QGroupBox*>())
+    if (!box->findChildren<QCheckBox*>().isEmpty()) box->hide();
+  if (const auto lists = fonts_->findChildren<QListView*>(); lists.size() > 2) lists[1]->setEnabled(false);
+  if (const auto fields = fonts_->findChildren<QLineEdit*>(); fields.size() > 2) fields[1]->setEnabled(false);
 }
 
 void FontForm::SetColor(int64_t color) {

@@ -26,6 +26,7 @@ class FontForm : public ModalForm {
  private:
   void KeepEmphasis(const QFont& now);
   void AddColorRow();
+  void HideEffects();
   void PickColor();
 
   const FontChoice initial_;

@@ -192,6 +192,7 @@ Answer QtDialogs::ShowMessage(Form* owner, const Message& message) {
   box.setTextFormat(Qt::PlainText);
   box.setText(WithPlacesToBreak(text));
   box.setStandardButtons(ToQt(message.buttons));
+  if (message.noIsPreset) box.setDefaultButton(QMessageBox::No);
   switch (box.exec()) {
     case QMessageBox::Yes:
       return Answer::kYes;
