@@ -324,15 +324,13 @@ void BlockPainter::PaintLeaders(const LayoutBlock& block, size_t line, const Sel
   const auto before = [](const LeaderAt& leader, int shown) { return leader.shown < shown; };
   for (auto at = std::lower_bound(leaders.begin(), leaders.end(), geometry.begin, before);
        at != leaders.end() && at->shown < geometry.end; ++at) {
-    std::vector<QRectF> rects;
-    block.AddRects(line, at->shown, at->shown + 1, &rects);
-    if (rects.empty()) continue;
+    const auto [left, right] = std::minmax({block.XAt(line, at->shown, Bias::kLeft), block.XAt(line, at->shown + 1)});
     const FormatLook& look = block.LookAt(at->shown);
     const bool isSelected = at->shown >= selected.from && at->shown < selected.to;
     painter_.setPen(isSelected ? highlightedText_ : ColorOf(look));
     const double baseline = geometry.baseline - look.raise;
     if (const double thick = ThicknessOf(at->leader); thick > 0) {
-      const QRectF rule(rects[0].left(), std::round(baseline) + 1, rects[0].width(), thick);
+      const QRectF rule(left, std::round(baseline) + 1, right - left, thick);
       painter_.fillRect(rule.translated(origin), painter_.pen().color());
       continue;
     }
@@ -341,8 +339,8 @@ void BlockPainter::PaintLeaders(const LayoutBlock& block, size_t line, const Sel
     font.setStrikeOut(false);
     const QChar dot = CharacterOf(at->leader);
     const double step = std::max(1.0, QFontMetricsF(font).horizontalAdvance(dot));
-    const double first = std::ceil(rects[0].left() / step) * step;
-    const int count = static_cast<int>((rects[0].right() - first) / step);
+    const double first = std::ceil(left / step) * step;
+    const int count = static_cast<int>((right - first) / step);
     painter_.setFont(font);
     if (count > 0) painter_.drawText(origin + QPointF(first, baseline), QString(count, dot));
   }
