@@ -163,6 +163,8 @@ bool frmText::QueryUnload() {
   if (answer == ui::Answer::kYes && !unloaded_) {
     rescue_ = mnuSaveFile_Click() != SaveOutcome::kSaved || table_.DocInfo(slot_).Changed;
     asked_ = RichTextBox1_->document().content();
+    // Of what never had a name or a text there is nothing to be kept.
+    if (asked_->size() == text::Units(0) && caption().starts_with(kUntitled)) rescue_ = false;
   }
   asking_ = false;
   if (answer == ui::Answer::kCancel) asked_.reset();

@@ -89,6 +89,18 @@ TEST_F(KeepTest, WhatIsKeptAndWhatNot) {
   EXPECT_EQ(Bytes(At("a.txt")), "text") << "the file is left alone";
 }
 
+TEST_F(KeepTest, ANewDocumentWithoutTextLeavesNothingBehind) {
+  for (const bool typed : {false, true}) {
+    frmText& document = New();
+    Type(document, "x");
+    if (!typed) document.RichTextBox1().SelectAll(), document.RichTextBox1().SetSelText({});
+    ExpectClosePrompt(document.caption(), Answer::kYes);
+    dialogs.File(std::nullopt);
+    EXPECT_TRUE(document.Close());
+    EXPECT_EQ(Kept().size(), typed ? 1u : 0u);
+  }
+}
+
 TEST_F(KeepTest, SavingOrGivingUpEndsTheKeeping) {
   frmText& saved = Edited(Put("a.txt", "text"));
   frmText& given = Edited(Put("b.txt", "text"));
