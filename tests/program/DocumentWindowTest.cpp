@@ -77,6 +77,10 @@ TEST_F(DocumentWindowTest, ANameThatIsNotUtf8IsOpenedAndSaved) {
   document->mnuSaveFile_Click();
   EXPECT_EQ(Bytes(path), "more bytes");
   EXPECT_TRUE(document->widget()->windowTitle().endsWith(QString("caf\uFFFD & [*][*].txt")));
+  document->SetWindowState(WindowState::kMinimized);
+  EXPECT_EQ(document->widget()->windowTitle(), "caf\uFFFD & [*][*].txt") << "there is no room for the path";
+  document->SetWindowState(WindowState::kNormal);
+  EXPECT_TRUE(document->widget()->windowTitle().startsWith('/'));
 }
 
 TEST_F(DocumentWindowTest, TheNextWindowOpensInTheStateOfTheLastClosed) {

@@ -268,6 +268,9 @@ TEST_F(FindTest, KeysOfTheDialog) {
     QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier);
     QApplication::sendEvent(&Dialog().Combo1(0), &event);
   };
+  QKeyEvent replaceAll(QEvent::KeyPress, Qt::Key_A, Qt::AltModifier, "a");
+  QApplication::sendEvent(&Dialog().Combo1(0), &replaceAll);
+  EXPECT_EQ(Dialog().Combo1(0).Text(), "a") << "the key of a button that is disabled";
   EXPECT_EQ(Dialog().Combo1(0).lineEdit()->selectedText(), "") << "typed just now";
   Dialog().cmdFind().setFocus();
   Dialog().Combo1(0).setFocus();

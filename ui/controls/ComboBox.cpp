@@ -1,6 +1,7 @@
 #include "ui/controls/ComboBox.h"
 
 #include <QFocusEvent>
+#include <QKeyEvent>
 #include <QLineEdit>
 #include <QSignalBlocker>
 
@@ -48,6 +49,12 @@ void ComboBox::focusInEvent(QFocusEvent* event) {
   if (event->reason() == Qt::PopupFocusReason) return;
   lineEdit()->selectAll();
   clickedInto_ = event->reason() == Qt::MouseFocusReason;
+}
+
+// The key of a control that is disabled just now is no text.
+void ComboBox::keyPressEvent(QKeyEvent* event) {
+  if (event->modifiers() == Qt::AltModifier && !event->text().isEmpty()) return event->ignore();
+  QComboBox::keyPressEvent(event);
 }
 
 // The press that brings the focus takes the selection away again, unless it begins to select a part.

@@ -41,6 +41,17 @@ void ChildWindow::ActivateForm() {
   if (!isMinimized()) target->setFocus(Qt::OtherFocusReason);
 }
 
+// A minimised window is too narrow for a path, whose end is what tells it from others.
+void ChildWindow::ShowTitle(const QString& title) {
+  title_ = title;
+  setWindowTitle(isMinimized() ? title.section(QLatin1Char('/'), -1) : title);
+}
+
+void ChildWindow::changeEvent(QEvent* event) {
+  QMdiSubWindow::changeEvent(event);
+  if (event->type() == QEvent::WindowStateChange) ShowTitle(title_);
+}
+
 void ChildWindow::closeEvent(QCloseEvent* event) {
   event->ignore();
   owner_.RequestClose();
@@ -96,7 +107,7 @@ void ChildForm::Activate() {
 }
 
 void ChildForm::ShowTitle(const QString& title) {
-  if (window_) window_->setWindowTitle(title);
+  if (window_) window_->ShowTitle(title);
 }
 
 }  // namespace ui

@@ -21,8 +21,10 @@ class ChildWindow : public QMdiSubWindow {
   void ActivateForm();
   void PutIn();    // into the area, not shown yet
   void TakeOut();  // and to be destroyed by the event loop
+  void ShowTitle(const QString& title);
 
  protected:
+  void changeEvent(QEvent* event) override;
   void closeEvent(QCloseEvent* event) override;
   void dragEnterEvent(QDragEnterEvent* event) override;
   void dragMoveEvent(QDragMoveEvent* event) override;
@@ -32,6 +34,7 @@ class ChildWindow : public QMdiSubWindow {
   FormId formId_;
   ChildArea& area_;
   QPointer<QWidget> rememberedFocus_;
+  QString title_;
 };
 
 // The part of a document window that needs the toolkit.
