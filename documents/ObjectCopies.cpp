@@ -137,7 +137,7 @@ ObjectCopies::Copy* ObjectCopies::MakeCopy(frmText& document, Units place, const
   }
   made.file.taken = made.file.seen = written.value();
   copies_.push_back(std::move(made));
-  if (!table_.DocInfo(document.slot()).Changed) MarkSafe(copies_.back());
+  if (!table_.DocInfo(document.slot()).Changed && document.KeepsObjects()) MarkSafe(copies_.back());
   Watch(copies_.back());
   return &copies_.back();
 }

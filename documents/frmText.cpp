@@ -264,7 +264,8 @@ std::optional<files::Error> frmText::KeepText() {
     origin_.recovered.push_back(written.value());
     origin_.kept = content;
   }
-  if (!nothingTyped) table_.copies().SavedIn(id(), content);
+  // A plain file has none of its objects, but the recovery folder has.
+  if (!nothingTyped && (changed || KeepsObjects())) table_.copies().SavedIn(id(), content);
   return std::nullopt;
 }
 

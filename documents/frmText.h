@@ -87,7 +87,8 @@ class frmText : public ui::ChildForm {
   void mnuAutoComplete_Click();
   void InsertDateTime(DateTimeForm form);
   void mnuObjInsert_Click();
-  void mnuRCObjOpen_Click();  // the object that is selected
+  void mnuRCObjOpen_Click();                             // the object that is selected
+  bool KeepsObjects() const { return !SavesAsPlain(); }  // in its file
   bool ObjectSelected() const { return RichTextBox1_->SelectedObject().has_value(); }
 
   // --- Format

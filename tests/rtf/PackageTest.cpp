@@ -1,5 +1,5 @@
 // Files kept as objects of the class "Package".
-#include "tests/rtf/RtfTestSupport.h"
+#include "tests/rtf/EditedDocument.h"
 #include "text/rtfsyntax/RtfPackage.h"
 #include "text/rtfwrite/RtfSave.h"
 
@@ -71,6 +71,16 @@ TEST(Package, SomethingStandsBeforeOneThatBeginsATextAndIsReadAsNothing) {
   EXPECT_FALSE(marks(Written(second)));
   EXPECT_EQ(Written(ReadNew(Written(first))), Written(first));
   EXPECT_EQ(ReadNew(Written(first)).content.size(), Units(1));
+  // Put into a file that was read.
+  for (const int64_t at : {0, 1}) {
+    Edited edited("{\\rtf1\\b text\\par}");
+    const Content object = ReadFragment("{\\rtf1 " + group + "}", edited.content.store()).content;
+    edited.content = edited.content.WithReplaced({Units(at), Units(at)}, object);
+    const std::string saved = edited.Saved();
+    EXPECT_NE(saved.find("{\\object"), std::string::npos) << saved;
+    EXPECT_TRUE(saved.starts_with("{\\rtf1\\b"));
+    EXPECT_EQ(marks(saved), at == 0);
+  }
 }
 
 TEST(Package, ThePictureIsShownAsLargeAndCutOffAsWanted) {
