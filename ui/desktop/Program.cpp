@@ -1,7 +1,7 @@
 #include "ui/desktop/Program.h"
 
-#include "ui/desktop/DarkStyle.h"
 #include "ui/desktop/KeyOrder.h"
+#include "ui/desktop/ProgramStyle.h"
 #include "ui/desktop/StartGuard.h"
 
 #include <QApplication>
@@ -17,7 +17,7 @@ Program::Program(const char* name, const char* version) {
     // It gets no arguments: a file may be called as one of its options.
     application_ = std::make_unique<QApplication>(argc_, argv_);
   }
-  QApplication::setStyle(new DarkStyle);
+  QApplication::setStyle(new ProgramStyle);
   keyOrder_ = std::make_unique<KeyOrder>();
   QApplication::setApplicationName(QLatin1String(name));
   QApplication::setApplicationVersion(QLatin1String(version));

@@ -1,4 +1,4 @@
-// The desktop's style, with what the toolkit's own one paints black whatever the ground made visible on a dark one.
+// The style of the whole program: the desktop's, with what must be seen on a dark ground and in narrow title bars.
 #pragma once
 
 #include <QProxyStyle>
@@ -7,9 +7,10 @@ class QStyleOptionTitleBar;
 
 namespace ui {
 
-// Frames of check boxes and option buttons, title bars of document windows that are not active. On any ground a title
+// Where the toolkit's own style paints black whatever the ground: frames of check boxes and option buttons, title bars
+// of document windows that are not active, on a dark one. On any ground a title
 // bar that is too narrow shows the end of its title.
-class DarkStyle final : public QProxyStyle {
+class ProgramStyle final : public QProxyStyle {
   Q_OBJECT
 
  public:

@@ -1,4 +1,4 @@
-#include "ui/desktop/DarkStyle.h"
+#include "ui/desktop/ProgramStyle.h"
 
 #include <QPainter>
 #include <QStyleOption>
@@ -13,12 +13,12 @@ const QString kToolkits = QStringLiteral("fusion");  // other styles know dark g
 
 }  // namespace
 
-bool DarkStyle::IsDark(const QStyleOption& option) const {
+bool ProgramStyle::IsDark(const QStyleOption& option) const {
   return option.palette.color(QPalette::Base).lightness() < kDark && baseStyle()->name() == kToolkits;
 }
 
-void DarkStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
-                              const QWidget* widget) const {
+void ProgramStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
+                                 const QWidget* widget) const {
   QProxyStyle::drawPrimitive(element, option, painter, widget);
   const bool round = element == PE_IndicatorRadioButton;
   if ((!round && element != PE_IndicatorCheckBox) || !IsDark(*option)) return;
@@ -33,8 +33,8 @@ void DarkStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* opti
   painter->restore();
 }
 
-void DarkStyle::drawComplexControl(ComplexControl control, const QStyleOptionComplex* option, QPainter* painter,
-                                   const QWidget* widget) const {
+void ProgramStyle::drawComplexControl(ComplexControl control, const QStyleOptionComplex* option, QPainter* painter,
+                                      const QWidget* widget) const {
   const auto* const bar = qstyleoption_cast<const QStyleOptionTitleBar*>(option);
   if (control != CC_TitleBar || !bar) return QProxyStyle::drawComplexControl(control, option, painter, widget);
   QStyleOptionTitleBar shown = *bar;
@@ -43,7 +43,7 @@ void DarkStyle::drawComplexControl(ComplexControl control, const QStyleOptionCom
 }
 
 // The end of a path is the file's name.
-QString DarkStyle::EndOfTitle(const QStyleOptionTitleBar& bar, const QWidget& window) const {
+QString ProgramStyle::EndOfTitle(const QStyleOptionTitleBar& bar, const QWidget& window) const {
   // Twice in a title the toolkit's mark means itself.
   const QString title = window.windowTitle().replace(QLatin1String("[*][*]"), QLatin1String("[*]"));
   const int room = proxy()->subControlRect(CC_TitleBar, &bar, SC_TitleBarLabel, &window).width();
@@ -51,7 +51,7 @@ QString DarkStyle::EndOfTitle(const QStyleOptionTitleBar& bar, const QWidget& wi
 }
 
 // The buttons and the text of an active one are light, so it is painted as active, in the colour of one that is not.
-void DarkStyle::DrawTitleBar(const QStyleOptionTitleBar& bar, QPainter* painter, const QWidget* widget) const {
+void ProgramStyle::DrawTitleBar(const QStyleOptionTitleBar& bar, QPainter* painter, const QWidget* widget) const {
   if (bar.titleBarState & State_Active || !IsDark(bar))
     return QProxyStyle::drawComplexControl(CC_TitleBar, &bar, painter, widget);
   QStyleOptionTitleBar light = bar;

@@ -1,4 +1,4 @@
-#include "ui/desktop/DarkStyle.h"
+#include "ui/desktop/ProgramStyle.h"
 
 #include <QImage>
 #include <QPainter>
@@ -11,7 +11,7 @@ namespace {
 // The lightest pixel of what is painted with this palette.
 template <class Option, class Paint>
 int Lightest(const QPalette& palette, Option option, Paint paint) {
-  const ui::DarkStyle style;
+  const ui::ProgramStyle style;
   QImage image(120, 24, QImage::Format_RGB32);
   image.fill(palette.color(QPalette::Base));
   option.palette = palette;
@@ -23,7 +23,7 @@ int Lightest(const QPalette& palette, Option option, Paint paint) {
   return lightest;
 }
 
-TEST(DarkStyle, WhatIsBlackElsewhereIsSeen) {
+TEST(ProgramStyle, WhatIsBlackElsewhereIsSeen) {
   const QPalette dark(QColor(40, 40, 40), QColor(30, 30, 30));
   for (const auto element : {QStyle::PE_IndicatorCheckBox, QStyle::PE_IndicatorRadioButton}) {
     QStyleOptionButton box;
@@ -47,9 +47,9 @@ TEST(DarkStyle, WhatIsBlackElsewhereIsSeen) {
             150);
 }
 
-TEST(DarkStyle, ANarrowTitleBarShowsTheEnd) {
+TEST(ProgramStyle, ANarrowTitleBarShowsTheEnd) {
   const auto painted = [](const QString& title) {
-    const ui::DarkStyle style;
+    const ui::ProgramStyle style;
     QWidget window;
     window.setWindowTitle(title);
     QStyleOptionTitleBar bar;
