@@ -25,7 +25,8 @@ using std::chrono::steady_clock;
 using text::Units;
 
 // Programs write a file in several steps: they empty it, they keep it open. Some keep it open all the time.
-constexpr milliseconds kSettling(400), kSettlingWhenOpen(2000), kSettlingWhenEmptied(5000), kPatience(6000);
+constexpr milliseconds kSettling(400), kSettlingWhenOpen(2000), kSettlingWhenEmptied(5000), kPatience(6000),
+    kFollowing(2000);
 
 milliseconds AgeOf(const files::FileStamp& stamp) {
   const auto written =
@@ -56,6 +57,8 @@ ObjectCopies::ObjectCopies(services::Services& services, DocumentTable& table) :
   const auto changed = [this] { settling_.start(); };
   connect(&watcher_, &QFileSystemWatcher::directoryChanged, this, changed);
   connect(&watcher_, &QFileSystemWatcher::fileChanged, this, changed);
+  following_.setInterval(kFollowing);
+  connect(&following_, &QTimer::timeout, this, &ObjectCopies::FollowAll);
   connect(&settling_, &QTimer::timeout, this,
           [this] { ui::AfterCommand(this, [this] { services_.forms().Guarded([this] { Look(); }); }); });
 }
@@ -78,6 +81,7 @@ ObjectCopies::Copy* ObjectCopies::CopyForOpening(frmText& document, Units place,
   const text::ObjectId state = text::ObjectIdAt(content, place);
   Copy* copy = CopyOf(document, place);
   // What an application has changed and what cannot be taken back yet is the object's newest state.
+  if (copy) copy->folder.SetReadOnly(copy->name, !document.RichTextBox1().MayChangeObject(place));
   if (copy && (copy->states.back() == state || copy->file.IsChanged())) return copy;
   std::optional<text::rtf::Package> package;
   services_.dialogs().RunWork(&document, tr("Opening %1").arg(ui::NameInText(object->name)), 0,
@@ -137,6 +141,7 @@ ObjectCopies::Copy* ObjectCopies::MakeCopy(frmText& document, Units place, const
   }
   made.file.taken = made.file.seen = written.value();
   copies_.push_back(std::move(made));
+  following_.start();
   if (!table_.DocInfo(document.slot()).Changed && document.KeepsObjects()) MarkSafe(copies_.back());
   Watch(copies_.back());
   return &copies_.back();
@@ -144,9 +149,12 @@ ObjectCopies::Copy* ObjectCopies::MakeCopy(frmText& document, Units place, const
 
 // The document has gone back to an earlier state, or on to a later one again.
 bool ObjectCopies::BringUpTo(frmText& document, Copy& copy, text::ObjectId state, std::string_view bytes) {
+  // Saved while the bytes were being made: that is the newest state.
+  if (copy.file.IsChanged()) return true;
   const auto written = copy.folder.Overwrite(copy.name, bytes);
   if (const auto now = files::StampOf(copy.path())) copy.file.taken = copy.file.seen = *now;
-  copy.states.push_back(state);
+  // What a failure left is no state of the object.
+  copy.states.push_back(written ? state : text::ObjectId::kNone);
   static_cast<void>(WriteAbout(copy));
   if (written) return true;
   services::ShowError(services_.dialogs(), &document, services::ErrorText(copy.name, written.error()));
@@ -197,12 +205,22 @@ void ObjectCopies::Look() {
 
 // Where it was, through the edits since.
 std::optional<Units> ObjectCopies::Followed(Copy& copy, const text::Document& document) const {
+  if (!copy.place) return std::nullopt;
   const auto changes = document.ChangesSince(copy.revision);
   if (!changes) return std::nullopt;
-  for (const text::Change& change : *changes) copy.place = text::MapPosition(copy.place, change, text::Bias::kLeft);
+  for (const text::Change& change : *changes) {
+    const bool removed =
+        !change.formatOnly && copy.place >= change.position && copy.place < change.position + change.removed;
+    // An object that takes the place of another one alone is its next or its earlier state.
+    const bool exchanged = change.removed == Units(1) && change.inserted == Units(1);
+    if (removed && !exchanged) copy.place.reset();
+    if (!copy.place) break;
+    if (!removed) copy.place = text::MapPosition(*copy.place, change, text::Bias::kRight);
+  }
   copy.revision = document.revision();
-  const bool still = std::ranges::count(copy.states, text::ObjectIdAt(document.content(), copy.place)) > 0;
-  return still && text::EmbeddedAt(document.content(), copy.place) ? std::optional(copy.place) : std::nullopt;
+  if (!copy.place) return std::nullopt;
+  const bool still = std::ranges::count(copy.states, text::ObjectIdAt(document.content(), *copy.place)) > 0;
+  return still && text::EmbeddedAt(document.content(), *copy.place) ? copy.place : std::nullopt;
 }
 
 // All places where any of its states is, but for those of other copies.
@@ -235,6 +253,13 @@ std::optional<Units> ObjectCopies::PlaceOf(Copy& copy, frmText& window) {
   if (places.size() != 1) return std::nullopt;
   copy.place = places.front(), copy.revision = document.revision();
   return copy.place;
+}
+
+// A document knows its last changes only.
+void ObjectCopies::FollowAll() {
+  for (Copy& copy : copies_)
+    if (frmText* const document = copy.gone ? nullptr : table_.Find(copy.document))
+      static_cast<void>(Followed(copy, document->RichTextBox1().document()));
 }
 
 // --- Taking back
@@ -287,7 +312,9 @@ QString ObjectCopies::TakeIn(Copy& copy, bool quietly) {
   if (!place) return tr("the object is no longer in the document.");
   if (!document->RichTextBox1().MayChangeObject(*place)) return tr("the object is protected there.");
   const text::EmbeddedObject object = *text::ObjectAt(document->RichTextBox1().document().content(), *place);
-  const text::EmbeddedObject card = ui::FileCard(object.name);
+  // Some have their name in their data alone.
+  const std::string name = object.name.empty() ? copy.name : object.name;
+  const text::EmbeddedObject card = ui::FileCard(name);
   files::FileStamp stamp;
   files::Result<std::string> bytes{std::string()};
   std::string rtf;
@@ -297,7 +324,7 @@ QString ObjectCopies::TakeIn(Copy& copy, bool quietly) {
       bytes = ReadEmbeddable(copy.path(), &stamp);
       const auto before = bytes ? text::rtf::ReadPackage(object.rtf.bytes) : std::nullopt;
       same = before && before->bytes == bytes.value();
-      if (bytes && !same) rtf = ObjectRtf(object.name, bytes.value(), card, &object);
+      if (bytes && !same) rtf = ObjectRtf(name, bytes.value(), card, &object);
     } catch (const std::bad_alloc&) {
       bytes = files::SystemError(ENOMEM, copy.path());
     }

@@ -15,6 +15,7 @@
 
 #include <chrono>
 #include <list>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -60,7 +61,7 @@ class ObjectCopies : public QObject {
     ui::FormId document;
     std::string caption;                 // of the document
     std::vector<text::ObjectId> states;  // of the object in it, the last one is what the copy holds
-    text::Units place;                   // where it was last,
+    std::optional<text::Units> place;    // where it was last; nothing when it was deleted there,
     text::Revision revision;             // at that revision,
     bool alone;                          // and whether no other object there was the same
     files::PrivateFolder folder;
@@ -85,6 +86,7 @@ class ObjectCopies : public QObject {
   std::optional<text::Units> Followed(Copy& copy, const text::Document& document) const;
   std::vector<text::Units> PlacesOf(const Copy& copy, const text::Document& document);
   std::optional<text::Units> PlaceOf(Copy& copy, frmText& document);
+  void FollowAll();
   void WaitForWriters(ui::FormId document);
   void TakeBack(Copy& copy, bool quietly);
   QString TakeIn(Copy& copy, bool quietly);  // why not; empty: done
@@ -104,7 +106,7 @@ class ObjectCopies : public QObject {
   DocumentTable& table_;
   std::list<Copy> copies_;
   QFileSystemWatcher watcher_;
-  QTimer settling_;
+  QTimer settling_, following_;
 };
 
 }  // namespace documents

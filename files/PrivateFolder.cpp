@@ -93,12 +93,19 @@ Result<FileStamp> PrivateFolder::Overwrite(const Path& name, std::string_view by
   return WriteAll(file, bytes, path);
 }
 
+void PrivateFolder::SetReadOnly(const Path& name, bool readOnly) const {
+  const Path path = path_ / name;
+  const Descriptor file(open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC));
+  if (file) static_cast<void>(fchmod(file.get(), readOnly ? 0400 : 0600));
+}
+
 std::vector<Path> PrivateFolder::RemoveWith(const std::vector<Path>& names) const {
   std::vector<Path> others;
   std::error_code error;
   for (std::filesystem::directory_iterator entry(path_, error), end; !error && entry != end; entry.increment(error))
     if (std::ranges::count(names, entry->path().filename()) == 0 || entry->is_directory(error))
       others.push_back(entry->path());
+  if (error == std::errc::no_such_file_or_directory) return {};
   if (error) others.push_back(path_);
   if (!others.empty()) return others;
   for (const Path& name : names) Forget(name);

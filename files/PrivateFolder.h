@@ -25,6 +25,8 @@ class PrivateFolder {
   Result<FileStamp> Replace(const Path& name, std::string_view bytes, bool readOnly = false) const;
   // Over the bytes of a file that is there; programs that have it open see them. After a failure any of them may stand.
   Result<FileStamp> Overwrite(const Path& name, std::string_view bytes) const;
+  // A file that is there; its stamp stays.
+  void SetReadOnly(const Path& name, bool readOnly) const;
   // Removes these files and the folder, but nothing at all when it holds anything else: that is given back. There is no
   // way to remove what nobody knows of.
   std::vector<Path> RemoveWith(const std::vector<Path>& names) const;

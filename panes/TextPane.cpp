@@ -2,7 +2,10 @@
 
 #include "services/Messages.h"
 #include "ui/PathText.h"
+#include "ui/PendingEvents.h"
 #include "ui/frame/ChildArea.h"
+
+#include <cerrno>
 
 namespace panes {
 
@@ -16,8 +19,14 @@ TextPane::TextPane(services::Services& services, std::string_view name, std::str
   Text1_->SetPlainOnly(true);
   connect(Text1_, &ui::RichTextBox::ContextMenuRequested, this,
           [this](const QPoint& position) { services_.ShowPadMenu(*Text1_, position); });
-  connect(Text1_, &ui::RichTextBox::EditFailed, this, [this](const QString& reason) {
-    services::ShowError(services_.dialogs(), this, services::FileText(path().native(), reason));
+  const auto tell = [this](const QString& text) {
+    services_.forms().Guarded([&] { services::ShowError(services_.dialogs(), this, text); });
+  };
+  connect(Text1_, &ui::RichTextBox::EditFailed, this,
+          [this, tell](const QString& reason) { tell(services::FileText(path().native(), reason)); });
+  connect(Text1_, &ui::RichTextBox::DragRefused, this, [this, tell] {
+    ui::AfterCommand(this,
+                     [tell] { tell(tr("This is too much to be dragged to another program.  Copy and paste it.")); });
   });
 }
 
@@ -39,6 +48,7 @@ void TextPane::TakeIn(const files::Path& path, ReadText read) {
   }
   // Should the memory end in between, what stands here then is no file's text.
   stamp_.reset();
+  error_ = files::SystemError(ENOMEM, path);
   Text1_->LoadPlain({});
   Text1_->SetDefaultFormat(services_.defaultFont().name, services_.defaultFont().size);
   Text1_->LoadPlain(std::move(read.text));

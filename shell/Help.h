@@ -24,7 +24,7 @@ class Help {
   // F1 is heard from here on. `open` is what it does where nothing has a topic of its own.
   void ListenForKey(std::function<void()> open);
 
-  // False, and nothing said, when there is no window to be had.
+  // False when there is no window to be had. Why is for the caller to tell, but for a manual that was passed over.
   bool ShowManual();
   bool ShowFile(const files::Path& path);
   // The first page when there is no such topic; no such text, or a manual that cannot be read, is told.

@@ -214,8 +214,9 @@ bool frmOptions::event(QEvent* event) {
 
 void frmOptions::PickFont() {
   const double size = services::ReadNumber(Label3_->text().toStdString()).value_or(10);
-  const auto chosen = services_.dialogs().PickFont(
-      services_.forms().at(0), {.family = Label1_->text().trimmed(), .points = size, .plain = true}, services_.customColors());
+  const auto chosen = services_.dialogs().PickFont(services_.forms().at(0),
+                                                   {.family = Label1_->text().trimmed(), .points = size, .plain = true},
+                                                   services_.customColors());
   if (!chosen) return;
   Label1_->SetText(chosen->family);
   Label3_->SetText(QString::fromStdString(services::WriteNumber(chosen->points)));

@@ -279,8 +279,8 @@ def name_untold_messages(pages):
             sentences = re.split(r"(?<=[.?]) |[:(] |%\d+", " ".join(text.split()))
             told = [part for part in sentences if len(part) <= 12 or part.lstrip('" ') in manual]
             untold = [part for part in sentences if part not in told and re.search(r"[^.][.?]$", part)]
-            if untold:
-                print(f"{where}: not in the manual: {untold[0]}")
+            for part in untold:
+                print(f"{where}: not in the manual: {part}")
 
 
 def main():

@@ -101,7 +101,8 @@ def compare(program, convert, corpus, out):
     gone = dict(line.split("\t") for line in (out / "edits.tsv").read_text().splitlines())
     same = collections.Counter()
     originals = texts(convert, [corpus / "in" / name for name in sorted(gone)])
-    print(f"{program}: reads no text of the originals {sorted(gone.keys() - originals.keys())}")
+    if unread := sorted(gone.keys() - originals.keys()):
+        print(f"{program}: reads no text of the originals {unread}")
     for kind in ("edited", "anew"):
         results = texts(convert, [out / kind / name for name in originals])
         for name, wanted in originals.items():

@@ -124,11 +124,14 @@ class Objects(InsertTest):
         program.wait_for_focus()
         cases.SESSION.keys("Return")
         self.wait_for_texts(program, "\ufffc\ufffc")
-        program.wait_until(lambda: os.path.exists(self.home.at("opened")), "the application")
-        with open(self.home.at("opened"), encoding="utf-8") as file:
-            self.assertNotIn("existing.txt", file.read())
+        opened = self.home.at("opened")
+        program.wait_until(lambda: os.path.exists(opened) and os.path.getsize(opened), "the application")
         cases.SESSION.keys("ctrl+z", "ctrl+z", "alt+F4")
         self.expect_clean_end(program)
+        with open(opened, encoding="utf-8") as file:
+            names = file.read().splitlines()
+        self.assertEqual(len(names), 1, names)
+        self.assertNotEqual(names[0], "existing.txt")
 
     def test_what_an_application_still_has_open_is_told_of_and_kept(self):
         self.install('echo report > "$(dirname "$1")/report.pdf"\ntouch "$HOME/open"\n'

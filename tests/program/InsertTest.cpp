@@ -360,7 +360,7 @@ TEST_F(ObjectTest, WhatWasTakenBackIsSafeOnlyOnceTheDocumentIsSaved) {
   document.mnuUndoItem_Click();
   Type(document, "x");
   document.mnuSaveFile_Click();
-  Write(copy, "quick");
+  Write(copy, "");  // as at the beginning of a writing
   EXPECT_FALSE(document.KeepText());
   EXPECT_FALSE(isSafe()) << "nobody waits at the end of a session, and nothing is given up";
 }
@@ -439,6 +439,43 @@ TEST_F(ObjectTest, OfTwoEqualOnesTheOneThatWasOpenedIsChanged) {
   ExpectKept(document, first, "the object is no longer in the document.");
   table().copies().TakeBack(document.id());
   EXPECT_EQ(BytesOf(document, 7), "old") << "another one, however equal";
+}
+
+TEST_F(ObjectTest, AnOpenedOneIsFollowedThroughWhatIsDoneAroundIt) {
+  const struct {
+    const char* what;
+    std::function<void(ui::RichTextBox&)> change;  // of "one", an object that is open, "two", an equal one
+    std::optional<int> place;
+  } kRows[] = {
+      {"an equal one before it", [](ui::RichTextBox& box) { box.SetSelStart(3), box.Paste(); }, 4},
+      {"a letter before it", [](ui::RichTextBox& box) { box.SetSelStart(3), box.SetSelText("x"); }, 4},
+      {"the letter before it",
+       [](ui::RichTextBox& box) { box.SetSelStart(2), box.SetSelLength(1), box.SetSelText("xyz"); }, 5},
+      {"an equal one behind it, and itself gone",
+       [](ui::RichTextBox& box) {
+         box.SetSelStart(4), box.Paste();
+         box.SetSelStart(3), box.SetSelLength(1), box.DeleteSelection();
+       },
+       std::nullopt},
+  };
+  int number = 0;
+  for (const auto& row : kRows) {
+    SCOPED_TRACE(row.what);
+    frmText& document = WithObject("note" + std::to_string(++number) + ".txt", "old");
+    ui::RichTextBox& box = document.RichTextBox1();
+    box.SetSelStart(3), box.SetSelLength(1);
+    box.Copy();
+    box.SetSelStart(7), box.Paste();
+    const files::Path copy = OpenObject(document, 3);
+    row.change(box);
+    Write(copy, "new");
+    if (!row.place) ExpectKept(document, copy, "the object is no longer in the document.");
+    table().copies().TakeBack(document.id());
+    for (int at = 0; at < box.Text().size(); ++at)
+      if (box.Text()[at] == kObject) EXPECT_EQ(BytesOf(document, at), at == row.place ? "new" : "old") << at;
+    document.SetUnchanged();
+    document.Close();
+  }
 }
 
 TEST_F(ObjectTest, OpenedAgainAfterAnUndoTheSameCopyHoldsTheEarlierState) {
@@ -570,7 +607,7 @@ TEST_F(ObjectTest, TheDialogInsertsAFile) {
   EXPECT_TRUE(desktop.asked.empty()) << "only a new one is opened";
 }
 
-// New ones, by the desktop's own list, with an application that this test installs.
+// New ones, by the desktop's own list; the end-to-end case installs an application for one.
 TEST_F(ObjectTest, TheDialogInsertsSomethingNewAndOpensThatAlone) {
   if (ui::InstalledObjectTypes().empty()) GTEST_SKIP() << "no application is installed for any type";
   frmText& document = WithObject("existing.txt", "X");

@@ -175,6 +175,11 @@ TEST(HelpViewTest, EachBookShowsItsOwnPage) {
   view.Mark({"words", "o"});
   EXPECT_EQ(view.extraSelections().size(), 3);
   EXPECT_EQ(view.textCursor().position(), 2);
+  QPalette dark = view.palette();
+  dark.setColor(QPalette::Base, Qt::black);
+  view.setPalette(dark);  // laid out again
+  EXPECT_EQ(view.extraSelections().size(), 3);
+  EXPECT_EQ(view.textCursor().position(), 2);
   view.Forget();
   view.Show(first, {"a.html", {}});
   EXPECT_EQ(view.toPlainText(), "one");

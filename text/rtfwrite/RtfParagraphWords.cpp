@@ -124,8 +124,12 @@ ParagraphWords::Kept ParagraphWords::Replay(const ParaFormat& from, const ParaFo
     const bool ofList = word == "ls" || word == "ilvl";
     if (ofList && !SameList(from, to)) continue;
     if (!kept.box && IsAboutBox(word)) continue;
-    if (word == "lin" && from.leftIndent != to.leftIndent) continue;
-    if (word == "rin" && from.rightIndent != to.rightIndent) continue;
+    // An indent of 0 is not said again, and these would count then.
+    const auto counts = [&token](int before, int after) {
+      return before != after || (after == 0 && token.parameter != 0);
+    };
+    if (word == "lin" && counts(from.leftIndent, to.leftIndent)) continue;
+    if (word == "rin" && counts(from.rightIndent, to.rightIndent)) continue;
     say(kept.words, token);
     if (ofList) say(kept.list, token);
   }

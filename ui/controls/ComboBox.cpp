@@ -53,7 +53,8 @@ void ComboBox::focusInEvent(QFocusEvent* event) {
 
 // The key of a control that is disabled just now is no text.
 void ComboBox::keyPressEvent(QKeyEvent* event) {
-  if (event->modifiers() == Qt::AltModifier && !event->text().isEmpty()) return event->ignore();
+  const bool alt = event->modifiers() & Qt::AltModifier && !(event->modifiers() & Qt::ControlModifier);
+  if (alt && !event->text().isEmpty()) return event->ignore();
   QComboBox::keyPressEvent(event);
 }
 

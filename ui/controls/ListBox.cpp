@@ -231,6 +231,7 @@ void ListBox::RequestMenuByKey() {
 }
 
 void ListBox::keyPressEvent(QKeyEvent* event) {
+  if (event->key() == Qt::Key_Delete && event->isAutoRepeat()) return;
   deletePressed_.reset();
   if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
     dragging_ = false;
@@ -261,6 +262,7 @@ void ListBox::focusInEvent(QFocusEvent* event) {
 void ListBox::focusOutEvent(QFocusEvent* event) {
   QListView::focusOutEvent(event);
   viewport()->update();
+  deletePressed_.reset();
   // A menu or another window in front is no other pane.
   const Qt::FocusReason reason = event->reason();
   if (reason == Qt::PopupFocusReason || reason == Qt::MenuBarFocusReason || reason == Qt::ActiveWindowFocusReason)

@@ -311,6 +311,7 @@ bool TreeView::ToggleByKey(int key) {
 
 void TreeView::keyPressEvent(QKeyEvent* event) {
   const int key = event->key();
+  if (key == Qt::Key_Delete && event->isAutoRepeat()) return;
   deletePressed_.reset();
   if (editor_) return;  // what the field for a name passes on
   const bool plain = !(event->modifiers() & ~Qt::KeypadModifier);
@@ -351,6 +352,7 @@ void TreeView::focusInEvent(QFocusEvent* event) {
 void TreeView::focusOutEvent(QFocusEvent* event) {
   QTreeView::focusOutEvent(event);
   viewport()->update();
+  deletePressed_.reset();
 }
 
 // --- Drag and drop

@@ -107,7 +107,8 @@ bool MayBeRun(const char* type) {
 std::string ProgramOf(GAppInfo* application) {
   const char* const executable = application ? g_app_info_get_executable(application) : nullptr;
   const std::string name = executable ? files::Path(executable).filename().native() : std::string();
-  constexpr std::string_view kAnything[] = {"sh", "bash", "env", "flatpak"};
+  constexpr std::string_view kAnything[] = {"sh",   "bash", "env",  "flatpak", "gapplication",
+                                            "java", "perl", "wine", "python",  "python3"};
   return std::ranges::count(kAnything, name) > 0 ? std::string() : name;
 }
 

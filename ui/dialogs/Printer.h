@@ -3,6 +3,8 @@
 
 #include <QPrinter>
 
+#include <utility>
+
 namespace ui {
 
 class Printer {
@@ -14,14 +16,20 @@ class Printer {
   // What jobs are called in the queue.
   void SetTitle(const QString& title) { device_.setDocName(title); }
   // What the dialog proposes for printing into a file; empty: as the toolkit does.
-  void ProposeFile(const QString& path) { proposedFile_ = path; }
+  void ProposeFile(const QString& path) {
+    if (path != proposedFile_) fileIsOfAnother_ = true;
+    proposedFile_ = path;
+  }
   const QString& proposedFile() const { return proposedFile_; }
+  // Whether the file that was printed into last was another document's; once.
+  bool TakeFileIsOfAnother() { return std::exchange(fileIsOfAnother_, false); }
   // What was chosen in the dialog last.
   bool printsSelection() const { return device_.printRange() == QPrinter::Selection; }
 
  private:
   QPrinter device_;
   QString proposedFile_;
+  bool fileIsOfAnother_ = false;
 };
 
 }  // namespace ui

@@ -162,7 +162,7 @@ void Prepare(QFileDialog& dialog, const FileRequest& request) {
 
 // The toolkit offers ranges of pages whatever it was told, keeps the selection out of sight, and proposes a file in the
 // folder that the program was started in.
-void Prepare(QPrintDialog& dialog, const PrinterRequest& request, const Printer& printer) {
+void Prepare(QPrintDialog& dialog, const PrinterRequest& request, Printer& printer) {
   dialog.setOption(QAbstractPrintDialog::PrintPageRange, request.pages);
   dialog.setOption(QAbstractPrintDialog::PrintCurrentPage, false);
   dialog.setOption(QAbstractPrintDialog::PrintSelection, request.selection);
@@ -175,8 +175,8 @@ void Prepare(QPrintDialog& dialog, const PrinterRequest& request, const Printer&
     for (auto* button : dialog.findChildren<QPushButton*>())
       if (button->text().endsWith(QLatin1String(">>"))) button->click();
   auto* file = dialog.findChild<QLineEdit*>(QStringLiteral("filename"));
-  if (file && !printer.proposedFile().isEmpty() && printer.device().outputFileName().isEmpty())
-    file->setText(printer.proposedFile());
+  const bool other = printer.TakeFileIsOfAnother() || printer.device().outputFileName().isEmpty();
+  if (file && other && !printer.proposedFile().isEmpty()) file->setText(printer.proposedFile());
 }
 
 }  // namespace

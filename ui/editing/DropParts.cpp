@@ -38,7 +38,8 @@ DropParts PartsOfDrop(const QMimeData& data) {
   const bool hasText = data.hasFormat(QStringLiteral("text/plain"));
   const bool names = !rich && !parts.files.empty() && (!hasText || NamesFiles(data.text(), parts.files));
   parts.text = rich || (!names && (data.hasText() || data.hasHtml()));
-  const bool shown = rich || data.hasHtml() || !parts.files.empty() || (data.hasText() && IsAddress(data.text()));
+  const bool shown =
+      rich || data.hasHtml() || !parts.files.empty() || (data.hasImage() && data.hasText() && IsAddress(data.text()));
   parts.picture = data.hasImage() && !shown && parts.text;
   // Alone, or beside its address, it is what there is to insert.
   parts.text |= data.hasImage() && parts.files.empty();

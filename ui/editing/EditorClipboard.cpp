@@ -446,7 +446,8 @@ void EditorController::Insert(const QMimeData& data, bool plain) {
   if (!plain) fragment = RichFragment(data, document_);
   const bool formats = !plain && SavesFormats();
   if (formats && !fragment) fragment = HtmlFragment(data, document_);
-  if (formats && !fragment && (!data.hasText() || IsAddress(data.text()))) fragment = PictureFragment(data, document_);
+  if (formats && !fragment && (!data.hasText() || (data.hasImage() && IsAddress(data.text()))))
+    fragment = PictureFragment(data, document_);
   const auto bytes = fragment ? std::nullopt : PlainBytes(data, document_.properties().lineEnd);
   // A plain file takes a picture only for want of text; before it is saved the user is asked.
   if (!plain && !fragment && !bytes) fragment = PictureFragment(data, document_);

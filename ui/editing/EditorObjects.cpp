@@ -49,6 +49,7 @@ std::optional<Units> EditorController::InsertObjects(const std::vector<Content>&
     for (const Content& fragment : fragments) done = done && Replace(range(), fragment);
   }
   document_.SealStep();
+  if (!done && !fragments.empty()) host_.Refused();
   return done ? std::optional(place) : std::nullopt;
 }
 

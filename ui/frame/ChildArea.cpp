@@ -184,7 +184,7 @@ void ChildArea::TileInColumns() {
 }
 
 void ChildArea::ArrangeIcons() {
-  PlaceIcons(maximumViewportSize());
+  PlaceIcons(viewport()->size());
 }
 
 // In rows from the lower left corner upwards. Gives back their height.

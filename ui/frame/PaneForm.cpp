@@ -58,8 +58,9 @@ class PaneForm::Window : public QDialog {
   }
   void resizeEvent(QResizeEvent* event) override {
     QDialog::resizeEvent(event);
-    // Nor does whoever pulls at its frame.
-    if (painted_ && event->spontaneous() && event->size() != event->oldSize()) form_.minimized_ = false;
+    // Nor does whoever pulls at its frame; the desktop may size it unasked.
+    if (painted_ && isActiveWindow() && event->spontaneous() && event->size() != event->oldSize())
+      form_.minimized_ = false;
     form_.resized_.start();
   }
   // Only now the desktop's frame is known.

@@ -61,6 +61,7 @@ void HelpView::SetLook() {
 
 void HelpView::Show(const HelpBook& book, const HelpPlace& place) {
   setExtraSelections({});
+  marked_.clear();
   if (book_ != &book || place_.page != place.page || page_.isEmpty()) {
     book_ = &book;
     place_ = place;
@@ -84,13 +85,23 @@ void HelpView::ShowText(const QString& text) {
 void HelpView::Forget() {
   book_ = nullptr;
   page_.clear();
+  marked_.clear();
   clear();
 }
 
 void HelpView::Mark(const QStringList& words) {
+  marked_ = words;
+  QTextCursor first = MarkAll();
+  if (first.isNull()) return;
+  first.setPosition(first.selectionStart());
+  setTextCursor(first);
+}
+
+// The first one is given back.
+QTextCursor HelpView::MarkAll() {
   QList<QTextEdit::ExtraSelection> marks;
   QTextCursor first;
-  for (const QString& word : words) {
+  for (const QString& word : marked_) {
     for (QTextCursor at = document()->find(word); !at.isNull() && marks.size() < kMostMarks;
          at = document()->find(word, at)) {
       if (first.isNull() || at.selectionStart() < first.selectionStart()) first = at;
@@ -102,9 +113,7 @@ void HelpView::Mark(const QStringList& words) {
     }
   }
   setExtraSelections(marks);
-  if (first.isNull()) return;
-  first.setPosition(first.selectionStart());
-  setTextCursor(first);
+  return first;
 }
 
 void HelpView::Zoom(int steps) {
@@ -146,7 +155,13 @@ int HelpView::RoomForPictures() const {
 
 void HelpView::LayOutAgain() {
   const int scrolled = verticalScrollBar()->value();
+  const int anchor = textCursor().anchor(), position = textCursor().position();
   setHtml(page_);
+  QTextCursor cursor = textCursor();
+  cursor.setPosition(anchor);
+  cursor.setPosition(position, QTextCursor::KeepAnchor);
+  setTextCursor(cursor);
+  MarkAll();
   verticalScrollBar()->setValue(scrolled);
 }
 

@@ -34,11 +34,13 @@ class HelpView final : public QTextBrowser {
  private:
   void SetLook();
   void LayOutAgain();
+  QTextCursor MarkAll();
   int RoomForPictures() const;
 
   const HelpBook* book_ = nullptr;
   HelpPlace place_;
   QString page_;  // as it was given to the document
+  QStringList marked_;
   int zoomed_ = 0;
   int widest_ = 0;  // pixels of the widest picture on the page, as it is in the file
 };

@@ -94,8 +94,9 @@ class Writer {
   bool full() const { return page_.size() > kLongestPage; }
   void Text(const QString& text) {
     for (const QChar unit : text) {
-      inWord_ = unit.isSpace() ? 0 : inWord_ + 1;
-      if (inWord_ > kLongestWord && !unit.isLowSurrogate()) {
+      inEntity_ = unit == u'&' ? kLongestEntity : unit == u';' ? 0 : std::max(inEntity_ - 1, 0);
+      inWord_ = unit.isSpace() ? 0 : inWord_ + (inEntity_ == 0);
+      if (inWord_ > kLongestWord && inEntity_ == 0 && unit != u';' && !unit.isLowSurrogate()) {
         page_ += u' ';
         inWord_ = 0;
       }
@@ -113,6 +114,7 @@ class Writer {
       while (!open_.empty()) Pop();  // what follows is text, and text in a row alone would be lost
       return;
     }
+    if (element.traits & (kBlock | kVoid)) inWord_ = 0;
     if (element.traits & kBlock) EndBefore(element);
     const bool table = element.name == QLatin1String("table");
     if (static_cast<int>(open_.size()) >= kDeepestElements || (table && tables_ >= kDeepestTables)) return;
@@ -176,6 +178,8 @@ class Writer {
   QString page_;
   std::vector<const Element*> open_;
   int elements_ = 0, tables_ = 0, cells_ = 0, spanned_ = 0;
+  static constexpr int kLongestEntity = 12;
+  int inEntity_ = 0;
   qsizetype inWord_ = 0;
 };
 
