@@ -264,6 +264,34 @@ void ObjectCopies::FollowAll() {
 
 // --- Taking back
 
+namespace {
+
+// What the file of a copy holds.
+struct NewState {
+  files::Status read;
+  files::FileStamp stamp;
+  std::string rtf;  // empty: the object as it is
+};
+
+NewState ReadNewState(const files::Path& path, const text::EmbeddedObject& object, const std::string& name,
+                      const text::EmbeddedObject& card) {
+  NewState state;
+  try {
+    const auto bytes = ReadEmbeddable(path, &state.stamp);
+    const auto before = bytes ? text::rtf::ReadPackage(object.rtf.bytes) : std::nullopt;
+    if (!bytes) {
+      state.read = bytes.error();
+    } else if (!before || before->bytes != bytes.value()) {
+      state.rtf = ObjectRtf(name, bytes.value(), card, &object);
+    }
+  } catch (const std::bad_alloc&) {
+    state.read = files::SystemError(ENOMEM, path);
+  }
+  return state;
+}
+
+}  // namespace
+
 void ObjectCopies::TakeBack(ui::FormId document, bool quietly) {
   const ui::CommandScope scope;
   if (!quietly) WaitForWriters(document);
@@ -315,35 +343,24 @@ QString ObjectCopies::TakeIn(Copy& copy, bool quietly) {
   // Some have their name in their data alone.
   const std::string name = object.name.empty() ? copy.name : object.name;
   const text::EmbeddedObject card = ui::FileCard(name);
-  files::FileStamp stamp;
-  files::Result<std::string> bytes{std::string()};
-  std::string rtf;
-  bool same = false;
-  const auto work = [&] {
-    try {
-      bytes = ReadEmbeddable(copy.path(), &stamp);
-      const auto before = bytes ? text::rtf::ReadPackage(object.rtf.bytes) : std::nullopt;
-      same = before && before->bytes == bytes.value();
-      if (bytes && !same) rtf = ObjectRtf(name, bytes.value(), card, &object);
-    } catch (const std::bad_alloc&) {
-      bytes = files::SystemError(ENOMEM, copy.path());
-    }
-  };
+  NewState state;
+  const auto work = [&] { state = ReadNewState(copy.path(), object, name, card); };
   if (quietly) {
     work();
   } else {
     services_.dialogs().RunWork(document, tr("Taking back %1").arg(ui::NameInText(copy.name)), 0,
                                 [&](ui::WorkPort&) { work(); });
   }
-  if (!bytes) return QString::fromStdString(bytes.error().text);
+  if (!state.read) return QString::fromStdString(state.read.error().text);
   // Written again in the meantime: the watcher looks once more.
-  if (files::StampOf(copy.path()) != stamp) return settling_.start(), QString();
+  if (files::StampOf(copy.path()) != state.stamp) return settling_.start(), QString();
   document = table_.Find(copy.document);
   place = document ? PlaceOf(copy, *document) : std::nullopt;
   if (!place) return tr("the object is no longer in the document.");
-  if (!same && !document->RichTextBox1().ReplaceObject(*place, rtf)) return tr("the object is protected there.");
+  const bool same = state.rtf.empty();
+  if (!same && !document->RichTextBox1().ReplaceObject(*place, state.rtf)) return tr("the object is protected there.");
   const bool wasSafe = copy.safe == copy.file.taken;
-  copy.file.taken = copy.file.seen = stamp;
+  copy.file.taken = copy.file.seen = state.stamp;
   if (same) {
     if (wasSafe) MarkSafe(copy);
     return {};

@@ -5,6 +5,7 @@
 #include <QBuffer>
 #include <QEvent>
 #include <QImageReader>
+#include <QResizeEvent>
 #include <QScrollBar>
 #include <QUrl>
 
