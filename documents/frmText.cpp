@@ -9,6 +9,7 @@
 #include "ui/PendingEvents.h"
 
 #include <QEvent>
+#include <QMimeData>
 
 #include <cerrno>
 #include <new>

@@ -77,7 +77,7 @@ Result<FileStamp> PrivateFolder::Write(const Path& name, std::string_view bytes,
 
 Result<FileStamp> PrivateFolder::Replace(const Path& name, std::string_view bytes, bool readOnly) const {
   const Path temporary = "." + RandomName();
-  const auto written = Write(temporary, bytes, readOnly);
+  auto written = Write(temporary, bytes, readOnly);
   if (!written) return written;
   const Path from = path_ / temporary, to = path_ / name;
   if (rename(from.c_str(), to.c_str()) == 0) return written;

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <ranges>
 #include <utility>
 
 namespace foldertree {
@@ -102,9 +103,9 @@ void FolderTree::RemoveNodes(const std::vector<std::string>& keys) {
 
 void FolderTree::RemoveOneByOne(const Rows& rows) {
   for (const auto& [list, going] : rows) {
-    for (auto row = going.rbegin(); row != going.rend(); ++row) {
+    for (const int row : std::views::reverse(going)) {
       if (nodes_.Count(list) == 0) break;  // gone with a folder above
-      TreeView1_.RemoveBelow(nodes_.PlaceOf(list), *row, 1, [&] { nodes_.Remove(list, {*row}); });
+      TreeView1_.RemoveBelow(nodes_.PlaceOf(list), row, 1, [&, list = list] { nodes_.Remove(list, {row}); });
     }
   }
 }

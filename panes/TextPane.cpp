@@ -36,8 +36,9 @@ bool TextPane::Load(const files::Path& path) {
   services_.dialogs().RunWork(
       services_.forms().at(0), tr("Opening %1").arg(ui::DisplayText(path.native())), stamp ? stamp->size : 0,
       [&](ui::WorkPort& port) { read = ReadTextFile(path, [&port](int64_t done) { return port.Report(done); }); });
-  if (!read.cancelled) TakeIn(path, std::move(read));
-  return !read.cancelled;
+  if (read.cancelled) return false;
+  TakeIn(path, std::move(read));
+  return true;
 }
 
 void TextPane::TakeIn(const files::Path& path, ReadText read) {
