@@ -119,7 +119,7 @@ bool Help::ShowFile(const files::Path& path) {
 }
 
 // A window that is open already stays at the page where its reader is.
-bool Help::ShowBook(std::shared_ptr<ui::HelpBook> book) {
+bool Help::ShowBook(const std::shared_ptr<ui::HelpBook>& book) {
   if (Open(book)) {
     window_->ShowPlace(book->start());
   } else {

@@ -41,7 +41,7 @@ class Help {
   std::shared_ptr<ui::HelpBook> ReadManual(std::optional<files::Error>& error);
   std::shared_ptr<ui::HelpBook> ReadManualOrTell();
   void Tell(const files::Path& path, const QString& text);
-  bool ShowBook(std::shared_ptr<ui::HelpBook> book);
+  bool ShowBook(const std::shared_ptr<ui::HelpBook>& book);
   bool Open(std::shared_ptr<ui::HelpBook> book);
   files::Path ManualPath() const { return FindDataFile("UM.chm"); }
 

@@ -472,7 +472,9 @@ TEST_F(ObjectTest, AnOpenedOneIsFollowedThroughWhatIsDoneAroundIt) {
     if (!row.place) ExpectKept(document, copy, "the object is no longer in the document.");
     table().copies().TakeBack(document.id());
     for (int at = 0; at < box.Text().size(); ++at)
-      if (box.Text()[at] == kObject) EXPECT_EQ(BytesOf(document, at), at == row.place ? "new" : "old") << at;
+      if (box.Text()[at] == kObject) {
+        EXPECT_EQ(BytesOf(document, at), at == row.place ? "new" : "old") << at;
+      }
     document.SetUnchanged();
     document.Close();
   }

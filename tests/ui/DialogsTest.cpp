@@ -67,7 +67,9 @@ TEST(QtDialogs, MessageBoxes) {
       EXPECT_EQ(box.text(), "File: <b>a & b</b>\nsecond");
       EXPECT_EQ(box.windowTitle(), "Quillmark");
       ASSERT_TRUE(box.button(c.press));
-      if (noIsPreset) EXPECT_EQ(box.defaultButton(), box.button(QMessageBox::No));
+      if (noIsPreset) {
+        EXPECT_EQ(box.defaultButton(), box.button(QMessageBox::No));
+      }
       box.button(c.press)->click();
     });
     const ui::Message message{"File: <b>a & b</b>\r\nsecond", c.buttons, Icon::kExclamation, {}, noIsPreset};
