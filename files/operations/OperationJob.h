@@ -1,4 +1,4 @@
-// What the parts of a running operation share: the user, the counts and the answers for all; inside this room only.
+// What a running operation's steps share: the user, the counts and the answers for all; inside this room only.
 #pragma once
 
 #include "files/operations/FileOperation.h"

@@ -192,7 +192,7 @@ class Drags(InsertTest):
         self.home.put("b.rtf", rb"{\rtf1\ansi {\b dragged} \u1488?}")
         program = self.open("b.rtf")
         for kind, parts in (("text", ["dragged \u05d0".encode()]), ("text/rtf", [rb"\b\f0", b" dragged", rb"\u1488?"]),
-                            ("text/uri-list", [b"/work/b.rtf"])):
+                            ("text/uri-list", [os.path.join(self.home.work, "b.rtf").encode()])):
             peer = self.peer(arguments=("--take", kind))
             self.pick_up_text(program, "b.rtf")
             self.move(Peer.AT)
