@@ -1,8 +1,8 @@
 #include "documents/DocumentTable.h"
 
 #include "documents/DocumentReader.h"
-#include "documents/ObjectCopies.h"
 #include "documents/frmText.h"
+#include "documents/objects/ObjectCopies.h"
 #include "services/Messages.h"
 #include "services/RecoveryKind.h"
 #include "ui/PathText.h"

@@ -1,7 +1,6 @@
 #include "documents/frmText.h"
 
-#include "documents/ObjectCopies.h"
-#include "files/Attributes.h"
+#include "documents/objects/ObjectCopies.h"
 #include "services/Links.h"
 #include "services/Messages.h"
 #include "services/RecoveryKind.h"
@@ -19,11 +18,6 @@ namespace {
 
 bool HoldsObjects(const text::Content& content) {
   return content.Summarize(content.all()).anyObject;
-}
-
-// What is left of a save that was cut short may be all that is whole of its file.
-bool IsCutShort(const files::RecoveryEntry& entry) {
-  return entry.kind.empty() || !entry.complete;
 }
 
 }  // namespace
@@ -113,23 +107,7 @@ void frmText::TakeIn(ReadDocument read) {
 }
 
 void frmText::MarkRecovered(const files::RecoveryEntry& entry) {
-  // The file was not read now: it is replaced unasked only when it still is what this text was made from.
-  const services::RecoveryKind kind = services::RecoveryKindOf(entry.kind);
-  origin_ = {};
-  if (!entry.complete) {
-    origin_.fileHas = Origin::FileHas::kTheWholeText;
-  } else if (entry.kind.empty()) {
-    origin_.fileHas = Origin::FileHas::kWhatASaveLeft;
-  } else {
-    origin_.stamp = kind.original;
-    // Some volumes have another device number after each start of the system.
-    auto now = files::StampOf(path());
-    if (now && kind.original) now->device = kind.original->device;
-    if (now == kind.original) origin_.stamp = files::StampOf(path());
-  }
-  origin_.recovered = {entry};
-  if (!IsCutShort(entry)) origin_.kept = RichTextBox1_->document().content();
-  origin_.notRtf = IsRichName(caption()) && !entry.kind.empty() && !kind.rich;
+  origin_ = Origin::Recovered(entry, path(), RichTextBox1_->document().content());
   ForceChanged();
 }
 
@@ -187,7 +165,7 @@ bool frmText::Unload() {
   if (!IsAsAsked()) return Unload();
   if (unloaded_) return true;
   unloaded_ = true;
-  ForgetRecovered(false);
+  origin_.ForgetRecovered(path(), false);
   const bool shown = isShown();
   const int state = static_cast<int>(windowState());
   TakeDown();
@@ -201,19 +179,6 @@ bool frmText::Unload() {
   if (shown) table_.LastDocWindowState = state;
   table_.copies().Closed(form);
   return true;
-}
-
-// Saved, written anew to the recovery folder, or given up by the user: the old copy has done its work. But what was cut
-// short becomes useless only when that very file has been saved; a text that never had one, by any save.
-void frmText::ForgetRecovered(bool saved) {
-  std::erase_if(origin_.recovered, [&](const files::RecoveryEntry& entry) {
-    const bool itsFile = !entry.originalPath.is_absolute() || files::SamePath(entry.originalPath, path());
-    if (IsCutShort(entry) && !(saved && itsFile)) return false;
-    // When it cannot be removed it is offered once more, which loses nothing.
-    static_cast<void>(files::RemoveRecovery(entry));
-    return true;
-  });
-  origin_.kept.reset();
 }
 
 std::optional<files::Error> frmText::Work(const QString& text, int64_t total,
@@ -257,11 +222,11 @@ std::optional<files::Error> frmText::KeepText() {
   const bool changed = table_.DocInfo(slot_).Changed && !nothingTyped;
   if (!changed) {
     // Kept before, and since then undone.
-    if (origin_.kept) ForgetRecovered(false);
+    if (origin_.kept) origin_.ForgetRecovered(path(), false);
   } else if (!origin_.kept || !content.SameAs(*origin_.kept)) {
     const auto written = RescueDocument(services_.recoveryFolder(), TextToRescue());
     if (!written) return written.error();
-    ForgetRecovered(false);
+    origin_.ForgetRecovered(path(), false);
     origin_.recovered.push_back(written.value());
     origin_.kept = content;
   }

@@ -5,10 +5,9 @@
 #include "documents/DocumentReader.h"
 #include "documents/DocumentTable.h"
 #include "documents/DocumentWriter.h"
+#include "documents/Origin.h"
 #include "ui/editor/RichTextBox.h"
 #include "ui/frame/ChildWindow.h"
-
-#include <set>
 
 class QMimeData;
 
@@ -118,36 +117,12 @@ class frmText : public ui::ChildForm {
 
  private:
   enum class Go { kOn, kSaveAs, kStop, kFailed };
-  // One save. What comes in while its questions stand open was not asked about and is not written.
-  struct Saving {
-    int attributes = 0;
-    text::Content content;
-    text::TextProperties properties;
-    std::shared_ptr<const std::string> spliced;  // the file that was read, with what was edited
-    bool anew = false;                           // that this cannot be had, and the loss, was agreed
-  };
-  // Where the text came from and what its file is known to hold.
-  struct Origin {
-    std::optional<files::FileStamp> stamp;  // of the file as it was read or written last; nothing: there was none
-    std::optional<text::Content> asLoaded;  // what rtfBytes are the file of
-    std::shared_ptr<const std::string> rtfBytes;
-    bool lossAgreed = false;             // what is in the file and not in the text may go
-    bool loseElsewhere = false;          // the user agreed for a file of another name
-    std::set<text::ObjectId> objectsGo;  // the user agreed that a plain file is saved without these
-    bool notRtf = false;                 // an .rtf name, but the bytes were none, and nobody said what to write
-    bool plainByChoice = false;          // the user said: the text it is
-    enum class FileHas { kWhatWasRead, kWhatASaveLeft, kTheWholeText };
-    FileHas fileHas = FileHas::kWhatWasRead;      // of a file that a recovered text was not made from
-    std::vector<files::RecoveryEntry> recovered;  // entries that hold this text, claimed
-    std::optional<text::Content> kept;            // what the last of them holds
-  };
+  struct Saving;
 
   void ConnectEditor();
   void InsertAsRichText(const QByteArray& rtfOrText);
   void InsertNewObject(const ui::ObjectType& type);
   void InsertFiles(const std::vector<std::string>& paths);
-  std::optional<text::Content> ObjectOf(const files::Path& path, const text::EmbeddedObject& card,
-                                        std::vector<files::Error>& errors) const;
   void ShowFileErrors(const std::vector<files::Error>& errors);
   void OpenObject(text::Units place);
   void AddFileToDrag(QMimeData& data, bool asFile);
@@ -157,11 +132,9 @@ class frmText : public ui::ChildForm {
   void Saved(const files::FileStamp& stamp, const DocumentBytes& written);
   SaveOutcome ReportSaveError(const files::Error& error, int attributes);
   SaveOutcome Follow(Go go);
-  bool IsAsLoaded(const text::Content& content) const;
   DocumentBytes BytesToSave(const text::Content& content, const text::TextProperties& properties, bool plain) const;
   Go AskReadOnly();
   Go AskChangedOnDisk();
-  QString WhyNotReplaced() const;
   Go AskFormat(Saving& saving);
   Go AskNotRtf();
   Go AskLoss(Saving& saving);
@@ -173,7 +146,6 @@ class frmText : public ui::ChildForm {
   RescuedText TextToRescue() const;
   void TakeName(const files::Path& chosen);
   bool SavesAsPlain() const;
-  void ForgetRecovered(bool saved);
   void Toggle(std::optional<bool> (ui::RichTextBox::*get)() const, void (ui::RichTextBox::*set)(bool));
   std::optional<double> AskCentimeters(const QString& prompt, double& remembered);
   void AskIndent(const QString& prompt, double& remembered, void (ui::RichTextBox::*set)(int));

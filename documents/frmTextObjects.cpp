@@ -1,7 +1,7 @@
 // Embedded objects: inserting files, opening copies of them; and what a drag of the text carries beside it.
-#include "documents/EmbeddedFile.h"
-#include "documents/ObjectCopies.h"
 #include "documents/frmText.h"
+#include "documents/objects/EmbeddedFile.h"
+#include "documents/objects/ObjectCopies.h"
 #include "files/FileUrl.h"
 #include "services/Messages.h"
 #include "text/rtf/Rtf.h"
@@ -40,6 +40,17 @@ text::Content FragmentOf(const std::string& rtf, const text::Document& document)
   return text::rtf::ReadFragment(rtf, document.content().store()).content;
 }
 
+// A file as an object of the document. Any thread.
+std::optional<text::Content> ObjectOf(const files::Path& path, const text::EmbeddedObject& card,
+                                      const text::Document& document, std::vector<files::Error>& errors) {
+  const auto bytes = ReadEmbeddable(path);
+  if (!bytes) {
+    errors.push_back(bytes.error());
+    return std::nullopt;
+  }
+  return FragmentOf(ObjectRtf(card.name, bytes.value(), card), document);
+}
+
 }  // namespace
 
 void frmText::mnuObjInsert_Click() {
@@ -73,17 +84,6 @@ void frmText::InsertNewObject(const ui::ObjectType& type) {
   if (place) table_.copies().Open(*this, *place);
 }
 
-// A file as an object of this document. Any thread.
-std::optional<text::Content> frmText::ObjectOf(const files::Path& path, const text::EmbeddedObject& card,
-                                               std::vector<files::Error>& errors) const {
-  const auto bytes = ReadEmbeddable(path);
-  if (!bytes) {
-    errors.push_back(bytes.error());
-    return std::nullopt;
-  }
-  return FragmentOf(ObjectRtf(card.name, bytes.value(), card), RichTextBox1_->document());
-}
-
 // All of them are one step, whatever is said of those that cannot be read.
 void frmText::InsertFiles(const std::vector<std::string>& paths) {
   const ui::CommandScope scope;
@@ -103,7 +103,8 @@ void frmText::InsertFiles(const std::vector<std::string>& paths) {
     for (size_t i = 0; i < paths.size(); ++i) {
       cancelled = !port.Report(static_cast<int64_t>(i));
       if (cancelled) return;
-      if (auto object = ObjectOf(paths[i], cards[i], errors)) objects.push_back(std::move(*object));
+      if (auto object = ObjectOf(paths[i], cards[i], RichTextBox1_->document(), errors))
+        objects.push_back(std::move(*object));
     }
     cancelled = port.cancelled();
   });

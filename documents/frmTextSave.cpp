@@ -1,6 +1,6 @@
 // Save and Save As.
-#include "documents/ObjectCopies.h"
 #include "documents/frmText.h"
+#include "documents/objects/ObjectCopies.h"
 #include "files/AnyCase.h"
 #include "files/Attributes.h"
 #include "services/Messages.h"
@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <set>
 
 namespace documents {
 namespace {
@@ -61,6 +62,22 @@ std::set<text::ObjectId> ObjectsIn(const text::Content& content) {
   return objects;
 }
 
+QString WhyNotReplaced(const Origin& origin) {
+  if (origin.stamp)
+    return frmText::tr("has been changed by another program since it was opened.  Do you want to replace it?");
+  switch (origin.fileHas) {
+    case Origin::FileHas::kWhatWasRead:
+      break;
+    case Origin::FileHas::kWhatASaveLeft:
+      return frmText::tr(
+          "holds what a save that was cut short has left there.  Do you want to replace it by the recovered text?");
+    case Origin::FileHas::kTheWholeText:
+      return frmText::tr(
+          "is as it was, and of the recovered text only the beginning could be kept.  Do you want to replace it?");
+  }
+  return frmText::tr("did not exist when it was opened, but exists now.  Do you want to replace it?");
+}
+
 enum class Fit { kAll, kNotAll, kCancelled };
 
 // Whether the encoding can hold every character.
@@ -76,6 +93,15 @@ Fit FitOf(const text::Content& content, text::Encoding encoding, ui::WorkPort& p
 }
 
 }  // namespace
+
+// One save. What comes in while its questions stand open was not asked about and is not written.
+struct frmText::Saving {
+  int attributes = 0;
+  text::Content content;
+  text::TextProperties properties;
+  std::shared_ptr<const std::string> spliced;  // the file that was read, with what was edited
+  bool anew = false;                           // that this cannot be had, and the loss, was agreed
+};
 
 SaveOutcome frmText::mnuSaveFile_Click() {
   const ui::CommandScope scope;
@@ -150,32 +176,14 @@ frmText::Go frmText::AskReadOnly() {
 frmText::Go frmText::AskChangedOnDisk() {
   const auto now = files::StampOf(path());
   if (!now || now == origin_.stamp) return Go::kOn;
-  const Go go = Ask(WhyNotReplaced(), ui::Buttons::kYesNoCancel, ui::Icon::kExclamation);
+  const Go go = Ask(WhyNotReplaced(origin_), ui::Buttons::kYesNoCancel, ui::Icon::kExclamation);
   if (go == Go::kOn) origin_.stamp = now;
   return go;
 }
 
-QString frmText::WhyNotReplaced() const {
-  if (origin_.stamp) return tr("has been changed by another program since it was opened.  Do you want to replace it?");
-  switch (origin_.fileHas) {
-    case Origin::FileHas::kWhatWasRead:
-      break;
-    case Origin::FileHas::kWhatASaveLeft:
-      return tr(
-          "holds what a save that was cut short has left there.  Do you want to replace it by the recovered text?");
-    case Origin::FileHas::kTheWholeText:
-      return tr(
-          "is as it was, and of the recovered text only the beginning could be kept.  Do you want to replace it?");
-  }
-  return tr("did not exist when it was opened, but exists now.  Do you want to replace it?");
-}
-
-bool frmText::IsAsLoaded(const text::Content& content) const {
-  return origin_.asLoaded && content.SameAs(*origin_.asLoaded);
-}
-
 frmText::Go frmText::AskFormat(Saving& saving) {
-  if (IsAsLoaded(saving.content) && (!IsRichName(caption()) || origin_.rtfBytes || origin_.notRtf)) return Go::kOn;
+  if (origin_.IsAsLoaded(saving.content) && (!IsRichName(caption()) || origin_.rtfBytes || origin_.notRtf))
+    return Go::kOn;
   if (IsRichName(caption())) {
     if (const Go go = AskNotRtf(); go != Go::kOn) return go;
     if (!origin_.plainByChoice) return AskLoss(saving);
@@ -215,7 +223,7 @@ frmText::Go frmText::AskNotRtf() {
 // What was edited goes into the file that was read. Only where that cannot be done the text is written anew.
 frmText::Go frmText::AskLoss(Saving& saving) {
   const text::rtf::DocumentProperties& properties = RichTextBox1_->rtfProperties();
-  if (!properties.source || IsAsLoaded(saving.content)) return Go::kOn;
+  if (!properties.source || origin_.IsAsLoaded(saving.content)) return Go::kOn;
   text::rtf::Saved saved;
   const auto error =
       Work(tr("Saving %1"), static_cast<int64_t>(properties.source->bytes->size()), [&](ui::WorkPort& port) {
@@ -271,7 +279,7 @@ DocumentBytes frmText::BytesToSave(const text::Content& content, const text::Tex
   bytes.rtfProperties = RichTextBox1_->rtfProperties();
   if (plain) return bytes;
   bytes.form = DocumentBytes::Form::kRtf;
-  if (origin_.rtfBytes && IsAsLoaded(content)) {
+  if (origin_.rtfBytes && origin_.IsAsLoaded(content)) {
     bytes.form = DocumentBytes::Form::kVerbatim;
     bytes.verbatim = origin_.rtfBytes;
   }
@@ -301,7 +309,7 @@ void frmText::Saved(const files::FileStamp& stamp, const DocumentBytes& written)
   origin_.stamp = stamp;
   origin_.fileHas = Origin::FileHas::kWhatWasRead;
   rescue_ = false;
-  ForgetRecovered(true);
+  origin_.ForgetRecovered(path(), true);
   if (unloaded_) return;
   if (written.form != DocumentBytes::Form::kPlain) table_.copies().SavedIn(id(), written.content);
   if (written.form == DocumentBytes::Form::kPlain) RichTextBox1_->document().properties() = written.plainProperties;
@@ -318,14 +326,8 @@ SaveOutcome frmText::ReportSaveError(const files::Error& error, int attributes) 
   return SaveOutcome::kFailed;
 }
 
-// What was agreed for one name does not hold for another; under the new one the old file keeps what would be lost.
 void frmText::TakeName(const files::Path& chosen) {
-  if (!files::SamePath(chosen, path())) {
-    origin_.lossAgreed = origin_.loseElsewhere;
-    origin_.notRtf = origin_.plainByChoice = false;
-    origin_.objectsGo.clear();
-    origin_.kept.reset();
-  }
+  if (!files::SamePath(chosen, path())) origin_.LeaveFile();
   origin_.loseElsewhere = false;
   SetCaption(chosen.native());
 }

@@ -1,6 +1,6 @@
 // What is kept at an end that nobody can be asked about, and offered at the next start.
-#include "documents/ObjectCopies.h"
 #include "documents/frmText.h"
+#include "documents/objects/ObjectCopies.h"
 #include "services/Messages.h"
 #include "shell/frmMyMDI.h"
 #include "ui/PathText.h"

@@ -1,6 +1,6 @@
 // How the main window starts and ends.
-#include "documents/ObjectCopies.h"
 #include "documents/frmText.h"
+#include "documents/objects/ObjectCopies.h"
 #include "services/Messages.h"
 #include "shell/FirstRun.h"
 #include "shell/frmMyMDI.h"

@@ -1,7 +1,7 @@
 // What inserting needs: rows of the Edit menu, documents with objects, and copies of these that applications open.
 #pragma once
 
-#include "documents/ObjectCopies.h"
+#include "documents/objects/ObjectCopies.h"
 #include "tests/program/ProgramTest.h"
 #include "text/ObjectAt.h"
 #include "text/rtfsyntax/RtfPackage.h"

@@ -1,7 +1,7 @@
 // Which copies may go, and what the user is told of the others.
 #include "documents/DocumentTable.h"
-#include "documents/ObjectCopies.h"
 #include "documents/frmText.h"
+#include "documents/objects/ObjectCopies.h"
 #include "files/FolderUse.h"
 #include "services/Messages.h"
 #include "ui/PathText.h"

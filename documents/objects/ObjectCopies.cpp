@@ -1,8 +1,8 @@
-#include "documents/ObjectCopies.h"
+#include "documents/objects/ObjectCopies.h"
 
 #include "documents/DocumentTable.h"
-#include "documents/EmbeddedFile.h"
 #include "documents/frmText.h"
+#include "documents/objects/EmbeddedFile.h"
 #include "files/FolderUse.h"
 #include "services/Messages.h"
 #include "text/ObjectAt.h"

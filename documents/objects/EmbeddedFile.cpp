@@ -1,4 +1,4 @@
-#include "documents/EmbeddedFile.h"
+#include "documents/objects/EmbeddedFile.h"
 
 #include "text/rtfsyntax/RtfPackage.h"
 #include "text/rtfsyntax/RtfPictures.h"
