@@ -1,7 +1,7 @@
 #include "shell/ExternalPrograms.h"
 
 #include "services/Messages.h"
-#include "shell/frmHelpCheck.h"
+#include "shell/help/frmHelpCheck.h"
 #include "ui/PathText.h"
 #include "ui/PendingEvents.h"
 #include "ui/desktop/Shell.h"

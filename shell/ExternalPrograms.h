@@ -4,7 +4,7 @@
 #include "services/OtherPrograms.h"
 #include "services/Services.h"
 #include "shell/About.h"
-#include "shell/Help.h"
+#include "shell/help/Help.h"
 
 #include <memory>
 #include <string>

@@ -17,10 +17,10 @@
 #include "search/frmYesNoAll.h"
 #include "shell/DesktopServices.h"
 #include "shell/ExternalPrograms.h"
-#include "shell/Help.h"
 #include "shell/RecentFiles.h"
-#include "shell/SettingsFile.h"
-#include "shell/frmOptions.h"
+#include "shell/help/Help.h"
+#include "shell/settings/SettingsFile.h"
+#include "shell/settings/frmOptions.h"
 #include "ui/frame/FrameForm.h"
 
 #include <QTimer>

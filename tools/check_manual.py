@@ -132,10 +132,10 @@ def check_tables(pages):
 def check_topics(topics, forms):
     """What the sources ask for by number is there, and each window is known by the name that it has there."""
     asked = {"50": "", "4000": "frmOptions", "10000": "frmNoExtApp"}
-    table = (ROOT / "shell/HelpTopics.cpp").read_text(encoding="utf-8")
+    table = (ROOT / "shell/help/HelpTopics.cpp").read_text(encoding="utf-8")
     asked |= {number: form for form, number in re.findall(r'\{"(\w+)", (\d+)\}', table)}
     if len(asked) < 10:
-        problem("shell/HelpTopics.cpp", "the topics are not where they were")
+        problem("shell/help/HelpTopics.cpp", "the topics are not where they were")
     for number, form in asked.items():
         if topics.get(number) != form:
             problem("topics.tsv", f"the program asks for number {number}, for {form or 'no window'}")

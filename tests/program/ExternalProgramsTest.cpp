@@ -1,7 +1,7 @@
 // The Internet and Help menus, and documents in other programs.
 #include "shell/ExternalPrograms.h"
-#include "shell/HelpTopics.h"
-#include "shell/frmHelpCheck.h"
+#include "shell/help/HelpTopics.h"
+#include "shell/help/frmHelpCheck.h"
 #include "tests/program/ProgramTest.h"
 #include "ui/desktop/ObjectTypes.h"
 #include "ui/dialogs/FontForm.h"

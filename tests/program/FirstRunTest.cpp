@@ -1,6 +1,6 @@
 // Where the program's own files are, and what the first run makes of them.
 #include "shell/FirstRun.h"
-#include "shell/SettingsFile.h"
+#include "shell/settings/SettingsFile.h"
 #include "tests/program/ProgramTest.h"
 
 #include <sys/stat.h>

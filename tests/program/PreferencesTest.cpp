@@ -1,5 +1,5 @@
 // The Preferences dialog: what it shows, what OK changes and saves, and that Cancel does neither.
-#include "shell/frmOptions.h"
+#include "shell/settings/frmOptions.h"
 #include "tests/program/ProgramTest.h"
 #include "ui/controls/DialogControls.h"
 

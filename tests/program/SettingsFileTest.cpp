@@ -1,6 +1,6 @@
 // The settings on the disk: what becomes of them when the file, the disk or another copy of the program is in the way.
-#include "shell/SettingsEscape.h"
-#include "shell/SettingsFile.h"
+#include "shell/settings/SettingsEscape.h"
+#include "shell/settings/SettingsFile.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "shell/frmHelpCheck.h"
+#include "shell/help/frmHelpCheck.h"
 
 #include "services/Messages.h"
 #include "ui/desktop/Shell.h"

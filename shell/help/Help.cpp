@@ -1,9 +1,9 @@
-#include "shell/Help.h"
+#include "shell/help/Help.h"
 
 #include "files/OpenFile.h"
 #include "services/Links.h"
 #include "services/Messages.h"
-#include "shell/HelpTopics.h"
+#include "shell/help/HelpTopics.h"
 #include "ui/PendingEvents.h"
 #include "ui/help/HelpBook.h"
 #include "ui/help/HelpKey.h"

@@ -1,6 +1,6 @@
-#include "shell/SettingsDocument.h"
+#include "shell/settings/SettingsDocument.h"
 
-#include "shell/SettingsEscape.h"
+#include "shell/settings/SettingsEscape.h"
 
 #include <nlohmann/json.hpp>
 

@@ -1,4 +1,4 @@
-#include "shell/frmOptions.h"
+#include "shell/settings/frmOptions.h"
 
 #include <QEvent>
 

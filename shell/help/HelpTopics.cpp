@@ -1,4 +1,4 @@
-#include "shell/HelpTopics.h"
+#include "shell/help/HelpTopics.h"
 
 namespace shell {
 namespace {

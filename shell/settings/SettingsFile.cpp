@@ -1,8 +1,8 @@
-#include "shell/SettingsFile.h"
+#include "shell/settings/SettingsFile.h"
 
 #include "files/AtomicSave.h"
 #include "files/LockFile.h"
-#include "shell/SettingsDocument.h"
+#include "shell/settings/SettingsDocument.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -1,4 +1,4 @@
-#include "shell/SettingsEscape.h"
+#include "shell/settings/SettingsEscape.h"
 
 #include <array>
 #include <cstdint>
