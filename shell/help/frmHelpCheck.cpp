@@ -14,9 +14,9 @@ frmHelpCheck::frmHelpCheck(services::Services& services, files::Path folder)
   auto* notice = new ui::Label(
       "Label1",
       tr("Warning: the necessary support components for the Microsoft Windows help engine do not appear to be "
-         "installed "
-         "on your system.  If you click 'Install', I will run the help engine install file 'hhupd.exe', provided it is "
-         "in Quillmark's main folder.  If you click 'Cancel', you will be returned to the main screen.\r\n\r\n"
+         "installed on your system.  If you click 'Install', I will run the help engine install file 'hhupd.exe', "
+         "provided it is in Quillmark's main folder.  If you click 'Cancel', you will be returned to the main "
+         "screen.\r\n\r\n"
          "After installing the help engine, you may have to close Quillmark and reboot your system, to keep this error "
          "message from reappearing.\r\n\r\n"
          "You can also install the help engine by double-clicking 'hhupd.exe' in the application directory, from "
