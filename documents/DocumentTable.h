@@ -1,7 +1,7 @@
 // The open documents by slot number, and how a document gets into a window.
 #pragma once
 
-#include "files/Recovery.h"
+#include "files/saving/Recovery.h"
 #include "services/Services.h"
 
 #include <memory>

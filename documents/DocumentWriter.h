@@ -1,7 +1,7 @@
 // Writing a document's file, on any thread.
 #pragma once
 
-#include "files/Recovery.h"
+#include "files/saving/Recovery.h"
 #include "text/plain/PlainText.h"
 #include "text/rtf/Rtf.h"
 

@@ -1,7 +1,7 @@
 // Where the text of a document window came from, and what its file is known to hold.
 #pragma once
 
-#include "files/Recovery.h"
+#include "files/saving/Recovery.h"
 #include "text/Content.h"
 #include "text/Objects.h"
 

@@ -1,7 +1,7 @@
 // The files of the notes and of the text blocks: read whole, and written byte for byte. On any thread; never throws.
 #pragma once
 
-#include "files/Recovery.h"
+#include "files/saving/Recovery.h"
 #include "text/plain/PlainText.h"
 
 #include <optional>

@@ -1,8 +1,8 @@
 #include "project/Project.h"
 
 #include "files/AnyCase.h"
-#include "files/AtomicSave.h"
 #include "files/Attributes.h"
+#include "files/saving/AtomicSave.h"
 #include "project/ProjectFile.h"
 #include "services/Messages.h"
 #include "ui/Hourglass.h"

@@ -1,7 +1,7 @@
 // The project: a named, ordered list of paths, kept in a project file and shown in the project list.
 #pragma once
 
-#include "files/Recovery.h"
+#include "files/saving/Recovery.h"
 #include "project/ItemTable.h"
 #include "services/Services.h"
 #include "ui/controls/ListBox.h"

@@ -1,5 +1,5 @@
 // What the recovery folder keeps of a project that was changed and not saved.
-#include "files/Recovery.h"
+#include "files/saving/Recovery.h"
 #include "project/Project.h"
 #include "project/ProjectFile.h"
 #include "services/Messages.h"

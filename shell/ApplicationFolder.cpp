@@ -1,6 +1,6 @@
 #include "shell/ApplicationFolder.h"
 
-#include "files/AtomicSave.h"
+#include "files/saving/AtomicSave.h"
 
 #include <algorithm>
 #include <unistd.h>

@@ -1,6 +1,6 @@
 #include "shell/Convert.h"
 
-#include "files/AtomicSave.h"
+#include "files/saving/AtomicSave.h"
 #include "text/html/HtmlWriter.h"
 #include "text/plain/PlainText.h"
 #include "text/rtf/Rtf.h"

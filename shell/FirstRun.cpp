@@ -1,7 +1,7 @@
 #include "shell/FirstRun.h"
 
-#include "files/AtomicSave.h"
 #include "files/Attributes.h"
+#include "files/saving/AtomicSave.h"
 #include "project/ProjectFile.h"
 
 #include <unistd.h>

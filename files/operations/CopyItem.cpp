@@ -1,6 +1,6 @@
 #include "files/operations/CopyItem.h"
 
-#include "files/Leftovers.h"
+#include "files/saving/Leftovers.h"
 
 #include <algorithm>
 #include <cerrno>

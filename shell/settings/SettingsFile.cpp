@@ -1,7 +1,7 @@
 #include "shell/settings/SettingsFile.h"
 
-#include "files/AtomicSave.h"
 #include "files/LockFile.h"
+#include "files/saving/AtomicSave.h"
 #include "shell/settings/SettingsDocument.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 // Saving where all goes well, and what is refused before anything is written.
 #include "FilesTest.h"
 #include "files/Attributes.h"
-#include "files/Recovery.h"
+#include "files/saving/Recovery.h"
 
 #include <cerrno>
 #include <csignal>

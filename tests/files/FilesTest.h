@@ -1,7 +1,7 @@
 // Tools of the file room's tests: scratch folders, children with fewer rights, injected failures.
 #pragma once
 
-#include "files/AtomicSave.h"
+#include "files/saving/AtomicSave.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #include "FilesTest.h"
 #include "files/LockFile.h"
-#include "files/Recovery.h"
+#include "files/saving/Recovery.h"
 
 #include <cerrno>
 #include <csignal>

@@ -1,6 +1,6 @@
 // Saving on full disks, broken disks, and in a program that is killed.
 #include "FilesTest.h"
-#include "files/Recovery.h"
+#include "files/saving/Recovery.h"
 
 #include <cerrno>
 #include <csignal>

@@ -1,5 +1,5 @@
 // Texts that are kept because somebody ended the program, and what the recovery folder remembers of them.
-#include "files/Recovery.h"
+#include "files/saving/Recovery.h"
 #include "services/RecoveryKind.h"
 #include "tests/program/ProgramTest.h"
 

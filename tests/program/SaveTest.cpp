@@ -1,5 +1,5 @@
 // Save, Save As and what can stand in their way.
-#include "files/Recovery.h"
+#include "files/saving/Recovery.h"
 #include "tests/program/ProgramTest.h"
 
 #include <sys/resource.h>

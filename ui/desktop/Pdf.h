@@ -1,7 +1,7 @@
 // A document as a PDF file, without a window or a display.
 #pragma once
 
-#include "files/AtomicSave.h"
+#include "files/saving/AtomicSave.h"
 #include "text/Document.h"
 #include "text/rtf/Rtf.h"
 

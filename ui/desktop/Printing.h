@@ -1,7 +1,7 @@
 // A document on a printer or in the PDF file that the user asked for instead.
 #pragma once
 
-#include "files/AtomicSave.h"
+#include "files/saving/AtomicSave.h"
 #include "ui/editor/PrintJob.h"
 
 #include <functional>

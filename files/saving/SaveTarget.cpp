@@ -1,4 +1,4 @@
-#include "files/SaveTarget.h"
+#include "files/saving/SaveTarget.h"
 
 #include <cerrno>
 #include <fcntl.h>

@@ -1,8 +1,8 @@
 // Writing into a file that cannot be replaced; inside this room only.
 #pragma once
 
-#include "files/RecoveryWriter.h"
-#include "files/SaveTarget.h"
+#include "files/saving/RecoveryWriter.h"
+#include "files/saving/SaveTarget.h"
 
 namespace files {
 

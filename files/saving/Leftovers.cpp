@@ -1,4 +1,4 @@
-#include "files/Leftovers.h"
+#include "files/saving/Leftovers.h"
 
 #include <ctime>
 #include <dirent.h>

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "files/Io.h"
-#include "files/Recovery.h"
+#include "files/saving/Recovery.h"
 
 namespace files {
 

@@ -1,9 +1,9 @@
-#include "files/AtomicSave.h"
+#include "files/saving/AtomicSave.h"
 
-#include "files/Leftovers.h"
-#include "files/OverwriteFile.h"
-#include "files/RecoveryWriter.h"
-#include "files/SaveTarget.h"
+#include "files/saving/Leftovers.h"
+#include "files/saving/OverwriteFile.h"
+#include "files/saving/RecoveryWriter.h"
+#include "files/saving/SaveTarget.h"
 
 #include <cerrno>
 #include <cstdio>

@@ -6,7 +6,7 @@
 // all of mode 0600 and fsynced. While a process writes an entry, or deals with its text, it holds a lock on it.
 #pragma once
 
-#include "files/AtomicSave.h"
+#include "files/saving/AtomicSave.h"
 
 #include <memory>
 #include <vector>

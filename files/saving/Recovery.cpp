@@ -1,7 +1,7 @@
-#include "files/Recovery.h"
+#include "files/saving/Recovery.h"
 
 #include "files/Folders.h"
-#include "files/RecoveryWriter.h"
+#include "files/saving/RecoveryWriter.h"
 
 #include <algorithm>
 #include <cerrno>

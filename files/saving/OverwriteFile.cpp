@@ -1,4 +1,4 @@
-#include "files/OverwriteFile.h"
+#include "files/saving/OverwriteFile.h"
 
 #include <algorithm>
 #include <cerrno>
