@@ -1,5 +1,5 @@
 #include "tests/editor/EditorFixture.h"
-#include "ui/editing/EditorClipboard.h"
+#include "ui/editing/exchange/EditorClipboard.h"
 #include "ui/editor/RichTextBox.h"
 
 #include <QApplication>

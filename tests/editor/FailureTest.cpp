@@ -1,7 +1,7 @@
 // Exceptions end where Qt calls the editor, and what failed leaves everything as it was.
 #include "tests/editor/EditorFixture.h"
 #include "tests/editor/FailingAllocation.h"
-#include "ui/editing/EditorClipboard.h"
+#include "ui/editing/exchange/EditorClipboard.h"
 #include "ui/editor/RichTextBox.h"
 
 #include <QAccessible>

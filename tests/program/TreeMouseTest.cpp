@@ -1,7 +1,7 @@
 // What the mouse and drags do to the rows of the tree, by the events that the toolkit would send.
 #include "tests/program/FolderTreeTest.h"
 #include "tests/support/ScriptedFileOperations.h"
-#include "ui/editing/DroppedFiles.h"
+#include "ui/editing/exchange/DroppedFiles.h"
 
 #include <QDragMoveEvent>
 #include <QLineEdit>

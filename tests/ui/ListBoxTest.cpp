@@ -1,6 +1,6 @@
 #include "ui/PendingEvents.h"
 #include "ui/controls/ListBox.h"
-#include "ui/editing/DroppedFiles.h"
+#include "ui/editing/exchange/DroppedFiles.h"
 
 #include <QApplication>
 #include <QDragEnterEvent>

@@ -3,7 +3,7 @@
 #include "ui/PathText.h"
 #include "ui/PendingEvents.h"
 #include "ui/controls/FocusFrame.h"
-#include "ui/editing/DroppedFiles.h"
+#include "ui/editing/exchange/DroppedFiles.h"
 
 #include <QAbstractListModel>
 #include <QApplication>

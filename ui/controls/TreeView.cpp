@@ -4,7 +4,7 @@
 #include "ui/PendingEvents.h"
 #include "ui/controls/FocusFrame.h"
 #include "ui/controls/TreeModel.h"
-#include "ui/editing/DroppedFiles.h"
+#include "ui/editing/exchange/DroppedFiles.h"
 
 #include <QApplication>
 #include <QDrag>

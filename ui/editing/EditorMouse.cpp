@@ -2,9 +2,9 @@
 
 #include "text/Movement.h"
 #include "text/ObjectAt.h"
-#include "ui/editing/DropParts.h"
-#include "ui/editing/DroppedFiles.h"
-#include "ui/editing/EditorClipboard.h"
+#include "ui/editing/exchange/DropParts.h"
+#include "ui/editing/exchange/DroppedFiles.h"
+#include "ui/editing/exchange/EditorClipboard.h"
 
 #include <QGuiApplication>
 #include <QMouseEvent>

@@ -2,7 +2,7 @@
 
 #include "text/Movement.h"
 #include "text/pictures/Pictures.h"
-#include "ui/editing/EditorClipboard.h"
+#include "ui/editing/exchange/EditorClipboard.h"
 #include "ui/editor/ObjectAccessible.h"
 #include "ui/editor/RichTextBoxImpl.h"
 

@@ -1,7 +1,7 @@
 #include "ui/editor/RichTextBox.h"
 
 #include "text/rtfwrite/RtfSave.h"
-#include "ui/editing/EditorClipboard.h"
+#include "ui/editing/exchange/EditorClipboard.h"
 #include "ui/editor/EditorAccessible.h"
 #include "ui/editor/RichTextBoxImpl.h"
 

@@ -2,7 +2,7 @@
 
 #include "ui/PendingEvents.h"
 #include "ui/controls/Icons.h"
-#include "ui/editing/DroppedFiles.h"
+#include "ui/editing/exchange/DroppedFiles.h"
 #include "ui/frame/LeftPane.h"
 #include "ui/frame/PaneForm.h"
 #include "ui/frame/StatusBar.h"

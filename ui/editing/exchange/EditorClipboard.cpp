@@ -1,14 +1,14 @@
-#include "ui/editing/EditorClipboard.h"
+#include "ui/editing/exchange/EditorClipboard.h"
 
 #include "text/TextStore.h"
 #include "text/html/HtmlReader.h"
 #include "text/html/HtmlWriter.h"
 #include "text/pictures/Pictures.h"
 #include "text/rtfwrite/RtfSave.h"
-#include "ui/editing/DroppedFiles.h"
 #include "ui/editing/EditorController.h"
 #include "ui/editing/EditorOperation.h"
 #include "ui/editing/Guarded.h"
+#include "ui/editing/exchange/DroppedFiles.h"
 
 #include <QBuffer>
 #include <QDebug>

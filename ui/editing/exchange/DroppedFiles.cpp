@@ -1,4 +1,4 @@
-#include "ui/editing/DroppedFiles.h"
+#include "ui/editing/exchange/DroppedFiles.h"
 
 #include "files/FileUrl.h"
 

@@ -1,8 +1,8 @@
-#include "ui/editing/DropParts.h"
+#include "ui/editing/exchange/DropParts.h"
 
 #include "files/FileUrl.h"
-#include "ui/editing/DroppedFiles.h"
-#include "ui/editing/EditorClipboard.h"
+#include "ui/editing/exchange/DroppedFiles.h"
+#include "ui/editing/exchange/EditorClipboard.h"
 
 #include <QMimeData>
 
