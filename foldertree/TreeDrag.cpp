@@ -3,7 +3,7 @@
 #include "services/Messages.h"
 #include "ui/PathText.h"
 #include "ui/PendingEvents.h"
-#include "ui/desktop/FileOperations.h"
+#include "ui/desktop/operations/FileOperations.h"
 
 #include <utility>
 

@@ -8,8 +8,8 @@
 #include "ui/PathText.h"
 #include "ui/PendingEvents.h"
 #include "ui/desktop/Clipboard.h"
-#include "ui/desktop/FileOperations.h"
 #include "ui/desktop/Shell.h"
+#include "ui/desktop/operations/FileOperations.h"
 
 #include <algorithm>
 

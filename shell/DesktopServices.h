@@ -3,8 +3,8 @@
 
 #include "shell/CommonDialogAPI.h"
 #include "shell/Place.h"
-#include "ui/desktop/FileOperations.h"
 #include "ui/desktop/Shell.h"
+#include "ui/desktop/operations/FileOperations.h"
 
 #include <memory>
 #include <utility>

@@ -7,7 +7,7 @@
 #include "ui/Hourglass.h"
 #include "ui/PathText.h"
 #include "ui/PendingEvents.h"
-#include "ui/desktop/DesktopFileOperations.h"
+#include "ui/desktop/operations/DesktopFileOperations.h"
 #include "ui/frame/LeftPane.h"
 #include "ui/frame/StatusBar.h"
 

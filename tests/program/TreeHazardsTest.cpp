@@ -1,7 +1,7 @@
 // The tree over real volumes that are full, read-only or gone, and what happens in the middle of its commands.
 #include "tests/program/TreeFilesTest.h"
 #include "tests/support/EveryPoint.h"
-#include "ui/desktop/DesktopFileOperations.h"
+#include "ui/desktop/operations/DesktopFileOperations.h"
 
 #include <gmock/gmock.h>
 

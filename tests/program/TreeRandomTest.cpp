@@ -1,6 +1,6 @@
 // Random operations on the tree with the real engine against a plain model of the disk.
 #include "tests/program/TreeFilesTest.h"
-#include "ui/desktop/DesktopFileOperations.h"
+#include "ui/desktop/operations/DesktopFileOperations.h"
 
 #include <cstdlib>
 #include <fstream>

@@ -1,7 +1,7 @@
 // File operations of a test: notes what was asked for, lets the test do it and gives back what the test says.
 #pragma once
 
-#include "ui/desktop/FileOperations.h"
+#include "ui/desktop/operations/FileOperations.h"
 
 #include <functional>
 #include <string>

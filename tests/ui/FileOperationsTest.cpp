@@ -1,7 +1,7 @@
 // File operations as the user meets them: questions, trash, progress, report.
 #include "tests/support/ScriptedDialogs.h"
 #include "ui/controls/DialogControls.h"
-#include "ui/desktop/DesktopFileOperations.h"
+#include "ui/desktop/operations/DesktopFileOperations.h"
 #include "ui/dialogs/OperationForms.h"
 
 #include <QApplication>

@@ -1,4 +1,4 @@
-#include "ui/desktop/OperationTalk.h"
+#include "ui/desktop/operations/OperationTalk.h"
 
 #include "ui/PathText.h"
 

@@ -1,4 +1,4 @@
-#include "ui/desktop/Trash.h"
+#include "ui/desktop/operations/Trash.h"
 
 #include "files/Result.h"
 

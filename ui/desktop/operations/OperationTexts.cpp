@@ -1,4 +1,4 @@
-#include "ui/desktop/OperationTexts.h"
+#include "ui/desktop/operations/OperationTexts.h"
 
 #include "ui/PathText.h"
 

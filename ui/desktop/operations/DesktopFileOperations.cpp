@@ -1,10 +1,10 @@
-#include "ui/desktop/DesktopFileOperations.h"
+#include "ui/desktop/operations/DesktopFileOperations.h"
 
 #include "ui/Forms.h"
 #include "ui/PathText.h"
 #include "ui/PendingEvents.h"
-#include "ui/desktop/OperationTalk.h"
-#include "ui/desktop/OperationTexts.h"
+#include "ui/desktop/operations/OperationTalk.h"
+#include "ui/desktop/operations/OperationTexts.h"
 #include "ui/dialogs/OperationForms.h"
 
 namespace ui {

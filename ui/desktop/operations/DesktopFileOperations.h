@@ -3,8 +3,8 @@
 
 #include "files/operations/FileOperation.h"
 #include "ui/Dialogs.h"
-#include "ui/desktop/FileOperations.h"
-#include "ui/desktop/Trash.h"
+#include "ui/desktop/operations/FileOperations.h"
+#include "ui/desktop/operations/Trash.h"
 
 #include <memory>
 
