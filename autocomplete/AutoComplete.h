@@ -2,7 +2,7 @@
 #pragma once
 
 #include "services/Services.h"
-#include "ui/controls/CompletionEntries.h"
+#include "ui/controls/completion/CompletionEntries.h"
 
 #include <memory>
 #include <string>

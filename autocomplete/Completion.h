@@ -3,7 +3,7 @@
 
 #include "autocomplete/AutoComplete.h"
 #include "services/Completion.h"
-#include "ui/controls/CompletionBox.h"
+#include "ui/controls/completion/CompletionBox.h"
 
 #include <QObject>
 #include <QPointer>

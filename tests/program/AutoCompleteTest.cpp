@@ -1,7 +1,7 @@
 // Auto-complete: the word file, the switch, and the list at the caret driven by the keyboard alone.
 #include "autocomplete/WordFile.h"
 #include "tests/program/ProgramTest.h"
-#include "ui/controls/CompletionBox.h"
+#include "ui/controls/completion/CompletionBox.h"
 #include "ui/frame/ToolBar.h"
 
 #include <QAction>

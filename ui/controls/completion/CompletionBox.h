@@ -1,7 +1,7 @@
 // A drop-down combo box that lies hidden over an editor, and stands at its caret while something is completed.
 #pragma once
 
-#include "ui/controls/CompletionList.h"
+#include "ui/controls/completion/CompletionList.h"
 #include "ui/editor/RichTextBox.h"
 
 #include <QFrame>

@@ -1,4 +1,4 @@
-#include "ui/controls/CompletionList.h"
+#include "ui/controls/completion/CompletionList.h"
 
 #include "ui/PathText.h"
 

@@ -1,7 +1,7 @@
 // The drop-down of a completion box: the entries that are offered, one of which may be chosen.
 #pragma once
 
-#include "ui/controls/CompletionEntries.h"
+#include "ui/controls/completion/CompletionEntries.h"
 
 #include <QListView>
 

@@ -1,4 +1,4 @@
-#include "ui/controls/CompletionEntries.h"
+#include "ui/controls/completion/CompletionEntries.h"
 
 namespace ui {
 

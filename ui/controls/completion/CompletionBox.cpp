@@ -1,4 +1,4 @@
-#include "ui/controls/CompletionBox.h"
+#include "ui/controls/completion/CompletionBox.h"
 
 #include <QAccessible>
 #include <QHBoxLayout>
