@@ -1,6 +1,6 @@
 // From a key event to the painted frame while the completion list is open, against the same key in the editor alone.
 // Argument: number of entries (default 20000).
-#include "bench/Program.h"
+#include "bench/support/Program.h"
 #include "ui/controls/completion/CompletionBox.h"
 #include "ui/dialogs/QtDialogs.h"
 

@@ -1,7 +1,7 @@
 // From a key event to the painted frame, off screen, in the middle of large texts.
 // Arguments: megabytes of the texts (default 100 1024), 0 for one of 100 MB in a single line, -1 for one paragraph of
 // short formatted lines.
-#include "bench/MeasureKeys.h"
+#include "bench/support/MeasureKeys.h"
 #include "text/plain/PlainText.h"
 #include "ui/editor/RichTextBox.h"
 

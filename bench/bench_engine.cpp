@@ -1,6 +1,6 @@
 // Edits in the middle of a large text, formatting all of it, undo. Prints medians and percentiles.
 // usage: bench_engine [megabytes, default 1000]
-#include "bench/Measure.h"
+#include "bench/support/Measure.h"
 #include "text/Document.h"
 #include "text/TextStore.h"
 

@@ -1,7 +1,7 @@
 // Copying and deleting a tree of small files, compared with cp and rm, warm cache: medians of alternating runs.
 //
 //     bench_file_operations [FILES [ROUNDS [FOLDER]]]
-#include "bench/Measure.h"
+#include "bench/support/Measure.h"
 #include "files/operations/FileOperation.h"
 
 #include <cstdlib>

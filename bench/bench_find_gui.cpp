@@ -1,7 +1,7 @@
 // Replace All through the dialog against the engine's own bulk replacement, and F3 up to the painted frame, off screen.
 // Argument: megabytes of the document (default 100).
-#include "bench/AgreeingDialogs.h"
-#include "bench/Program.h"
+#include "bench/support/AgreeingDialogs.h"
+#include "bench/support/Program.h"
 
 namespace {
 

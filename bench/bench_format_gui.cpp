@@ -1,8 +1,8 @@
 // Stripping a whole document in the program against the engine's own work, and what keys cost when the state of
 // toolbar, menus and status bar has to follow in a text of a million runs, against the same keys in a plain one. Off
 // screen. Argument: megabytes of each document (default 100).
-#include "bench/AgreeingDialogs.h"
-#include "bench/Program.h"
+#include "bench/support/AgreeingDialogs.h"
+#include "bench/support/Program.h"
 #include "text/plain/Strip.h"
 
 namespace {

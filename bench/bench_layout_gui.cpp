@@ -1,5 +1,5 @@
 // The layout without the control: first screens, keys, scrolling, painting. Offscreen, into an image.
-#include "bench/Measure.h"
+#include "bench/support/Measure.h"
 #include "text/layout/ViewLayout.h"
 
 #include <QGuiApplication>

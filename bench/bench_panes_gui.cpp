@@ -1,7 +1,7 @@
 // A quotes file: loaded into its pane against opened as a document, and searched in vain against QString's own search
 // over all of its text. Argument: number of lines (default 100000).
-#include "bench/AgreeingDialogs.h"
-#include "bench/Program.h"
+#include "bench/support/AgreeingDialogs.h"
+#include "bench/support/Program.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 // From a key event to the painted frame in the whole program, off screen: main window, toolbar, panes and status bar.
 // Argument: megabytes of the document (default 1024).
-#include "bench/Program.h"
+#include "bench/support/Program.h"
 #include "ui/dialogs/QtDialogs.h"
 
 int main(int argc, char** argv) {

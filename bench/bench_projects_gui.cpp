@@ -1,7 +1,7 @@
 // A long project in the whole program, off screen: loading, sorting, adding, removing, saving, and from a key event in
 // the list to the painted frame. Argument: number of entries (default 20000).
-#include "bench/AgreeingDialogs.h"
-#include "bench/Program.h"
+#include "bench/support/AgreeingDialogs.h"
+#include "bench/support/Program.h"
 #include "project/ProjectFile.h"
 #include "search/frmYesNoAll.h"
 #include "ui/PendingEvents.h"

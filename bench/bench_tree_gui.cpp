@@ -1,8 +1,8 @@
 // A big folder in the whole program, off screen: opening, closing, checking and clearing all, and from a key event in
 // the tree to the painted frame; and taking 10,000 nodes out that are no neighbours. Argument: number of entries
 // (default 100000).
-#include "bench/AgreeingDialogs.h"
-#include "bench/Program.h"
+#include "bench/support/AgreeingDialogs.h"
+#include "bench/support/Program.h"
 #include "files/FolderEntries.h"
 
 #include <QAccessible>

@@ -1,7 +1,7 @@
 // The operations on the files of the tree, with file operations that the test carries out, or real ones.
 #pragma once
 
-#include "bench/AgreeingDialogs.h"
+#include "bench/support/AgreeingDialogs.h"
 #include "tests/program/FolderTreeTest.h"
 #include "tests/support/ScriptedFileOperations.h"
 

@@ -1,7 +1,7 @@
 // The whole program in a folder of its own, for a benchmark.
 #pragma once
 
-#include "bench/MeasureKeys.h"
+#include "bench/support/MeasureKeys.h"
 #include "documents/frmText.h"
 #include "shell/frmMyMDI.h"
 

@@ -1,7 +1,7 @@
 // From a key event in a control to the painted frame.
 #pragma once
 
-#include "bench/Measure.h"
+#include "bench/support/Measure.h"
 #include "ui/editor/RichTextBox.h"
 
 #include <QApplication>
