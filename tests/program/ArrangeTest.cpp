@@ -74,10 +74,10 @@ class ArrangeTest : public ProgramTest {
   }
   void ExpectCascade(const std::vector<QRect>& places) {
     std::set<std::pair<int, int>> corners;
-    for (const QRect& place : places) {
-      EXPECT_TRUE(corners.emplace(place.x(), place.y()).second) << "one hides another";
-      EXPECT_EQ(place.size(), places[0].size());
-      EXPECT_TRUE(Room().contains(place));
+    for (const QRect& window : places) {
+      EXPECT_TRUE(corners.emplace(window.x(), window.y()).second) << "one hides another";
+      EXPECT_EQ(window.size(), places[0].size());
+      EXPECT_TRUE(Room().contains(window));
     }
     EXPECT_EQ(places[0].topLeft(), QPoint(0, 0));
     for (size_t i = 1; i < places.size(); ++i) {
@@ -141,7 +141,9 @@ TEST_F(ArrangeTest, IconsStandInRowsFromTheBottomUp) {
     if (icon.left() == 0) ++rows;
     EXPECT_EQ(icon.bottom() + 1, Area().viewport()->height() - (rows - 1) * icon.height()) << slot;
     EXPECT_LE(icon.right(), Area().viewport()->width()) << slot;
-    if (icon.left() != 0) EXPECT_EQ(icon.left(), Place(slot - 1).right() + 1) << slot;
+    if (icon.left() != 0) {
+      EXPECT_EQ(icon.left(), Place(slot - 1).right() + 1) << slot;
+    }
   }
   EXPECT_GT(rows, 1);
 }

@@ -497,7 +497,9 @@ TEST_F(CommandsTest, TheRowsAndButtonsAreThese) {
     ASSERT_EQ(Bar().row(i).kind, kind) << i << " " << name;
     if (kind == MenuRowKind::kSeparator || kind == MenuRowKind::kEnd) continue;
     EXPECT_EQ(Bar().row(i).name, name);
-    if (kind != MenuRowKind::kList) EXPECT_EQ(Action(i).text().toStdString(), row.caption);
+    if (kind != MenuRowKind::kList) {
+      EXPECT_EQ(Action(i).text().toStdString(), row.caption);
+    }
   }
   ASSERT_EQ(Buttons().count(), std::size(kButtons));
   const ExpectedButtonMenu* entry = kButtonMenus;

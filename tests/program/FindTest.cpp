@@ -413,7 +413,7 @@ text::Content LoopTest::RandomContent(text::Document& document) {
     text::ParaFormat paragraph;
     paragraph.leftIndent = static_cast<int>(random() % 2) * 100;
     if (anyTable && random() % 2) {
-      paragraph.row = document.formats().Intern(text::TableRow{.left = 10, .cells = {{}, {}}});
+      paragraph.row = document.formats().Intern(text::TableRow{.left = 10, .cells = {{}, {}}, .words = {}});
       paragraph.rowMark = Any({text::RowMark::kNone, text::RowMark::kCellEnd, text::RowMark::kRowEnd});
     }
     builder.Append(RandomBytes(static_cast<int>(random() % 12)), document.formats().Intern(chars),

@@ -40,13 +40,13 @@ class RandomTree : public TreeFilesTest {
   // All nodes, the root first.
   std::vector<std::string> NodeKeys() {
     std::vector<std::string> keys;
-    Walk(foldertree::NodeTable::kRoot, [&](ui::TreePlace place) { keys.push_back(Tree().Nodes().Key(place)); });
+    Walk(foldertree::NodeTable::kRoot, [&](ui::TreePlace node) { keys.push_back(Tree().Nodes().Key(node)); });
     return keys;
   }
   template <class Call>
-  void Walk(ui::TreePlace place, Call call) {
-    call(place);
-    const ui::TreeList below = Tree().Nodes().ListBelow(place);
+  void Walk(ui::TreePlace node, Call call) {
+    call(node);
+    const ui::TreeList below = Tree().Nodes().ListBelow(node);
     for (int row = 0; row < Tree().Nodes().Count(below); ++row) Walk({below, row}, call);
   }
   // None that is seen by way of a link.

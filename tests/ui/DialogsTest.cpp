@@ -191,6 +191,7 @@ TEST(QtDialogs, AChosenKindGivesItsExtension) {
     SCOPED_TRACE(c.chosenKind.toStdString() + ' ' + c.typed.toStdString());
     const ui::FileRequest request{
         .save = true,
+        .title = {},
         .filters = {{".txt", "*.txt"}, {".htm*", "*.htm*"}, {".rtf", "*.rtf"}, {"All Files", "*.*"}},
         .filterIndex = 1,
         .folder = path,
