@@ -11,6 +11,7 @@
 #include "ui/editing/exchange/DroppedFiles.h"
 
 #include <QBuffer>
+#include <QCursor>
 #include <QDebug>
 #include <QGuiApplication>
 #include <QImage>
