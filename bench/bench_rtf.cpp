@@ -1,7 +1,8 @@
 // Reading and writing 10 MB of formatted RTF in memory.
 #include "text/TextStore.h"
 #include "text/rtf/Rtf.h"
-#include "text/rtfwrite/RtfSave.h"
+#include "text/rtfsave/RtfSave.h"
+#include "text/rtfwrite/RtfWrite.h"
 
 #include <benchmark/benchmark.h>
 

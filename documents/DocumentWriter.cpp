@@ -1,6 +1,6 @@
 #include "documents/DocumentWriter.h"
 
-#include "text/rtfwrite/RtfSave.h"
+#include "text/rtfsave/RtfSave.h"
 
 #include <algorithm>
 #include <cerrno>

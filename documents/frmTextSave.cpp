@@ -4,7 +4,7 @@
 #include "files/AnyCase.h"
 #include "files/Attributes.h"
 #include "services/Messages.h"
-#include "text/rtfwrite/RtfSave.h"
+#include "text/rtfsave/RtfSave.h"
 #include "ui/PathText.h"
 #include "ui/PendingEvents.h"
 

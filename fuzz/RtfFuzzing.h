@@ -3,7 +3,7 @@
 
 #include "text/TextStore.h"
 #include "text/rtf/Rtf.h"
-#include "text/rtfwrite/RtfSave.h"
+#include "text/rtfsave/RtfSave.h"
 
 #include <cstdio>
 #include <cstdlib>

@@ -1,7 +1,8 @@
 // Any content, stray bytes and all, in formats that the input picks: what is written must be read back as the same
 // text (breaks as CR LF, stray bytes as characters), and writing that must give the same file. Fragments likewise.
 #include "fuzz/RtfFuzzing.h"
-#include "text/rtfwrite/RtfSave.h"
+#include "text/rtfsave/RtfSave.h"
+#include "text/rtfwrite/RtfWrite.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
 // Any bytes as RTF, edited at places that the end of the input picks: what is saved must read as what was wanted, and
 // an unedited document must be the very file.
 #include "fuzz/RtfFuzzing.h"
-#include "text/rtfwrite/RtfSame.h"
-#include "text/rtfwrite/RtfSave.h"
+#include "text/rtfsave/RtfSame.h"
+#include "text/rtfsave/RtfSave.h"
 
 #include <algorithm>
 

@@ -4,7 +4,8 @@
 #include "text/html/HtmlWriter.h"
 #include "text/plain/PlainText.h"
 #include "text/rtf/Rtf.h"
-#include "text/rtfwrite/RtfSave.h"
+#include "text/rtfsave/RtfSave.h"
+#include "text/rtfwrite/RtfWrite.h"
 #include "ui/desktop/Pdf.h"
 
 #include <algorithm>

@@ -44,7 +44,7 @@ LIBRARIES = {
     "json": ("nlohmann/",),
 }
 
-ENGINE = ["text", "text/plain", "text/search", "text/rtfsyntax", "text/rtf", "text/rtfwrite", "text/html", "files"]
+ENGINE = ["text", "text/plain", "text/search", "text/rtfsyntax", "text/rtf", "text/rtfwrite", "text/rtfsave", "text/html", "files"]
 PAGES = ["text/pictures", "text/outline", "text/layout", "text/print"]
 WINDOW = ENGINE + PAGES + ["ui/editing", "ui"]
 FEATURES = ["documents", "autocomplete", "project", "foldertree", "search", "panes"]
@@ -64,6 +64,8 @@ ROOMS = {
     "text/rtf": room(["text", "text/plain", "text/rtfsyntax"], ["icu"], "the RTF reader knows the engine, the syntax and no writer"),
     "text/rtfwrite": room(["text", "text/plain", "text/rtfsyntax", "text/rtf"], ["icu"],
                           "the RTF writer knows the engine, the syntax and the reader"),
+    "text/rtfsave": room(["text", "text/plain", "text/rtfsyntax", "text/rtf", "text/rtfwrite"], ["icu"],
+                         "saving RTF knows the engine, the syntax, the reader and the writer"),
     "text/html": room(["text", "text/plain"], ["icu", "xml"], "HTML is built on the engine and knows the standard library, POSIX, ICU and libxml2"),
     "files": room([], [], "files/ knows the standard library and POSIX"),
     "text/pictures": room(["text"], ["QtCore", "QtGui"], "pictures know the engine, QtCore and QtGui"),

@@ -17,7 +17,7 @@ MODULES = {
 }
 
 # What the fixtures include must exist.
-EXISTING = ["text/Units.h", "text/rtf/Rtf.h", "text/rtfwrite/RtfSave.h", "text/layout/ViewLayout.h", "text/print/Printing.h", "files/Result.h", "ui/Forms.h",
+EXISTING = ["text/Units.h", "text/rtf/Rtf.h", "text/rtfsave/RtfSave.h", "text/layout/ViewLayout.h", "text/print/Printing.h", "files/Result.h", "ui/Forms.h",
             "ui/editor/RichTextBox.h", "ui/desktop/Shell.h", "services/Services.h", "documents/frmText.h",
             "project/Project.h", "commands/Menus.h", "shell/Main.h", "tests/support/Fake.h", "bench/Bench.h"]
 
@@ -33,7 +33,7 @@ FORBIDDEN = [
     ("text/A.h", '#  include   <QtCore/QString>', 1),
     ("text/rtf/A.cpp", '#include <QString>', 1),
     ("text/rtf/A.cpp", '#include "files/Result.h"', 1),
-    ("text/rtf/A.cpp", '#include "text/rtfwrite/RtfSave.h"', 1),
+    ("text/rtf/A.cpp", '#include "text/rtfsave/RtfSave.h"', 1),
     ("text/html/A.cpp", '#include "text/rtf/Rtf.h"', 1),
     ("files/A.cpp", '#include "text/Units.h"', 1),
     ("files/A.cpp", '#include <unicode/ucnv.h>', 1),
@@ -47,7 +47,7 @@ FORBIDDEN = [
     ("text/layout/A.cpp", '#include "text/print/Printing.h"', 1),
     ("text/outline/A.cpp", '#include "text/layout/ViewLayout.h"', 1),
     ("text/outline/A.cpp", '#include <QImage>', 1),
-    ("text/print/A.cpp", '#include "text/rtfwrite/RtfSave.h"', 1),
+    ("text/print/A.cpp", '#include "text/rtfsave/RtfSave.h"', 1),
     ("ui/editor/A.cpp", '#include "services/Services.h"', 1),
     ("ui/editor/A.cpp", '#include <gio/gio.h>', 1),
     ("ui/frame/A.cpp", '#include <chm_lib.h>', 1),

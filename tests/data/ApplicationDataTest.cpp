@@ -2,7 +2,7 @@
 #include "text/FormatTable.h"
 #include "text/TextStore.h"
 #include "text/rtf/Rtf.h"
-#include "text/rtfwrite/RtfSave.h"
+#include "text/rtfsave/RtfSave.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "tests/rtf/RtfTestSupport.h"
-#include "text/rtfwrite/RtfSave.h"
-#include "text/rtfwrite/RtfSplice.h"
+#include "text/rtfsave/RtfSave.h"
+#include "text/rtfsave/RtfSplice.h"
 
 #include <gtest/gtest.h>
 

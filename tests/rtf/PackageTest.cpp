@@ -1,7 +1,7 @@
 // Files kept as objects of the class "Package".
 #include "tests/rtf/EditedDocument.h"
 #include "text/rtfsyntax/RtfPackage.h"
-#include "text/rtfwrite/RtfSave.h"
+#include "text/rtfwrite/RtfWrite.h"
 
 #include <gtest/gtest.h>
 

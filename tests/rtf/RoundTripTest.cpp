@@ -1,6 +1,7 @@
 // Seeded random contents: written and read they must be the same text in the same formats.
 #include "tests/rtf/RtfTestSupport.h"
-#include "text/rtfwrite/RtfSave.h"
+#include "text/rtfsave/RtfSave.h"
+#include "text/rtfwrite/RtfWrite.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,7 @@
 // Documents and their written form, checked in both directions.
 #include "tests/rtf/RtfTestSupport.h"
-#include "text/rtfwrite/RtfSave.h"
+#include "text/rtfsave/RtfSave.h"
+#include "text/rtfwrite/RtfWrite.h"
 
 #include <gtest/gtest.h>
 

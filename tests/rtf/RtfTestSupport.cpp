@@ -1,7 +1,7 @@
 #include "tests/rtf/RtfTestSupport.h"
 
 #include "text/rtf/RtfReader.h"
-#include "text/rtfwrite/RtfSave.h"
+#include "text/rtfwrite/RtfWrite.h"
 
 #include <cstdio>
 #include <fstream>

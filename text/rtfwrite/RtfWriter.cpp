@@ -3,7 +3,7 @@
 #include "text/ObjectAt.h"
 #include "text/Utf16.h"
 #include "text/rtfsyntax/RtfCodePages.h"
-#include "text/rtfwrite/RtfSave.h"
+#include "text/rtfwrite/RtfWrite.h"
 
 namespace text::rtf {
 

@@ -1,6 +1,6 @@
 #include "ui/editor/RichTextBox.h"
 
-#include "text/rtfwrite/RtfSave.h"
+#include "text/rtfwrite/RtfWrite.h"
 #include "ui/editing/exchange/EditorClipboard.h"
 #include "ui/editor/EditorAccessible.h"
 #include "ui/editor/RichTextBoxImpl.h"

@@ -4,7 +4,7 @@
 #include "text/html/HtmlReader.h"
 #include "text/html/HtmlWriter.h"
 #include "text/pictures/Pictures.h"
-#include "text/rtfwrite/RtfSave.h"
+#include "text/rtfwrite/RtfWrite.h"
 #include "ui/editing/EditorController.h"
 #include "ui/editing/EditorOperation.h"
 #include "ui/editing/Guarded.h"

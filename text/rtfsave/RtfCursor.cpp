@@ -1,4 +1,4 @@
-#include "text/rtfwrite/RtfCursor.h"
+#include "text/rtfsave/RtfCursor.h"
 
 #include "text/TextStore.h"
 #include "text/Utf16.h"

@@ -1,4 +1,4 @@
-#include "text/rtfwrite/RtfSpliceTables.h"
+#include "text/rtfsave/RtfSpliceTables.h"
 
 #include "text/rtfsyntax/RtfCharacters.h"
 #include "text/rtfsyntax/RtfTokenizer.h"

@@ -1,8 +1,8 @@
 // What is new in a spliced file, in groups that begin with what is in force at their place.
 #include "text/ObjectAt.h"
 #include "text/Utf16.h"
+#include "text/rtfsave/RtfSplice.h"
 #include "text/rtfsyntax/RtfFields.h"
-#include "text/rtfwrite/RtfSplice.h"
 #include "text/rtfwrite/RtfWriter.h"
 
 namespace text::rtf {

@@ -1,4 +1,4 @@
-#include "text/rtfwrite/RtfSame.h"
+#include "text/rtfsave/RtfSame.h"
 
 #include "text/TextStore.h"
 #include "text/Utf16.h"

@@ -1,5 +1,5 @@
 // Paragraph formats of the new file: each is led to before the paragraph's end and taken back behind it.
-#include "text/rtfwrite/RtfSplice.h"
+#include "text/rtfsave/RtfSplice.h"
 
 #include <algorithm>
 

@@ -1,9 +1,10 @@
 // Which way a document is saved: as it was, into its file, or anew.
-#include "text/rtfwrite/RtfSave.h"
+#include "text/rtfsave/RtfSave.h"
 
 #include "text/TextStore.h"
-#include "text/rtfwrite/RtfSame.h"
-#include "text/rtfwrite/RtfSplice.h"
+#include "text/rtfsave/RtfSame.h"
+#include "text/rtfsave/RtfSplice.h"
+#include "text/rtfwrite/RtfWrite.h"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "text/rtfwrite/RtfSpliceOutput.h"
+#include "text/rtfsave/RtfSpliceOutput.h"
 
 #include "text/rtfwrite/RtfWords.h"
 

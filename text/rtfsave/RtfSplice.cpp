@@ -1,4 +1,4 @@
-#include "text/rtfwrite/RtfSplice.h"
+#include "text/rtfsave/RtfSplice.h"
 
 #include "text/rtfsyntax/RtfCodePages.h"
 

@@ -10,9 +10,9 @@
 #include "text/rtf/Rtf.h"
 #include "text/rtf/RtfReader.h"
 #include "text/rtf/RtfWatcher.h"
-#include "text/rtfwrite/RtfCursor.h"
-#include "text/rtfwrite/RtfSpliceOutput.h"
-#include "text/rtfwrite/RtfSpliceTables.h"
+#include "text/rtfsave/RtfCursor.h"
+#include "text/rtfsave/RtfSpliceOutput.h"
+#include "text/rtfsave/RtfSpliceTables.h"
 #include "text/rtfwrite/RtfWords.h"
 
 #include <array>
