@@ -75,6 +75,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (same.as != rtf::SavedAs::kUnchanged) std::abort();
   fuzzing::MustEqual(*same.bytes, bytes, "files");
 
+  const rtf::Saved rewritten = rtf::Rewrite(read.content, read.properties);
+  const auto ascii = [](char c) { return c > 0; };
+  if (rewritten.bytes && rewritten.bytes->find("\\bin") == std::string::npos &&
+      !std::ranges::all_of(*rewritten.bytes, ascii))
+    std::abort();
+
   const Content wanted = edits.Apply(read.content);
   const rtf::Saved saved = rtf::Save(wanted, read.properties);
   if (!saved.bytes) return 0;

@@ -89,17 +89,17 @@ class Conversion {
     if (!bytes.value().empty()) {
       read = text::rtf::Read(std::move(bytes.value()), text::Content().store());
       if (!read.isRtf) return Line(in_, "is not rich text, although its name says so");
-      if (read.limited) note_ = Line(in_, "holds more than this program reads; some of it was left out");
+      if (read.limited && to != Format::kRtf) note_ = Line(in_, "holds more than this program reads; some of it was left out");
     }
     return Save([&](const files::ByteSink& sink) { return WriteRich(read, to, sink); });
   }
 
-  bool WriteRich(const text::rtf::ReadResult& read, Format to, const files::ByteSink& sink) const {
+  bool WriteRich(const text::rtf::ReadResult& read, Format to, const files::ByteSink& sink) {
     switch (to) {
       case Format::kText:
         return text::WritePlainText(read.content, {}, sink, {.fromRichText = true});
       case Format::kRtf:
-        return text::rtf::WriteAnew(read.content, read.properties, sink);
+        return Rewrite(read, sink);
       case Format::kPdf:
         return WritePages(read.content, read.properties, sink);
       case Format::kHtml:
@@ -107,6 +107,13 @@ class Conversion {
     }
     const std::string& font = read.content.formats()[read.properties.defaultFont].name;
     return text::html::Write(read.content, {.title = in_.stem().native(), .defaultFont = font}, sink);
+  }
+
+  bool Rewrite(const text::rtf::ReadResult& read, const files::ByteSink& sink) {
+    const text::rtf::Saved saved = text::rtf::Rewrite(read.content, read.properties);
+    if (saved.bytes) return sink(*saved.bytes);
+    if (read.properties.source) note_ = Line(in_, "breaks rules; only what this program knows of it was written");
+    return text::rtf::WriteAnew(read.content, read.properties, sink);
   }
 
   bool WritePages(const text::Content& content, const text::rtf::DocumentProperties& properties,

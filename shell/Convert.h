@@ -14,7 +14,8 @@ struct Converted {
 };
 
 // Formats go by the names: .txt, .htm, .html, .rtf, and .pdf to write. Text and HTML are copied verbatim between each
-// other; RTF is read and written anew. `recoveryFolder` as for files::AtomicSave.
+// other. Of RTF all text is written again, in the groups and words of the file. `recoveryFolder` as for
+// files::AtomicSave.
 Converted Convert(const files::Path& in, const files::Path& out, const files::Path& recoveryFolder);
 
 // One line for the terminal, whatever bytes the texts hold.

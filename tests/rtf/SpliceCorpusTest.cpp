@@ -1,5 +1,5 @@
 // Real files, edited and saved. Only where QUILLMARK_RTF_CORPUS names a corpus: a folder with in/. With
-// QUILLMARK_RTF_CORPUS_OUT the edited files, the files written anew and the edits are left there for
+// QUILLMARK_RTF_CORPUS_OUT the edited files, those rewritten, those written anew and the edits are left there for
 // tools/check_rtf_saves.py.
 #include "tests/rtf/EditedDocument.h"
 #include "text/rtfsyntax/RtfTokenizer.h"
@@ -61,12 +61,23 @@ TEST(RtfCorpus, RandomEdits) {
   EXPECT_LE(lost, count / 100);
 }
 
+void Leave(const char* kind, const fs::path& file, std::string_view bytes) {
+  const char* out = std::getenv("QUILLMARK_RTF_CORPUS_OUT");
+  if (!out) return;
+  fs::create_directories(fs::path(out) / kind);
+  std::ofstream(fs::path(out) / kind / file.filename(), std::ios::binary) << bytes;
+}
+
 std::map<std::string, int> ControlWords(const std::string& bytes) {
   std::map<std::string, int> words;
   RtfTokenizer tokenizer(bytes);
   for (Token token = tokenizer.Next(); token.kind != TokenKind::kEnd; token = tokenizer.Next())
     if (token.kind == TokenKind::kWord) ++words[std::string(token.text)];
   return words;
+}
+
+bool IsAscii(std::string_view bytes) {
+  return std::all_of(bytes.begin(), bytes.end(), [](char c) { return c > 0; });
 }
 
 // Words of ASCII letters in a paragraph, away from its ends.
@@ -114,18 +125,13 @@ std::string EditLikeAUser(Edited& edited, uint32_t seed) {
 TEST(RtfCorpus, EditsKeepAllWords) {
   const std::vector<fs::path> files = CorpusFiles();
   if (files.empty()) GTEST_SKIP() << "QUILLMARK_RTF_CORPUS names no corpus";
-  const char* out = std::getenv("QUILLMARK_RTF_CORPUS_OUT");
-  if (out) fs::create_directories(fs::path(out) / "edited"), fs::create_directories(fs::path(out) / "anew");
-  std::ofstream list;
-  if (out) list.open(fs::path(out) / "edits.tsv");
+  std::string list;
   size_t kept = 0, count = 0;
   for (const fs::path& file : files) {
     const std::string bytes = FileBytes(file);
     if (!LooksLikeRtf(bytes)) continue;
     ++count;
     Edited edited(bytes);
-    const ReadResult read = ReadNew(bytes);
-    const std::string anew = Written(read.content, read.properties);
     const std::string gone = EditLikeAUser(edited, 1);
     const std::string saved = edited.Saved();
     std::map<std::string, int> after = ControlWords(saved);
@@ -134,13 +140,40 @@ TEST(RtfCorpus, EditsKeepAllWords) {
         std::find_if(before.begin(), before.end(), [&](const auto& w) { return after[w.first] < w.second; });
     if (lost == before.end()) ++kept;
     if (lost != before.end()) std::cout << file.filename() << " lost \\" << lost->first << "\n";
-    if (!out) continue;
-    std::ofstream(fs::path(out) / "edited" / file.filename(), std::ios::binary) << saved;
-    std::ofstream(fs::path(out) / "anew" / file.filename(), std::ios::binary) << anew;
-    list << file.filename().string() << "\t" << gone << "\n";
+    const ReadResult read = ReadNew(bytes);
+    Leave("anew", file, Written(read.content, read.properties));
+    Leave("edited", file, saved);
+    list += file.filename().string() + "\t" + gone + "\n";
   }
+  Leave(".", "edits.tsv", list);
   std::cout << "all words kept in " << kept << " of " << count << "\n";
   EXPECT_GE(kept * 100, count * 95);
+}
+
+// All of the text written again: the same content and words, no byte above 0x7F but of \bin, and doing it again changes
+// nothing.
+TEST(RtfCorpus, RewrittenFilesKeepAllWords) {
+  const std::vector<fs::path> files = CorpusFiles();
+  if (files.empty()) GTEST_SKIP() << "QUILLMARK_RTF_CORPUS names no corpus";
+  for (const fs::path& file : files) {
+    const std::string bytes = FileBytes(file);
+    if (!LooksLikeRtf(bytes)) continue;
+    const ReadResult read = ReadNew(bytes);
+    const Saved saved = Rewrite(read.content, read.properties);
+    ASSERT_EQ(saved.as, SavedAs::kSpliced) << file;
+    Leave("rewritten", file, *saved.bytes);
+    const ReadResult again = ReadNew(*saved.bytes);
+    EXPECT_TRUE(Describe(again.content) == Describe(read.content)) << file;
+    const Saved twice = Rewrite(again.content, again.properties);
+    ASSERT_TRUE(twice.bytes) << file;
+    EXPECT_TRUE(*twice.bytes == *saved.bytes) << file;
+    std::map<std::string, int> before = ControlWords(bytes), after = ControlWords(*saved.bytes);
+    for (const std::string word : {"u", "uc"}) before.erase(word);
+    for (const auto& [word, count] : before) EXPECT_LE(count, after[word]) << file << " \\" << word;
+    if (bytes.find("\\bin") != std::string::npos) continue;
+    EXPECT_TRUE(IsAscii(*saved.bytes)) << file;
+    EXPECT_TRUE(!IsAscii(bytes) || saved.bytes->size() <= 2 * bytes.size()) << file;
+  }
 }
 
 }  // namespace

@@ -129,9 +129,9 @@ double RowPlacer::PlaceRow(const CellText* begin, const CellText* end, uint8_t l
     for (size_t cell = i; cell < std::min(next, cells.size()); ++cell) {
       // What is left of a joined cell is mostly its mark; it takes no room.
       const bool ghost = cell > i && cells[cell].isEmpty();
-      const double end =
+      const double textEnd =
           PlaceTexts(cells[cell], level, frame, frame.left + gap + kLine, ghost ? y + kLine : bottom, textWidth);
-      if (!ghost) bottom = end;
+      if (!ghost) bottom = textEnd;
     }
     height = std::max(height, bottom - y + kLine);
     const bool continued = below != RowId::kNone && IsContinued(row, i, next - 1, formats_[below]);
@@ -169,7 +169,8 @@ double RowPlacer::PlaceTexts(const Cell& cell, uint8_t level, Frame frame, doubl
 
 double RowPlacer::PlaceText(const CellText& text, Frame frame, double x, double y, double width) {
   for (const BlockSpan& span : SegmentsOf(content_, text.range, text.paragraph)) {
-    RowPart part{lay_(span, width)};
+    RowPart part;
+    part.block = lay_(span, width);
     part.begin = static_cast<int>((span.range.begin - range_.begin).value());
     part.end = static_cast<int>((span.range.end - range_.begin).value());
     part.x = x;

@@ -2,6 +2,7 @@
 #include "text/rtfsave/RtfSave.h"
 
 #include "text/TextStore.h"
+#include "text/rtfsave/RtfCanonical.h"
 #include "text/rtfsave/RtfSame.h"
 #include "text/rtfsave/RtfSplice.h"
 #include "text/rtfwrite/RtfWrite.h"
@@ -33,11 +34,14 @@ class Passes {
   bool cancelled_ = false;
 };
 
-// Null when RTF has no words for what was edited, or when the file breaks rules where it was.
-std::shared_ptr<const std::string> Spliced(const Content& content, const DocumentProperties& properties,
-                                           Passes& passes) {
-  const auto bytes = std::make_shared<const std::string>(RtfSplice(*properties.source, content).Run(passes.Next()));
-  if (passes.cancelled()) return nullptr;
+// Of what is in memory and no other store's.
+bool IsSpliceable(const Content& content, const Source* source) {
+  return source && LooksLikeRtf(*source->bytes) && source->content.store() == content.store();
+}
+
+// The bytes, or null when they do not mean what was wanted: RTF has no words for it, or the file breaks rules there.
+std::shared_ptr<const std::string> Checked(std::shared_ptr<const std::string> bytes, const Content& content,
+                                           const DocumentProperties& properties, Passes& passes) {
   const ReadResult read = Read(bytes, std::make_shared<TextStore>(), passes.Next());
   if (read.cancelled) return nullptr;
   const bool same =
@@ -49,12 +53,23 @@ std::shared_ptr<const std::string> Spliced(const Content& content, const Documen
 
 Saved Save(const Content& content, const DocumentProperties& properties, const Progress& progress) {
   const Source* source = properties.source.get();
-  const bool spliceable = source && LooksLikeRtf(*source->bytes) && source->content.store() == content.store();
-  if (!spliceable) return {};
+  if (!IsSpliceable(content, source)) return {};
   if (content.SameAs(source->content)) return {SavedAs::kUnchanged, source->bytes};
   Passes passes(progress, source->bytes->size());
-  auto bytes = Spliced(content, properties, passes);
+  auto bytes = std::make_shared<const std::string>(RtfSplice(*source, content).Run(passes.Next()));
+  if (!passes.cancelled()) bytes = Checked(std::move(bytes), content, properties, passes);
   if (passes.cancelled()) return {SavedAs::kCancelled, nullptr};
+  if (!bytes) return {};
+  return {SavedAs::kSpliced, std::move(bytes)};
+}
+
+Saved Rewrite(const Content& content, const DocumentProperties& properties) {
+  const Source* source = properties.source.get();
+  if (!IsSpliceable(content, source) || !content.SameAs(source->content)) return {};
+  const std::string spliced = RtfSplice(*source, content, RtfSplice::Scope::kAllText).Run();
+  const Progress progress;
+  Passes passes(progress, source->bytes->size());
+  auto bytes = Checked(std::make_shared<const std::string>(Canonical(spliced)), content, properties, passes);
   if (!bytes) return {};
   return {SavedAs::kSpliced, std::move(bytes)};
 }

@@ -18,8 +18,9 @@ bool EndsInByte(std::string_view bytes) {
 
 }  // namespace
 
-RtfSplice::RtfSplice(const Source& source, const Content& wanted)
-    : bytes_(std::string_view(*source.bytes).substr(source.bytes->find('{'))),
+RtfSplice::RtfSplice(const Source& source, const Content& wanted, Scope scope)
+    : scope_(scope),
+      bytes_(std::string_view(*source.bytes).substr(source.bytes->find('{'))),
       before_(source.content),
       after_(wanted),
       formats_(wanted.formats()),
@@ -29,7 +30,13 @@ RtfSplice::RtfSplice(const Source& source, const Content& wanted)
       sourceBytes_(source.bytes) {}
 
 std::string RtfSplice::Run(const Progress& progress) {
-  MakeEdits(progress);
+  if (scope_ == Scope::kEdits) {
+    MakeEdits(progress);
+  } else if (!before_.all().empty()) {
+    edits_.push_back({before_.all(), after_.all(), Edit::Kind::kReformat});
+  }
+  keptEnd_ = !edits_.empty() && edits_.back().kind != Edit::Kind::kReplace;
+  edits_.push_back({{before_.size(), before_.size() + Units(1)}, {after_.size(), after_.size() + Units(1)}, {}});
   groups_.push_back(lastGroup_);
   const size_t header = EndOfHeader(bytes_);
   output_.CopyTo(header);
@@ -59,8 +66,6 @@ void RtfSplice::MakeEdits(const Progress& progress) {
     a = match.before.end, b = match.after.end;
   }
   add({a, before_.size()}, {b, after_.size()}, Edit::Kind::kReplace);
-  keptEnd_ = !edits_.empty() && edits_.back().kind != Edit::Kind::kReplace;
-  edits_.push_back({{before_.size(), before_.size() + Units(1)}, {after_.size(), after_.size() + Units(1)}, {}});
 }
 
 // A paragraph put in between two others may be told as text and a break before the second or as a break and text
@@ -104,11 +109,23 @@ void RtfSplice::OnText(Span span, std::string_view utf8, Text kind) {
     units += byte >= 0xF0;
   }
   if (units == 0) return;
-  if (kind != Text::kGroup) return Piece(span, Units(units), kind);
   const uint32_t group = groups_.back();
-  groups_.pop_back();
-  Piece(span, Units(units), kind);
-  groups_.push_back(group);
+  if (kind == Text::kGroup) groups_.pop_back();
+  if (scope_ == Scope::kAllText && !IsCoded(span, utf8)) {
+    EndRewrite();
+    Keep(span, Units(units), kind);
+    read_ += Units(units);
+  } else {
+    Piece(span, Units(units), kind);
+  }
+  if (kind == Text::kGroup) groups_.push_back(group);
+}
+
+// It stands in some code or other, and in none of them for an object, or for a character that could not be told.
+bool RtfSplice::IsCoded(Span span, std::string_view utf8) const {
+  const std::string_view bytes = bytes_.substr(span.begin, span.size());
+  const bool word = bytes.size() > 1 && bytes[0] == '\\' && bytes[1] >= 'a' && bytes[1] <= 'z';
+  return utf8 != "\uFFFC" && utf8 != "\uFFFD" && (!word || bytes[1] == 'u');
 }
 
 void RtfSplice::OnFallback(size_t end) {

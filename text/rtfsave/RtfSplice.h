@@ -24,8 +24,12 @@ namespace text::rtf {
 
 class RtfSplice : private RtfWatcher {
  public:
-  // `wanted` is of the store of source.content.
-  RtfSplice(const Source& source, const Content& wanted);
+  // What is written again. All text means that too which was not edited: nothing of it is copied but objects,
+  // characters by name and what stands for one that could not be told.
+  enum class Scope : uint8_t { kEdits, kAllText };
+
+  // `wanted` is of the store of source.content, and the same content where all text is written again.
+  RtfSplice(const Source& source, const Content& wanted, Scope scope = Scope::kEdits);
   // The new file. What it means must be checked: RTF has no words for some edits, and files break rules. Empty when
   // `progress`, in bytes of the source, said to stop.
   std::string Run(const Progress& progress = {});
@@ -86,6 +90,7 @@ class RtfSplice : private RtfWatcher {
   const Edit& CurrentEdit();
   Units Mapped(Units position) const { return edits_[edit_].after.begin + (position - edits_[edit_].before.begin); }
   void SlideInsertion();
+  bool IsCoded(Span span, std::string_view utf8) const;
   void Piece(Span span, Units units, Text kind);
   void TornPiece(Span span, Units units);
   void Part(Span span, Units units, Text kind);
@@ -131,6 +136,7 @@ class RtfSplice : private RtfWatcher {
   TableNumbers Numbers();
   TextCoding CodingFor(const CharFormat& format) const;
 
+  const Scope scope_;
   std::string_view bytes_;  // from the first brace on
   const Content& before_;
   const Content& after_;

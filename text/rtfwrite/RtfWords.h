@@ -96,6 +96,9 @@ class RtfWords {
   bool needsDelimiter_ = false;  // the last thing was a control word without its space
 };
 
+// What \generator names.
+inline constexpr std::string_view kGenerator = "Quillmark 0.1.0";
+
 // True when the bytes, put behind a control word, would be taken for a part of it.
 bool ContinuesWord(std::string_view bytes);
 

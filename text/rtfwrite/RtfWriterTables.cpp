@@ -14,7 +14,6 @@ namespace text::rtf {
 
 namespace {
 
-constexpr std::string_view kGenerator = "Quillmark 0.1.0";
 
 constexpr int32_t kOldLists = 100;
 

@@ -1,0 +1,79 @@
+// Files of which all text is written again where it stood.
+#include "tests/rtf/RtfTestSupport.h"
+#include "text/rtfsave/RtfCanonical.h"
+#include "text/rtfsave/RtfSave.h"
+
+#include <gtest/gtest.h>
+
+namespace text::rtf {
+namespace {
+
+using namespace std::literals;
+
+TEST(RtfRewrite, TextInTheWritersCodeAllElseAsItWas) {
+  struct Row {
+    std::string source, rewritten;
+  };
+  const Row rows[] = {
+      {"{\\rtf1}", "{\\rtf1}"},
+      {"\xEF\xBB\xBF {\\rtf1 a\nb\\par}\n\0junk"s, "{\\rtf1 a\r\nb\\par}"},
+      {"{\\rtf1\\ansi caf\xE9 \\'e9\\par}", "{\\rtf1\\ansi caf\\'e9 \\'e9\\par}"},
+      {"{\\rtf1{\\fonttbl{\\f0\\fcharset204 \xC0\xC1;}}\\f0\\'c0{\\b\\'c1}\\par}",
+       "{\\rtf1{\\fonttbl{\\f0\\fcharset204 \\'c0\\'c1;}}\\f0\\u1040?{\\b\\u1041?}\\par}"},
+      {"{\\rtf1\\ansi\\ansicpg932 \\'82\xA0 a\\par}", "{\\rtf1\\ansi\\ansicpg932 \\u12354? a\\par}"},
+      {"{\\rtf1\\uc2 \\u1040\\'84\\'40\\u1041\x84\x41z\\par}", "{\\rtf1\\uc2 \\u1040??\\u1041??z\\par}"},
+      {"{\\rtf1\\uc0 \\u1040 \\u8364 z\\par}", "{\\rtf1\\uc0 \\u1040\\'80z\\par}"},
+      {"{\\rtf1\\uc9 a\\u1040 123456789b\\par}", "{\\rtf1\\uc9 {\\uc1 a\\u1040?b}\\par}"},
+      {"{\\rtf1{\\stylesheet{\\s1\\b \xDC;}}{\\*\\who {\\knows}\xE9}\\pard\\s1\\keepn\\lang1031 \\'fc\\par{\\header "
+       "\xE9}}",
+       "{\\rtf1{\\stylesheet{\\s1\\b \\'dc;}}{\\*\\who {\\knows}\\'e9}\\pard\\s1\\keepn\\lang1031 \\'fc\\par{\\header "
+       "\\'e9}}"},
+      {"{\\rtf1{\\*\\generator Other {1};}{\\field{\\*\\fldinst HYPERLINK \"http://a/\"}{\\fldrslt \x80}}\\par}",
+       "{\\rtf1{\\*\\generator Quillmark 0.1.0;}{\\field{\\*\\fldinst HYPERLINK \"http://a/\"}{\\fldrslt "
+       "\\'80}}\\par}"},
+      {"{\\rtf1 \\lquote a\\rquote\\~\\_\\-\\{\\'7d\\bullet\\par}",
+       "{\\rtf1 \\lquote a\\rquote\\~\\_\\-\\{\\}\\bullet\\par}"},
+      {"{\\rtf1 a\\u-10179?b\\u-8704?\\par}", "{\\rtf1 a\\u-10179?b\\u-8704?\\par}"},
+      {"{\\rtf1{\\pict\\pngblip 89\nzz}\xE9{\\object\\objemb{\\*\\objdata 00}{\\result \xE8}}\\par}",
+       "{\\rtf1{\\pict\\pngblip 89\r\nzz}\\'e9{\\object\\objemb{\\*\\objdata 00}{\\result \\'e8}}\\par}"},
+      {"{\\rtf1\\trowd\\cellx100\\intbl \x80\\cell\\row\\pard \x99\\par}",
+       "{\\rtf1\\trowd\\cellx100\\intbl \\'80\\cell\\row\\pard \\'99\\par}"},
+      {"{\\rtf1\\upr{\\b A}{\\*\\ud{B}}\\chdate\\page x\\par}",
+       "{\\rtf1\\upr{\\b A}{\\*\\ud{B}}\\chdate\\page x\\par}"},
+      {"{\\rtf1 one{\\b two", "{\\rtf1 one{\\b two}}"},
+  };
+  for (const Row& row : rows) {
+    const ReadResult read = ReadNew(row.source);
+    const Saved saved = Rewrite(read.content, read.properties);
+    ASSERT_EQ(saved.as, SavedAs::kSpliced) << row.source;
+    EXPECT_EQ(*saved.bytes, row.rewritten);
+  }
+}
+
+TEST(RtfRewrite, OnlyWhatWasReadAndIsTheSame) {
+  const ReadResult read = ReadNew("{\\rtf1 one\\par}");
+  EXPECT_EQ(Rewrite(read.content, {}).as, SavedAs::kAnew) << "no source";
+  const Content edited = read.content.WithReplaced({Units(0), Units(1)}, Content(read.content.store()));
+  EXPECT_EQ(Rewrite(edited, read.properties).as, SavedAs::kAnew);
+}
+
+TEST(RtfRewrite, Canonical) {
+  const std::pair<std::string, std::string> rows[] = {
+      {"{\\rtf1\\b\0a\\i\0-1 \0\\b0\0 }"s, "{\\rtf1\\b a\\i -1 \\b0  }"},
+      {"{\\rtf1\r\n\ra\n\nb}", "{\\rtf1\r\n\r\na\r\n\r\nb}"},
+      {"{\\rtf1 \\'e\xE9\\'\0\0\\\xE9\\\0z}"s, "{\\rtf1 \\'ex\\'xxz}"},
+      {"{\\rtf1{\\pict\\bin4 \xFF}\\z}}x", "{\\rtf1{\\pict\\bin4 \xFF}\\z}}"},
+      {"{\\rtf1{\\pict\\bin2147483647 ab}}", "{\\rtf1{\\pict\\bin4 ab}}}}"},
+      {"{\\rtf1{\\pict\\bin-3 ab}}", "{\\rtf1{\\pict\\bin0 ab}}"},
+      {"{\\rtf1{\\a{\\*\\generator x;}}{\\generator y}{\\*\\z\\generator}}",
+       "{\\rtf1{\\a{\\*\\generator x;}}{\\generator Quillmark 0.1.0;}{\\*\\z\\generator}}"},
+      {"{\\rtf1 a\\", "{\\rtf1 a}"},
+  };
+  for (const auto& [source, canonical] : rows) {
+    EXPECT_EQ(Canonical(source), canonical);
+    EXPECT_EQ(Canonical(canonical), canonical);
+  }
+}
+
+}  // namespace
+}  // namespace text::rtf

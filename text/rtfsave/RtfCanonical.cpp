@@ -1,0 +1,101 @@
+#include "text/rtfsave/RtfCanonical.h"
+
+#include "text/rtfsyntax/RtfTokenizer.h"
+#include "text/rtfwrite/RtfWords.h"
+
+#include <utility>
+
+namespace text::rtf {
+
+namespace {
+
+class Canonicalizer {
+ public:
+  explicit Canonicalizer(std::string_view source) : source_(source), tokenizer_(source) {
+    out_.reserve(source.size() + source.size() / 8);
+  }
+
+  std::string Run() {
+    do {
+      const size_t end = tokenizer_.position();
+      const Token token = tokenizer_.Next();
+      LineEnds(source_.substr(end, tokenizer_.begin() - end));
+      if (token.kind == TokenKind::kEnd) break;
+      Put(token);
+    } while (depth_ > 0);
+    out_.append(depth_, '}');
+    return std::move(out_);
+  }
+
+ private:
+  void LineEnds(std::string_view ignored) {
+    for (size_t i = 0; i < ignored.size(); ++i) {
+      if (ignored[i] == '\0' || ignored.substr(i).starts_with("\r\n")) continue;
+      out_ += "\r\n";
+      openWord_ = false;
+    }
+  }
+
+  void Put(const Token& token) {
+    const std::string_view bytes = source_.substr(tokenizer_.begin(), tokenizer_.position() - tokenizer_.begin());
+    const bool first = std::exchange(groupBegins_, token.kind == TokenKind::kOpen);
+    switch (token.kind) {
+      case TokenKind::kOpen:
+        ++depth_;
+        return Raw(bytes);
+      case TokenKind::kClose:
+        --depth_;
+        return Raw(bytes);
+      case TokenKind::kBytes:
+        for (const char c : bytes) RtfWords(out_).Hex(static_cast<uint8_t>(c));
+        openWord_ = false;
+        return;
+      case TokenKind::kHex:
+        for (const char c : bytes) out_ += c > ' ' && c < 0x7F ? c : 'x';
+        openWord_ = false;
+        return;
+      case TokenKind::kSymbol:
+        groupBegins_ = first && token.text == "*";
+        if (bytes.back() > 0) Raw(bytes);
+        return;
+      case TokenKind::kBinary:
+        Raw("\\bin" + std::to_string(token.text.size()) + " ");
+        return Raw(token.text);
+      case TokenKind::kWord:
+        if (first && token.text == "generator" && depth_ == 2) {
+          Raw("\\generator ");
+          Raw(kGenerator);
+          Raw(";");
+          return tokenizer_.SkipGroup();
+        }
+        Raw(bytes);
+        openWord_ = bytes.back() != ' ';
+        return;
+      case TokenKind::kText:
+        if (openWord_ && ContinuesWord(bytes)) out_ += ' ';
+        return Raw(bytes);
+      case TokenKind::kEnd:
+        return;
+    }
+  }
+
+  void Raw(std::string_view bytes) {
+    out_ += bytes;
+    openWord_ = false;
+  }
+
+  std::string_view source_;
+  RtfTokenizer tokenizer_;
+  std::string out_;
+  size_t depth_ = 0;
+  bool groupBegins_ = false;  // the next word says what the group is
+  bool openWord_ = false;     // a word stands last, without the space that would end it
+};
+
+}  // namespace
+
+std::string Canonical(std::string_view rtf) {
+  return Canonicalizer(rtf).Run();
+}
+
+}  // namespace text::rtf
