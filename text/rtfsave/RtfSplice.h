@@ -12,6 +12,7 @@
 #include "text/rtf/RtfWatcher.h"
 #include "text/rtfsave/RtfCursor.h"
 #include "text/rtfsave/RtfSpliceOutput.h"
+#include "text/rtfsave/RtfSplicePlace.h"
 #include "text/rtfsave/RtfSpliceTables.h"
 #include "text/rtfwrite/RtfWords.h"
 
@@ -42,23 +43,9 @@ class RtfSplice : private RtfWatcher {
     Kind kind = Kind::kSame;
   };
 
-  // What is in force at a place in the output, and where words about paragraphs reach from.
-  struct Reach {
-    SpliceOutput::Place at;
-    uint32_t group = 0;          // the number of the innermost one
-    uint32_t paragraphWord = 0;  // how many have come
-    bool reset = false;          // the next of them is \pard
-  };
-  struct Place : Reach {
-    InForce state;
-    bool isBreak = false;  // directly behind a break
-    bool bare = false;     // text needs no group
-    bool behindUtf8 = false;
-  };
-  // From here on the paragraph format is another one than the file says.
-  struct Deviation : Reach {
-    ParaFormat format, original;
-  };
+  using Reach = SpliceReach;
+  using Place = SplicePlace;
+  using Deviation = SpliceDeviation;
   // Text in a new format, whose bytes went one after the other; it is written in one when something else comes.
   struct Rewrite {
     Place place;
