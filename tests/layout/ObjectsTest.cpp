@@ -347,5 +347,35 @@ TEST(Lists, LabelsStandInTheIndentAndChangeWithEditsAbove) {
   EXPECT_EQ(ink(1), second) << "what was the third item is the second";
 }
 
+TEST(Lists, LabelsStandBesideTheLineWhereverItBegins) {
+  for (const bool rightToLeft : {false, true}) {
+    for (const Alignment alignment : {Alignment::kLeft, Alignment::kCenter, Alignment::kRight}) {
+      RichText text;
+      ParaFormat item;
+      item.bullet = true;
+      item.leftIndent = 360;
+      item.firstIndent = -360;
+      item.alignment = alignment;
+      item.rightToLeft = rightToLeft;
+      text.Add(rightToLeft ? "\u05D0\u05D1" : "item", item);
+      Document document = text.Finish();
+      TestView view(document, 300, 100);
+      const QRectF caret = view.CaretRect({Units(0)});
+      const QImage line = PaintToImage(view);
+      const auto isInk = [&](int x) {
+        for (int y = static_cast<int>(caret.top()); y < caret.bottom(); ++y)
+          if (qGray(line.pixel(x, y)) < 128) return true;
+        return false;
+      };
+      const int step = rightToLeft ? 1 : -1, edge = static_cast<int>(caret.left()) + 2 * step;
+      int gap = 0;
+      while (gap < 30 && !isInk(edge + gap * step)) ++gap;
+      SCOPED_TRACE(testing::Message() << rightToLeft << " " << static_cast<int>(alignment));
+      EXPECT_GT(gap, 2);
+      EXPECT_LT(gap, 24);
+    }
+  }
+}
+
 }  // namespace
 }  // namespace text::layout

@@ -303,11 +303,15 @@ void LayoutBlock::MeasureLabel(const BlockStyle& style) {
   labelRect_.setWidth(std::ceil(QFontMetricsF(labelFont_).horizontalAdvance(text_.label)));
 }
 
+// A line that does not begin at its side has its label with it.
 void LayoutBlock::PlaceLabel(double zoom) {
   if (labelRect_.width() == 0) return;
   const double width = labelRect_.width();
-  const double lead = std::clamp(Pixels(text_.paragraph.leftIndent + text_.paragraph.firstIndent, zoom), 0.0,
-                                 std::max(0.0, width_ - kMinTextPixels));
+  double lead = std::clamp(Pixels(text_.paragraph.leftIndent + text_.paragraph.firstIndent, zoom), 0.0,
+                           std::max(0.0, width_ - kMinTextPixels));
+  const Edges edges = EdgesOf(true, zoom);
+  const QRectF text = LineTextRect(0);
+  lead += std::max(0.0, text_.rightToLeft ? width_ - edges.right - text.right() : text.left() - edges.left);
   const BlockLine& line = lines_.front();
   labelRect_ = QRectF(text_.rightToLeft ? width_ - lead - width : lead, line.top, width, line.height);
 }
