@@ -181,20 +181,31 @@ TEST(CaretPlaces, VisualSteppingCrossesSegmentsBothWays) {
 }
 
 TEST(Ranges, RectanglesCoverTheirCharacters) {
-  const std::string text =
-      "left to right " + std::string(kHebrew) + " and on " + std::string(kHebrew) + " until it wraps";
-  const Document document = MakeDocument(text);
-  TestView view(document, 260, 400);
-  const Content& content = document.content();
-  // The widths of two pieces add up to the whole's, wherever it is cut.
-  const auto widthOf = [&](Range range) {
-    double width = 0;
-    for (const QRectF& rect : view.RangeRects(range)) width += rect.width();
-    return width;
-  };
-  const double whole = widthOf({Units(1), content.size() - Units(1)});
-  for (Units cut(1); cut < content.size(); cut = NextGrapheme(content, cut)) {
-    EXPECT_NEAR(widthOf({Units(1), cut}) + widthOf({cut, content.size() - Units(1)}), whole, 6) << cut.value();
+  const std::string hebrew = kHebrew;
+  for (const std::string& text :
+       {"left to right " + hebrew + " and on " + hebrew + " until it wraps", hebrew + "\t\t1\ta",
+        hebrew + "\t" + hebrew + "\t12 a\t" + hebrew, "a\t" + hebrew + "\t" + hebrew + "\tb"}) {
+    const Document document = MakeDocument(text);
+    TestView view(document, 260, 400);
+    const Content& content = document.content();
+    // The widths of two pieces add up to the whole's, wherever it is cut.
+    const auto widthOf = [&](Range range) {
+      double width = 0;
+      for (const QRectF& rect : view.RangeRects(range)) width += rect.width();
+      return width;
+    };
+    const double whole = widthOf({Units(1), content.size() - Units(1)});
+    for (Units cut(1); cut < content.size(); cut = NextGrapheme(content, cut)) {
+      EXPECT_NEAR(widthOf({Units(1), cut}) + widthOf({cut, content.size() - Units(1)}), whole, 6)
+          << text << cut.value();
+    }
+    double sum = 0;
+    for (Units at(0), next; at < content.size(); at = next) {
+      next = NextGrapheme(content, at);
+      sum += widthOf({at, next});
+      EXPECT_GT(widthOf({at, next}), 1) << text << at.value();
+    }
+    EXPECT_NEAR(sum, widthOf(content.all()), 6) << text;
   }
 }
 

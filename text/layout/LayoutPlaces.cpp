@@ -92,12 +92,15 @@ std::optional<std::pair<double, double>> LayoutBlock::GlyphsOfChar(const QTextLi
 }
 
 // Where the direction turns, the leading edge that Qt gives is the caret's, beside the character before; the glyphs
-// tell where the character itself stands.
+// tell where the character itself stands. Of tabs and objects, which have no glyphs, and of a character alone in its
+// direction it gives that edge twice.
 std::pair<double, double> LayoutBlock::EdgesOfChar(const QTextLine& line, int shown) const {
   const double leading = line.cursorToX(shown, QTextLine::Leading),
                trailing = line.cursorToX(shown, QTextLine::Trailing);
   const auto glyphs = GlyphsOfChar(line, shown);
-  const bool beside = glyphs && (leading < glyphs->first - 1 || leading > glyphs->second + 1);
+  const bool narrow = leading == trailing && !text_.text[shown].isMark();
+  if (!glyphs && narrow) return {leading, line.cursorToX(shown + 1)};
+  const bool beside = glyphs && (narrow || leading < glyphs->first - 1 || leading > glyphs->second + 1);
   return beside ? *glyphs : std::pair(leading, trailing);
 }
 // --- Places of points
