@@ -130,6 +130,31 @@ TEST(SafePageTest, KnownElementsOnlyAndEachClosed) {
   for (const auto& row : kRows) EXPECT_EQ(ui::SafePage(row.page).toStdString(), row.safe) << row.page;
 }
 
+TEST(SafePageTest, NoWordIsTooLongForTheLayout) {
+  const struct {
+    const char* repeated;
+    int times;
+    bool isWhole;
+    qsizetype longest = ui::kLongestWord + 20;
+  } kRows[] = {
+      {"letters", 50'000, false},
+      {"&letters", 50'000, false},
+      {";", 400'000, false},
+      {"&", 400'000, false},
+      {"&letters;", 40'000, false, 10 * ui::kLongestWord},  // each may be one character
+      {"&#26085;", 900, true},
+      {"letters ", 50'000, true},
+  };
+  for (const auto& row : kRows) {
+    const QString page = QString(row.repeated).repeated(row.times), safe = ui::SafePage(page);
+    qsizetype longest = 0;
+    for (const QString& word : safe.split(u' ')) longest = std::max(longest, word.size());
+    EXPECT_LE(longest, row.isWhole ? page.size() : row.longest) << row.repeated;
+    EXPECT_EQ(safe == page, row.isWhole) << row.repeated;
+    EXPECT_EQ(QString(safe).remove(u' '), QString(page).remove(u' ')) << row.repeated;
+  }
+}
+
 // What would take minutes, or all of the stack, when it is shown as it stands.
 TEST(SafePageTest, HostilePagesAreShown) {
   const struct {

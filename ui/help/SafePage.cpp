@@ -94,12 +94,7 @@ class Writer {
   bool full() const { return page_.size() > kLongestPage; }
   void Text(const QString& text) {
     for (const QChar unit : text) {
-      inEntity_ = unit == u'&' ? kLongestEntity : unit == u';' ? 0 : std::max(inEntity_ - 1, 0);
-      inWord_ = unit.isSpace() ? 0 : inWord_ + (inEntity_ == 0);
-      if (inWord_ > kLongestWord && inEntity_ == 0 && unit != u';' && !unit.isLowSurrogate()) {
-        page_ += u' ';
-        inWord_ = 0;
-      }
+      BreakWordBefore(unit);
       unit == u'<' ? page_ += QLatin1String("&lt;") : unit == u'>' ? page_ += QLatin1String("&gt;") : page_ += unit;
       if (full()) return;
     }
@@ -143,6 +138,19 @@ class Writer {
   }
 
  private:
+  // Neither entities nor pairs are torn. An entity counts as one unit once it has ended as such.
+  void BreakWordBefore(QChar unit) {
+    const bool begins = unit == u'&', inside = inEntity_ > 0 && !begins;
+    inWord_ = unit.isSpace() ? 0 : inWord_ + 1;
+    const bool torn = inside || unit.isLowSurrogate();
+    if (inWord_ > kLongestWord + (torn ? kLongestEntity : 0)) {
+      page_ += u' ';
+      inWord_ = 1;
+    }
+    if (begins) atEntity_ = inWord_;
+    if (inside && unit == u';') inWord_ = atEntity_;
+    inEntity_ = begins ? kLongestEntity : unit == u';' || unit.isSpace() ? 0 : std::max(inEntity_ - 1, 0);
+  }
   // What follows is text: that of a row without cells would be lost.
   void LeaveTable(bool cell) {
     while (tables_ > 0) Pop();
@@ -180,7 +188,7 @@ class Writer {
   int elements_ = 0, tables_ = 0, cells_ = 0, spanned_ = 0;
   static constexpr int kLongestEntity = 12;
   int inEntity_ = 0;
-  qsizetype inWord_ = 0;
+  qsizetype inWord_ = 0, atEntity_ = 0;
 };
 
 }  // namespace
