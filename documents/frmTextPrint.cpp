@@ -17,8 +17,8 @@ void frmText::mnuPrint_Click() {
   ui::Printer& printer = services_.currentPrinter();
   const files::Path path(caption());
   printer.SetTitle(ui::DisplayText(path.filename().native()));
-  printer.ProposeFile(path.is_absolute() ? ui::DisplayText(files::Path(path).replace_extension(".pdf").native())
-                                         : QString());
+  // One that has no file yet: where it would be saved.
+  printer.ProposeFile(ui::DisplayText(services_.MakeAbsolute(path).replace_extension(".pdf").native()));
   if (services_.ShowPrinterDialog(this, flags)) return;
 
   constexpr int64_t kParts = 1000;

@@ -2,6 +2,10 @@
 #include "tests/program/ProgramTest.h"
 #include "ui/dialogs/Printer.h"
 
+#include <QFileInfo>
+
+#include <set>
+
 namespace {
 
 using documents::frmText;
@@ -70,6 +74,18 @@ TEST_F(PrintTest, AFileThatCannotBeWrittenOrWasCancelledLeavesWhatWasThere) {
   Answer(true, false, QPrinter::AllPages, nowhere);
   ExpectError("Error: " + QString::fromStdString(nowhere.native()) + "\r\nNo such file or directory");
   document.mnuPrint_Click();
+}
+
+TEST_F(PrintTest, EachDocumentProposesAFileOfItsOwn) {
+  std::set<QString> proposed;
+  for (frmText* document : {Open(Put("a.txt", "")), Open(Put("b.txt", "")), &New(), &New()}) {
+    dialogs.Printer(false, [&](const ui::PrinterRequest&, ui::Printer& printer) {
+      EXPECT_TRUE(QFileInfo(printer.proposedFile()).isAbsolute());
+      EXPECT_TRUE(printer.proposedFile().endsWith(".pdf"));
+      EXPECT_TRUE(proposed.insert(printer.proposedFile()).second) << printer.proposedFile().toStdString();
+    });
+    document->mnuPrint_Click();
+  }
 }
 
 }  // namespace

@@ -260,6 +260,34 @@ TEST(QtDialogs, ThePrinterIsSetUpUnlessCancelled) {
   }
 }
 
+TEST(QtDialogs, APrinterProposesTheFileOfAnotherDocumentOnlyForThat) {
+  const struct {
+    const char* document;
+    bool accept;
+    const char* proposed;  // what is printed into is called like that and "x"
+  } kRows[] = {
+      {"a.pdf", false, "a.pdf"},  {"a.pdf", true, "a.pdf"}, {"b.pdf", false, "b.pdf"}, {"b.pdf", false, "b.pdf"},
+      {"a.pdf", false, "ax.pdf"}, {"b.pdf", true, "b.pdf"}, {"b.pdf", true, "bx.pdf"}, {"a.pdf", false, "a.pdf"},
+  };
+  QTemporaryDir folder;
+  ui::QtDialogs dialogs;
+  ui::Printer printer;
+  printer.device().setOutputFormat(QPrinter::PdfFormat);
+  for (const auto& row : kRows) {
+    QString shown;
+    WhenOpen<QPrintDialog>([&](QPrintDialog& dialog) {
+      auto* const file = dialog.findChild<QLineEdit*>("filename");
+      shown = QFileInfo(file->text()).fileName();
+      if (row.accept) file->setText(folder.filePath(QString(row.document).replace(".", "x.")));
+      auto& answered = static_cast<QDialog&>(dialog);
+      row.accept ? answered.accept() : answered.reject();
+    });
+    printer.ProposeFile(folder.filePath(row.document));
+    EXPECT_EQ(dialogs.PickPrinter(nullptr, {}, printer), row.accept);
+    EXPECT_EQ(shown, row.proposed) << &row - kRows;
+  }
+}
+
 TEST(Progress, ShortWorkShowsNothing) {
   int ran = 0;
   ui::RunBehindProgress(nullptr, "working", 0, [&](ui::WorkPort&) { ++ran; });

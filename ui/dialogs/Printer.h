@@ -3,7 +3,7 @@
 
 #include <QPrinter>
 
-#include <utility>
+#include <optional>
 
 namespace ui {
 
@@ -16,20 +16,18 @@ class Printer {
   // What jobs are called in the queue.
   void SetTitle(const QString& title) { device_.setDocName(title); }
   // What the dialog proposes for printing into a file; empty: as the toolkit does.
-  void ProposeFile(const QString& path) {
-    if (path != proposedFile_) fileIsOfAnother_ = true;
-    proposedFile_ = path;
-  }
+  void ProposeFile(const QString& path) { proposedFile_ = path; }
   const QString& proposedFile() const { return proposedFile_; }
-  // Whether the file that was printed into last was another document's; once.
-  bool TakeFileIsOfAnother() { return std::exchange(fileIsOfAnother_, false); }
+  // The dialog was accepted, and so its file is of the document that this one was proposed for.
+  void AcceptFile() { acceptedFor_ = proposedFile_; }
+  bool fileIsOfAnother() const { return acceptedFor_ != proposedFile_; }
   // What was chosen in the dialog last.
   bool printsSelection() const { return device_.printRange() == QPrinter::Selection; }
 
  private:
   QPrinter device_;
   QString proposedFile_;
-  bool fileIsOfAnother_ = false;
+  std::optional<QString> acceptedFor_;
 };
 
 }  // namespace ui

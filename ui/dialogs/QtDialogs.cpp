@@ -175,7 +175,7 @@ void Prepare(QPrintDialog& dialog, const PrinterRequest& request, Printer& print
     for (auto* button : dialog.findChildren<QPushButton*>())
       if (button->text().endsWith(QLatin1String(">>"))) button->click();
   auto* file = dialog.findChild<QLineEdit*>(QStringLiteral("filename"));
-  const bool other = printer.TakeFileIsOfAnother() || printer.device().outputFileName().isEmpty();
+  const bool other = printer.fileIsOfAnother() || printer.device().outputFileName().isEmpty();
   if (file && other && !printer.proposedFile().isEmpty()) file->setText(printer.proposedFile());
 }
 
@@ -236,7 +236,9 @@ bool QtDialogs::PickPrinter(Form* owner, const PrinterRequest& request, Printer&
   const NoHourglass pointer;
   QPrintDialog dialog(&printer.device(), WidgetOf(owner));
   Prepare(dialog, request, printer);
-  return dialog.exec() == QDialog::Accepted;
+  const bool accepted = dialog.exec() == QDialog::Accepted;
+  if (accepted) printer.AcceptFile();
+  return accepted;
 }
 
 std::optional<QString> QtDialogs::AskText(Form* owner, const QString& prompt, const QString& initial) {
