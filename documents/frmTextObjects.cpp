@@ -36,19 +36,21 @@ QString WhyTooMuch(const std::vector<std::string>& paths) {
       .arg(kMostBytesAtOnce / kMegabyte);
 }
 
-text::Content FragmentOf(const std::string& rtf, const text::Document& document) {
-  return text::rtf::ReadFragment(rtf, document.content().store()).content;
+using Store = std::shared_ptr<text::TextStore>;
+
+text::Content FragmentOf(const std::string& rtf, const Store& store) {
+  return text::rtf::ReadFragment(rtf, store).content;
 }
 
-// A file as an object of the document. Any thread.
-std::optional<text::Content> ObjectOf(const files::Path& path, const text::EmbeddedObject& card,
-                                      const text::Document& document, std::vector<files::Error>& errors) {
+// A file as an object of the document with that store. Any thread.
+std::optional<text::Content> ObjectOf(const files::Path& path, const text::EmbeddedObject& card, const Store& store,
+                                      std::vector<files::Error>& errors) {
   const auto bytes = ReadEmbeddable(path);
   if (!bytes) {
     errors.push_back(bytes.error());
     return std::nullopt;
   }
-  return FragmentOf(ObjectRtf(card.name, bytes.value(), card), document);
+  return FragmentOf(ObjectRtf(card.name, bytes.value(), card), store);
 }
 
 }  // namespace
@@ -80,7 +82,7 @@ void frmText::InsertNewObject(const ui::ObjectType& type) {
     bytes = std::move(read.value());
   }
   const std::string rtf = ObjectRtf(type.fileName, bytes, ui::FileCard(type.fileName));
-  const auto place = RichTextBox1_->InsertObjects({FragmentOf(rtf, RichTextBox1_->document())});
+  const auto place = RichTextBox1_->InsertObjects({FragmentOf(rtf, RichTextBox1_->document().content().store())});
   if (place) table_.copies().Open(*this, *place);
 }
 
@@ -99,12 +101,12 @@ void frmText::InsertFiles(const std::vector<std::string>& paths) {
   std::vector<text::Content> objects;
   std::vector<files::Error> errors;
   bool cancelled = false;
+  const Store store = RichTextBox1_->document().content().store();
   const auto failure = Work(tr("Inserting files into %1"), static_cast<int64_t>(paths.size()), [&](ui::WorkPort& port) {
     for (size_t i = 0; i < paths.size(); ++i) {
       cancelled = !port.Report(static_cast<int64_t>(i));
       if (cancelled) return;
-      if (auto object = ObjectOf(paths[i], cards[i], RichTextBox1_->document(), errors))
-        objects.push_back(std::move(*object));
+      if (auto object = ObjectOf(paths[i], cards[i], store, errors)) objects.push_back(std::move(*object));
     }
     cancelled = port.cancelled();
   });
