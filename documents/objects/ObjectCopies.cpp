@@ -58,7 +58,7 @@ ObjectCopies::ObjectCopies(services::Services& services, DocumentTable& table) :
   connect(&watcher_, &QFileSystemWatcher::directoryChanged, this, changed);
   connect(&watcher_, &QFileSystemWatcher::fileChanged, this, changed);
   following_.setInterval(kFollowing);
-  connect(&following_, &QTimer::timeout, this, &ObjectCopies::FollowAll);
+  connect(&following_, &QTimer::timeout, this, [this] { services_.forms().Guarded([this] { FollowAll(); }); });
   connect(&settling_, &QTimer::timeout, this,
           [this] { ui::AfterCommand(this, [this] { services_.forms().Guarded([this] { Look(); }); }); });
 }
@@ -71,7 +71,11 @@ void ObjectCopies::Open(frmText& document, Units place) {
   TakeBack(id);
   if (!table_.Find(id)) return;
   bool fresh = false;
-  if (Copy* copy = CopyForOpening(document, place, fresh)) Launch(document, *copy, fresh);
+  const bool readOnly = !document.RichTextBox1().MayChangeObject(place);
+  Copy* const copy = CopyForOpening(document, place, fresh);
+  if (!copy) return;
+  copy->folder.SetReadOnly(copy->name, readOnly);
+  Launch(document, *copy, fresh);
 }
 
 ObjectCopies::Copy* ObjectCopies::CopyForOpening(frmText& document, Units place, bool& fresh) {
@@ -81,7 +85,6 @@ ObjectCopies::Copy* ObjectCopies::CopyForOpening(frmText& document, Units place,
   const text::ObjectId state = text::ObjectIdAt(content, place);
   Copy* copy = CopyOf(document, place);
   // What an application has changed and what cannot be taken back yet is the object's newest state.
-  if (copy) copy->folder.SetReadOnly(copy->name, !document.RichTextBox1().MayChangeObject(place));
   if (copy && (copy->states.back() == state || copy->file.IsChanged())) return copy;
   std::optional<text::rtf::Package> package;
   services_.dialogs().RunWork(&document, tr("Opening %1").arg(ui::NameInText(object->name)), 0,
@@ -151,10 +154,14 @@ ObjectCopies::Copy* ObjectCopies::MakeCopy(frmText& document, Units place, const
 bool ObjectCopies::BringUpTo(frmText& document, Copy& copy, text::ObjectId state, std::string_view bytes) {
   // Saved while the bytes were being made: that is the newest state.
   if (copy.file.IsChanged()) return true;
+  copy.folder.SetReadOnly(copy.name, false);  // for the writing
   const auto written = copy.folder.Overwrite(copy.name, bytes);
-  if (const auto now = files::StampOf(copy.path())) copy.file.taken = copy.file.seen = *now;
-  // What a failure left is no state of the object.
-  copy.states.push_back(written ? state : text::ObjectId::kNone);
+  if (written || copy.file.IsChanged()) {
+    copy.file.taken = copy.file.seen = files::StampOf(copy.path()).value_or(copy.file.taken);
+    copy.states.push_back(written ? state : text::ObjectId::kNone);
+    // What a failure left is no state of the object, and nobody's work.
+    if (!written) MarkSafe(copy);
+  }
   static_cast<void>(WriteAbout(copy));
   if (written) return true;
   services::ShowError(services_.dialogs(), &document, services::ErrorText(copy.name, written.error()));
@@ -324,20 +331,27 @@ void ObjectCopies::WaitForWriters(ui::FormId id) {
 }
 
 void ObjectCopies::TakeBack(Copy& copy, bool quietly) {
-  const QString reason = TakeIn(copy, quietly);
-  if (!reason.isEmpty()) {
-    if (!quietly) TellKept(copy, reason);
+  const std::optional<QString> reason = TakeIn(copy, quietly);
+  if (!reason) return;
+  if (!reason->isEmpty()) {
+    if (!quietly) TellKept(copy, *reason);
   } else if (std::exchange(copy.told, false)) {
     static_cast<void>(WriteAbout(copy));
   }
 }
 
-QString ObjectCopies::TakeIn(Copy& copy, bool quietly) {
+QString ObjectCopies::WhyNoPlace(const Copy& copy, frmText& document) {
+  return PlacesOf(copy, document.RichTextBox1().document()).empty()
+             ? tr("the object is no longer in the document.")
+             : tr("whether the object is still in the document is not known: others there are equal to it.");
+}
+
+std::optional<QString> ObjectCopies::TakeIn(Copy& copy, bool quietly) {
   frmText* document = table_.Find(copy.document);
   if (!document) return tr("the document has been closed.");
   copy.caption = document->caption();
   auto place = PlaceOf(copy, *document);
-  if (!place) return tr("the object is no longer in the document.");
+  if (!place) return WhyNoPlace(copy, *document);
   if (!document->RichTextBox1().MayChangeObject(*place)) return tr("the object is protected there.");
   const text::EmbeddedObject object = *text::ObjectAt(document->RichTextBox1().document().content(), *place);
   // Some have their name in their data alone.
@@ -353,22 +367,24 @@ QString ObjectCopies::TakeIn(Copy& copy, bool quietly) {
   }
   if (!state.read) return QString::fromStdString(state.read.error().text);
   // Written again in the meantime: the watcher looks once more.
-  if (files::StampOf(copy.path()) != state.stamp) return settling_.start(), QString();
+  if (files::StampOf(copy.path()) != state.stamp) return settling_.start(), std::nullopt;
   document = table_.Find(copy.document);
-  place = document ? PlaceOf(copy, *document) : std::nullopt;
-  if (!place) return tr("the object is no longer in the document.");
+  if (!document) return tr("the document has been closed.");
+  place = PlaceOf(copy, *document);
+  if (!place) return WhyNoPlace(copy, *document);
   const bool same = state.rtf.empty();
   if (!same && !document->RichTextBox1().ReplaceObject(*place, state.rtf)) return tr("the object is protected there.");
   const bool wasSafe = copy.safe == copy.file.taken;
   copy.file.taken = copy.file.seen = state.stamp;
-  if (same) {
-    if (wasSafe) MarkSafe(copy);
-    return {};
-  }
   const text::Document& edited = document->RichTextBox1().document();
-  copy.states.push_back(text::ObjectIdAt(edited.content(), *place));
+  const text::ObjectId held = text::ObjectIdAt(edited.content(), *place);
+  if (same && held == copy.states.back()) {
+    if (wasSafe) MarkSafe(copy);
+    return QString();
+  }
+  copy.states.push_back(held);
   copy.alone = PlacesOf(copy, edited).size() <= 1;
-  return {};
+  return QString();
 }
 
 }  // namespace documents

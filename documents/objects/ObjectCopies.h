@@ -60,7 +60,8 @@ class ObjectCopies : public QObject {
   struct Copy {
     ui::FormId document;
     std::string caption;                 // of the document
-    std::vector<text::ObjectId> states;  // of the object in it, the last one is what the copy holds
+    std::vector<text::ObjectId> states;  // of the object in it, the last one is what the copy holds;
+                                         // kNone: an unfinished writing
     std::optional<text::Units> place;    // where it was last; nothing when it was deleted there,
     text::Revision revision;             // at that revision,
     bool alone;                          // and whether no other object there was the same
@@ -89,7 +90,8 @@ class ObjectCopies : public QObject {
   void FollowAll();
   void WaitForWriters(ui::FormId document);
   void TakeBack(Copy& copy, bool quietly);
-  QString TakeIn(Copy& copy, bool quietly);  // why not; empty: done
+  QString WhyNoPlace(const Copy& copy, frmText& document);
+  std::optional<QString> TakeIn(Copy& copy, bool quietly);  // why not; empty: done; nothing: not yet
 
   // ObjectCopiesKept.cpp
   void MarkSafe(Copy& copy);

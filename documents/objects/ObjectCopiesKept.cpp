@@ -42,6 +42,7 @@ QStringList Shown(const std::vector<files::Path>& paths) {
 }
 
 bool Holds(const text::Content& content, text::ObjectId object) {
+  if (object == text::ObjectId::kNone) return false;
   bool found = false;
   content.ForEachPiece(content.all(), [&](const text::PieceView& piece) {
     found = content.formats()[piece.charFormat].object == object;
@@ -107,7 +108,8 @@ void ObjectCopies::MarkSafe(Copy& copy) {
 // What was taken back and has gone out of the text again is in the file no more.
 void ObjectCopies::SavedIn(ui::FormId document, const text::Content& written) {
   for (Copy& copy : copies_) {
-    if (copy.gone || copy.told || copy.document != document) continue;
+    const bool unfinished = copy.states.back() == text::ObjectId::kNone;  // and so safe
+    if (copy.gone || copy.told || unfinished || copy.document != document) continue;
     if (Holds(written, copy.states.back())) {
       MarkSafe(copy);
     } else if (copy.states.size() > 1 && copy.safe) {
@@ -133,7 +135,10 @@ void ObjectCopies::Drop(Copy& copy) {
   copy.gone = true;
   watcher_.removePaths(
       {QString::fromStdString(copy.folder.path().native()), QString::fromStdString(copy.path().native())});
-  ui::AfterCommand(this, [this] { copies_.remove_if([](const Copy& each) { return each.gone; }); });
+  ui::AfterCommand(this, [this] {
+    copies_.remove_if([](const Copy& each) { return each.gone; });
+    if (copies_.empty()) following_.stop();
+  });
 }
 
 // --- What becomes of it
