@@ -41,10 +41,7 @@ Qt::Alignment AlignmentOf(const ParaFormat& format, bool rightToLeft) {
 }  // namespace
 
 LayoutBlock::LayoutBlock(BlockText text, const BlockStyle& style) : text_(std::move(text)), width_(style.width) {
-  looks_.reserve(text_.runs.size());
-  for (const BlockRun& run : text_.runs) looks_.push_back(&style.fonts->Of(*style.formats, run.format));
-  raises_ = std::any_of(looks_.begin(), looks_.end(), [](const FormatLook* look) { return look->raise != 0; });
-  endLook_ = text_.runs.empty() ? &style.fonts->Of(*style.formats, text_.endFormat) : looks_.back();
+  FindLooks(style);
   boxMeasures_ = BoxMeasures(text_.paragraph.box, text_.boxJoins, style.fonts->zoom());
   if (!text_.label.isEmpty()) MeasureLabel(style);
   if (!text_.objects.empty()) LimitObjects(style);
@@ -53,6 +50,13 @@ LayoutBlock::LayoutBlock(BlockText text, const BlockStyle& style) : text_(std::m
   if (text_.mixed) FindLevels();
   PlaceLabel(style.fonts->zoom());
   if (!text_.paragraph.box.empty()) PlaceBox(style.fonts->zoom());
+}
+
+void LayoutBlock::FindLooks(const BlockStyle& style) {
+  looks_.reserve(text_.runs.size());
+  for (const BlockRun& run : text_.runs) looks_.push_back(&style.fonts->Of(*style.formats, run.format));
+  raises_ = std::any_of(looks_.begin(), looks_.end(), [](const FormatLook* look) { return look->raise != 0; });
+  endLook_ = text_.runs.empty() ? &style.fonts->Of(*style.formats, text_.endFormat) : looks_.back();
 }
 
 // --- Objects

@@ -116,6 +116,7 @@ class LayoutBlock {
   void UseTabs(size_t line) const;
   void PlaceTabs(const BlockStyle& style, const QTextLine& line, const Edges& edges);
   void MeasureLine(const QTextLine& line, double zoom, BlockLine* measured, double* ascent, double* descent) const;
+  void FindLooks(const BlockStyle& style);
   void MeasureLabel(const BlockStyle& style);
   void PlaceLabel(double zoom);
   void PlaceBox(double zoom);

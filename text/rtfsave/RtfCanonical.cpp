@@ -38,45 +38,37 @@ class Canonicalizer {
 
   void Put(const Token& token) {
     const std::string_view bytes = source_.substr(tokenizer_.begin(), tokenizer_.position() - tokenizer_.begin());
-    const bool first = std::exchange(groupBegins_, token.kind == TokenKind::kOpen);
-    switch (token.kind) {
-      case TokenKind::kOpen:
-        ++depth_;
-        return Raw(bytes);
-      case TokenKind::kClose:
-        --depth_;
-        return Raw(bytes);
-      case TokenKind::kBytes:
-        for (const char c : bytes) RtfWords(out_).Hex(static_cast<uint8_t>(c));
-        openWord_ = false;
-        return;
-      case TokenKind::kHex:
-        for (const char c : bytes) out_ += c > ' ' && c < 0x7F ? c : 'x';
-        openWord_ = false;
-        return;
-      case TokenKind::kSymbol:
-        groupBegins_ = first && token.text == "*";
-        if (bytes.back() > 0) Raw(bytes);
-        return;
-      case TokenKind::kBinary:
-        Raw("\\bin" + std::to_string(token.text.size()) + " ");
-        return Raw(token.text);
-      case TokenKind::kWord:
-        if (first && token.text == "generator" && depth_ == 2) {
-          Raw("\\generator ");
-          Raw(kGenerator);
-          Raw(";");
-          return tokenizer_.SkipGroup();
-        }
-        Raw(bytes);
-        openWord_ = bytes.back() != ' ';
-        return;
-      case TokenKind::kText:
-        if (openWord_ && ContinuesWord(bytes)) out_ += ' ';
-        return Raw(bytes);
-      case TokenKind::kEnd:
-        return;
-    }
+    const bool first = groupBegins_;
+    groupBegins_ = token.kind == TokenKind::kOpen || (first && token.kind == TokenKind::kSymbol && token.text == "*");
+    depth_ += token.kind == TokenKind::kOpen ? 1 : 0;
+    depth_ -= token.kind == TokenKind::kClose ? 1 : 0;
+    if (token.kind == TokenKind::kBytes) return Bytes(bytes);
+    if (token.kind == TokenKind::kHex) return Hex(bytes);
+    if (token.kind == TokenKind::kBinary)
+      return Raw("\\bin" + std::to_string(token.text.size()) + " "), Raw(token.text);
+    if (token.kind == TokenKind::kSymbol && bytes.back() <= 0) return;
+    if (first && token.text == "generator" && depth_ == 2) return Generator();
+    if (openWord_ && token.kind == TokenKind::kText && ContinuesWord(bytes)) out_ += ' ';
+    Raw(bytes);
+    openWord_ = token.kind == TokenKind::kWord && bytes.back() != ' ';
+  }
+
+  void Bytes(std::string_view bytes) {
+    for (const char c : bytes) RtfWords(out_).Hex(static_cast<uint8_t>(c));
+    openWord_ = false;
+  }
+
+  // Bad digits mean the same whatever they are.
+  void Hex(std::string_view bytes) {
+    for (const char c : bytes) out_ += c > ' ' && c < 0x7F ? c : 'x';
+    openWord_ = false;
+  }
+
+  void Generator() {
+    Raw("\\generator ");
+    Raw(kGenerator);
+    Raw(";");
+    tokenizer_.SkipGroup();
   }
 
   void Raw(std::string_view bytes) {

@@ -29,7 +29,7 @@ struct Part {
 bool IsClean(std::string_view bytes) {
   constexpr uint64_t kOnes = 0x0101010101010101, kTops = 0x8080808080808080;
   for (size_t at = 0; at < bytes.size();) {
-    if (uint64_t eight; at + sizeof eight <= bytes.size()) {
+    if (uint64_t eight = 0; at + sizeof eight <= bytes.size()) {
       std::memcpy(&eight, bytes.data() + at, sizeof eight);
       // The top bits of bytes past ASCII, or of those that a 1 is taken from in vain.
       if (((eight | (eight - kOnes)) & kTops) == 0) {

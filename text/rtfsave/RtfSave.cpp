@@ -39,14 +39,16 @@ bool IsSpliceable(const Content& content, const Source* source) {
   return source && LooksLikeRtf(*source->bytes) && source->content.store() == content.store();
 }
 
-// The bytes, or null when they do not mean what was wanted: RTF has no words for it, or the file breaks rules there.
-std::shared_ptr<const std::string> Checked(std::shared_ptr<const std::string> bytes, const Content& content,
-                                           const DocumentProperties& properties, Passes& passes) {
+// What a file has become. Anew when it does not mean what was wanted: RTF has no words for it, or the file breaks rules
+// there.
+Saved Checked(std::string file, const Content& content, const DocumentProperties& properties, Passes& passes) {
+  if (passes.cancelled()) return {SavedAs::kCancelled, nullptr};
+  const auto bytes = std::make_shared<const std::string>(std::move(file));
   const ReadResult read = Read(bytes, std::make_shared<TextStore>(), passes.Next());
-  if (read.cancelled) return nullptr;
-  const bool same =
-      MeansTheSame(content, properties.defaultFont, read.content, read.properties.defaultFont, passes.Next());
-  return same ? bytes : nullptr;
+  const bool same = !read.cancelled && MeansTheSame(content, properties.defaultFont, read.content,
+                                                    read.properties.defaultFont, passes.Next());
+  if (passes.cancelled()) return {SavedAs::kCancelled, nullptr};
+  return same ? Saved{SavedAs::kSpliced, bytes} : Saved{};
 }
 
 }  // namespace
@@ -56,11 +58,8 @@ Saved Save(const Content& content, const DocumentProperties& properties, const P
   if (!IsSpliceable(content, source)) return {};
   if (content.SameAs(source->content)) return {SavedAs::kUnchanged, source->bytes};
   Passes passes(progress, source->bytes->size());
-  auto bytes = std::make_shared<const std::string>(RtfSplice(*source, content).Run(passes.Next()));
-  if (!passes.cancelled()) bytes = Checked(std::move(bytes), content, properties, passes);
-  if (passes.cancelled()) return {SavedAs::kCancelled, nullptr};
-  if (!bytes) return {};
-  return {SavedAs::kSpliced, std::move(bytes)};
+  std::string spliced = RtfSplice(*source, content).Run(passes.Next());
+  return Checked(std::move(spliced), content, properties, passes);
 }
 
 Saved Rewrite(const Content& content, const DocumentProperties& properties) {
@@ -69,9 +68,7 @@ Saved Rewrite(const Content& content, const DocumentProperties& properties) {
   const std::string spliced = RtfSplice(*source, content, RtfSplice::Scope::kAllText).Run();
   const Progress progress;
   Passes passes(progress, source->bytes->size());
-  auto bytes = Checked(std::make_shared<const std::string>(Canonical(spliced)), content, properties, passes);
-  if (!bytes) return {};
-  return {SavedAs::kSpliced, std::move(bytes)};
+  return Checked(Canonical(spliced), content, properties, passes);
 }
 
 bool Write(const Content& content, const DocumentProperties& properties, const ByteSink& sink,

@@ -274,18 +274,17 @@ bool RtfSplice::ContinuesLast() {
 bool RtfSplice::Flush(size_t here, Units upTo, bool beforeBreak) {
   if (last_ && last_->isBreak) FlushWholeParagraphs(upTo);
   if (written_ == upTo) return true;
-  if (last_ && !last_->isBreak && Allows(last_->state, {written_, upTo}) && (beforeBreak || ContinuesLast())) {
-    Insert(*last_, upTo);
-  } else if (const Place place = Here(here); Allows(place.state, {written_, upTo})) {
-    Insert(place, upTo);
-    MarkUsed();
-  } else if (middle_ && Allows(middle_->state, {written_, upTo})) {
-    Insert(*middle_, upTo);
-  } else if (last_ && Allows(last_->state, {written_, upTo})) {
-    Insert(*last_, upTo);
-  } else {
-    return false;
-  }
+  const auto allows = [&](const std::optional<Place>& place) {
+    return place && Allows(place->state, {written_, upTo});
+  };
+  const bool behindLast = allows(last_) && !last_->isBreak && (beforeBreak || ContinuesLast());
+  std::optional<Place> place;
+  if (!behindLast) place = Here(here);
+  const bool isHere = allows(place);
+  if (!isHere) place = !behindLast && allows(middle_) ? middle_ : last_;
+  if (!allows(place)) return false;
+  Insert(*place, upTo);
+  if (isHere) MarkUsed();
   last_.reset(), middle_.reset();
   return true;
 }
