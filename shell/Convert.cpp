@@ -89,7 +89,8 @@ class Conversion {
     if (!bytes.value().empty()) {
       read = text::rtf::Read(std::move(bytes.value()), text::Content().store());
       if (!read.isRtf) return Line(in_, "is not rich text, although its name says so");
-      if (read.limited && to != Format::kRtf) note_ = Line(in_, "holds more than this program reads; some of it was left out");
+      if (read.limited && to != Format::kRtf)
+        note_ = Line(in_, "holds more than this program reads; some of it was left out");
     }
     return Save([&](const files::ByteSink& sink) { return WriteRich(read, to, sink); });
   }
@@ -112,7 +113,9 @@ class Conversion {
   bool Rewrite(const text::rtf::ReadResult& read, const files::ByteSink& sink) {
     const text::rtf::Saved saved = text::rtf::Rewrite(read.content, read.properties);
     if (saved.bytes) return sink(*saved.bytes);
-    if (read.properties.source) note_ = Line(in_, "breaks rules; only what this program knows of it was written");
+    if (read.properties.source)
+      note_ =
+          Line(in_, "could not be written in its own groups and words; only what this program knows of it was written");
     return text::rtf::WriteAnew(read.content, read.properties, sink);
   }
 
