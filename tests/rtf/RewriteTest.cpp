@@ -61,7 +61,7 @@ TEST(RtfRewrite, Canonical) {
   const std::pair<std::string, std::string> rows[] = {
       {"{\\rtf1\\b\0a\\i\0-1 \0\\b0\0 }"s, "{\\rtf1\\b a\\i -1 \\b0  }"},
       {"{\\rtf1\r\n\ra\n\nb}", "{\\rtf1\r\n\r\na\r\n\r\nb}"},
-      {"{\\rtf1 \\'e\xE9\\'\0\0\\\xE9\\\0z}"s, "{\\rtf1 \\'ex\\'xxz}"},
+      {"{\\rtf1 \\'e\xE9\\'\0\0\\\xE9\\\0z}"s, "{\\rtf1 \\'ex\\'xx\\!\\!z}"},
       {"{\\rtf1{\\pict\\bin4 \xFF}\\z}}x", "{\\rtf1{\\pict\\bin4 \xFF}\\z}}"},
       {"{\\rtf1{\\pict\\bin2147483647 ab}}", "{\\rtf1{\\pict\\bin4 ab}}}}"},
       {"{\\rtf1{\\pict\\bin-3 ab}}", "{\\rtf1{\\pict\\bin0 ab}}"},

@@ -9,6 +9,9 @@ namespace text::rtf {
 
 namespace {
 
+// Stands for one that is no ASCII character: it means nothing either, and ends a run of bytes or a fallback alike.
+constexpr std::string_view kUnknownSymbol = "\\!";
+
 class Canonicalizer {
  public:
   explicit Canonicalizer(std::string_view source) : source_(source), tokenizer_(source) {
@@ -46,7 +49,7 @@ class Canonicalizer {
     if (token.kind == TokenKind::kHex) return Hex(bytes);
     if (token.kind == TokenKind::kBinary)
       return Raw("\\bin" + std::to_string(token.text.size()) + " "), Raw(token.text);
-    if (token.kind == TokenKind::kSymbol && bytes.back() <= 0) return;
+    if (token.kind == TokenKind::kSymbol && bytes.back() <= 0) return Raw(kUnknownSymbol);
     if (first && token.text == "generator" && depth_ == 2) return Generator();
     if (openWord_ && token.kind == TokenKind::kText && ContinuesWord(bytes)) out_ += ' ';
     Raw(bytes);
