@@ -2,6 +2,7 @@
 #include "tests/rtf/RtfTestSupport.h"
 #include "text/rtfsave/RtfCanonical.h"
 #include "text/rtfsave/RtfSave.h"
+#include "text/rtfwrite/RtfWords.h"
 
 #include <gtest/gtest.h>
 
@@ -9,6 +10,8 @@ namespace text::rtf {
 namespace {
 
 using namespace std::literals;
+
+const std::string kProgram(kGenerator);
 
 TEST(RtfRewrite, TextInTheWritersCodeAllElseAsItWas) {
   struct Row {
@@ -23,14 +26,15 @@ TEST(RtfRewrite, TextInTheWritersCodeAllElseAsItWas) {
       {"{\\rtf1\\ansi\\ansicpg932 \\'82\xA0 a\\par}", "{\\rtf1\\ansi\\ansicpg932 \\u12354? a\\par}"},
       {"{\\rtf1\\uc2 \\u1040\\'84\\'40\\u1041\x84\x41z\\par}", "{\\rtf1\\uc2 \\u1040??\\u1041??z\\par}"},
       {"{\\rtf1\\uc0 \\u1040 \\u8364 z\\par}", "{\\rtf1\\uc0 \\u1040\\'80z\\par}"},
-      {"{\\rtf1\\uc9 a\\u1040 123456789b\\par}", "{\\rtf1\\uc9 {\\uc1 a\\u1040?b}\\par}"},
+      {"{\\rtf1\\uc9 a\\u1040 123456789b\\par}", "{\\rtf1\\uc9 a{\\uc1\\u1040?}b\\par}"},
       {"{\\rtf1{\\stylesheet{\\s1\\b \xDC;}}{\\*\\who {\\knows}\xE9}\\pard\\s1\\keepn\\lang1031 \\'fc\\par{\\header "
        "\xE9}}",
        "{\\rtf1{\\stylesheet{\\s1\\b \\'dc;}}{\\*\\who {\\knows}\\'e9}\\pard\\s1\\keepn\\lang1031 \\'fc\\par{\\header "
        "\\'e9}}"},
       {"{\\rtf1{\\*\\generator Other {1};}{\\field{\\*\\fldinst HYPERLINK \"http://a/\"}{\\fldrslt \x80}}\\par}",
-       "{\\rtf1{\\*\\generator Quillmark 0.1.0;}{\\field{\\*\\fldinst HYPERLINK \"http://a/\"}{\\fldrslt "
-       "\\'80}}\\par}"},
+       "{\\rtf1{\\*\\generator " + kProgram +
+           ";}{\\field{\\*\\fldinst HYPERLINK \"http://a/\"}{\\fldrslt "
+           "\\'80}}\\par}"},
       {"{\\rtf1 \\lquote a\\rquote\\~\\_\\-\\{\\'7d\\bullet\\par}",
        "{\\rtf1 \\lquote a\\rquote\\~\\_\\-\\{\\}\\bullet\\par}"},
       {"{\\rtf1 a\\u-10179?b\\u-8704?\\par}", "{\\rtf1 a\\u-10179?b\\u-8704?\\par}"},
@@ -41,6 +45,16 @@ TEST(RtfRewrite, TextInTheWritersCodeAllElseAsItWas) {
       {"{\\rtf1\\upr{\\b A}{\\*\\ud{B}}\\chdate\\page x\\par}",
        "{\\rtf1\\upr{\\b A}{\\*\\ud{B}}\\chdate\\page x\\par}"},
       {"{\\rtf1 one{\\b two", "{\\rtf1 one{\\b two}}"},
+      {"{\\rtf1 a\tb\x1F\x7F \\'e9\\par}", "{\\rtf1 a\tb\x1F\x7F \\'e9\\par}"},
+      {"{\\rtf1{\\field{\\*\\fldinst SYMBOL 183 \\\\f \"Symbol\"}{\\fldrslt}}\\u8232?\\par}",
+       "{\\rtf1{\\field{\\*\\fldinst SYMBOL 183 \\\\f \"Symbol\"}{\\fldrslt}}\\u8232?\\par}"},
+      {"{\\rtf1\\u-10179?\\b\\u-8704?{\\u-10179?}\\i{\\u-8704?}\\'e9\\par}",
+       "{\\rtf1\\u-10179?\\b\\u-8704?{\\u-10179?}\\i{\\u-8704?}\\'e9\\par}"},
+      {"{\\rtf1 \\'e\\'41\\'\\'42\\b\\'e\\u67?\\par}", "{\\rtf1 \\'exA\\'xxB\\b\\'exC\\par}"},
+      {"{\\rtf1\\ansicpg932\\uc0 \\'82\\u65 b\\par}", "{\\rtf1\\ansicpg932\\uc0 \\'82{A}b\\par}"},
+      {"{\\rtf1\\ansicpg65001 \\'ff\\'41bc\\par}", "{\\rtf1\\ansicpg65001 \\'ff\\'41bc\\par}"},
+      {"{\\rtf1{{\\NeXTGraphic a.tiff}\xAC}x\\par}", "{\\rtf1{{\\NeXTGraphic a.tiff}\\'ac}x\\par}"},
+      {"{\\rtf1{\\header\\u1040\\\xE9x\\par}y\\par}", "{\\rtf1{\\header\\u1040\\!x\\par}y\\par}"},
   };
   for (const Row& row : rows) {
     const ReadResult read = ReadNew(row.source);
@@ -66,7 +80,7 @@ TEST(RtfRewrite, Canonical) {
       {"{\\rtf1{\\pict\\bin2147483647 ab}}", "{\\rtf1{\\pict\\bin4 ab}}}}"},
       {"{\\rtf1{\\pict\\bin-3 ab}}", "{\\rtf1{\\pict\\bin0 ab}}"},
       {"{\\rtf1{\\a{\\*\\generator x;}}{\\generator y}{\\*\\z\\generator}}",
-       "{\\rtf1{\\a{\\*\\generator x;}}{\\generator Quillmark 0.1.0;}{\\*\\z\\generator}}"},
+       "{\\rtf1{\\a{\\*\\generator x;}}{\\generator " + kProgram + ";}{\\*\\z\\generator}}"},
       {"{\\rtf1 a\\", "{\\rtf1 a}"},
   };
   for (const auto& [source, canonical] : rows) {

@@ -53,6 +53,7 @@ TEST(RtfSplice, Text) {
       {"{\\rtf1 one{\\*\\x y}\\b two\\b0  three\\par}", Delete("two "), "{\\rtf1 one{\\*\\x y}\\b \\b0 three\\par}"},
       {"{\\rtf1 a\\b\\'e9b\\b0 c\\par}", Delete("é"), "{\\rtf1 a\\b b\\b0 c\\par}"},
       {"{\\rtf1 a\\u8364?b\\par}", Delete("€"), "{\\rtf1 ab\\par}"},
+      {"{\\rtf1 a\\'e\\'58b\\par}", Delete("X"), "{\\rtf1 a\\'exb\\par}"},
       {"{\\rtf1 a\\u8364?b\\par}", Type("€", "x"), "{\\rtf1 a\\u8364?{x}b\\par}"},
       {"{\\rtf1 a\\u-10179?\\u-8704?b\\par}", Delete("😀"), "{\\rtf1 ab\\par}"},
       {"{\\rtf1 a\\u-10179?\\u-8704?b\\par}", Type("😀", "x"), "{\\rtf1 a\\u-10179?\\u-8704?{x}b\\par}"},

@@ -235,6 +235,8 @@ void RtfReader::RawBytes(std::string_view bytes) {
   const size_t skipped = std::min(bytes.size(), static_cast<size_t>(skipUnits_));
   bytes.remove_prefix(skipped);
   if (skipped > 0) TellSkipped(static_cast<int32_t>(skipped), OffsetOf(bytes.data()));
+  if (!bytes.empty() && static_cast<uint8_t>(bytes.front()) == kAttachment && EndAttachment(OffsetOf(bytes.data()) + 1))
+    bytes.remove_prefix(1);
   const CodePage& page = Page();
   if (page.multiByte()) {
     for (const char& byte : bytes) {
@@ -250,14 +252,18 @@ void RtfReader::RawBytes(std::string_view bytes) {
   Emit(decoded_);
 }
 
+// The character that stands for an attachment behind its group is none.
+bool RtfReader::EndAttachment(size_t end) {
+  if (attachmentEnds_ != stack_.size()) return false;
+  attachmentEnds_ = 0;
+  if (watcher_) watcher_->OnFallback(end);
+  return true;
+}
+
 void RtfReader::Hex(int32_t value) {
   if (skipUnits_ > 0) return TellSkipped(1, span_.end);
   if (value < 0) return;
-  if (value == kAttachment && attachmentEnds_ == stack_.size()) {
-    attachmentEnds_ = 0;
-    if (watcher_) watcher_->OnFallback(span_.end);
-    return;
-  }
+  if (value == kAttachment && EndAttachment(span_.end)) return;
   if (state().mode == Mode::kLevelText) return lists_.LevelByte(static_cast<uint8_t>(value));
   if (value < 0x20) {
     FlushBytes();

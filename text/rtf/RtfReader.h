@@ -45,6 +45,7 @@ class RtfReader {
   void Word(const Token& token);
   void Text(std::string_view ascii);
   void RawBytes(std::string_view bytes);
+  bool EndAttachment(size_t end);
   void Hex(int32_t value);
   const CodePage& Page();
   void Byte(uint8_t byte);

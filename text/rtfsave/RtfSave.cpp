@@ -68,7 +68,10 @@ Saved Rewrite(const Content& content, const DocumentProperties& properties) {
   const std::string spliced = RtfSplice(*source, content, RtfSplice::Scope::kAllText).Run();
   const Progress progress;
   Passes passes(progress, source->bytes->size());
-  return Checked(Canonical(spliced), content, properties, passes);
+  Saved saved = Checked(Canonical(spliced), content, properties, passes);
+  if (saved.bytes) return saved;
+  const std::string_view bytes = *source->bytes;
+  return Checked(Canonical(bytes.substr(bytes.find('{'))), content, properties, passes);
 }
 
 bool Write(const Content& content, const DocumentProperties& properties, const ByteSink& sink,

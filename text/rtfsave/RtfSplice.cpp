@@ -115,17 +115,21 @@ void RtfSplice::OnText(Span span, std::string_view utf8, Text kind) {
     EndRewrite();
     Keep(span, Units(units), kind);
     read_ += Units(units);
+    untoldEnd_ = utf8.ends_with("\uFFFD") ? span.end : 0;
   } else {
     Piece(span, Units(units), kind);
   }
   if (kind == Text::kGroup) groups_.push_back(group);
 }
 
-// It stands in some code or other, and in none of them for an object, or for a character that could not be told.
+// It is spelled in a code page, or by a number, and the program knows which character that is. What is told by a group
+// is none, a pair of surrogates may have words between its halves, and \line is not quite U+2028 to all readers.
 bool RtfSplice::IsCoded(Span span, std::string_view utf8) const {
   const std::string_view bytes = bytes_.substr(span.begin, span.size());
-  const bool word = bytes.size() > 1 && bytes[0] == '\\' && bytes[1] >= 'a' && bytes[1] <= 'z';
-  return utf8 != "\uFFFC" && utf8 != "\uFFFD" && (!word || bytes[1] == 'u');
+  const bool known = utf8 != "\uFFFC" && utf8 != "\u2028" && static_cast<uint8_t>(utf8[0]) < 0xF0 &&
+                     utf8.find("\uFFFD") == std::string_view::npos;
+  const bool spelled = static_cast<uint8_t>(bytes[0]) >= 0x80 || bytes.starts_with("\\'") || bytes.starts_with("\\u");
+  return known && spelled;
 }
 
 void RtfSplice::OnFallback(size_t end) {
@@ -180,7 +184,8 @@ void RtfSplice::Reformat(Span span, Units units) {
   output_.CopyTo(span.begin);
   if (!rewrite_ && written_ == wanted.begin && !ContinuesLast()) {
     Place place = Here(span.begin);
-    if (Allows(place.state, wanted)) rewrite_ = Rewrite{std::move(place), span.end, upTo};
+    if (scope_ == Scope::kAllText) place.bare = !place.state.multiByte || untoldEnd_ != span.begin;
+    if (Allows(place.state, wanted)) rewrite_ = Reformatted{std::move(place), span.end, upTo};
   }
   if (!rewrite_) Flush(span.begin, upTo, false);
   Drop(span);
@@ -191,7 +196,7 @@ void RtfSplice::Reformat(Span span, Units units) {
 
 void RtfSplice::EndRewrite() {
   if (!rewrite_) return;
-  const Rewrite rewrite = *std::exchange(rewrite_, std::nullopt);
+  const Reformatted rewrite = *std::exchange(rewrite_, std::nullopt);
   Insert(rewrite.place, rewrite.upTo);
   MarkUsed();
   last_.reset(), middle_.reset();
@@ -328,7 +333,8 @@ RtfSplice::Place RtfSplice::Here(size_t offset) {
   static_cast<Reach&>(place) = ReachHere(offset);
   place.state = reader_.inForce();
   place.bare = true;
-  place.behindUtf8 = place.state.codePage == kUtf8CodePage && EndsInByte(bytes_.substr(0, offset));
+  place.behindUtf8 =
+      scope_ == Scope::kEdits && place.state.codePage == kUtf8CodePage && EndsInByte(bytes_.substr(0, offset));
   return place;
 }
 

@@ -1,5 +1,5 @@
 // Saves an edited document into the file that it was read from: what was not edited is copied, byte by byte, what was
-// is written at its place.
+// is written at its place. Or writes all of its text again.
 //
 // The reader runs over the file once more and tells what each part of it became. Deleted text leaves its bytes out and
 // nothing else; new text is written in groups, so that the state around it stays what the file says. The format of a
@@ -25,8 +25,8 @@ namespace text::rtf {
 
 class RtfSplice : private RtfWatcher {
  public:
-  // What is written again. All text means that too which was not edited: nothing of it is copied but objects,
-  // characters by name and what stands for one that could not be told.
+  // What is written again. All text means that which was not edited, too: every character that is spelled in a code
+  // page or by a number, but for those that could not be told.
   enum class Scope : uint8_t { kEdits, kAllText };
 
   // `wanted` is of the store of source.content, and the same content where all text is written again.
@@ -47,7 +47,7 @@ class RtfSplice : private RtfWatcher {
   using Place = SplicePlace;
   using Deviation = SpliceDeviation;
   // Text in a new format, whose bytes went one after the other; it is written in one when something else comes.
-  struct Rewrite {
+  struct Reformatted {
     Place place;
     size_t end = 0;
     Units upTo;
@@ -144,10 +144,11 @@ class RtfSplice : private RtfWatcher {
   std::vector<OpenField> fields_;
   SpliceOutput::Place ownTables_;
   std::array<std::optional<SpliceOutput::Place>, 4> tablesEnd_;  // by Table
+  size_t untoldEnd_ = 0;                                         // behind bytes that were kept as no character
   size_t openEnd_ = 0;                                           // behind a character whose fallback has not come
   std::optional<Place> last_;    // behind the last text that was kept, if something new may follow
   std::optional<Place> middle_;  // behind a field that ended since
-  std::optional<Rewrite> rewrite_;
+  std::optional<Reformatted> rewrite_;
   bool dropped_ = false;       // the last thing that was read
   bool droppedBreak_ = false;  // the last break
   bool sawClosing_ = false;    // the \par that closes the document

@@ -13,8 +13,24 @@ bool IsDigit(char c) {
   return c >= '0' && c <= '9';
 }
 
+// How many digits are missing at the end, of a character that is spelled by two.
+size_t MissingDigits(std::string_view bytes) {
+  for (const size_t missing : {1, 2}) {
+    const size_t size = 4 - missing;
+    if (bytes.size() < size || bytes.substr(bytes.size() - size, 2) != "\\'") continue;
+    const std::string_view before = bytes.substr(0, bytes.size() - size);
+    const size_t slashes = before.size() - 1 - before.find_last_not_of('\\');
+    if (slashes % 2 == 0) return missing;
+  }
+  return 0;
+}
+
+// With what keeps the bytes from becoming part of what stands before: a space behind a word, and behind \' and less
+// than two digits, which mean nothing, others that mean nothing.
 void Join(std::string& out, std::string_view bytes) {
+  if (bytes.empty()) return;
   if (ContinuesWord(bytes) && EndsInWord(out)) out += ' ';
+  if (std::string_view("\\{}").find(bytes.front()) == std::string_view::npos) out.append(MissingDigits(out), 'x');
   out += bytes;
 }
 

@@ -191,6 +191,7 @@ void RtfWriter::Group(std::string_view group, bool translated) {
       out_ += Translated(token, group.substr(begin, tokenizer.position() - begin));
     } else if (token.kind == TokenKind::kBinary) {
       copy(begin);
+      out_ += '\n';  // ends a word
       HexBytes(token.text);
     } else {
       copy(tokenizer.position());

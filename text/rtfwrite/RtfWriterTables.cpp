@@ -14,7 +14,6 @@ namespace text::rtf {
 
 namespace {
 
-
 constexpr int32_t kOldLists = 100;
 
 }  // namespace
