@@ -14,7 +14,7 @@ struct Converted {
 };
 
 // Formats go by the names: .txt, .htm, .html, .rtf, and .pdf to write. Text and HTML are copied verbatim between each
-// other. Of RTF all text is written again, in the groups and words of the file. `recoveryFolder` as for
+// other. The text of RTF is written again, in the groups and words of the file. `recoveryFolder` as for
 // files::AtomicSave.
 Converted Convert(const files::Path& in, const files::Path& out, const files::Path& recoveryFolder);
 

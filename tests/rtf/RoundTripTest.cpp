@@ -121,6 +121,14 @@ TEST(RtfRoundTrip, RandomFragments) {
 }
 
 // Rows of any level, of which parts are missing.
+TEST(RtfRoundTrip, RawDataOfGroupsStandApartFromWords) {
+  for (const char* data : {"\\bin0 ", "\\bin7777777777", "\\bin-1 ", "\\bin3 abc"}) {
+    const ReadResult read = ReadNew("{\\rtf1{\\object" + std::string(data) + "text}x\\par}");
+    EXPECT_EQ(TextOf(read.content), "\uFFFCx") << data;
+    EXPECT_EQ(TextOf(ReadNew(Written(read)).content), "\uFFFCx") << data;
+  }
+}
+
 TEST(RtfRoundTrip, TornTables) {
   for (uint32_t seed = 1; seed <= 1000; ++seed) {
     std::mt19937 random(seed);

@@ -22,9 +22,9 @@ struct Saved {
 // wanted. Takes about three times as long as reading. `progress` counts up to the size of the source's bytes.
 Saved Save(const Content& content, const DocumentProperties& properties, const Progress& progress = {});
 
-// The file that the content was read from, all of its text written again where it stood, everything else as it was, in
-// the form that all readers agree on. Never unchanged; anew when the content is not that of its source, or when reading
-// the file did not give what was wanted.
+// The file that the content was read from, its text written again where it stood, everything else as it was, in
+// canonical form. Never unchanged; anew when the content is not that of its source, or when reading the file did not
+// give it.
 Saved Rewrite(const Content& content, const DocumentProperties& properties);
 
 // Writes what Save gives, in pieces of 64 KB. False when the sink refused or `progress`, which Save gets, said to stop.
