@@ -43,7 +43,7 @@ void Measure(int64_t size) {
   }
   text::LoadedText loaded = text::ReadPlainText(bench::Words((size == 0 ? 100 : size) * bench::kMega, size == 0));
   const std::string name = size == 0 ? "100 MB in one line" : std::to_string(size) + " MB";
-  Measure(name.c_str(), [&](ui::RichTextBox& box) { box.LoadPlain(std::move(loaded)); });
+  Measure(name.c_str(), [&](ui::RichTextBox& box) { box.LoadPlain(loaded); });
 }
 
 }  // namespace

@@ -101,7 +101,7 @@ void frmText::TakeIn(ReadDocument read) {
   if (read.rich) {
     RichTextBox1_->LoadRtf(std::move(read.rtf));
   } else {
-    RichTextBox1_->LoadPlain(std::move(read.plain));
+    RichTextBox1_->LoadPlain(read.plain);
   }
   origin_.asLoaded = RichTextBox1_->document().content();
 }

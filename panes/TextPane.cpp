@@ -52,7 +52,7 @@ void TextPane::TakeIn(const files::Path& path, ReadText read) {
   error_ = files::SystemError(ENOMEM, path);
   Text1_->LoadPlain({});
   Text1_->SetDefaultFormat(services_.defaultFont().name, services_.defaultFont().size);
-  Text1_->LoadPlain(std::move(read.text));
+  Text1_->LoadPlain(read.text);
   SetCaption(prefix_ + path.native());
   stamp_ = read.stamp;
   error_ = std::move(read.error);

@@ -211,7 +211,7 @@ void frmMyMDI::SaveSettings() {
   }
   settings_.ListFontSize = frame_.leftPane().List1().fontSize();
   std::vector<std::string_view> keys;
-  if (position) keys.push_back("Most Recent");
+  if (position) keys.emplace_back("Most Recent");
   if (const WindowState state = frame_.windowState(); state != WindowState::kMinimized) {
     settings_.WindowSize = static_cast<int>(state);
     keys.emplace_back("WindowSize");

@@ -8,7 +8,10 @@ namespace text {
 
 // kNone for any other character, and behind the end.
 inline ObjectId ObjectIdAt(const Content& content, Units place) {
-  return place < content.size() ? content.formats()[content.CharFormatAt(place)].object : ObjectId::kNone;
+  if (place >= content.size()) return ObjectId::kNone;
+  const ObjectId id = content.formats()[content.CharFormatAt(place)].object;
+  const bool stands = id != ObjectId::kNone && content.Utf16({place, place + Units(1)}) == u"\uFFFC";
+  return stands ? id : ObjectId::kNone;
 }
 
 // A picture, an embedded object or a note; null for anything else. Lives as long as the content's store.

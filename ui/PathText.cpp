@@ -118,7 +118,7 @@ std::string EditedName(std::string_view name, const QString& edited) {
   const auto all = edited.count(kUnknown), had = shown.count(kUnknown);
   std::string result;
   qsizetype seen = 0, at = 0;
-  for (qsizetype end; (end = edited.indexOf(kUnknown, at)) >= 0; at = end + 1, ++seen) {
+  for (qsizetype end = 0; (end = edited.indexOf(kUnknown, at)) >= 0; at = end + 1, ++seen) {
     result += edited.mid(at, end - at).toStdString();
     // The last ones stay the last ones, all others are counted from the beginning.
     const qsizetype which = seen >= all - unknownBehind ? had - (all - seen) : seen;

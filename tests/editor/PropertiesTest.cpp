@@ -14,7 +14,7 @@ void Load(RichTextBox& box, std::string_view bytes) {
   text::LoadedText loaded;
   loaded.content = builder.Finish();
   loaded.properties.lineEnd = bytes.find("\r\n") == bytes.npos ? text::LineEnd::kLf : text::LineEnd::kCrLf;
-  box.LoadPlain(std::move(loaded));
+  box.LoadPlain(loaded);
 }
 
 void Select(RichTextBox& box, int64_t start, int64_t length) {

@@ -129,6 +129,17 @@ TEST(RtfRoundTrip, RawDataOfGroupsStandApartFromWords) {
   }
 }
 
+TEST(RtfRoundTrip, ALabelPastItsCapEndsAtTheSameCharacter) {
+  std::string label = "\\leveltext";
+  for (int i = 0; i < 63; ++i) label += "\\u255?";
+  const ReadResult read =
+      ReadNew("{\\rtf1{\\*\\listtable{\\list{\\listlevel\\levelnfc23{" + label +
+              "a\\u98?cd;}}\\listid7}}{\\*\\listoverridetable{\\listoverride\\listid7\\ls1}}\\ls1 x\\par}");
+  const std::string written = Written(read);
+  EXPECT_NE(written.find("\\u255?ab;}"), std::string::npos) << written;
+  EXPECT_EQ(Written(ReadNew(written)), written);
+}
+
 TEST(RtfRoundTrip, TornTables) {
   for (uint32_t seed = 1; seed <= 1000; ++seed) {
     std::mt19937 random(seed);

@@ -30,8 +30,14 @@ bool IsControl(char c) {
   return static_cast<unsigned char>(c) < 0x20;
 }
 
+// As many characters as fit, in whatever portions they come.
 void AppendLabel(std::string& label, std::string_view utf8) {
-  if (label.size() + utf8.size() <= kMaxLabelBytes) label += utf8;
+  while (!utf8.empty()) {
+    const std::string_view rest = utf8;
+    TakeCharacter(utf8);
+    const std::string_view character = rest.substr(0, rest.size() - utf8.size());
+    if (label.size() + character.size() <= kMaxLabelBytes) label += character;
+  }
 }
 
 // Bytes that would count for placeholders are none in text.

@@ -164,16 +164,62 @@ bool RtfReader::CharacterProperty(const Keyword& word, bool on, int32_t number) 
   return true;
 }
 
-bool RtfReader::ParagraphProperty(const Keyword& word, int32_t number) {
+bool RtfReader::IndentProperty(const Keyword& word, int32_t number) {
   GroupState& s = state();
-  if (int32_t* length = LengthOf(s.paragraph, word.op)) {
+  if (word.op == Op::kStartIndent) {
+    OtherIndent(kSaidLeft, number, s.startIndent, s.paragraph.leftIndent);
+  } else if (word.op == Op::kEndIndent) {
+    OtherIndent(kSaidRight, number, s.endIndent, s.paragraph.rightIndent);
+  } else if (int32_t* length = LengthOf(s.paragraph, word.op)) {
     *length = ClampLength(number);
     if (word.op == Op::kLeftIndent) s.startIndent = false;
     if (word.op == Op::kRightIndent) s.endIndent = false;
-    s.paragraphIdGood = false;
-    TellParagraphWord(false);
-    return true;
+  } else {
+    return false;
   }
+  return true;
+}
+
+bool RtfReader::TabProperty(const Keyword& word, int32_t number) {
+  TabStop& next = state().nextTab;
+  switch (word.op) {
+    case Op::kTab:
+      AddTab(number);
+      return true;
+    case Op::kBarTab:
+      next = {0};
+      return true;
+    case Op::kTabKind:
+      next.kind = static_cast<TabKind>(word.value);
+      return true;
+    case Op::kTabLeader:
+      next.leader = static_cast<TabLeader>(word.value);
+      return true;
+    default:
+      return false;
+  }
+}
+
+bool RtfReader::TableProperty(const Keyword& word, int32_t number) {
+  if (word.op != Op::kInTable && word.op != Op::kTableLevel) return false;
+  if (word.op == Op::kInTable) state().inTable = true;
+  if (word.op == Op::kTableLevel)
+    state().tableLevel = static_cast<uint8_t>(std::clamp<int32_t>(number, 0, kMaxTableLevel));
+  TellParagraphWord(false);
+  return true;
+}
+
+bool RtfReader::ParagraphProperty(const Keyword& word, int32_t number) {
+  if (TableProperty(word, number)) return true;
+  if (!IndentProperty(word, number) && !TabProperty(word, number) && !OtherParagraphProperty(word, number))
+    return false;
+  state().paragraphIdGood = false;
+  TellParagraphWord(word.op == Op::kParagraphDefault);
+  return true;
+}
+
+bool RtfReader::OtherParagraphProperty(const Keyword& word, int32_t number) {
+  GroupState& s = state();
   switch (word.op) {
     case Op::kAlign:
       s.paragraph.alignment = static_cast<Alignment>(word.value);
@@ -190,43 +236,15 @@ bool RtfReader::ParagraphProperty(const Keyword& word, int32_t number) {
     case Op::kListLevel:
       s.listLevel = std::clamp(number, 0, static_cast<int32_t>(kMaxListLevels) - 1);
       break;
-    case Op::kTab:
-      AddTab(number);
-      break;
-    case Op::kBarTab:
-      s.nextTab = {0};
-      break;
-    case Op::kTabKind:
-      s.nextTab.kind = static_cast<TabKind>(word.value);
-      break;
-    case Op::kTabLeader:
-      s.nextTab.leader = static_cast<TabLeader>(word.value);
-      break;
-    case Op::kStartIndent:
-      OtherIndent(kSaidLeft, number, s.startIndent, s.paragraph.leftIndent);
-      break;
-    case Op::kEndIndent:
-      OtherIndent(kSaidRight, number, s.endIndent, s.paragraph.rightIndent);
-      break;
     case Op::kParagraphShading:
       s.paragraph.box.shading = number == 0 ? Color{} : inForce_.tables().ColorAt(number);
       break;
-    case Op::kInTable:
-      s.inTable = true;
-      TellParagraphWord(false);
-      return true;
-    case Op::kTableLevel:
-      s.tableLevel = static_cast<uint8_t>(std::clamp<int32_t>(number, 0, kMaxTableLevel));
-      TellParagraphWord(false);
-      return true;
     case Op::kParagraphDefault:
       ResetParagraph(s);
       break;
     default:
       return false;
   }
-  s.paragraphIdGood = false;
-  TellParagraphWord(word.op == Op::kParagraphDefault);
   return true;
 }
 

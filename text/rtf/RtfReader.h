@@ -73,6 +73,10 @@ class RtfReader {
   void DocumentProperty(const Keyword& word, const Token& token);
   bool CharacterProperty(const Keyword& word, bool on, int32_t number);
   bool ParagraphProperty(const Keyword& word, int32_t number);
+  bool IndentProperty(const Keyword& word, int32_t number);
+  bool TabProperty(const Keyword& word, int32_t number);
+  bool TableProperty(const Keyword& word, int32_t number);
+  bool OtherParagraphProperty(const Keyword& word, int32_t number);
   void RowWord(const Keyword& word, int32_t number);
   bool BoxWord(const Keyword& word, int32_t number, Color color);
   void RecordRow(const Keyword* word, const Token& token);

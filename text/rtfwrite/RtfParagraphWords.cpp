@@ -60,6 +60,12 @@ bool SameList(const ParaFormat& a, const ParaFormat& b) {
   return a.bullet == b.bullet && a.list == b.list && a.listLevel == b.listLevel;
 }
 
+void Say(std::string& words, const Token& token) {
+  words += '\\';
+  words += token.text;
+  if (token.hasParameter) words += std::to_string(token.parameter);
+}
+
 }  // namespace
 
 void ParagraphWords::OnGroupEnd() {
@@ -101,16 +107,11 @@ ParagraphWords::Kept ParagraphWords::Replay(const ParaFormat& from, const ParaFo
   Tabs stops;
   kept.box = from.box == to.box;
   const Tabs& wanted = formats[to.tabs];
-  const auto say = [](std::string& words, const Token& token) {
-    words += '\\';
-    words += token.text;
-    if (token.hasParameter) words += std::to_string(token.parameter);
-  };
   for (size_t i = first_; i < words_.size(); ++i) {
     const Token token = RtfTokenizer(source_.substr(words_[i].begin, words_[i].size())).Next();
     const std::string_view word = token.text;
     if (IsAboutStop(word)) {
-      say(aboutStop, token);
+      Say(aboutStop, token);
       Apply(word, stop);
       continue;
     }
@@ -130,8 +131,8 @@ ParagraphWords::Kept ParagraphWords::Replay(const ParaFormat& from, const ParaFo
     };
     if (word == "lin" && counts(from.leftIndent, to.leftIndent)) continue;
     if (word == "rin" && counts(from.rightIndent, to.rightIndent)) continue;
-    say(kept.words, token);
-    if (ofList) say(kept.list, token);
+    Say(kept.words, token);
+    if (ofList) Say(kept.list, token);
   }
   kept.stops = formats.Intern(stops);
   return kept;

@@ -187,7 +187,7 @@ void RtfWords::Chars(const CharFormat& wasFormat, const CharFormat& toFormat, co
   };
   const bool known = was.font != kUnknownFont;
   if (to.font != was.font) number("f", known ? numbers.font(was.font) : -1, numbers.font(to.font));
-  number("fs", wasFormat.halfPoints == 0 ? 0 : was.halfPoints, to.halfPoints);
+  number("fs", known ? was.halfPoints : 0, to.halfPoints);
   if (to.color != was.color) number("cf", numbers.color(was.color), numbers.color(to.color));
   // The first colour means none even where it is one.
   const auto background = [&](Color color) { return color.isAuto() ? 0 : numbers.color(color); };

@@ -114,7 +114,7 @@ void ListBox::Select(int index, bool on) {
 void ListBox::SelectToo(std::vector<int> lines) {
   std::sort(lines.begin(), lines.end());
   QItemSelection stretches;
-  for (size_t first = 0, next; first < lines.size(); first = next) {
+  for (size_t first = 0, next = 0; first < lines.size(); first = next) {
     next = first + 1;
     while (next < lines.size() && lines[next] <= lines[next - 1] + 1) ++next;
     stretches.append({model_->index(lines[first]), model_->index(lines[next - 1])});

@@ -101,7 +101,7 @@ class FileDialog final : public QFileDialog {
     const QString path = directory().absoluteFilePath(name->text());
     if (QFileInfo(path).isDir()) return setDirectory(path);
     quoted_ = path;
-    QDialog::accept();
+    QDialog::accept();  // NOLINT(bugprone-parent-virtual-call): the file dialog would ask for the name again
   }
 
  private:
@@ -125,7 +125,8 @@ void KeepMaskOutOfName(QFileDialog& dialog, const FileRequest& request) {
   QObject::connect(&dialog, &QFileDialog::filterSelected, &dialog, [&dialog, &request](const QString& chosen) {
     auto* name = dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
     const FileFilter* filter = FilterNamed(dialog, request, chosen);
-    const QString extension = name && filter ? ExtensionOf(*filter) : QString();
+    if (!name || !filter) return;
+    const QString extension = ExtensionOf(*filter);
     if (!extension.isEmpty() && name->text().endsWith(extension + QLatin1Char('*')))
       name->setText(name->text().chopped(1));
   });

@@ -261,7 +261,7 @@ void RichTextBox::Impl::SetPlainProperties() {
   controller.SetRtfProperties(properties);
 }
 
-void RichTextBox::LoadPlain(text::LoadedText loaded) {
+void RichTextBox::LoadPlain(const text::LoadedText& loaded) {
   impl_->rich = false;
   impl_->document.Reset(impl_->InDefaultFormat(loaded.content), loaded.properties);
   impl_->SetPlainProperties();

@@ -133,7 +133,7 @@ class RichTextBox : public QAbstractScrollArea {
   void ScrollToCaret();
 
   // --- Content. A load replaces the text, clears undo and the changed state and puts the caret at the start.
-  void LoadPlain(text::LoadedText loaded);
+  void LoadPlain(const text::LoadedText& loaded);
   void LoadRtf(text::rtf::ReadResult read);
   bool isRichText() const;  // the content came from RTF
   const text::rtf::DocumentProperties& rtfProperties() const;
