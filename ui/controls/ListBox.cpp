@@ -9,6 +9,7 @@
 #include <QApplication>
 #include <QDrag>
 #include <QHelpEvent>
+#include <QMimeData>
 #include <QMouseEvent>
 #include <QTimer>
 #include <QToolTip>
