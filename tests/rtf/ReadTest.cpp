@@ -161,6 +161,10 @@ const Row kGroups[] = {
     {"\\trowd a{\\*\\nesttableprops\\trowd}b\\nestcell c\\nestcell\\nestrow d\\cell\\row",
      "ab|[row2/0/4500/9000]c||[row2/0/4500/9000]d||[row1/0/9000]"},
     {"{{\\NeXTGraphic x.tiff }\\'ac}a\\'ac", "<picture/'x.tiff'>\uFFFC<>a¬"},
+    {"{{\\NeXTGraphic x}\xAC}\xAC", "<picture/'x'>\uFFFC<>¬"},
+    {"{\\NeXTGraphic x}\\par \xAC", "<picture/'x'>\uFFFC<>\n¬"},
+    {"{{\\NeXTGraphic x}}{\xAC\\'ac}", "<picture/'x'>\uFFFC<>¬¬"},
+    {"\\ansicpg932{{\\NeXTGraphic x}\\'82\xAC\\'82\\'ac}", "<picture/'x'>\uFFFC<>ぎぎ"},
 };
 
 const Row kLinks[] = {

@@ -161,6 +161,7 @@ void RtfReader::CloseGroup() {
   }
   const bool note = state().opened == Opened::kNote;
   stack_.pop_back();
+  if (attachmentEnds_ > stack_.size()) attachmentEnds_ = 0;
   if (note) CloseNote();
   if (watcher_) watcher_->OnGroupEnd(tokenizer_.position());
 }
@@ -254,7 +255,7 @@ void RtfReader::RawBytes(std::string_view bytes) {
 
 // The character that stands for an attachment behind its group is none.
 bool RtfReader::EndAttachment(size_t end) {
-  if (attachmentEnds_ != stack_.size()) return false;
+  if (attachmentEnds_ != stack_.size() || !pendingBytes_.empty()) return false;
   attachmentEnds_ = 0;
   if (watcher_) watcher_->OnFallback(end);
   return true;

@@ -74,6 +74,7 @@ void RtfReader::Symbol(const Keyword& word) {
 }
 
 void RtfReader::EndCell(uint8_t level) {
+  attachmentEnds_ = 0;
   if (watcher_) TellBreak(false);
   const ParaFormatId format = rows_.AtCell(CurrentParagraph(), level, output_.breaks(), state().level() > 0);
   output_.Break(CharsOfBreak(), format);
@@ -81,6 +82,7 @@ void RtfReader::EndCell(uint8_t level) {
 
 // The row's last cell ends with it.
 void RtfReader::EndRow(uint8_t level) {
+  attachmentEnds_ = 0;
   if (watcher_) TellBreak(output_.atCellEnd());
   if (output_.atCellEnd()) {
     ParaFormatId& cell = output_.heldParagraph();
@@ -95,6 +97,7 @@ void RtfReader::Paragraph() {
   if (state().mode == Mode::kNote) return Character('\n');
   if (state().mode != Mode::kBody) return;
   FlushSurrogate();
+  attachmentEnds_ = 0;
   tailParagraph_ = CurrentParagraph();
   tailLevel_ = state().level();
   const bool inTable = rows_.any() || tailLevel_ > 0;

@@ -126,8 +126,8 @@ void RtfSplice::OnText(Span span, std::string_view utf8, Text kind) {
 // is none, a pair of surrogates may have words between its halves, and \line is not quite U+2028 to all readers.
 bool RtfSplice::IsCoded(Span span, std::string_view utf8) const {
   const std::string_view bytes = bytes_.substr(span.begin, span.size());
-  const bool known = utf8 != "\uFFFC" && utf8 != "\u2028" && static_cast<uint8_t>(utf8[0]) < 0xF0 &&
-                     utf8.find("\uFFFD") == std::string_view::npos;
+  const bool known = utf8 != "\uFFFC" && utf8.find("\u2028") == std::string_view::npos &&
+                     static_cast<uint8_t>(utf8[0]) < 0xF0 && utf8.find("\uFFFD") == std::string_view::npos;
   const bool spelled = static_cast<uint8_t>(bytes[0]) >= 0x80 || bytes.starts_with("\\'") || bytes.starts_with("\\u");
   return known && spelled;
 }

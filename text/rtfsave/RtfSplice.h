@@ -26,7 +26,8 @@ namespace text::rtf {
 class RtfSplice : private RtfWatcher {
  public:
   // What is written again. All text means that which was not edited, too: every character that is spelled in a code
-  // page or by a number, but for those that could not be told.
+  // page or by a number, but for pairs of surrogates, U+2028 and
+  // those that could not be told.
   enum class Scope : uint8_t { kEdits, kAllText };
 
   // `wanted` is of the store of source.content, and the same content where all text is written again.

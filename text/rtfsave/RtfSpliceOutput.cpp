@@ -13,11 +13,16 @@ bool IsDigit(char c) {
   return c >= '0' && c <= '9';
 }
 
+bool IsSpecial(char c) {
+  return c == '\\' || c == '{' || c == '}';
+}
+
 // How many digits are missing at the end, of a character that is spelled by two.
 size_t MissingDigits(std::string_view bytes) {
   for (const size_t missing : {1, 2}) {
     const size_t size = 4 - missing;
     if (bytes.size() < size || bytes.substr(bytes.size() - size, 2) != "\\'") continue;
+    if (missing == 1 && IsSpecial(bytes.back())) continue;
     const std::string_view before = bytes.substr(0, bytes.size() - size);
     const size_t slashes = before.size() - 1 - before.find_last_not_of('\\');
     if (slashes % 2 == 0) return missing;
@@ -30,7 +35,7 @@ size_t MissingDigits(std::string_view bytes) {
 void Join(std::string& out, std::string_view bytes) {
   if (bytes.empty()) return;
   if (ContinuesWord(bytes) && EndsInWord(out)) out += ' ';
-  if (std::string_view("\\{}").find(bytes.front()) == std::string_view::npos) out.append(MissingDigits(out), 'x');
+  if (!IsSpecial(bytes.front())) out.append(MissingDigits(out), 'x');
   out += bytes;
 }
 
