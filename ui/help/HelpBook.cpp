@@ -77,7 +77,7 @@ const std::string* HelpBook::BytesOf(const std::string& page) const {
 QString HelpBook::PageOf(const HelpPlace& place) const {
   const std::string* const bytes = BytesOf(place.page);
   if (!bytes) return {};
-  const QString page = DecodePage(*bytes);
+  QString page = DecodePage(*bytes);
   if (IsPage(place.page)) return page;
   return QStringLiteral("<pre>%1</pre>").arg(page.left(kLongestPage).toHtmlEscaped());
 }

@@ -48,6 +48,13 @@ HelpWindow::HelpWindow() {
   splitter->setSizes({260, 640});
   splitter->setChildrenCollapsible(false);
   column->addWidget(splitter, 1);
+  MakeActions(*bar);
+  resize(QSize(920, 660).boundedTo(QGuiApplication::primaryScreen()->availableSize() * 9 / 10));
+}
+
+HelpWindow::~HelpWindow() = default;
+
+void HelpWindow::MakeActions(QToolBar& bar) {
   back_ = MakeAction("help-back", tr("Back"), {QKeySequence(Qt::ALT | Qt::Key_Left)}, [this] { Travel(-1); });
   forward_ = MakeAction("help-forward", tr("Forward"), {QKeySequence(Qt::ALT | Qt::Key_Right)}, [this] { Travel(1); });
   QAction* const start = MakeAction("help-start", tr("First page"), {QKeySequence(Qt::ALT | Qt::Key_Home)}, [this] {
@@ -55,7 +62,7 @@ HelpWindow::HelpWindow() {
   });
   QAction* const find =
       MakeAction("find", tr("Find on this page"), {QKeySequence(Qt::CTRL | Qt::Key_F)}, [this] { OpenFindBar(); });
-  bar->addActions({back_, forward_, start, find});
+  bar.addActions({back_, forward_, start, find});
   MakeAction("", tr("Find next"), {QKeySequence(Qt::Key_F3)}, [this] { FindOn(false); });
   MakeAction("", tr("Find previous"), {QKeySequence(Qt::SHIFT | Qt::Key_F3)}, [this] { FindOn(true); });
   MakeAction("", tr("Larger"), {QKeySequence(Qt::CTRL | Qt::Key_Plus), QKeySequence(Qt::CTRL | Qt::Key_Equal)},
@@ -75,10 +82,7 @@ HelpWindow::HelpWindow() {
     if (!view_->hasFocus()) return view_->setFocus();
     side_->currentIndex() == 0 ? contents_->setFocus() : searchFor_->setFocus();
   });
-  resize(QSize(920, 660).boundedTo(QGuiApplication::primaryScreen()->availableSize() * 9 / 10));
 }
-
-HelpWindow::~HelpWindow() = default;
 
 QAction* HelpWindow::MakeAction(const char* icon, const QString& text, const QList<QKeySequence>& keys,
                                 std::function<void()> call) {

@@ -14,6 +14,7 @@ class QAction;
 class QLineEdit;
 class QListWidget;
 class QTabWidget;
+class QToolBar;
 class QTreeWidget;
 
 namespace ui {
@@ -46,6 +47,7 @@ class HelpWindow final : public QWidget {
   QWidget* MakeSearch();
   QWidget* MakePage();
   QWidget* MakeFindBar();
+  void MakeActions(QToolBar& bar);
   QAction* MakeAction(const char* icon, const QString& text, const QList<QKeySequence>& keys,
                       std::function<void()> call);
   void FillContents();
