@@ -38,7 +38,7 @@ FEATURES = {
 }
 KINDS = ("edited", "rewritten", "anew")
 KEPT = KINDS[:2]
-NEW_WORDS = ["quillmarkone", "quillmarktwo"]
+NEW_WORDS = ["quillmarkone", "quillmarktwo", "quillmarkthree", "quillmarkfour"]
 SECONDS_TO_START = 60
 SECONDS_FOR_A_FILE = 10
 

@@ -123,7 +123,7 @@ class WordsAtBreaks : public RtfWatcher {
 
  private:
   void OnText(Span, std::string_view, Text) override {}
-  void OnFallback(size_t) override {}
+  void OnFallback(Span, bool) override {}
   void OnBreak(Span, bool joins) override {
     if (joins) return;
     const ParaFormat format = reader_.inForce().paragraph;

@@ -1,5 +1,6 @@
-// Files cut short and files made to do harm: nothing crashes, and the text that is there is read.
+// Files cut short and files made to do harm: nothing crashes, and the text that is there is read and can be rewritten.
 #include "tests/rtf/RtfTestSupport.h"
+#include "text/rtfsave/RtfSave.h"
 
 #include <gtest/gtest.h>
 
@@ -108,6 +109,9 @@ TEST_P(RtfHostile, IsReadAsFarAsItMakesSense) {
   } else {
     EXPECT_TRUE(text == GetParam().text) << text.size() << " bytes instead of " << GetParam().text.size();
   }
+  const Saved saved = Rewrite(result.content, result.properties);
+  ASSERT_TRUE(saved.bytes);
+  EXPECT_TRUE(PlainLines(ReadNew(*saved.bytes).content) == text) << "rewritten";
 }
 
 std::string Rtf(const std::string& body) {
@@ -189,6 +193,11 @@ const HostileRow kHostile[] = {
      Repeat("x", 20000)},
     {"font_table_per_character", [] { return Rtf(Repeat("{", 50000) + Repeat("{\\fonttbl{\\f0 A;}}x", 50000)); },
      Repeat("x", 50000)},
+    {"letters_in_codes", [] { return Rtf(Repeat("a\\'61", 200000)); }, Repeat("a", 400000)},
+    {"numbers_in_codes", [] { return Rtf(Repeat("12\\u51?", 200000)); }, Repeat("123", 200000)},
+    {"lines_behind_half_a_character",
+     [] { return Rtf("\\u128512" + Repeat("\r\n", 500000) + Repeat("\\u65?\\b ", 100000)); },
+     "\U0001F600" + Repeat("A", 100000)},
     {"lead_bytes", [] { return Rtf("\\ansicpg932 " + Repeat("\\'81", 200001)); }, Repeat("＝", 100000) + "\uFFFD"},
     {"styles_on_each_other",
      [] {

@@ -164,6 +164,11 @@ const Row kGroups[] = {
     {"{{\\NeXTGraphic x}\xAC}\xAC", "<picture/'x'>\uFFFC<>¬"},
     {"{\\NeXTGraphic x}\\par \xAC", "<picture/'x'>\uFFFC<>\n¬"},
     {"{{\\NeXTGraphic x}}{\xAC\\'ac}", "<picture/'x'>\uFFFC<>¬¬"},
+    {"{\r\n\\NeXTGraphic x}\\'ac\\'ac{\\*\\NeXTGraphic y}\\'ac\\'ac", "<picture/'x'>\uFFFC<>¬<picture/'y'>\uFFFC<>¬"},
+    {"{{\\NeXTGraphic x}{\\footnote n}\\'ac}b", "<picture/'x'>\uFFFC<note/'n'>\uFFFC<>¬b"},
+    {"{\\list Q}{\\listlevel Q}{\\*\\leveltext\\'01\\'b7;}{\\listoverride Q}{\\lfolevel Q}{\\pntxta Q}{\\*\\pntxtb Q}x",
+     "x"},
+    {"{\\sv Q}{\\shp{\\*\\shpinst{\\sp{\\sn pib}{\\sv{\\pict\\pngblip 89}Q}}}}x", "<picture>\uFFFC<>x"},
     {"\\ansicpg932{{\\NeXTGraphic x}\\'82\xAC\\'82\\'ac}", "<picture/'x'>\uFFFC<>ぎぎ"},
 };
 

@@ -54,6 +54,12 @@ TEST(RtfRewrite, TextInTheWritersCodeAllElseAsItWas) {
       {"{\\rtf1{\\b a\\'}\\u65?b\\par}", "{\\rtf1{\\b a\\'}Ab\\par}"},
       {"{\\rtf1\\ansicpg65001 \\'c3\\'a9\\'e2\\'80\\'a8\\par}",
        "{\\rtf1\\ansicpg65001 \\'c3\\'a9\\'e2\\'80\\'a8\\par}"},
+      {"{\\rtf1\\uc2\\u8232?\\u8364??z\\u8232?\\u32?? \\u8364??\\par}",
+       "{\\rtf1\\uc2\\u8232?{}\\'80z\\u8232?\\u32?? \\'80\\par}"},
+      {"{\\rtf1\\u128512\r\n\\u1041?\\par}", "{\\rtf1\\u128512\r\n{}\\u1041?\\par}"},
+      {"{\\rtf1\\ansicpg932 \\'82\r\n\\u65?b\\par}", "{\\rtf1\\ansicpg932 \\'82\r\n{A}b\\par}"},
+      {"{\\rtf1\\ansicpg65001 \\'f0\\'9f\\'98\\'80\\'c3\\'a9\\par}",
+       "{\\rtf1\\ansicpg65001 \\u-10179?\\u-8704?\\u233?\\par}"},
       {"{\\rtf1\\ansicpg932\\uc0 \\'82\\u65 b\\par}", "{\\rtf1\\ansicpg932\\uc0 \\'82{A}b\\par}"},
       {"{\\rtf1\\ansicpg65001 \\'ff\\'41bc\\par}", "{\\rtf1\\ansicpg65001 \\'ff\\'41bc\\par}"},
       {"{\\rtf1{{\\NeXTGraphic a.tiff}\xAC}x\\par}", "{\\rtf1{{\\NeXTGraphic a.tiff}\\'ac}x\\par}"},
@@ -85,6 +91,7 @@ TEST(RtfRewrite, Canonical) {
       {"{\\rtf1{\\a{\\*\\generator x;}}{\\generator y}{\\*\\z\\generator}}",
        "{\\rtf1{\\a{\\*\\generator x;}}{\\generator " + kProgram + ";}{\\*\\z\\generator}}"},
       {"{\\rtf1 a\\", "{\\rtf1 a}"},
+      {"{\\rtf1{generator\\b x}}", "{\\rtf1{generator\\b x}}"},
   };
   for (const auto& [source, canonical] : rows) {
     EXPECT_EQ(Canonical(source), canonical);

@@ -188,6 +188,8 @@ TEST(RtfWriter, TakesWhatTheFileItWasReadFromHas) {
        "\\nestrow}{\\nonesttables\\par}\r\n\\pard\\intbl\\itap2 c\\nestcell"},
       // A paragraph's border is none of its row's.
       {"\\trowd\\cellx9\\pard\\intbl\\brdrl\\brdrs a\\cell\\row", "\\trowd\\cellx9\\pard"},
+      {"\\trowd\\clx\\brdrt\\brdrs\\brdrw9\\cellx9\\pard\\intbl a\\cell\\row", "\\trowd\\clx\\cellx9\\pard"},
+      {"\\trowd\\cellx9\\chftn{\\footnote n}\\cell\\row", "\\pard\\intbl\\f0\\fs24\\chftn{\\footnote n}\\cell"},
       // They number these lists themselves.
       {"{\\*\\listtable{\\list{\\listlevel\\levelnfc0{\\leveltext\\'01\\'00;}}\\listid7}}{\\*\\listoverridetable{"
        "\\listoverride\\listid7\\ls1}}{\\*\\pn\\pnlvlblt}x\\par\\pard\\ls1 y",

@@ -136,7 +136,7 @@ class Replay : public RtfWatcher {
       complaint += "bytes of " + std::string(utf8) + "\n";
     text += utf8;
   }
-  void OnFallback(size_t end) override { Follow({end_, end}); }
+  void OnFallback(Span span, bool) override { Follow(span); }
   void OnBreak(Span span, bool joins) override {
     Follow(span);
     if (joins || Here() == source_.content.size()) return;

@@ -95,12 +95,17 @@ std::vector<Range> InnerWords(const Content& content) {
   return words;
 }
 
-// Words put in and taken out, a word made bold and a paragraph divided, at places that the seed picks. Returns the word
-// that is gone, or nothing where the text has too few.
+// Paragraphs put in behind everything, and at places that the seed picks words put in and taken out, a word made bold
+// and a paragraph divided. Returns the word that is gone, or nothing where the text has too few.
 std::string EditLikeAUser(Edited& edited, uint32_t seed) {
   std::mt19937 random(seed);
   const auto pick = [&](const std::vector<Range>& words) { return words[random() % words.size()]; };
   std::vector<Range> words = InnerWords(edited.content);
+  edited.Type(edited.content.size(), "\r\nquillmarkthree\r\nquillmarkfour");
+  edited.Paragraphs("quillmarkthree\r\nquillmarkfour", [](ParaFormat& format) {
+    format.list = ListId::kNone;
+    format.bullet = false;
+  });
   if (words.size() < 4) {
     edited.Type(edited.content.size(), " quillmarkone quillmarktwo");
     return {};

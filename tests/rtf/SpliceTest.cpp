@@ -71,6 +71,10 @@ TEST(RtfSplice, Text) {
       // readers that do not know the code page would take the space for a second half
       {"{\\rtf1{\\fonttbl{\\f0\\fcharset128\\cpg65001 M;}}\\f0\\'c3\\'8b\\par}", Type("Ë", " x"),
        "{\\rtf1{\\fonttbl{\\f0\\fcharset128\\cpg65001 M;}}\\f0\\'c3\\'8b{\\u32?\\u120?}\\par}"},
+      {"{\\rtf1\\u128512\r\n\\u1041?b\\par}", Delete("Б"), "{\\rtf1\\u128512\r\n{}b\\par}"},
+      {"{\\rtf1{\\NeXTGraphic x}\\b\\'ac c\\par}", Delete("\uFFFC"), "{\\rtf1\\b  c\\par}"},
+      {"{\\rtf1{\\NeXTGraphic x}\\b\\'ac c\\par}", Type("\uFFFC", "Z"),
+       "{\\rtf1{\\NeXTGraphic x}\\b\\'ac{\\b0 Z} c\\par}"},
   };
   for (const Row& row : kRows) Check(row);
 }
@@ -258,19 +262,59 @@ TEST(RtfSplice, Unknown) {
        "\\listlevel\\levelnfc0\\levelnfcn0\\leveljc0\\leveljcn0\\levelfollow0\\levelstartat1{\\leveltext\\'02\\'00.;}{"
        "\\levelnumbers\\'01;}}{\\listlevel\\levelnfc0\\levelnfcn0\\leveljc0\\leveljcn0\\levelfollow0\\levelstartat1{"
        "\\leveltext\\'02\\'00);}{\\levelnumbers\\'01;}}{\\listname "
-       ";}\\listid5}\r\n}{\\*\\listoverridetable{\\listoverride\\listid5\\listoverridecount0\\ls1}}"
-       "\\ls1\\ilvl0\\fi0\\li0 a\\par "
+       ";}\\listid5}\r\n}{\\*\\listoverridetable{\\listoverride\\listid5\\listoverridecount0\\ls101}}"
+       "\\ls101\\ilvl0\\fi0\\li0 a\\par "
        "\\pard b\\par}"},
       {"{\\rtf1{\\colortbl\\red0;\\red255;}{\\highlight1 a}\\par}",
        [](Edited& e) { e.Chars("a", [](CharFormat& f) { f.background = Color{}; }); },
        "{\\rtf1{\\colortbl\\red0;\\red255;}{\\highlight1 {\\highlight0 a}}\\par}"},
       {"{\\rtf1 a{\\field{\\*\\fldinst SYMBOL 183 \\\\f \"Symbol\"}}b\\par}", Flag("\uF0B7", kBold),
        "{\\rtf1 {\\fonttbl{\\f1\\fnil\\fcharset2 Symbol;}}a{\\b\\f1\\'b7}b\\par}"},
+      {"{\\rtf1\\deff2147483647 a\\par}",
+       [](Edited& e) { e.Chars("a", [&](CharFormat& f) { f.font = e.formats().Intern(Font{"N"}); }); },
+       "{\\rtf1\\deff2147483647 {\\fonttbl{\\f1073741825\\fnil\\fcharset1 N;}}{\\f1073741825 a}\\par}"},
       {"{\\rtf1 a{\\object{\\result{bc}}}d\\par}", Delete("bc"), "{\\rtf1 ad\\par}"},
       {"{\\rtf1 a\\u8364\\par b\\par}", Delete("\r\n"), "{\\rtf1 a\\u8364{}b\\par}"},
       {"{\\rtf1{\\stylesheet{\\s1\\li300\\sb240\\b H;}}\\pard\\s1\\tx9 a\\par}",
        [](Edited& e) { e.Paragraphs("a", [](ParaFormat& f) { f.tabs = TabsId::kNone; }); },
        "{\\rtf1{\\stylesheet{\\s1\\li300\\sb240\\b H;}}\\pard\\s1\\tx9 \\pard\\s1\\li300\\sb240 a\\par}"},
+  };
+  for (const Row& row : kRows) Check(row);
+}
+
+// What stands beside a table says so, and what ends in a cell stands in it: other programs lose it where it does not.
+TEST(RtfSplice, BesideTables) {
+  const auto put = [](const std::string& old, const std::string& text) {
+    return [=](Edited& e) { e.Put(e.Find(old), text, CharFormatId::kDefault); };
+  };
+  const auto putBeside = [](const std::string& before, const std::string& text) {
+    return [=](Edited& e) {
+      ContentBuilder builder(e.content.store());
+      builder.Append(text, CharFormatId::kDefault, ParaFormatId::kDefault);
+      const Units at = e.Find(before).begin;
+      e.content = e.content.WithReplaced({at, at}, builder.Finish());
+    };
+  };
+  const Row kRows[] = {
+      {"{\\rtf1\\trowd\\cellx9\\intbl a\\cell\\row}", Type("", "b\r\nc"),
+       "{\\rtf1\\trowd\\cellx9\\intbl a\\cell\\row\\pard b\\par\r\n\\pard c}"},
+      {"{\\rtf1\\trowd\\cellx9\\intbl a\\cell\\row\\trowd\\cellx9 b\\cell\\row\\pard c\\par}",
+       putBeside("b", "x\r\ny\r\n"),
+       "{\\rtf1\\trowd\\cellx9\\intbl a\\cell\\row\\pard x\\par\r\ny\\par\r\n\\intbl\\trowd\\cellx9 b\\cell\\row\\pard "
+       "c\\par}"},
+      {"{\\rtf1\\pard b\\par\\trowd\\cellx9\\pard\\intbl a\\cell\\row\\pard c\\par}", put("b\r\na", "X"),
+       "{\\rtf1\\pard \\trowd\\cellx9\\pard\\intbl X\\cell\\row\\pard c\\par}"},
+      {"{\\rtf1\\pard b\\par\\trowd\\cellx9\\pard\\intbl a\\cell\\row\\pard c\\par}", put("b\r\na", "X\r\nY"),
+       "{\\rtf1\\pard X\\par\\trowd\\cellx9\\pard\\intbl Y\\cell\\row\\pard c\\par}"},
+      {"{\\rtf1\\pard b{\\i d}\\par\\trowd\\cellx9\\pard\\intbl a\\cell\\row\\pard c\\par}", Delete("\r\n"),
+       "{\\rtf1\\pard {\\i }\\trowd\\cellx9\\pard\\intbl b{\\i d}a\\cell\\row\\pard c\\par}"},
+      {"{\\rtf1\\trowd\\cellx9\\cellx19 a\\intbl\\cell b\\intbl\\cell\\row}",
+       [](Edited& e) {
+         e.Type(e.content.size(), "x\r\n");
+         e.Chars("a\r\nb", [](CharFormat& f) { f.flags = kBold; });
+       },
+       "{\\rtf1\\trowd\\cellx9\\cellx19 {\\b a}\\intbl{\\b\\cell }{\\b b}\\intbl\\cell\\row\\pard "
+       "x\\par\r\n\\pard\\par\r\n}"},
   };
   for (const Row& row : kRows) Check(row);
 }

@@ -47,37 +47,36 @@ bool RtfReader::OpenTable(Op op) {
   }
 }
 
-// What is inside the tables of lists, and the numbering of single paragraphs.
+// What is inside the tables of lists, and the numbering of single paragraphs; elsewhere it is no text either.
 bool RtfReader::OpenList(Op op) {
   const Mode mode = state().mode;
-  const bool overrides = mode == Mode::kOverrides;
+  const bool overrides = mode == Mode::kOverrides, lists = mode == Mode::kLists;
   switch (op) {
     case Op::kOpenList:
-      if (mode == Mode::kLists) Enter(mode, Opened::kList);
+      lists ? Enter(mode, Opened::kList) : Skip();
       return true;
     case Op::kOpenListLevel:
-      if (mode == Mode::kLists || overrides) LimitUnless(lists_.BeginLevel(overrides));
+      lists || overrides ? LimitUnless(lists_.BeginLevel(overrides)) : Skip();
       return true;
     case Op::kOpenLevelText:
-      if (mode == Mode::kLists || overrides) Enter(Mode::kLevelText, Opened::kNothing);
+      lists || overrides ? Enter(Mode::kLevelText, Opened::kNothing) : Skip();
       return true;
     case Op::kOpenOverride:
-      if (overrides) Enter(mode, Opened::kOverride);
+      overrides ? Enter(mode, Opened::kOverride) : Skip();
       return true;
     case Op::kOpenOverrideLevel:
-      if (overrides) lists_.BeginOverrideLevel();
+      overrides ? lists_.BeginOverrideLevel() : Skip();
       return true;
     case Op::kOpenNumbering:
-      if (mode != Mode::kBody) {
-        Skip();
-      } else {
-        Enter(Mode::kNumbering, Opened::kNumbering);
-      }
+      mode == Mode::kBody ? Enter(Mode::kNumbering, Opened::kNumbering) : Skip();
       return true;
     case Op::kOpenLabelBefore:
     case Op::kOpenLabelAfter:
-      if (mode == Mode::kNumbering)
+      if (mode != Mode::kNumbering) {
+        Skip();
+      } else {
         Enter(op == Op::kOpenLabelBefore ? Mode::kLabelBefore : Mode::kLabelAfter, Opened::kNothing);
+      }
       return true;
     default:
       return false;
@@ -118,6 +117,9 @@ bool RtfReader::OpenText(Op op) {
     case Op::kOpenShapeProperty:
       shapeName_.clear();
       SetMode(mode == Mode::kBody ? Mode::kShape : Mode::kMuted);
+      return true;
+    case Op::kOpenShapeValue:
+      if (mode == Mode::kBody) Skip();
       return true;
     case Op::kOpenShapeName:
       SetMode(mode == Mode::kShape ? Mode::kShapeName : Mode::kMuted);

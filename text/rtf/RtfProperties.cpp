@@ -330,15 +330,20 @@ bool RtfReader::BoxWord(const Keyword& word, int32_t number, Color color) {
   return true;
 }
 
-// Words that nothing here understands belong to the definition as long as no others come between.
+// Words that nothing here understands belong to the definition as long as no others come between. \chftn and its like
+// are text.
 void RtfReader::RecordRow(const Keyword* word, const Token& token) {
-  if (state().mode != Mode::kBody || tooDeep_ > 0 || boxSides_ != 0) return;
+  if (state().mode != Mode::kBody || tooDeep_ > 0) return;
+  const bool ofBorder = !word || word->op == Op::kBorderStyle || word->op == Op::kBorderWidth ||
+                        word->op == Op::kBorderSpace || word->op == Op::kBorderColor;
+  if (boxSides_ != 0 && ofBorder) return;
   const bool inTable = word && (word->op == Op::kInTable || word->op == Op::kTableLevel);
   const bool colors =
       word && (word->op == Op::kCellColor || word->op == Op::kCellPatternColor || word->op == Op::kCellPattern ||
                word->op == Op::kRowPassing || word->op == Op::kBorderColor);
   const bool ofParagraph = word && word->op == Op::kOtherBorder && word->value != 0;
-  if (word && word->kind != Kind::kRow && !inTable) {
+  const bool text = !word && (token.text.starts_with("ch") || token.text == "sectnum");
+  if (text || (word && word->kind != Kind::kRow && !inTable)) {
     recordingRow_ = false;
   } else if (!inTable && !colors && !ofParagraph && !(word && word->op == Op::kRowDefault)) {
     rows_.definition(state().nestedRow).Record(token);

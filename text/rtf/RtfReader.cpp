@@ -79,7 +79,7 @@ void RtfReader::Handle(const Token& token) {
       Word(token);
       break;
     case TokenKind::kBinary:
-      if (skipUnits_ > 0) TellSkipped(1, span_.end);
+      if (skipUnits_ > 0) TellSkipped(1, span_);
       break;
     case TokenKind::kSymbol:
       if (token.text == "*" && skipUnits_ == 0) {
@@ -181,7 +181,7 @@ void RtfReader::RememberTail() {
 void RtfReader::Word(const Token& token) {
   const Keyword* word = FindKeyword(token.text);
   if (skipUnits_ > 0) {
-    if (word && word->kind == Kind::kSymbol && word->op == Op::kCharacter) return TellSkipped(1, span_.end);
+    if (word && word->kind == Kind::kSymbol && word->op == Op::kCharacter) return TellSkipped(1, span_);
     // Any other word is worth more than the fallback that some writers leave out.
     skipUnits_ = 0;
   }
@@ -204,8 +204,8 @@ void RtfReader::Word(const Token& token) {
 void RtfReader::Text(std::string_view ascii) {
   if (skipUnits_ > 0) {
     const size_t skipped = std::min(ascii.size(), static_cast<size_t>(skipUnits_));
+    TellSkipped(static_cast<int32_t>(skipped), SpanOf(ascii.substr(0, skipped)));
     ascii.remove_prefix(skipped);
-    TellSkipped(static_cast<int32_t>(skipped), OffsetOf(ascii.data()));
     if (ascii.empty()) return;
   }
   if (!pendingBytes_.empty()) {
@@ -213,12 +213,12 @@ void RtfReader::Text(std::string_view ascii) {
       pendingBytes_ += ascii.front();
       expectTrail_ = false;
       ascii.remove_prefix(1);
-      pendingSpan_.end = OffsetOf(ascii.data());
+      pendingSpan_.end = SpanOf(ascii).begin;
     }
     FlushBytes();
     if (ascii.empty()) return;
   }
-  span_ = {OffsetOf(ascii.data()), OffsetOf(ascii.data()) + ascii.size()};
+  span_ = SpanOf(ascii);
   spanKind_ = RtfWatcher::Text::kBytes;
   switch (state().mode) {
     case Mode::kBody:
@@ -234,19 +234,19 @@ void RtfReader::Text(std::string_view ascii) {
 
 void RtfReader::RawBytes(std::string_view bytes) {
   const size_t skipped = std::min(bytes.size(), static_cast<size_t>(skipUnits_));
+  if (skipped > 0) TellSkipped(static_cast<int32_t>(skipped), SpanOf(bytes.substr(0, skipped)));
   bytes.remove_prefix(skipped);
-  if (skipped > 0) TellSkipped(static_cast<int32_t>(skipped), OffsetOf(bytes.data()));
-  if (!bytes.empty() && static_cast<uint8_t>(bytes.front()) == kAttachment && EndAttachment(OffsetOf(bytes.data()) + 1))
+  if (!bytes.empty() && static_cast<uint8_t>(bytes.front()) == kAttachment && EndAttachment(SpanOf(bytes.substr(0, 1))))
     bytes.remove_prefix(1);
   const CodePage& page = Page();
   if (page.multiByte()) {
     for (const char& byte : bytes) {
-      span_ = {OffsetOf(&byte), OffsetOf(&byte) + 1};
+      span_ = SpanOf({&byte, 1});
       Byte(static_cast<uint8_t>(byte));
     }
     return;
   }
-  span_ = {OffsetOf(bytes.data()), OffsetOf(bytes.data()) + bytes.size()};
+  span_ = SpanOf(bytes);
   spanKind_ = RtfWatcher::Text::kBytes;
   decoded_.clear();
   for (char byte : bytes) decoded_ += page.Character(static_cast<uint8_t>(byte));
@@ -254,17 +254,17 @@ void RtfReader::RawBytes(std::string_view bytes) {
 }
 
 // The character that stands for an attachment behind its group is none.
-bool RtfReader::EndAttachment(size_t end) {
+bool RtfReader::EndAttachment(Span span) {
   if (attachmentEnds_ != stack_.size() || !pendingBytes_.empty()) return false;
   attachmentEnds_ = 0;
-  if (watcher_) watcher_->OnFallback(end);
+  if (watcher_) watcher_->OnFallback(span, true);
   return true;
 }
 
 void RtfReader::Hex(int32_t value) {
-  if (skipUnits_ > 0) return TellSkipped(1, span_.end);
+  if (skipUnits_ > 0) return TellSkipped(1, span_);
   if (value < 0) return;
-  if (value == kAttachment && EndAttachment(span_.end)) return;
+  if (value == kAttachment && EndAttachment(span_)) return;
   if (state().mode == Mode::kLevelText) return lists_.LevelByte(static_cast<uint8_t>(value));
   if (value < 0x20) {
     FlushBytes();
@@ -375,6 +375,7 @@ void RtfReader::EmitBody(std::string_view utf8) {
 // One character that stands for the object.
 void RtfReader::Anchor(EmbeddedObject object) {
   FlushSurrogate();
+  attachmentEnds_ = 0;
   CharFormat format = formats_[CurrentChars()];
   if (watcher_) {
     TellObject(object);

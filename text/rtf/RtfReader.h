@@ -45,7 +45,7 @@ class RtfReader {
   void Word(const Token& token);
   void Text(std::string_view ascii);
   void RawBytes(std::string_view bytes);
-  bool EndAttachment(size_t end);
+  bool EndAttachment(Span span);
   void Hex(int32_t value);
   const CodePage& Page();
   void Byte(uint8_t byte);
@@ -59,8 +59,11 @@ class RtfReader {
   GroupState& state() { return stack_.back(); }
 
   // --- RtfWatch.cpp
-  size_t OffsetOf(const char* at) const { return static_cast<size_t>(at - bytes_.data()); }
-  void TellSkipped(int32_t units, size_t end);
+  Span SpanOf(std::string_view part) const {
+    const auto begin = static_cast<size_t>(part.data() - bytes_.data());
+    return {begin, begin + part.size()};
+  }
+  void TellSkipped(int32_t units, Span span);
   void TellText(std::string_view utf8);
   void TellBreak(bool joins);
   void TellObject(const EmbeddedObject& object);

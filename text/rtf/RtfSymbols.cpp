@@ -43,7 +43,7 @@ void RtfReader::ControlSymbol(char symbol) {
     skipUnits_ = 0;
     return Paragraph();
   }
-  if (skipUnits_ > 0) return TellSkipped(1, span_.end);
+  if (skipUnits_ > 0) return TellSkipped(1, span_);
   if (const char32_t character = CharacterOf(symbol)) Character(character);
 }
 

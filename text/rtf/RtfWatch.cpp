@@ -30,13 +30,13 @@ InForce RtfReader::inForce() {
 }
 
 // The fallback of a high surrogate lies within the pair.
-void RtfReader::TellSkipped(int32_t units, size_t end) {
+void RtfReader::TellSkipped(int32_t units, Span span) {
   skipUnits_ -= units;
   if (!watcher_) return;
   if (highSurrogate_ != 0) {
-    surrogateSpan_.end = end;
+    surrogateSpan_.end = span.end;
   } else if (fallbackCounts_) {
-    watcher_->OnFallback(end);
+    watcher_->OnFallback(span, skipUnits_ == 0);
   }
 }
 
@@ -53,8 +53,7 @@ void RtfReader::TellBreak(bool joins) {
 void RtfReader::TellObject(const EmbeddedObject& object) {
   const std::string_view group = object.rtf.bytes;
   if (!group.empty()) {
-    const size_t begin = OffsetOf(group.data());
-    span_ = {begin, begin + group.size()};
+    span_ = SpanOf(group);
     spanKind_ = RtfWatcher::Text::kGroup;
   } else {
     span_.end = tokenizer_.position();

@@ -43,8 +43,8 @@ class RtfWatcher {
 
   // --- What makes content, in its order
   virtual void OnText(Span span, std::string_view utf8, Text kind) = 0;
-  // The bytes up to here belong to the text before.
-  virtual void OnFallback(size_t end) = 0;
+  // Bytes that belong to the text before; unless they make it `complete` the next ones may, too.
+  virtual void OnFallback(Span span, bool complete) = 0;
   // `joins`: this word and the break before it are one break.
   virtual void OnBreak(Span span, bool joins) = 0;
 

@@ -50,7 +50,7 @@ class Canonicalizer {
     if (token.kind == TokenKind::kBinary)
       return Raw("\\bin" + std::to_string(token.text.size()) + " "), Raw(token.text);
     if (token.kind == TokenKind::kSymbol && bytes.back() <= 0) return Raw(kUnknownSymbol);
-    if (first && token.text == "generator" && depth_ == 2) return Generator();
+    if (first && token.kind == TokenKind::kWord && token.text == "generator" && depth_ == 2) return Generator();
     if (openWord_ && token.kind == TokenKind::kText && ContinuesWord(bytes)) out_ += ' ';
     Raw(bytes);
     openWord_ = token.kind == TokenKind::kWord && bytes.back() != ' ';

@@ -66,6 +66,31 @@ void RtfSplice::MakeEdits(const Progress& progress) {
     a = match.before.end, b = match.after.end;
   }
   add({a, before_.size()}, {b, after_.size()}, Edit::Kind::kReplace);
+  MoveAcrossTables();
+}
+
+bool RtfSplice::IsInRow(const Content& content, Units at) const {
+  return formats_[content.ParaFormatOf(content.ParagraphAt(at))].row != RowId::kNone;
+}
+
+// What remains of a paragraph before a table and ends in it now, or the other way round, cannot stay where it stands.
+void RtfSplice::MoveAcrossTables() {
+  for (size_t i = 1; i < edits_.size(); ++i) {
+    Edit& edit = edits_[i];
+    if (edit.kind != Edit::Kind::kReplace || edit.before.empty()) continue;
+    const Units begin = before_.ParagraphStart(before_.ParagraphAt(edit.before.begin));
+    if (IsInRow(before_, edit.before.begin) == IsInRow(after_, edit.after.begin)) continue;
+    for (size_t other = i; other-- > 0 && edit.before.begin > begin;) {
+      Edit& kept = edits_[other];
+      const Units from = std::max(kept.before.begin, begin);
+      const Units size = kept.before.end - from;
+      kept.after.end -= kept.kind == Edit::Kind::kReplace ? kept.after.end - kept.after.begin : size;
+      kept.before.end = from;
+      edit.before.begin = from;
+      edit.after.begin = kept.after.end;
+    }
+  }
+  std::erase_if(edits_, [](const Edit& edit) { return edit.before.empty() && edit.after.empty(); });
 }
 
 // A paragraph put in between two others may be told as text and a break before the second or as a break and text
@@ -123,22 +148,33 @@ void RtfSplice::OnText(Span span, std::string_view utf8, Text kind) {
 }
 
 // It is spelled in a code page, or by a number, and the program knows which character that is. What is told by a group
-// is none, a pair of surrogates may have words between its halves, and \line is not quite U+2028 to all readers.
+// is none, \line is not quite U+2028 to all readers, a number keeps a blank apart from the blanks beside it, and the
+// halves of a character may have words between them.
 bool RtfSplice::IsCoded(Span span, std::string_view utf8) const {
   const std::string_view bytes = bytes_.substr(span.begin, span.size());
-  const bool known = utf8 != "\uFFFC" && utf8.find("\u2028") == std::string_view::npos &&
-                     static_cast<uint8_t>(utf8[0]) < 0xF0 && utf8.find("\uFFFD") == std::string_view::npos;
-  const bool spelled = static_cast<uint8_t>(bytes[0]) >= 0x80 || bytes.starts_with("\\'") || bytes.starts_with("\\u");
-  return known && spelled;
+  const bool known = utf8 != "\uFFFC" && utf8 != " " && utf8.find("\u2028") == std::string_view::npos &&
+                     utf8.find("\uFFFD") == std::string_view::npos;
+  const bool numbered = bytes.starts_with("\\u") && static_cast<uint8_t>(utf8[0]) < 0xF0;
+  return known && (numbered || static_cast<uint8_t>(bytes[0]) >= 0x80 || bytes.starts_with("\\'"));
 }
 
-void RtfSplice::OnFallback(size_t end) {
-  openEnd_ = 0;
-  if (rewrite_) rewrite_->end = end;
-  if (dropped_) return output_.DropTo(end);
+// Nothing but what the reader passes over stands between.
+bool RtfSplice::Touch(size_t end, size_t begin) const {
+  return end <= begin &&
+         bytes_.substr(end, begin - end).find_first_not_of(std::string_view("\r\n\0", 3)) == std::string_view::npos;
+}
+
+void RtfSplice::OnFallback(Span span, bool complete) {
+  openEnd_ = complete || dropped_ ? 0 : span.end;
+  if (rewrite_ && Touch(rewrite_->end, span.begin)) rewrite_->end = span.end;
+  if (dropped_) {
+    output_.CopyTo(span.begin);
+    return output_.DropTo(span.end);
+  }
   if (!last_) return;
-  output_.CopyTo(end);
-  last_->at = output_.Here();
+  const bool bare = last_->bare, isBreak = last_->isBreak;
+  Remember(span.end, isBreak);
+  last_->bare = bare;
 }
 
 void RtfSplice::Piece(Span span, Units units, Text kind) {
@@ -184,7 +220,9 @@ void RtfSplice::Reformat(Span span, Units units) {
   output_.CopyTo(span.begin);
   if (!rewrite_ && written_ == wanted.begin && !ContinuesLast()) {
     Place place = Here(span.begin);
-    if (scope_ == Scope::kAllText) place.bare = !place.state.multiByte || untoldEnd_ != span.begin;
+    if (scope_ == Scope::kAllText)
+      place.bare = !place.state.multiByte || untoldEnd_ == 0 || !Touch(untoldEnd_, span.begin);
+    untoldEnd_ = 0;
     if (Allows(place.state, wanted)) rewrite_ = Reformatted{std::move(place), span.end, upTo};
   }
   if (!rewrite_) Flush(span.begin, upTo, false);
@@ -222,6 +260,13 @@ void RtfSplice::TornPiece(Span span, Units units) {
 void RtfSplice::ReplaceHere(size_t offset, const Edit& edit) {
   const bool bare = !last_ || last_->bare;
   Place place = Here(offset);
+  const bool inRow = IsInRow(before_, edit.before.begin);
+  if (inRow != IsInRow(after_, edit.after.begin) || inRow != IsInRow(after_, edit.after.end)) {
+    if (before_.ParagraphStart(before_.ParagraphAt(edit.before.begin)) != edit.before.begin) return;
+    last_ = place;
+    last_->isBreak = true;
+    return;
+  }
   place.bare = bare;
   CharFormat first = Writable(formats_[afterCursor_.CharsAt(written_)]);
   first.object = ObjectId::kNone;
@@ -234,7 +279,8 @@ void RtfSplice::ReplaceHere(size_t offset, const Edit& edit) {
 void RtfSplice::Drop(Span span) {
   output_.CopyTo(span.begin);
   // Without its own, a character would take what follows now for its fallback.
-  if (openEnd_ == span.begin && openEnd_ > 0) output_.Append("{}");
+  if (openEnd_ > 0 && Touch(openEnd_, span.begin)) output_.Append("{}");
+  openEnd_ = 0;
   output_.DropTo(span.end);
   dropped_ = true;
 }

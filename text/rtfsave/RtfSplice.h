@@ -26,8 +26,8 @@ namespace text::rtf {
 class RtfSplice : private RtfWatcher {
  public:
   // What is written again. All text means that which was not edited, too: every character that is spelled in a code
-  // page or by a number, but for pairs of surrogates, U+2028 and
-  // those that could not be told.
+  // page or by a number, but for blanks, numbers past U+FFFF, and U+2028 and what could not be told, with the bytes
+  // that were told together with it.
   enum class Scope : uint8_t { kEdits, kAllText };
 
   // `wanted` is of the store of source.content, and the same content where all text is written again.
@@ -62,7 +62,7 @@ class RtfSplice : private RtfWatcher {
 
   // --- RtfSplice.cpp: the walk
   void OnText(Span span, std::string_view utf8, Text kind) override;
-  void OnFallback(size_t end) override;
+  void OnFallback(Span span, bool complete) override;
   void OnBreak(Span span, bool joins) override;
   void OnLabel(Span span) override;
   void OnOldPicture(Span span) override;
@@ -78,7 +78,10 @@ class RtfSplice : private RtfWatcher {
   const Edit& CurrentEdit();
   Units Mapped(Units position) const { return edits_[edit_].after.begin + (position - edits_[edit_].before.begin); }
   void SlideInsertion();
+  void MoveAcrossTables();
+  bool IsInRow(const Content& content, Units at) const;
   bool IsCoded(Span span, std::string_view utf8) const;
+  bool Touch(size_t end, size_t begin) const;
   void Piece(Span span, Units units, Text kind);
   void TornPiece(Span span, Units units);
   void Part(Span span, Units units, Text kind);
@@ -103,6 +106,7 @@ class RtfSplice : private RtfWatcher {
   void EndParagraph(Span span, const ParaFormat* from, const ParaFormat* to, std::optional<CharFormatId> chars);
   // The output's paragraph format at a place, the deviation before it ended.
   ParaFormat Settled(const Reach& here, const ParaFormat& state);
+  void LeadLastParagraph(size_t offset, bool needsBreak);
   void CopyBreak(Span span, std::optional<CharFormatId> chars);
   void LeadTo(const Reach& here, const ParaFormat& from, const ParaFormat& to);
   void Deviate(const Reach& here, const ParaFormat& format, const ParaFormat& original);
@@ -115,6 +119,7 @@ class RtfSplice : private RtfWatcher {
   void InsertBreak(CharFormatId id, const ParaFormat& wanted);
   void FindRows(const std::vector<PieceView>& pieces);
   std::string RowWords(RowId row);
+  void BackInTable();
   void InsertObject(ObjectId id);
   std::string_view WithMark(std::string_view note) const;
   void EndInsertedParagraphs(const SpliceOutput::Place& at);
@@ -174,6 +179,7 @@ class RtfSplice : private RtfWatcher {
   std::vector<RowId> rows_;  // of the outermost tables, that are put in whole
   size_t row_ = 0;
   bool rowBegins_ = true, nestedRowEnded_ = false;
+  bool leftTable_ = false;  // whose words were in force at the place
 };
 
 }  // namespace text::rtf

@@ -31,12 +31,18 @@ size_t MissingDigits(std::string_view bytes) {
 }
 
 // With what keeps the bytes from becoming part of what stands before: a space behind a word, and behind \' and less
-// than two digits, which mean nothing, others that mean nothing.
-void Join(std::string& out, std::string_view bytes) {
-  if (bytes.empty()) return;
-  if (ContinuesWord(bytes) && EndsInWord(out)) out += ' ';
-  if (!IsSpecial(bytes.front())) out.append(MissingDigits(out), 'x');
+// than two digits, which mean nothing, others that mean nothing. What stands before `last` was joined to what begins
+// there, and is not looked at; returns where these bytes begin.
+size_t Join(std::string& out, std::string_view bytes, size_t last = 0) {
+  if (bytes.empty()) return last;
+  const std::string_view before = std::string_view(out).substr(last);
+  const bool space = ContinuesWord(bytes) && EndsInWord(before);
+  const size_t missing = IsSpecial(bytes.front()) ? 0 : MissingDigits(before);
+  if (space) out += ' ';
+  out.append(missing, 'x');
+  const size_t begin = out.size();
   out += bytes;
+  return begin;
 }
 
 }  // namespace
@@ -104,15 +110,16 @@ std::string SpliceOutput::Joined() const {
   std::string out;
   out.reserve(size);
   size_t end = 0;  // of what was copied last, with nothing new behind it
+  size_t last = 0;
   for (const Slot& slot : slots_) {
     if (!slot.bytes.empty()) end = source_.size() + 1;
-    Join(out, slot.bytes);
+    last = Join(out, slot.bytes, last);
     if (slot.span.size() == 0) continue;
     const std::string_view copied = source_.substr(slot.span.begin, slot.span.size());
     if (slot.span.begin == end) {
       out += copied;
     } else {
-      Join(out, copied);
+      last = Join(out, copied, last);
     }
     end = slot.span.end;
   }

@@ -140,33 +140,35 @@ std::string RtfSplice::CharWordsBesideStyle() {
 void RtfSplice::OnEnd(size_t offset) {
   EndRewrite();
   if (sawClosing_) return;
+  const ParaFormatId wanted = after_.lastParaFormat();
+  const bool open = after_.ParagraphStart(after_.breaks()) < after_.size();
+  const bool needsBreak = !open && !keptEnd_ && (after_.size() > Units(0) || wanted != ParaFormatId::kDefault);
+  LeadLastParagraph(offset, needsBreak);
+  if (!needsBreak) return;
+  output_.CopyTo(offset);
+  output_.Append("\\par\r\n");
+}
+
+void RtfSplice::LeadLastParagraph(size_t offset, bool needsBreak) {
+  const ParaFormatId was = before_.lastParaFormat(), wanted = after_.lastParaFormat();
   std::optional<Place> tail = last_;
   const bool leavesTable = atParagraphBegin_ && reader_.inForce().tableLevel > 0;
   if (written_ < after_.size()) {
     const bool broken = after_.ParagraphAt(written_) < after_.breaks();
     Flush(offset, after_.size(), true);
     // Other programs lose text that says it is in a table and is in no row.
-    if (leavesTable && paragraphBegin_ && formats_[after_.lastParaFormat()].row == RowId::kNone) {
+    if (leavesTable && paragraphBegin_ && formats_[wanted].row == RowId::kNone) {
       std::string bytes;
-      RtfWords(bytes).Paragraph(formats_[after_.lastParaFormat()], formats_, Numbers());
-      output_.Insert(paragraphBegin_->at, bytes);
-      return;
+      RtfWords(bytes).Paragraph(formats_[wanted], formats_, Numbers());
+      return output_.Insert(paragraphBegin_->at, bytes);
     }
     if (broken) tail.reset();
   }
-  const ParaFormatId wantedId = after_.lastParaFormat();
-  const bool open = after_.ParagraphStart(after_.breaks()) < after_.size();
-  const bool needsBreak = !open && !keptEnd_ && (after_.size() > Units(0) || wantedId != ParaFormatId::kDefault);
-  const bool same = wantedId == before_.lastParaFormat();
-  if (!needsBreak && same && !deviation_) return;
+  if (!needsBreak && was == wanted && !deviation_) return;
   if (!tail || tail->isBreak) tail = Here(offset);
   const ParaFormat& state = tail->state.paragraph;
   const ParaFormat settled = Settled(*tail, state);
-  LeadTo(*tail, settled,
-         same && !needsBreak ? state : Changed(state, formats_[before_.lastParaFormat()], formats_[wantedId]));
-  if (!needsBreak) return;
-  output_.CopyTo(offset);
-  output_.Append("\\par\r\n");
+  LeadTo(*tail, settled, was == wanted && !needsBreak ? state : Changed(state, formats_[was], formats_[wanted]));
 }
 
 }  // namespace text::rtf

@@ -11,6 +11,8 @@ namespace text::rtf {
 
 namespace {
 
+constexpr int32_t kHighestNumber = 1 << 30;  // leaves room for new ones
+
 bool IsFontWord(std::string_view word) {
   constexpr std::array<std::string_view, 6> kWords{"f", "af", "deff", "adeff", "pnf", "cchs"};
   return std::find(kWords.begin(), kWords.end(), word) != kWords.end() || word.starts_with("stshf");
@@ -27,14 +29,14 @@ bool IsColorWord(std::string_view word) {
 SpliceTables::Highest& SpliceTables::InUse() {
   if (inUse_) return *inUse_;
   Highest highest;
-  highest.font = std::max(0, tables_.defaultFont);
+  highest.font = std::clamp(tables_.defaultFont, 0, kHighestNumber);
   RtfTokenizer tokenizer(source_);
   for (Token token = tokenizer.Next(); token.kind != TokenKind::kEnd; token = tokenizer.Next()) {
     if (token.kind != TokenKind::kWord) continue;
     if (token.text == "listid") highest.listIds.insert(token.parameter);
     if (token.parameter <= 0) continue;
-    if (token.text == "ls") highest.list = std::max(highest.list, std::min(token.parameter, 1 << 30));
-    if (IsFontWord(token.text)) highest.font = std::max(highest.font, std::min(token.parameter, 1 << 30));
+    if (token.text == "ls") highest.list = std::max(highest.list, std::min(token.parameter, kHighestNumber));
+    if (IsFontWord(token.text)) highest.font = std::max(highest.font, std::min(token.parameter, kHighestNumber));
     if (IsColorWord(token.text) && token.parameter < static_cast<int32_t>(kMaxColors))
       highest.color = std::max(highest.color, token.parameter);
   }

@@ -4,6 +4,7 @@
 #include "text/FormatTable.h"
 #include "text/rtf/RtfTables.h"
 #include "text/rtf/RtfWatcher.h"
+#include "text/rtfwrite/RtfWords.h"
 
 #include <map>
 #include <optional>
@@ -33,7 +34,7 @@ class SpliceTables {
 
  private:
   struct Highest {
-    int32_t font = -1, color = -1, list = 0;
+    int32_t font = -1, color = -1, list = kOldLists;
     std::set<int32_t> listIds;
   };
   Highest& InUse();

@@ -3,6 +3,7 @@
 #include "text/Utf16.h"
 #include "text/rtfsave/RtfSplice.h"
 #include "text/rtfsyntax/RtfFields.h"
+#include "text/rtfsyntax/RtfPictures.h"
 #include "text/rtfwrite/RtfWriter.h"
 
 namespace text::rtf {
@@ -34,6 +35,7 @@ void RtfSplice::Insert(const Place& place, Units upTo) {
   mayTear_ = place.behindUtf8;
   paragraphAt_ = 0;
   paragraph_.reset();
+  leftTable_ = false;
   const std::vector<PieceView>& pieces = afterCursor_.Pieces({written_, upTo});
   FindRows(pieces);
   for (const PieceView& piece : pieces) {
@@ -46,6 +48,7 @@ void RtfSplice::Insert(const Place& place, Units upTo) {
     }
   }
   CloseRun();
+  if (leftTable_ && IsInRow(after_, upTo)) BackInTable();
   const size_t before = output_.BytesAt(place.at);
   output_.InsertLast(place.at, inserted_);
   if (paragraph_) {
@@ -128,10 +131,11 @@ TextCoding RtfSplice::CodingFor(const CharFormat& format) const {
   return coding;
 }
 
-// A group of this file goes as it is.
+// A group of this file goes as it is, but for one that wants its mark.
 void RtfSplice::InsertObject(ObjectId id) {
   const SharedBytes& group = formats_[id].rtf;
-  if (group.owner == sourceBytes_ && !group.bytes.empty()) return words_.Raw(WithMark(group.bytes));
+  if (group.owner == sourceBytes_ && !group.bytes.empty() && !IsAttachment(group.bytes))
+    return words_.Raw(WithMark(group.bytes));
   const ByteSink append = [this](std::string_view bytes) {
     words_.Raw(bytes);
     return true;
@@ -180,7 +184,14 @@ void RtfSplice::InsertBreak(CharFormatId id, const ParaFormat& wantedFormat) {
   const ParaFormat from = paragraph_ ? *paragraph_ : Settled(*place_, place_->state.paragraph);
   std::string row = inRow && rowBegins_ ? RowWords(rows_[row_]) : std::string();
   if (!inRow && wantedFormat.row != RowId::kNone && place_->state.tableLevel == 0) row = "\\intbl";
-  if (inRow && nestedRowEnded_) {
+  // Other programs lose text that says it is in a table and is in no row.
+  const bool leaves = !inRow && wantedFormat.row == RowId::kNone && place_->state.tableLevel > 0;
+  leftTable_ |= leaves;
+  if (leaves && !paragraph_ && atParagraphBegin_) {
+    std::string words;
+    RtfWords(words).Paragraph(look, formats_, Numbers());
+    PutIn(inserted_, 0, words);
+  } else if (inRow && nestedRowEnded_) {
     std::string words;
     RtfWords(words).Paragraph(wanted, formats_, Numbers());
     PutIn(inserted_, paragraphAt_, row + words);
@@ -201,6 +212,12 @@ void RtfSplice::InsertBreak(CharFormatId id, const ParaFormat& wantedFormat) {
   paragraph_ = look;
   paragraphAt_ = inserted_.size();
   bare_ = true;
+}
+
+// For what follows, which counts on the words before the place.
+void RtfSplice::BackInTable() {
+  words_.Word("intbl");
+  if (place_->state.tableLevel > 1) words_.Word("itap", place_->state.tableLevel);
 }
 
 std::string RtfSplice::RowWords(RowId row) {

@@ -363,7 +363,7 @@ constexpr Keyword kKeywords[] = {
     {"sub", Kind::kToggle, Op::kScript, -1},
     {"subject", Kind::kDestination, Op::kSkipGroup, 0},
     {"super", Kind::kToggle, Op::kScript, 1},
-    {"sv", Kind::kDestination, Op::kTransparent, 0},
+    {"sv", Kind::kDestination, Op::kOpenShapeValue, 0},
     {"tab", Kind::kSymbol, Op::kCharacter, 0x09},
     {"tb", Kind::kFlag, Op::kBarTab, 0},
     {"tblrsid", Kind::kRow, Op::kRowPassing, 0},

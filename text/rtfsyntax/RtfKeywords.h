@@ -128,6 +128,7 @@ enum class Op : uint8_t {
   kOpenOldPicture,
   kOpenShapeProperty,
   kOpenShapeName,
+  kOpenShapeValue,
   kPicture,
   kObject,
   kNextGraphic,

@@ -251,4 +251,12 @@ EmbeddedObject ReadAttachment(RtfTokenizer& tokenizer) {
   return object;
 }
 
+bool IsAttachment(std::string_view group) {
+  RtfTokenizer tokenizer(group);
+  tokenizer.Next();
+  Token token = tokenizer.Next();
+  if (token.kind == TokenKind::kSymbol && token.text == "*") token = tokenizer.Next();
+  return token.kind == TokenKind::kWord && token.text == "NeXTGraphic";
+}
+
 }  // namespace text::rtf

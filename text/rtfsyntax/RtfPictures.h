@@ -39,5 +39,7 @@ ScannedObject ScanObject(RtfTokenizer tokenizer, ReadingPictures& reading);
 
 // Name and size of a Cocoa attachment, from behind \NeXTGraphic.
 EmbeddedObject ReadAttachment(RtfTokenizer& tokenizer);
+// A character stands behind it that is none.
+bool IsAttachment(std::string_view group);
 
 }  // namespace text::rtf

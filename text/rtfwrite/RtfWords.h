@@ -105,6 +105,8 @@ bool ContinuesWord(std::string_view bytes);
 // In front of everything: no flags and colours, but a font and a size that differ from any other.
 CharFormat UnknownChars();
 constexpr FontId kUnknownFont{0xFFFFFFFF};
+// Some readers give {\*\pn} numbers of their own, from 1 on: new lists come behind these.
+constexpr int32_t kOldLists = 100;
 
 // True where the paragraph's list may have a level with indents of its own, so that the paragraph must say its own.
 bool GivesIndents(const ParaFormat& format, const FormatTable& formats);

@@ -86,7 +86,7 @@ void RtfWriter::Object(const EmbeddedObject& object) {
   const bool picture = object.kind == ObjectKind::kPicture;
   const bool raw = object.rtf.bytes.find("\\bin") != std::string_view::npos;
   if (picture && (object.rtf.bytes.empty() || (raw && object.type != PictureType::kNone))) return Picture(object);
-  if (object.rtf.bytes.starts_with("{\\NeXTGraphic")) {
+  if (IsAttachment(object.rtf.bytes)) {
     words_.Raw("{"), Group(object.rtf.bytes), words_.Raw("\\'ac}");
     return;
   }

@@ -12,12 +12,6 @@
 
 namespace text::rtf {
 
-namespace {
-
-constexpr int32_t kOldLists = 100;
-
-}  // namespace
-
 void RtfWriter::CollectFormats(Range range, bool wholeDocument) {
   CollectFont(properties_.defaultFont);
   CollectFromSource(range, wholeDocument);
@@ -72,7 +66,6 @@ int32_t RtfWriter::ListNumber(ListId id) const {
   return found == listNumbers_.end() ? 0 : found->second + ListsBefore();
 }
 
-// Some readers give {\*\pn} numbers of their own, from 1 on.
 int32_t RtfWriter::ListsBefore() const {
   return anyBullet_ || anyOldList_ ? kOldLists : 0;
 }
