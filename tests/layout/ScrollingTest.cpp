@@ -185,6 +185,33 @@ TEST(Scroll, EnsureVisibleScrollsAsLittleAsNeeded) {
   EXPECT_LT(view.TopOf(content.ParagraphStart(Breaks(900))), 50);
 }
 
+TEST(Scroll, ATallFirstLineIsSeenFromItsTopWhereTheCaretThenIsSeenToo) {
+  for (const bool fits : {true, false}) {
+    RichText text;
+    CharFormat chars;
+    EmbeddedObject object;
+    object.width = 900;
+    object.height = (fits ? 150 : 400) * 15;
+    chars.object = text.formats().Add(object);
+    text.Add("\uFFFC", {}, chars);
+    for (int i = 0; i < 500; ++i) text.Add("line");
+    const Document document = text.Finish();
+    const Content& content = document.content();
+    TestView view(document);
+    for (const int64_t from : {3, 400}) {  // the first line is in sight, or far away
+      for (const CaretPlace place : {CaretPlace{Units(0)}, {Units(1)}}) {
+        view.SetScrollValue(view.scrollMaximum());
+        view.EnsureVisible({content.ParagraphStart(Breaks(from))});
+        EXPECT_TRUE(view.EnsureVisible(place, 4));
+        EXPECT_EQ(view.scrollValue() == 0, fits) << from;
+        const QRectF rect = view.CaretRect(place);
+        EXPECT_TRUE(rect.bottom() > 0 && rect.bottom() <= 200) << from << " " << rect.bottom();
+        EXPECT_FALSE(view.EnsureVisible(place, 4)) << from;
+      }
+    }
+  }
+}
+
 TEST(Scroll, TheEstimateGrowsWithThePosition) {
   const Document document = MakeDocument(Paragraphs(2000) + Repeated("long line ", 5000));
   Blocks blocks(document);

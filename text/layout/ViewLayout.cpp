@@ -188,20 +188,26 @@ bool ViewLayout::EnsureVisible(CaretPlace place, double contextPixels) {
   Update();
   View& view = impl_->view;
   place = impl_->Valid(place);
-  const QRectF rect = CaretRect(place);
-  const double room = std::max(0.0, view.height() - rect.height());
+  const double room = std::max(0.0, view.height() - CaretRect(place).height());
   const double context = std::clamp(contextPixels, 0.0, room / 2);
-  if (view.FindVisible(place)) {
-    const double tooHigh = rect.top() - context, tooLow = rect.bottom() + context - view.height();
-    const double by = tooHigh < 0 ? tooHigh : tooLow > 0 ? std::min(tooLow, tooHigh) : 0;
-    return by != 0 && view.ScrollBy(by) != 0;
+  const bool far = !view.FindVisible(place);
+  if (far) {
+    const bool above = place.position <= view.Visible().front().span.range.begin;
+    const PlacedBlock block = impl_->BlockOf(place);
+    const BlockLine& line = block.row->LineAt(block.LineOf(place));
+    view.PlaceLine(place, above ? context : view.height() - context - line.height);
   }
-  const bool above = place.position <= view.Visible().front().span.range.begin;
+  const QRectF rect = CaretRect(place);
+  const double tooLow = rect.bottom() + context - view.height();
+  double tooHigh = rect.top() - context;
+  // The text's first line can be much taller than the caret; what is above it is seen where both have room.
   const PlacedBlock block = impl_->BlockOf(place);
-  const BlockLine& line = block.row->LineAt(block.LineOf(place));
-  view.PlaceLine(place, above ? context : view.height() - context - line.height);
-  view.Visible();
-  return true;
+  const double toTop = block.top - impl_->margin();
+  if (block.BeginOf(block.LineOf(place)) == Units(0) && rect.bottom() - toTop <= view.height())
+    tooHigh = std::min(tooHigh, toTop);
+  const double by = tooHigh < 0 ? tooHigh : tooLow > 0 ? std::min(tooLow, tooHigh) : 0;
+  const bool moved = by != 0 && view.ScrollBy(by) != 0;
+  return far || moved;
 }
 
 Range ViewLayout::VisibleRange() {

@@ -81,7 +81,8 @@ class ViewLayout {
   void SetScrollValue(int value);
   // Moves the text by exactly so many pixels (positive = further down), stopping at both ends. Returns what it moved.
   double ScrollBy(double pixels);
-  // Scrolls as little as needed so that the place with some context is visible. Returns true when it scrolled.
+  // Scrolls as little as needed so that the place with some context is visible; for one in the text's first line, to
+  // the text's top if that keeps it visible. Returns true when it scrolled.
   bool EnsureVisible(CaretPlace place, double contextPixels = 0);
   // The first and last position that are at least partly visible.
   Range VisibleRange();
