@@ -8,6 +8,8 @@
 #include <QImage>
 #include <gtest/gtest.h>
 
+#include <functional>
+
 namespace ui::test {
 namespace {
 
@@ -168,7 +170,7 @@ TEST(Clipboard, TakesThePictureThatLosesNothing) {
   data.setData("image/jpeg", Encoded(clear, "jpeg"));
   Editor editor("|");
   const auto type = [&] {
-    const auto fragment = PictureFragment(data, editor.document);
+    const auto fragment = PictureFragment(data, editor.document, {});
     const text::FormatTable& formats = editor.document.formats();
     return fragment ? formats[formats[fragment->CharFormatAt(text::Units(0))].object].type : text::PictureType::kNone;
   };
@@ -178,6 +180,113 @@ TEST(Clipboard, TakesThePictureThatLosesNothing) {
   EXPECT_EQ(type(), text::PictureType::kPng) << "made of the image";
   data.setData("image/png", Encoded(clear, "png"));
   EXPECT_EQ(type(), text::PictureType::kPng);
+}
+
+// The text typed next goes on as the text before it did, whatever came between.
+TEST(Clipboard, WhatSaysNothingOfItsLookTakesThatOfItsPlace) {
+  QImage dot(1, 1, QImage::Format_RGB32);
+  dot.fill(Qt::red);
+  QMimeData picture, words, page;
+  picture.setImageData(dot);
+  words.setHtml("a<code>b</code>");
+  page.setHtml("<h1>a</h1>");
+  const auto object = [](Editor& editor) {
+    text::ContentBuilder builder(editor.document.content().store());
+    text::CharFormat format;
+    format.object = editor.document.formats().Add({});
+    builder.Append("\uFFFC", editor.document.formats().Intern(format));
+    editor.controller.InsertObjects({builder.Finish()});
+  };
+  const struct {
+    const char* what;
+    std::function<void(Editor&)> insert;
+    const char* font;  // of the text typed next
+    int halfPoints;
+    bool isObject;
+  } rows[] = {
+      {"picture", [&](Editor& editor) { editor.controller.Insert(picture, false); }, "Mono", 20, true},
+      {"dropped picture", [&](Editor& editor) { editor.controller.InsertPicture(picture); }, "Mono", 20, true},
+      {"object", object, "Mono", 20, true},
+      {"words", [&](Editor& editor) { editor.controller.Insert(words, false); }, "Courier New", 20, false},
+      {"heading", [&](Editor& editor) { editor.controller.Insert(page, false); }, "Mono", 40, false},
+  };
+  for (const auto& row : rows) {
+    for (const char* place : {"[x|", "x|", "|"}) {
+      Editor editor(place);
+      text::CharFormatPatch patch;
+      patch.font = editor.document.formats().Intern(text::Font{"Mono"});
+      patch.halfPoints = 20;
+      const text::Selection selection = editor.controller.selection();
+      editor.controller.SelectAll();
+      editor.controller.PatchChars(patch);
+      if (std::string_view(place) != "|") editor.controller.Select(selection);
+      row.insert(editor);
+      const text::FormatTable& formats = editor.document.formats();
+      const text::Units last = editor.controller.range().end - text::Units(1);
+      EXPECT_EQ(formats[editor.document.content().CharFormatAt(last)].object != text::ObjectId::kNone, row.isObject);
+      EXPECT_EQ(formats[editor.controller.InsertFormat().font].name, row.font) << row.what << " at " << place;
+      EXPECT_EQ(editor.controller.InsertFormat().halfPoints, row.halfPoints) << row.what << " at " << place;
+    }
+  }
+}
+
+TEST(Clipboard, AnEmptyParagraphBecomesTheLastOneThatIsPasted) {
+  const struct {
+    const char *before, *html, *rtf, *after;
+    const char* kinds;  // of the paragraphs: Number, Right, "-" or, as before, Center
+  } rows[] = {
+      {"|", "<ol><li>c<li>d</ol>", nullptr, "c\nd|", "NN"},
+      {"x\n|\ny", "<ol><li>c<li>d</ol>", nullptr, "x\nc\nd|\ny", "CNNC"},
+      {"[x|", "<ol><li>c<li>d</ol>", nullptr, "c\nd|", "NN"},
+      {"x|", "<ol><li>c<li>d</ol>", nullptr, "xc\nd|", "NC"},
+      {"|", "<ol><li>c</ol>", nullptr, "c|", "N"},
+      {"|", "<b>c</b>", nullptr, "c|", "C"},
+      {"|", "<p>c</p>", nullptr, "c|", "-"},
+      {"|", "c<div>d</div>", nullptr, "c\nd|", "--"},
+      {"|", nullptr, "{\\rtf1\\pard\\qr c\\par d}", "c\nd|", "RR"},
+      {"|", nullptr, "{\\rtf1\\pard\\qr c\\par}", "c\n|", "RC"},
+      {"|", nullptr, "{\\rtf1\\pard\\qr c}", "c|", "C"},
+  };
+  for (const auto& row : rows) {
+    QMimeData data;
+    if (row.html) data.setHtml(QString::fromUtf8(row.html));
+    if (row.rtf) data.setData(QStringLiteral("text/rtf"), row.rtf);
+    Editor editor(row.before);
+    const text::Selection selection = editor.controller.selection();
+    editor.controller.SelectAll();
+    text::ParaFormatPatch centered;
+    centered.alignment = text::Alignment::kCenter;
+    editor.controller.PatchParagraphs(centered);
+    editor.controller.Select(selection);
+    const text::Content before = editor.document.content();
+    editor.controller.Insert(data, false);
+    EXPECT_EQ(editor.Shown(), row.after);
+    std::string kinds;
+    const text::Content& content = editor.document.content();
+    for (text::Breaks at(0); at <= content.breaks(); at = at + text::Breaks(1)) {
+      const text::ParaFormat& format = content.formats()[content.ParaFormatOf(at)];
+      kinds += format.list != text::ListId::kNone ? 'N' : "-RC"[static_cast<size_t>(format.alignment)];
+    }
+    EXPECT_EQ(kinds, row.kinds) << row.after;
+    editor.Press("Ctrl+Z");
+    EXPECT_TRUE(editor.document.content().SameAs(before)) << "one step: " << row.after;
+    editor.Press("Ctrl+Y");
+    EXPECT_EQ(editor.Shown(), row.after);
+  }
+}
+
+TEST(Clipboard, AParagraphGoesIntoAnEmptyItem) {
+  for (const char* html : {"<p>c</p>", "<ul><li>c</ul>"}) {
+    QMimeData data;
+    data.setHtml(QString::fromUtf8(html));
+    Editor editor("|");
+    text::ParaFormatPatch item;
+    item.bullet = true;
+    editor.controller.PatchParagraphs(item);
+    editor.controller.Insert(data, false);
+    EXPECT_EQ(editor.Shown(), "c|");
+    EXPECT_TRUE(editor.document.formats()[editor.document.content().lastParaFormat()].bullet) << html;
+  }
 }
 
 // All of the text without its look, or nothing, rather than the beginning with it.

@@ -1,3 +1,4 @@
+#include "text/TextStore.h"
 #include "ui/editor/RichTextBox.h"
 
 #include <QApplication>
@@ -323,6 +324,23 @@ TEST(Loading, TheDefaultFormatIsNeitherEditNorChange) {
   box.SelectAll();
   EXPECT_EQ(box.SelFontSize(), 20);
   EXPECT_EQ(box.SelFontName(), QStringLiteral("Courier"));
+}
+
+// As it would be read again after saving.
+TEST(Loading, AnEmptyFilesTextHasTheFontThatItNames) {
+  const char* rtf = "{\\rtf1\\deff0{\\fonttbl{\\f0 Courier;}}}";
+  for (const char* font : {"", "DejaVu Sans"}) {
+    RichTextBox box;
+    if (*font) box.SetDefaultFormat(font, 10);
+    box.LoadRtf(text::rtf::Read(rtf, box.document().content().store()));
+    const std::string shown = box.SelFontName().value_or("").toStdString();
+    EXPECT_EQ(shown, *font ? font : "Courier");
+    box.SetSelText("x");
+    box.SelectAll();
+    const auto again = text::rtf::Read(box.SelRTF().toStdString(), std::make_shared<text::TextStore>());
+    const text::FormatTable& formats = again.content.formats();
+    EXPECT_EQ(formats[formats[again.content.CharFormatAt(text::Units(0))].font].name, shown);
+  }
 }
 
 TEST(Loading, BytesComeBackAsTheyWere) {

@@ -74,7 +74,16 @@ TEST(TableEdits, KeepTheStructure) {
       {"delete at a row's end", 12, 12, "Delete", "before\nab\ncd|\nef\ngh\nafter", "-crcr-", 1},
       {"backspace below the table", 19, 19, "Backspace", "before\nab\ncd\nef\ngh\n|after", "-crcr-", 1},
       {"text above does not flow in", 6, 6, "Delete", "before|\nab\ncd\nef\ngh\nafter", "-crcr-", 1},
-      {"a part of two cells", 8, 11, "Delete", "before\na[b\nc|d\nef\ngh\nafter", "-crcr-", 1},
+      {"a part of two cells", 8, 11, "Delete", "before\na|\nd\nef\ngh\nafter", "-crcr-", 0},
+      {"backwards", 15, 8, "Backspace", "before\na|\n\n\ngh\nafter", "-crcr-", 0},
+      {"cut, and pasted into a cell", 8, 11, "Ctrl+X Ctrl+V", "before\nab\nc|\nd\nef\ngh\nafter", "-icrcr-", 0},
+      {"and undone", 15, 8, "Delete Ctrl+Z", "before\na|b\ncd\nef[\ngh\nafter", "-crcr-", 0},
+      {"cells without text", 12, 13, "Delete", "before\nab\ncd[\n|ef\ngh\nafter", "-crcr-", 1},
+      {"paragraphs of a cell and another cell", 11, 11,
+       "Return Left Left Shift+Right Shift+Right Shift+Right Shift+Right Delete", "before\nab\n|\nef\ngh\nafter",
+       "-crcr-", 0},
+      {"a cell and text below", 16, 20, "Delete", "before\nab\ncd\nef\n[gh\na|fter", "-crcr-", 1},
+      {"a cell and the end of its row", 16, 19, "Delete", "before\nab\ncd\nef\n|\nafter", "-crcr-", 0},
       {"typing over a part of two rows", 8, 14, "'x'", "before\na[b\ncd\ne|f\ngh\nafter", "-crcr-", 1},
       {"within a cell", 7, 9, "Delete", "before\n|\ncd\nef\ngh\nafter", "-crcr-", 0},
       {"a whole row", 7, 13, "Delete", "before\n|ef\ngh\nafter", "-cr-", 0},
@@ -138,6 +147,32 @@ TEST(TableEdits, PastedRowsFitTheirPlace) {
     EXPECT_EQ(editor.Shown(), c.text) << c.name;
     EXPECT_EQ(Marks(editor), c.marks) << c.name;
   }
+}
+
+TEST(TableEdits, TextInAnEmptiedCellLooksAsBefore) {
+  Editor editor("|");
+  FillTable(editor);
+  text::CharFormatPatch bold;
+  bold.setFlags = text::kBold;
+  editor.controller.Select({Units(7), Units(9)});
+  editor.controller.PatchChars(bold);
+  editor.controller.Select({Units(7), Units(11)});
+  editor.Press("Delete 'x'");
+  EXPECT_EQ(editor.Shown(), "before\nx|\nd\nef\ngh\nafter");
+  EXPECT_EQ(editor.document.formats()[editor.document.content().CharFormatAt(Units(7))].flags, text::kBold);
+}
+
+// The cell's only paragraph becomes the list's last one and still ends the cell.
+TEST(TableEdits, AListIntoAnEmptyCell) {
+  Editor editor("|");
+  Fill(editor, {"", "cd"}, "cr");
+  QMimeData data;
+  data.setHtml("<ul><li>a<li>b</ul>");
+  editor.controller.Insert(data, false);
+  EXPECT_EQ(editor.Shown(), "a\nb|\ncd");
+  EXPECT_EQ(Marks(editor), "icr");
+  const text::Content& content = editor.document.content();
+  EXPECT_TRUE(content.formats()[content.ParaFormatOf(text::Breaks(1))].bullet);
 }
 
 TEST(Lists, EnterGoesOnAndEndsThem) {

@@ -126,7 +126,24 @@ TEST(HtmlReader, CharacterFormats) {
 TEST(HtmlReader, ParagraphFormats) {
   EXPECT_EQ(Shown("<p align=center>x").Paragraph().alignment, Alignment::kCenter);
   EXPECT_EQ(Shown("<div style='text-align:end'><p>x</div>").Paragraph().alignment, Alignment::kRight);
-  EXPECT_TRUE(Shown("<p dir=rtl>x").Paragraph().rightToLeft);
+  const struct {
+    const char* html;
+    bool rightToLeft;
+    Alignment alignment;
+  } sides[] = {
+      {"<p dir=rtl>x", true, Alignment::kRight},
+      {"<p style='direction:rtl'>x", true, Alignment::kRight},
+      {"<p dir=rtl style='text-align:left'>x", true, Alignment::kLeft},
+      {"<p dir=rtl align=center>x", true, Alignment::kCenter},
+      {"<div style='text-align:end'><p dir=rtl>x</div>", true, Alignment::kLeft},
+      {"<div dir=rtl><p dir=ltr>x</div>", false, Alignment::kLeft},
+      {"<p><span dir=rtl style='text-align:center'>x</span>", false, Alignment::kLeft},
+      {"<div dir=rtl><table><tr><td>x</table></div>", false, Alignment::kLeft},
+  };
+  for (const auto& row : sides) {
+    EXPECT_EQ(Shown(row.html).Paragraph().rightToLeft, row.rightToLeft) << row.html;
+    EXPECT_EQ(Shown(row.html).Paragraph().alignment, row.alignment) << row.html;
+  }
   EXPECT_EQ(Shown("<p style='margin:10px 0 20px;text-indent:-1in;margin-left:1in'>x").Paragraph().spaceAfter, 300);
   EXPECT_EQ(Shown("<p style='text-indent:-1in;margin-left:1in'>x").Paragraph().firstIndent, -1440);
 

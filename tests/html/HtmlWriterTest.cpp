@@ -49,6 +49,7 @@ TEST(HtmlWriter, LinesParagraphsAndPages) {
       {"\\ql x\\par\\qc{\\i a\\page b}\\par\\qr c",
        "<p>x</p><p style=\"text-align:center\"><i>a</i></p>"
        "<p style=\"text-align:center;break-before:page\"><i>b</i></p><p style=\"text-align:right\">c</p>"},
+      {"\\rtlpar\\qr x\\par\\ql y", "<p dir=\"rtl\">x</p><p dir=\"rtl\" style=\"text-align:left\">y</p>"},
       {"\\qc a\\page b", "<p style=\"text-align:center\">a</p><p style=\"text-align:center;break-before:page\">b</p>"},
   };
   for (const Row& row : rows) {

@@ -2,10 +2,12 @@
 #include "services/Numbers.h"
 #include "tests/program/ProgramTest.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QMouseEvent>
 #include <QScrollBar>
+#include <QWheelEvent>
 
 #include <functional>
 
@@ -126,6 +128,53 @@ TEST_F(FormatCommandsTest, TheOffsetToolRaisesAndLowers) {
   document_->mnuSelCharOffset_Click();
   EXPECT_TRUE(bar->isHidden() && readOut->isHidden());
   EXPECT_FALSE(document_->checks().SelCharOffset);
+}
+
+// Whatever moves the bar, what is at the top raises.
+TEST_F(FormatCommandsTest, TheOffsetToolIsHighestAtItsTop) {
+  document_->mnuSelCharOffset_Click();
+  auto* bar = box().findChild<QScrollBar*>("VScroll1");
+  ASSERT_TRUE(bar);
+  const QPoint top(bar->width() / 2, 3), bottom(bar->width() / 2, bar->height() - 4);
+  const QPoint belowTop(bar->width() / 2, bar->height() / 4), aboveBottom(bar->width() / 2, bar->height() * 3 / 4);
+  const auto click = [bar](QPoint at) {
+    for (const auto type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease}) {
+      const bool down = type == QEvent::MouseButtonPress;
+      QMouseEvent event(type, at, bar->mapToGlobal(at), Qt::LeftButton, down ? Qt::LeftButton : Qt::NoButton, {});
+      QCoreApplication::sendEvent(bar, &event);
+    }
+  };
+  const auto press = [bar](Qt::Key key) {
+    QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier);
+    QCoreApplication::sendEvent(bar, &event);
+  };
+  const auto wheel = [bar, top](int turn) {
+    QWheelEvent event(top, bar->mapToGlobal(top), {}, {0, turn}, Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase,
+                      false);
+    QCoreApplication::sendEvent(bar, &event);
+  };
+  const int notch = QApplication::wheelScrollLines();
+  const struct {
+    const char* what;
+    std::function<void()> raise, lower;
+    int pixels;
+  } ways[] = {
+      {"arrows", [&] { click(top); }, [&] { click(bottom); }, 1},
+      {"groove", [&] { click(belowTop); }, [&] { click(aboveBottom); }, 4},
+      {"Up and Down", [&] { press(Qt::Key_Up); }, [&] { press(Qt::Key_Down); }, 1},
+      {"pages", [&] { press(Qt::Key_PageUp); }, [&] { press(Qt::Key_PageDown); }, 4},
+      {"Home and End", [&] { press(Qt::Key_Home); }, [&] { press(Qt::Key_End); }, 10},
+      {"wheel", [&] { wheel(120); }, [&] { wheel(-120); }, notch},
+  };
+  for (const auto& way : ways) {
+    for (const int end : {0, -10, 10}) {  // at an end the way back is open
+      bar->setValue(end);
+      end > 0 ? way.lower() : way.raise();
+      EXPECT_EQ(bar->value(), way.pixels == 10 ? (end > 0 ? -10 : 10) : end + (end > 0 ? -1 : 1) * way.pixels)
+          << way.what << " from " << end;
+      EXPECT_EQ(box().SelCharOffset(), bar->value() * 15) << way.what;
+    }
+  }
 }
 
 TEST_F(FormatCommandsTest, StripReplacesTheSelectionAsOneStep) {

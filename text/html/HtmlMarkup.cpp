@@ -116,14 +116,15 @@ std::string StyleAttribute(const std::string& style) {
 }
 
 std::string ParagraphStyle(const ParaFormat& format, bool pageBreak) {
-  constexpr std::array<const char*, 4> kAlign = {"", "right", "center", "justify"};
+  constexpr std::array<const char*, 4> kAlign = {"left", "right", "center", "justify"};
   // A label's indents are those of the list.
   const bool label = format.bullet || format.list != ListId::kNone;
   std::string style;
   const auto add = [&](const char* property, const std::string& value) {
     style += (style.empty() ? "" : ";") + std::string(property) + ':' + value;
   };
-  if (format.alignment != Alignment::kLeft) add("text-align", kAlign[static_cast<size_t>(format.alignment)]);
+  const Alignment unsaid = format.rightToLeft ? Alignment::kRight : Alignment::kLeft;
+  if (format.alignment != unsaid) add("text-align", kAlign[static_cast<size_t>(format.alignment)]);
   if (format.leftIndent && !label) add("margin-left", Points(format.leftIndent));
   if (format.rightIndent) add("margin-right", Points(format.rightIndent));
   if (format.firstIndent && !label) add("text-indent", Points(format.firstIndent));

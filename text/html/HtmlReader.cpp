@@ -68,12 +68,12 @@ constexpr Tag kTags[] = {
     {"font", Does::kFont, ""},
     {"footer", Does::kBlock, ""},
     {"form", Does::kBlock, ""},
-    {"h1", Does::kBlock, "font-size:24pt;font-weight:bold;margin-top:12pt;margin-bottom:8pt"},
-    {"h2", Does::kBlock, "font-size:18pt;font-weight:bold;margin-top:12pt;margin-bottom:8pt"},
-    {"h3", Does::kBlock, "font-size:14pt;font-weight:bold;margin-top:12pt;margin-bottom:8pt"},
-    {"h4", Does::kBlock, "font-size:12pt;font-weight:bold;margin-top:12pt;margin-bottom:8pt"},
-    {"h5", Does::kBlock, "font-size:10pt;font-weight:bold;margin-top:12pt;margin-bottom:8pt"},
-    {"h6", Does::kBlock, "font-size:8pt;font-weight:bold;margin-top:12pt;margin-bottom:8pt"},
+    {"h1", Does::kBlock, "font-size:2em;font-weight:bold;margin-top:12pt;margin-bottom:8pt"},
+    {"h2", Does::kBlock, "font-size:1.5em;font-weight:bold;margin-top:12pt;margin-bottom:8pt"},
+    {"h3", Does::kBlock, "font-size:1.17em;font-weight:bold;margin-top:12pt;margin-bottom:8pt"},
+    {"h4", Does::kBlock, "font-size:1em;font-weight:bold;margin-top:12pt;margin-bottom:8pt"},
+    {"h5", Does::kBlock, "font-size:0.83em;font-weight:bold;margin-top:12pt;margin-bottom:8pt"},
+    {"h6", Does::kBlock, "font-size:0.67em;font-weight:bold;margin-top:12pt;margin-bottom:8pt"},
     {"head", Does::kSkip, ""},
     {"header", Does::kBlock, ""},
     {"hr", Does::kRule, ""},
@@ -275,6 +275,15 @@ class HtmlReader {
     if (const auto direction = attributes["dir"]; !direction.empty())
       ApplyProperty("direction", direction, formats_, element.look);
     ApplyStyle(attributes["style"], formats_, element.look);
+    if (!IsBlock(tag.does)) KeepSide(stack_[stack_.size() - 2].look, element.look);
+    AlignToSide(element.look);
+  }
+
+  // Words within a paragraph do not turn it round.
+  static void KeepSide(const Look& around, Look& look) {
+    look.paragraph.rightToLeft = around.paragraph.rightToLeft;
+    look.paragraph.alignment = around.paragraph.alignment;
+    look.side = around.side;
   }
 
   static bool IsBlock(Does does) {
@@ -308,6 +317,7 @@ class HtmlReader {
       case Does::kTable:
         ++element.tableDepth;
         element.look.paragraph = {};
+        element.look.side = Look::Side::kStart;
         return;
       case Does::kRow:
         element.ownsRow = element.tableDepth == 1 && !output_.inRow() && !muted_;

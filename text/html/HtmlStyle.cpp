@@ -125,11 +125,17 @@ void SetVerticalAlign(std::string_view value, Look& look) {
 }
 
 void SetAlignment(std::string_view value, Look& look) {
-  ParaFormat& paragraph = look.paragraph;
-  if (value == "left" || value == "start") paragraph.alignment = Alignment::kLeft;
-  if (value == "right" || value == "end") paragraph.alignment = Alignment::kRight;
-  if (value == "center") paragraph.alignment = Alignment::kCenter;
-  if (value == "justify") paragraph.alignment = Alignment::kJustify;
+  if (value == "start") look.side = Look::Side::kStart;
+  if (value == "end") look.side = Look::Side::kEnd;
+  constexpr std::pair<std::string_view, Alignment> kAlignments[] = {{"left", Alignment::kLeft},
+                                                                    {"right", Alignment::kRight},
+                                                                    {"center", Alignment::kCenter},
+                                                                    {"justify", Alignment::kJustify}};
+  for (const auto& [name, alignment] : kAlignments) {
+    if (value != name) continue;
+    look.paragraph.alignment = alignment;
+    look.side = Look::Side::kSaid;
+  }
 }
 
 void SetDecoration(std::string_view value, Look& look) {
@@ -212,6 +218,12 @@ void SetFont(std::string_view family, FormatTable& formats, Look& look) {
 
 void SetHalfPoints(double halfPoints, Look& look) {
   look.chars.halfPoints = static_cast<uint16_t>(std::clamp(std::lround(halfPoints), 2L, 3276L));
+}
+
+void AlignToSide(Look& look) {
+  if (look.side == Look::Side::kSaid) return;
+  const bool right = look.paragraph.rightToLeft == (look.side == Look::Side::kStart);
+  look.paragraph.alignment = right ? Alignment::kRight : Alignment::kLeft;
 }
 
 void ApplyProperty(std::string_view name, std::string_view value, FormatTable& formats, Look& look) {

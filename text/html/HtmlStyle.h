@@ -12,8 +12,11 @@ namespace text::html {
 
 // What elements hand down to those inside.
 struct Look {
+  enum class Side : uint8_t { kSaid, kStart, kEnd };  // of the paragraph's direction, or as the alignment says
+
   CharFormat chars;
   ParaFormat paragraph;
+  Side side = Side::kStart;
   bool preserved = false;  // white space counts
   bool hidden = false;
 };
@@ -23,6 +26,8 @@ struct Look {
 void ApplyStyle(std::string_view declarations, FormatTable& formats, Look& look);
 // One property by its lower-case name.
 void ApplyProperty(std::string_view name, std::string_view value, FormatTable& formats, Look& look);
+// Once all properties of an element are applied: the alignment, where it is a side of the direction.
+void AlignToSide(Look& look);
 
 // "#f00", "#ff0000", "rgb(255, 0, 0)", "red"; nothing for a transparent or unknown one.
 std::optional<Color> ColorOf(std::string_view value);

@@ -4,8 +4,10 @@
 #include <QSignalBlocker>
 #include <QStyle>
 #include <QStyleOptionSlider>
+#include <QWheelEvent>
 
 #include <algorithm>
+#include <optional>
 
 namespace ui {
 namespace {
@@ -13,14 +15,49 @@ namespace {
 constexpr int kLongest = 240;
 constexpr int kPage = 4;
 
-// Where the thumb is can only be asked of the scroll bar itself.
+// The largest value is at the top. The toolkit turns round only what it draws, and goes down in value at the top arrow.
 class OffsetBar final : public QScrollBar {
  public:
-  explicit OffsetBar(QWidget* parent) : QScrollBar(Qt::Vertical, parent) {}
+  explicit OffsetBar(QWidget* parent) : QScrollBar(Qt::Vertical, parent) {
+    setInvertedAppearance(true);
+    connect(this, &QScrollBar::actionTriggered, this, [this](int action) {
+      if (const auto place = PlaceOf(action)) setSliderPosition(*place);
+    });
+  }
+  // Where the thumb is can only be asked of the scroll bar itself.
   QRect ThumbRect() const {
     QStyleOptionSlider option;
     initStyleOption(&option);
     return style()->subControlRect(QStyle::CC_ScrollBar, &option, QStyle::SC_ScrollBarSlider, this);
+  }
+
+ protected:
+  // The one way of moving it that comes without an action.
+  void wheelEvent(QWheelEvent* event) override {
+    setInvertedControls(false);
+    QScrollBar::wheelEvent(event);
+    setInvertedControls(true);
+  }
+
+ private:
+  // Taking away is towards the top here, for arrows, keys, the groove and the menu alike.
+  std::optional<int> PlaceOf(int action) const {
+    switch (action) {
+      case SliderSingleStepSub:
+        return value() + singleStep();
+      case SliderSingleStepAdd:
+        return value() - singleStep();
+      case SliderPageStepSub:
+        return value() + pageStep();
+      case SliderPageStepAdd:
+        return value() - pageStep();
+      case SliderToMinimum:
+        return maximum();
+      case SliderToMaximum:
+        return minimum();
+      default:
+        return std::nullopt;
+    }
   }
 };
 
@@ -31,8 +68,6 @@ OffsetTool::OffsetTool(QWidget& editor)
   VScroll1_->setObjectName(QStringLiteral("VScroll1"));
   VScroll1_->setAccessibleName(tr("Superscript and subscript"));
   VScroll1_->setFocusPolicy(Qt::TabFocus);
-  VScroll1_->setInvertedAppearance(true);
-  VScroll1_->setInvertedControls(false);
   VScroll1_->setPageStep(kPage);
   VScroll1_->setCursor(Qt::ArrowCursor);
   VScroll1_->installEventFilter(this);

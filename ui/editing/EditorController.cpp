@@ -94,15 +94,35 @@ bool EditorController::Replace(Range range, std::string_view bytes, text::EditKi
   return true;
 }
 
-bool EditorController::Replace(Range range, const text::Content& fragment) {
+bool EditorController::Replace(Range range, const text::Content& fragment, bool wholeParagraphs) {
   if (!MayChange(range) || !KeepsTables(range)) return false;
   const Operation operation(*this);
   DropComposition();
   remembered_.reset();
-  const Range inserted =
-      document_.Replace(range, FittedToTables(range, fragment), text::EditKind::kCommand, selection_);
+  const text::Content fitted = FittedToTables(range, fragment);
+  const bool takes = (wholeParagraphs || fitted.breaks() > text::Breaks(0)) && TakesLastFormat(range, fitted);
+  std::optional<text::EditGroup> step;
+  if (takes) step.emplace(document_);
+  const Range inserted = document_.Replace(range, fitted, text::EditKind::kCommand, selection_);
   PlaceCaret({inserted.end, inserted.end}, Bias::kRight);
+  if (takes) FormatParagraphAt(inserted.end, fitted.lastParaFormat());
   return true;
+}
+
+// But for the cell that it is in.
+void EditorController::FormatParagraphAt(text::Units position, text::ParaFormatId to) {
+  const text::Content& content = document_.content();
+  text::FormatTable& formats = document_.formats();
+  const text::Breaks paragraph = content.ParagraphAt(position);
+  const Units begin = content.ParagraphStart(paragraph), size = content.ParagraphEnd(paragraph) - begin;
+  text::Content formatted = content.WithParaFormats({position, position}, [&](text::ParaFormatId from) {
+    text::ParaFormat format = formats[to];
+    format.row = formats[from].row;
+    format.rowMark = formats[from].rowMark;
+    return formats.Intern(format);
+  });
+  document_.Commit(std::move(formatted), {begin, size, size, true}, text::EditKind::kCommand, selection_);
+  seenRevision_ = document_.revision();
 }
 
 void EditorController::Swap(bool redo) {

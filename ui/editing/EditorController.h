@@ -39,7 +39,8 @@ class EditorController : public EditorState {
 
   // --- Edits by the program; the caret goes behind the new text. False: protected text is in the way.
   bool Replace(text::Range range, std::string_view bytes, text::EditKind kind = text::EditKind::kCommand);
-  bool Replace(text::Range range, const text::Content& fragment);
+  // An empty paragraph becomes the fragment's last one when that has several, or when it stands for whole ones.
+  bool Replace(text::Range range, const text::Content& fragment, bool wholeParagraphs = false);
   // Whether a range that is not empty could be replaced.
   static bool MayReplace(const text::Content& content, text::Range range) {
     return (content.Summarize(range).someSet & text::kProtected) == 0 && KeepsTables(content, range);
@@ -67,8 +68,8 @@ class EditorController : public EditorState {
   // Puts the object that the fragment, of the same store, is in its place; one step, the selection stays. False:
   // protected text is in the way, or there is none.
   bool ReplaceObject(text::Units position, const text::Content& fragment);
-  // Contents of the same store over the selection, the caret behind them; the place of the first. Nothing: it was
-  // refused.
+  // Objects, as contents of the same store, over the selection, in the format of what is typed there, the caret behind
+  // them; the place of the first. Nothing: it was refused.
   std::optional<text::Units> InsertObjects(const std::vector<text::Content>& fragments);
   // The target of the link at a place, empty without one.
   std::string LinkAt(text::Units position) const;
@@ -110,6 +111,8 @@ class EditorController : public EditorState {
   void MapThroughForeignEdits();
   void PlaceCaret(text::Selection selection, text::Bias affinity);
   void Swap(bool redo);
+  bool TakesLastFormat(text::Range range, const text::Content& fragment) const;
+  void FormatParagraphAt(text::Units position, text::ParaFormatId format);
 
   // EditorEditing.cpp
   bool MayChange(text::Range range) const;
@@ -124,6 +127,9 @@ class EditorController : public EditorState {
   bool LeaveList();
   bool BackspaceRemovesBullet();
 
+  // EditorObjects.cpp
+  text::Content InFormatAround(const text::Content& fragment) const;
+
   // EditorTables.cpp
   bool KeepsTables(text::Range range) const { return KeepsTables(document_.content(), range); }
   static bool KeepsTables(const text::Content& content, text::Range range);
@@ -131,6 +137,8 @@ class EditorController : public EditorState {
   bool LeavesRowMark(text::Range range) const;
   void DropLastRowMark();
   void AddRow(text::Breaks first, text::Breaks last);
+  std::optional<text::Content> WithEmptiedCells(text::Range range) const;
+  bool EmptyCells(text::Range range);
 
   // EditorMovement.cpp
   text::layout::CaretPlace Target(EditorMove move);

@@ -171,6 +171,7 @@ void EditorController::Erase(bool forward, bool word) {
         forward ? Range{caret, text::NextGrapheme(content, caret)} : Range{text::BackspaceStart(content, caret), caret};
   }
   if (!forward && range().empty() && BackspaceRemovesBullet()) return;
+  if (!range().empty() && EmptyCells(erased)) return;
   if (erased.empty() || !UserMayChange(erased)) return;
   if (kind == EditKind::kCommand) document_.SealStep();
   if (EmptiesParagraph(erased)) KeepFormatForNextText();
@@ -182,6 +183,18 @@ bool EditorController::EmptiesParagraph(Range erased) const {
   const Content& content = document_.content();
   return content.ParagraphStart(content.ParagraphAt(erased.begin)) == erased.begin &&
          content.ParagraphEnd(content.ParagraphAt(erased.end)) == erased.end;
+}
+
+bool EditorController::TakesLastFormat(Range range, const Content& fragment) const {
+  const Content& content = document_.content();
+  const Units behind = std::min(range.end + Units(1), content.size());
+  // One paragraph without a label goes into an item.
+  const auto hasLabel = [&](text::ParaFormatId id) { return HasLabel(document_.formats()[id]); };
+  if (fragment.breaks() == text::Breaks(0) && !hasLabel(fragment.lastParaFormat()) &&
+      hasLabel(content.ParaFormatOf(content.ParagraphAt(range.begin))))
+    return false;
+  return fragment.ParagraphStart(fragment.breaks()) < fragment.size() && EmptiesParagraph(range) &&
+         (content.Summarize({range.end, behind}).someSet & text::kProtected) == 0;
 }
 
 bool EditorController::BackspaceRemovesBullet() {

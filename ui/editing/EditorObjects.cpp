@@ -37,6 +37,16 @@ bool EditorController::ReplaceObject(Units position, const Content& fragment) {
   return true;
 }
 
+// What is typed behind an object goes on as the text before it.
+Content EditorController::InFormatAround(const Content& fragment) const {
+  text::FormatTable& formats = document_.formats();
+  return fragment.WithCharFormats(fragment.all(), [&](text::CharFormatId id) {
+    text::CharFormat format = InsertFormat();
+    format.object = formats[id].object;
+    return formats.Intern(format);
+  });
+}
+
 // One step, each behind the one before.
 std::optional<Units> EditorController::InsertObjects(const std::vector<Content>& fragments) {
   const Operation operation(*this);
@@ -46,7 +56,7 @@ std::optional<Units> EditorController::InsertObjects(const std::vector<Content>&
   bool done = !fragments.empty();
   {
     const text::EditGroup oneStep(document_);
-    for (const Content& fragment : fragments) done = done && Replace(range(), fragment);
+    for (const Content& fragment : fragments) done = done && Replace(range(), InFormatAround(fragment));
   }
   document_.SealStep();
   if (!done && !fragments.empty()) host_.Refused();

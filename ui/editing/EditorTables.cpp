@@ -56,6 +56,47 @@ bool EditorController::KeepsTables(const Content& content, Range range) {
   return wholeFirst && beginsRow(last, range.end);
 }
 
+// What remains of a range within one table that may not go as a whole: the ends of its cells and rows. Nothing where it
+// may, where it is not within one table, where a cell would lose more than its text, or where there is no text.
+std::optional<Content> EditorController::WithEmptiedCells(Range range) const {
+  const Content& content = document_.content();
+  if (readOnly_ || !MayChange(range) || KeepsTables(range)) return std::nullopt;
+  const Breaks last = content.ParagraphAt(range.end);
+  ContentBuilder builder(content.store());
+  Units textBegin = range.begin;
+  bool anyText = false;
+  const auto takeOut = [&](Range text) {
+    anyText |= !text.empty();
+    return KeepsTables(text);
+  };
+  for (Breaks paragraph = content.ParagraphAt(range.begin); paragraph <= last; ++paragraph) {
+    const ParaFormat& format = FormatOf(content, paragraph);
+    if (paragraph == last && content.ParagraphStart(last) == range.end) break;
+    if (format.row == RowId::kNone) return std::nullopt;
+    if (paragraph == last || format.rowMark == RowMark::kNone) continue;
+    const Units mark = content.ParagraphEnd(paragraph);
+    if (!takeOut({textBegin, mark})) return std::nullopt;
+    textBegin = mark + Units(1);
+    builder.Append(content, {mark, textBegin});
+  }
+  if (!takeOut({textBegin, range.end}) || !anyText) return std::nullopt;
+  return builder.Finish();
+}
+
+bool EditorController::EmptyCells(Range range) {
+  const auto rest = WithEmptiedCells(range);
+  if (!rest) return false;
+  DropComposition();
+  document_.SealStep();
+  remembered_.reset();
+  const Content& content = document_.content();
+  if (range.begin == content.ParagraphStart(content.ParagraphAt(range.begin))) KeepFormatForNextText();
+  document_.Replace(range, *rest, text::EditKind::kCommand, selection_);
+  document_.SealStep();
+  PlaceCaret({range.begin, range.begin}, text::Bias::kRight);
+  return true;
+}
+
 // Rows at the text's end have gone but for the format of its last paragraph.
 bool EditorController::LeavesRowMark(Range range) const {
   const Content& content = document_.content();

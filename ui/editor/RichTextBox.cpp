@@ -250,8 +250,10 @@ text::CharFormat RichTextBox::Impl::DefaultFormat(text::FormatTable& formats) co
 
 void RichTextBox::Impl::ApplyEmptyFormat() {
   if (document.content().size() > Units(0)) return;
-  document.SetEmptyFormat(document.formats().Intern(DefaultFormat(document.formats())),
-                          document.content().lastParaFormat());
+  text::CharFormat format = DefaultFormat(document.formats());
+  // A file that names a font for what names none gives it to such text when it is read again.
+  if (rich && format.font == text::FontId::kDefault) format.font = controller.rtfProperties().defaultFont;
+  document.SetEmptyFormat(document.formats().Intern(format), document.content().lastParaFormat());
 }
 
 // What plain text is saved with when it becomes rich.

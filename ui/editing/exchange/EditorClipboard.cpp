@@ -129,7 +129,8 @@ Content Rebuilt(const Content& source, Range range, const text::Document& target
                    sameStore ? piece.paraFormat : mapped(piece.paraFormat));
     return true;
   });
-  return builder.Finish();
+  const ParaFormatId last = source.ParaFormatOf(source.ParagraphAt(range.end));
+  return builder.Finish(sameStore ? last : mapped(last));
 }
 
 }  // namespace
@@ -328,10 +329,9 @@ std::optional<Content> RichFragment(const QMimeData& data, const text::Document&
   return std::nullopt;
 }
 
-std::optional<Content> HtmlFragment(const QMimeData& data, const text::Document& target) {
+std::optional<Content> HtmlFragment(const QMimeData& data, const text::Document& target, const CharFormat& around) {
   if (!data.hasHtml()) return std::nullopt;
-  const auto [page, limited] = text::html::Read(data.html().toUtf8().toStdString(), target.content().store(),
-                                                target.formats()[target.emptyCharFormat()]);
+  const auto [page, limited] = text::html::Read(data.html().toUtf8().toStdString(), target.content().store(), around);
   // Rather all of the text, or nothing, than the look of its beginning.
   if (page.size() == text::Units(0) || limited) return std::nullopt;
   return target.properties().lineEnd == LineEnd::kCrLf ? page : Rebuilt(page, page.all(), target);
@@ -344,7 +344,7 @@ bool IsAddress(const QString& text) {
          !trimmed.contains(u'\n');
 }
 
-std::optional<Content> PictureFragment(const QMimeData& data, const text::Document& target) {
+std::optional<Content> PictureFragment(const QMimeData& data, const text::Document& target, CharFormat around) {
   if (!data.hasImage()) return std::nullopt;
   constexpr qsizetype kMaxBytes = 64 << 20;
   text::EmbeddedObject object;
@@ -367,10 +367,9 @@ std::optional<Content> PictureFragment(const QMimeData& data, const text::Docume
   }
   if (bytes.size() > kMaxBytes) return std::nullopt;
   object.picture = text::SharedBytes(bytes.toStdString());
-  CharFormat format = target.formats()[target.emptyCharFormat()];
-  format.object = target.formats().Add(std::move(object));
+  around.object = target.formats().Add(std::move(object));
   ContentBuilder builder(target.content().store());
-  builder.Append("\xEF\xBF\xBC", target.formats().Intern(format));
+  builder.Append("\xEF\xBF\xBC", target.formats().Intern(around));
   return builder.Finish();
 }
 
@@ -428,7 +427,7 @@ void EditorController::Copy() {
 
 void EditorController::Cut() {
   const Operation operation(*this);
-  if (range().empty() || !UserMayChange(range())) return;
+  if (range().empty() || (!WithEmptiedCells(range()) && !UserMayChange(range()))) return;
   Copy();
   Erase(true, false);
 }
@@ -446,14 +445,23 @@ void EditorController::Insert(const QMimeData& data, bool plain) {
   std::optional<Content> fragment;
   if (!plain) fragment = RichFragment(data, document_);
   const bool formats = !plain && SavesFormats();
-  if (formats && !fragment) fragment = HtmlFragment(data, document_);
+  bool wholeParagraphs = false;
+  if (formats && !fragment) {
+    const text::CharFormat here = InsertFormat();
+    text::CharFormat around;
+    around.font = here.font;
+    around.halfPoints = here.halfPoints;
+    fragment = HtmlFragment(data, document_, around);
+    // Else the page is words and says nothing of where they stand.
+    wholeParagraphs = fragment && fragment->lastParaFormat() != ParaFormatId::kDefault;
+  }
   if (formats && !fragment && (!data.hasText() || (data.hasImage() && IsAddress(data.text()))))
-    fragment = PictureFragment(data, document_);
+    fragment = PictureFragment(data, document_, InsertFormat());
   const auto bytes = fragment ? std::nullopt : PlainBytes(data, document_.properties().lineEnd);
   // A plain file takes a picture only for want of text; before it is saved the user is asked.
-  if (!plain && !fragment && !bytes) fragment = PictureFragment(data, document_);
+  if (!plain && !fragment && !bytes) fragment = PictureFragment(data, document_, InsertFormat());
   if (fragment) {
-    Replace(range(), *fragment);
+    Replace(range(), *fragment, wholeParagraphs);
   } else if (bytes) {
     Replace(range(), *bytes);
   } else {
@@ -466,7 +474,7 @@ void EditorController::InsertPicture(const QMimeData& data) {
   const Operation operation(*this);
   if (!UserMayChange(range())) return;
   document_.SealStep();
-  const auto fragment = PictureFragment(data, document_);
+  const auto fragment = PictureFragment(data, document_, InsertFormat());
   if (fragment) Replace(range(), *fragment);
   if (!fragment) host_.Refused();
   document_.SealStep();

@@ -64,9 +64,12 @@ bool IsAddress(const QString& text);     // of a page, alone
 std::optional<text::Content> RichFragment(const QMimeData& data, const text::Document& target);
 // The same for RTF bytes; nothing when they are not RTF.
 std::optional<text::Content> RichFragment(std::string_view rtf, const text::Document& target);
-// The data's page, if it has one with any text, or its picture, whatever is beside it.
-std::optional<text::Content> HtmlFragment(const QMimeData& data, const text::Document& target);
-std::optional<text::Content> PictureFragment(const QMimeData& data, const text::Document& target);
+// The data's page, if it has one with any text, or its picture, whatever is beside it. What the data does not say looks
+// like `around`.
+std::optional<text::Content> HtmlFragment(const QMimeData& data, const text::Document& target,
+                                          const text::CharFormat& around);
+std::optional<text::Content> PictureFragment(const QMimeData& data, const text::Document& target,
+                                             text::CharFormat around);
 // The data's text as engine bytes with those line ends; nothing when it has none.
 std::optional<std::string> PlainBytes(const QMimeData& data, text::LineEnd lineEnd);
 
