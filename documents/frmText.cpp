@@ -134,6 +134,7 @@ bool frmText::QueryUnload() {
   asked_ = RichTextBox1_->document().content();
   if (!table_.DocInfo(slot_).Changed) return true;
   asking_ = true;
+  if (table_.Active() != this) Activate();
   const QString text = tr("The text in [%1] has changed.\r\nDo you want to save the changes?");
   const ui::Answer answer = services_.dialogs().ShowMessage(
       this, {text.arg(ui::DisplayText(caption())), ui::Buttons::kYesNoCancel, ui::Icon::kExclamation});

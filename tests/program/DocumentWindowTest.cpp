@@ -98,6 +98,19 @@ TEST_F(DocumentWindowTest, TheNextWindowOpensInTheStateOfTheLastClosed) {
   }
 }
 
+TEST_F(DocumentWindowTest, WhatRemainsFillsTheAreaWhereTheClosedOneDid) {
+  for (const WindowState state : {WindowState::kMaximized, WindowState::kNormal}) {
+    frmText* rest = Open(Put("a.txt", ""));
+    frmText* closed = Open(Put("b.txt", ""));
+    closed->SetWindowState(state);
+    EXPECT_TRUE(closed->Close());
+    EXPECT_EQ(table().Active(), rest);
+    EXPECT_EQ(rest->windowState(), state);
+    EXPECT_TRUE(rest->Close());
+    table().LastDocWindowState = -1;
+  }
+}
+
 TEST_F(DocumentWindowTest, ClosingTheLastClearsTheFontPanelAndTheDocumentMenus) {
   ui::StatusBar& status = program().frame().statusBar();
   frmText* a = Open(Put("a.txt", "a"));
@@ -115,8 +128,12 @@ TEST_F(DocumentWindowTest, ClosingTheLastClearsTheFontPanelAndTheDocumentMenus) 
 TEST_F(DocumentWindowTest, TheEndOfTheProgramAsksEveryDocumentBeforeTheFirstGoes) {
   New();
   New();
-  ExpectClosePrompt("Untitled:2", Answer::kNo);
-  ExpectClosePrompt("Untitled:1", Answer::kCancel);
+  const auto isShown = [this](int slot) {
+    return [this, slot] { EXPECT_EQ(table().Active(), table().Document(slot)) << "the one asked about is in front"; };
+  };
+  table().Document(1)->Activate();
+  ExpectClosePrompt("Untitled:2", Answer::kNo, isShown(2));
+  ExpectClosePrompt("Untitled:1", Answer::kCancel, isShown(1));
   EXPECT_FALSE(program().frame().RequestClose());
   EXPECT_TRUE(table().Document(1) && table().Document(2)) << "a Cancel leaves all of them open";
   ExpectClosePrompt("Untitled:2", Answer::kNo);

@@ -1,5 +1,6 @@
 #include "ui/desktop/ProgramStyle.h"
 
+#include <QApplication>
 #include <QImage>
 #include <QPainter>
 #include <QStyleOption>
@@ -45,6 +46,24 @@ TEST(ProgramStyle, WhatIsBlackElsewhereIsSeen) {
                        style.drawComplexControl(QStyle::CC_TitleBar, &option, &painter, nullptr);
                      }),
             150);
+}
+
+TEST(ProgramStyle, TheButtonsOfADocumentThatFillsTheAreaFollowThePalette) {
+  const QPalette before = QApplication::palette();
+  const QPalette dark(QColor(40, 40, 40), QColor(30, 30, 30));
+  QApplication::setPalette(dark);
+  for (const auto button : {QStyle::SC_MdiMinButton, QStyle::SC_MdiNormalButton, QStyle::SC_MdiCloseButton}) {
+    QStyleOptionComplex buttons;
+    buttons.rect = QRect(0, 0, 60, 22);
+    buttons.subControls = button;
+    EXPECT_GT(Lightest(dark, buttons,
+                       [](const auto& style, const auto& option, QPainter& painter) {
+                         style.drawComplexControl(QStyle::CC_MdiControls, &option, &painter, nullptr);
+                       }),
+              180)
+        << button;
+  }
+  QApplication::setPalette(before);
 }
 
 TEST(ProgramStyle, ANarrowTitleBarShowsTheEnd) {

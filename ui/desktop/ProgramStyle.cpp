@@ -1,8 +1,12 @@
 #include "ui/desktop/ProgramStyle.h"
 
+#include "ui/controls/Icons.h"
+
 #include <QPainter>
 #include <QStyleOption>
 #include <QWidget>
+
+#include <map>
 
 namespace ui {
 namespace {
@@ -40,6 +44,17 @@ void ProgramStyle::drawComplexControl(ComplexControl control, const QStyleOption
   QStyleOptionTitleBar shown = *bar;
   if (widget) shown.text = EndOfTitle(*bar, *widget);
   DrawTitleBar(shown, painter, widget);
+}
+
+QIcon ProgramStyle::standardIcon(StandardPixmap icon, const QStyleOption* option, const QWidget* widget) const {
+  if (baseStyle()->name() != kToolkits) return QProxyStyle::standardIcon(icon, option, widget);
+  // Asked for at each painting.
+  static const std::map<StandardPixmap, QIcon> icons = {{SP_TitleBarMinButton, ThemedIcon("window-minimize")},
+                                                        {SP_TitleBarMaxButton, ThemedIcon("window-maximize")},
+                                                        {SP_TitleBarNormalButton, ThemedIcon("window-restore")},
+                                                        {SP_TitleBarCloseButton, ThemedIcon("window-close")}};
+  const auto found = icons.find(icon);
+  return found == icons.end() ? QProxyStyle::standardIcon(icon, option, widget) : found->second;
 }
 
 // The end of a path is the file's name.

@@ -8,8 +8,8 @@ class QStyleOptionTitleBar;
 namespace ui {
 
 // Where the toolkit's own style paints black whatever the ground: frames of check boxes and option buttons, title bars
-// of document windows that are not active, on a dark one. On any ground a title
-// bar that is too narrow shows the end of its title.
+// of document windows that are not active, the buttons of one that fills the document area, on a dark one. On any
+// ground a title bar that is too narrow shows the end of its title.
 class ProgramStyle final : public QProxyStyle {
   Q_OBJECT
 
@@ -18,6 +18,8 @@ class ProgramStyle final : public QProxyStyle {
                      const QWidget* widget) const override;
   void drawComplexControl(ComplexControl control, const QStyleOptionComplex* option, QPainter* painter,
                           const QWidget* widget) const override;
+  QIcon standardIcon(StandardPixmap icon, const QStyleOption* option = nullptr,
+                     const QWidget* widget = nullptr) const override;
 
  private:
   bool IsDark(const QStyleOption& option) const;

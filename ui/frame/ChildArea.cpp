@@ -99,6 +99,11 @@ void ChildArea::Remove(ChildWindow* window) {
   SetCurrent(next);
 }
 
+// As the toolkit does when another window becomes active, but not when that is because one has gone.
+void ChildArea::MaximizeCurrent() {
+  if (current_ && current_->isVisible() && !current_->isMaximized()) current_->showMaximized();
+}
+
 void ChildArea::SetCurrent(ChildWindow* window) {
   if (current_ == window && window) return;
   current_ = window;

@@ -43,6 +43,7 @@ class ChildArea : public QMdiArea {
   friend class ChildWindow;
   void Add(ChildWindow* window);
   void Remove(ChildWindow* window);
+  void MaximizeCurrent();
   void FollowPalette();
   void SetCurrent(ChildWindow* window);
   QRect PlaceForNew();

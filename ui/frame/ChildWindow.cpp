@@ -27,8 +27,10 @@ void ChildWindow::PutIn() {
 }
 
 void ChildWindow::TakeOut() {
+  const bool fillsArea = area_.current() == formId_ && isMaximized();
   hide();
   area_.Remove(this);
+  if (fillsArea) area_.MaximizeCurrent();
   deleteLater();
 }
 
