@@ -169,6 +169,11 @@ const Row kGroups[] = {
     {"{\\list Q}{\\listlevel Q}{\\*\\leveltext\\'01\\'b7;}{\\listoverride Q}{\\lfolevel Q}{\\pntxta Q}{\\*\\pntxtb Q}x",
      "x"},
     {"{\\sv Q}{\\shp{\\*\\shpinst{\\sp{\\sn pib}{\\sv{\\pict\\pngblip 89}Q}}}}x", "<picture>\uFFFC<>x"},
+    {"{\\pict{\\*\\picprop{\\sp{\\sn wzDescription\xE4}{\\sv x}}{\\sp{\\sn wzDescr\\'69ption}{\\sv "
+     "\\u8364\\'80\xE4\\'e4}}}\\pngblip 89}",
+     "<picture/'€ää'>\uFFFC"},
+    {"\\ansicpg932{\\pict{\\*\\picprop{\\sp{\\sn wzDescription}{\\sv a\xE4\\'e4b}}}\\pngblip 89}",
+     "<picture/'ab'>\uFFFC"},
     {"\\ansicpg932{{\\NeXTGraphic x}\\'82\xAC\\'82\\'ac}", "<picture/'x'>\uFFFC<>ぎぎ"},
 };
 

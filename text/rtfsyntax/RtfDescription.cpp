@@ -21,22 +21,31 @@ void DescriptionScan::Take(const Token& token) {
       if (token.text == "u" && in_ == In::kValue) Unit(static_cast<char32_t>(token.parameter & 0xFFFF)), skip_ = 1;
       return;
     case TokenKind::kText:
-    case TokenKind::kBytes: {
-      const size_t skipped = std::min(token.text.size(), static_cast<size_t>(std::exchange(skip_, 0)));
-      if (in_ == In::kName && name_.size() < kMaxNameBytes) name_ += token.text.substr(0, kMaxNameBytes);
-      for (const char c : token.text.substr(skipped))
-        if (in_ == In::kValue && value_.size() < kMaxDescriptionBytes)
-          value_ += page_.multiByte() ? std::string_view(&c, 1) : page_.Character(static_cast<uint8_t>(c));
-      return;
-    }
+    case TokenKind::kBytes:
+      return Bytes(token.text);
     case TokenKind::kHex:
-      if (std::exchange(skip_, 0) > 0 || in_ != In::kValue || token.parameter < 0x20) return;
-      if (!page_.multiByte()) value_ += page_.Character(static_cast<uint8_t>(token.parameter));
+      if (token.parameter >= 0) Bytes(std::string(1, static_cast<char>(token.parameter)));
       return;
     case TokenKind::kSymbol:
     case TokenKind::kBinary:
     case TokenKind::kEnd:
       return;
+  }
+}
+
+// Without the characters of several bytes, whose fallbacks cannot be told from them here.
+void DescriptionScan::Bytes(std::string_view bytes) {
+  bytes.remove_prefix(std::min(bytes.size(), static_cast<size_t>(std::exchange(skip_, 0))));
+  if (in_ == In::kName) name_ += bytes.substr(0, kMaxNameBytes - name_.size());
+  if (in_ != In::kValue) return;
+  for (const char c : bytes) {
+    if (value_.size() >= kMaxDescriptionBytes) return;
+    const auto byte = static_cast<uint8_t>(c);
+    if (!page_.multiByte()) {
+      value_ += page_.Character(byte);
+    } else if (byte < 0x80) {
+      value_ += c;
+    }
   }
 }
 

@@ -18,6 +18,7 @@ class DescriptionScan {
 
  private:
   enum class In : uint8_t { kNothing, kName, kValue };
+  void Bytes(std::string_view bytes);
   void Unit(char32_t unit);
 
   const CodePage& page_;
