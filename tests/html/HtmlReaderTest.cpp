@@ -49,7 +49,8 @@ class Shown {
     return format.rowMark == RowMark::kRowEnd ? "]\n" : format.rowMark == RowMark::kCellEnd ? "," : "\n";
   }
   static void Replace(std::string& text, std::string_view what, std::string_view by) {
-    for (size_t at = 0; (at = text.find(what, at)) != text.npos; at += by.size()) text.replace(at, what.size(), by);
+    for (size_t at = 0; (at = text.find(what, at)) != std::string::npos; at += by.size())
+      text.replace(at, what.size(), by);
   }
 
   ReadResult read_;
@@ -138,7 +139,13 @@ TEST(HtmlReader, ParagraphFormats) {
       {"<div style='text-align:end'><p dir=rtl>x</div>", true, Alignment::kLeft},
       {"<div dir=rtl><p dir=ltr>x</div>", false, Alignment::kLeft},
       {"<p><span dir=rtl style='text-align:center'>x</span>", false, Alignment::kLeft},
-      {"<div dir=rtl><table><tr><td>x</table></div>", false, Alignment::kLeft},
+      {"<div dir=rtl align=center><table><tr><td>x</table></div>", true, Alignment::kRight},
+      {"<table><tbody style='text-align:center'><tr><td>x</table>", false, Alignment::kCenter},
+      {"<span dir=rtl style='text-align:center'><p>x</p></span>", true, Alignment::kCenter},
+      {"<my-box dir=rtl><p>x</my-box>", true, Alignment::kRight},
+      {"<div dir=rtl><p dir=auto>x", true, Alignment::kRight},
+      {"<bodyless dir=ltr><body class='a>b' DIR=rtl>x", true, Alignment::kRight},
+      {"<HTML dir='rtl'><head></head><body><!--StartFragment-->x<!--EndFragment-->", true, Alignment::kRight},
   };
   for (const auto& row : sides) {
     EXPECT_EQ(Shown(row.html).Paragraph().rightToLeft, row.rightToLeft) << row.html;

@@ -68,6 +68,9 @@ TEST(HtmlWriter, ListsTablesLinksAndPictures) {
       {"<img src='data:image/png;base64," + png + "' alt='a\"b' width=10 height=20>",
        "<p><img alt=\"a&quot;b\" style=\"width:7.5pt;height:15pt\" src=\"data:image/png;base64," + png + "\"></p>"},
       {"<ul><li>a<ul><li>b</ul><li>c</ul>d", "<ul><li>a<ul><li>b</li></ul></li><li>c</li></ul><p>d</p>"},
+      {"<ul><li dir=rtl>a<ul><li dir=ltr>b<li align=center>c</ul><li>d</ul>",
+       "<ul><li dir=\"rtl\">a<ul><li dir=\"ltr\" style=\"text-align:left\">b</li><li dir=\"rtl\" "
+       "style=\"text-align:center\">c</li></ul></li><li>d</li></ul>"},
       {"<ol type=A><li>a<li>b</ol>", "<ol type=\"A\"><li>a</li><li>b</li></ol>"},
       {"<ol start=3><li>a</ol>", "<ol start=\"3\"><li>a</li></ol>"},
       {"<ol><li>a<div>b</div><li>c</ol>",

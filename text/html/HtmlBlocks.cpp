@@ -46,7 +46,9 @@ const char* HtmlBlocks::Open(const ParaFormat& format, bool empty) {
     inTable_ = false;
   }
   SetLists(format);
-  return HasLabel(format) ? "li" : "p";
+  if (!HasLabel(format)) return "p";
+  lists_.back().turned = inTurnedItem() || format.rightToLeft || format.alignment != Alignment::kLeft;
+  return "li";
 }
 
 void HtmlBlocks::OpenCell(const TableRow& row, bool empty) {
@@ -114,7 +116,7 @@ void HtmlBlocks::SetLists(const ParaFormat& format) {
 }
 
 void HtmlBlocks::PushList(const ParaFormat& format, uint8_t level) {
-  lists_.push_back({format.list, format.bullet});
+  lists_.push_back({format.list, format.bullet, !lists_.empty() && lists_.back().turned});
   if (format.bullet) {
     out_ += "<ul>\n";
     return;

@@ -20,11 +20,14 @@ class HtmlBlocks {
   const char* Open(const ParaFormat& format, bool empty);
   void Close(const ParaFormat& format);
   void CloseAll();
+  // True for an item in another whose direction or alignment is not the common one, and which it would take over.
+  bool inTurnedItem() const { return lists_.size() > 1 && lists_[lists_.size() - 2].turned; }
 
  private:
   struct OpenList {
     ListId list;
     bool bullets;
+    bool turned;  // its open item, or one around
   };
   void OpenCell(const TableRow& row, bool empty);
   void SetLists(const ParaFormat& format);

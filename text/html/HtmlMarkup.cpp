@@ -115,7 +115,7 @@ std::string StyleAttribute(const std::string& style) {
   return style.empty() ? "" : " style=\"" + style + '"';
 }
 
-std::string ParagraphStyle(const ParaFormat& format, bool pageBreak) {
+std::string ParagraphStyle(const ParaFormat& format, bool pageBreak, bool saysSide) {
   constexpr std::array<const char*, 4> kAlign = {"left", "right", "center", "justify"};
   // A label's indents are those of the list.
   const bool label = format.bullet || format.list != ListId::kNone;
@@ -124,7 +124,7 @@ std::string ParagraphStyle(const ParaFormat& format, bool pageBreak) {
     style += (style.empty() ? "" : ";") + std::string(property) + ':' + value;
   };
   const Alignment unsaid = format.rightToLeft ? Alignment::kRight : Alignment::kLeft;
-  if (format.alignment != unsaid) add("text-align", kAlign[static_cast<size_t>(format.alignment)]);
+  if (saysSide || format.alignment != unsaid) add("text-align", kAlign[static_cast<size_t>(format.alignment)]);
   if (format.leftIndent && !label) add("margin-left", Points(format.leftIndent));
   if (format.rightIndent) add("margin-right", Points(format.rightIndent));
   if (format.firstIndent && !label) add("text-indent", Points(format.firstIndent));

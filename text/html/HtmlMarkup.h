@@ -32,7 +32,8 @@ std::string StyleAttribute(const std::string& style);
 
 // What differs from 12 points in the default font. A link that could run something is none.
 Tags TagsOf(const CharFormat& format, const FormatTable& formats, std::string_view defaultFont);
-std::string ParagraphStyle(const ParaFormat& format, bool pageBreak);
+// `saysSide`: the alignment is told even where it follows from the direction.
+std::string ParagraphStyle(const ParaFormat& format, bool pageBreak, bool saysSide);
 // The picture itself for those that every browser shows, else its name.
 std::string Picture(const EmbeddedObject& object);
 

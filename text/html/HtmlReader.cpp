@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <cctype>
 #include <charconv>
 #include <exception>
 #include <libxml/HTMLparser.h>
@@ -24,6 +25,7 @@ constexpr size_t kMaxPictureBytes = 64 << 20;
 // What an element does besides what its attributes say.
 enum class Does : uint8_t {
   kNothing,
+  kRoot,
   kBlock,
   kSkip,  // its text is none
   kLineBreak,
@@ -51,6 +53,7 @@ constexpr Tag kTags[] = {
     {"b", Does::kNothing, "font-weight:bold"},
     {"big", Does::kNothing, "font-size:larger"},
     {"blockquote", Does::kBlock, "margin-left:40px;margin-right:40px;margin-bottom:8pt"},
+    {"body", Does::kRoot, ""},
     {"br", Does::kLineBreak, ""},
     {"caption", Does::kBlock, "text-align:center"},
     {"center", Does::kBlock, "text-align:center"},
@@ -58,11 +61,13 @@ constexpr Tag kTags[] = {
     {"code", Does::kNothing, "font-family:monospace"},
     {"dd", Does::kBlock, "margin-left:40px"},
     {"del", Does::kNothing, "text-decoration:line-through"},
+    {"details", Does::kBlock, ""},
     {"dfn", Does::kNothing, "font-style:italic"},
     {"div", Does::kBlock, ""},
     {"dl", Does::kBlock, ""},
     {"dt", Does::kBlock, ""},
     {"em", Does::kNothing, "font-style:italic"},
+    {"fieldset", Does::kBlock, ""},
     {"figcaption", Does::kBlock, ""},
     {"figure", Does::kBlock, ""},
     {"font", Does::kFont, ""},
@@ -77,6 +82,7 @@ constexpr Tag kTags[] = {
     {"head", Does::kSkip, ""},
     {"header", Does::kBlock, ""},
     {"hr", Does::kRule, ""},
+    {"html", Does::kRoot, ""},
     {"i", Does::kNothing, "font-style:italic"},
     {"img", Does::kPicture, ""},
     {"ins", Does::kNothing, "text-decoration:underline"},
@@ -99,6 +105,7 @@ constexpr Tag kTags[] = {
     {"strong", Does::kNothing, "font-weight:bold"},
     {"style", Does::kSkip, ""},
     {"sub", Does::kNothing, "vertical-align:sub"},
+    {"summary", Does::kBlock, ""},
     {"sup", Does::kNothing, "vertical-align:super"},
     {"table", Does::kTable, ""},
     {"td", Does::kCell, ""},
@@ -172,6 +179,27 @@ std::string WithLineFeeds(std::string_view page, bool behindReturn) {
   return out;
 }
 
+// The first of that name in the page with its attributes, else one without any.
+std::string StartTag(std::string_view page, std::string_view name) {
+  constexpr size_t kLongest = 4096;
+  const auto same = [](char a, char b) { return a == (b >= 'A' && b <= 'Z' ? b + ('a' - 'A') : b); };
+  const std::string open = '<' + std::string(name);
+  for (size_t at = 0; at < page.size(); ++at) {
+    at = page.find('<', at);
+    if (at == std::string_view::npos) break;
+    const std::string_view tag = page.substr(at, kLongest);
+    if (tag.size() <= open.size() || !std::equal(open.begin(), open.end(), tag.begin(), same)) continue;
+    if (std::isalnum(static_cast<unsigned char>(tag[open.size()]))) continue;
+    char quote = 0;
+    for (size_t end = open.size(); end < tag.size(); ++end) {
+      if (tag[end] == '>' && quote == 0) return std::string(tag.substr(0, end + 1));
+      if (quote == 0 ? tag[end] == '"' || tag[end] == '\'' : tag[end] == quote) quote = quote == 0 ? tag[end] : '\0';
+    }
+    break;
+  }
+  return open + '>';
+}
+
 class Attributes {
  public:
   explicit Attributes(const xmlChar** pairs) : pairs_(pairs) {}
@@ -198,7 +226,7 @@ class HtmlReader {
 
   ReadResult Run(std::string_view html) {
     // What stands around the copied part only says how it looks.
-    muted_ = html.find("<!--StartFragment-->") != html.npos;
+    muted_ = html.find("<!--StartFragment-->") != std::string_view::npos;
     htmlSAXHandler handler{};
     handler.startElement = [](void* self, const xmlChar* name, const xmlChar** attributes) {
       Guard(self, [&](HtmlReader& r) { r.Start(reinterpret_cast<const char*>(name), Attributes(attributes)); });
@@ -219,8 +247,8 @@ class HtmlReader {
     htmlCtxtUseOptions(parser_, HTML_PARSE_RECOVER | HTML_PARSE_NONET | HTML_PARSE_NOERROR | HTML_PARSE_NOWARNING |
                                     HTML_PARSE_IGNORE_ENC);
     // Without a root of ours the first element that ends would end the page.
-    constexpr std::string_view kRoot = "<html><body>";
-    htmlParseChunk(parser_, kRoot.data(), static_cast<int>(kRoot.size()), 0);
+    const std::string root = StartTag(html, "html") + StartTag(html, "body");
+    htmlParseChunk(parser_, root.data(), static_cast<int>(root.size()), 0);
     constexpr size_t kPortion = 1 << 16;
     for (size_t at = 0; at < html.size() && !stopped_; at += kPortion) {
       const std::string portion = WithLineFeeds(html.substr(at, kPortion), at > 0 && html[at - 1] == '\r');
@@ -242,6 +270,14 @@ class HtmlReader {
     bool bullets = false;
     uint8_t listDepth = 0;
     int tableDepth = 0;
+    // Of the paragraphs of its text, which words within a paragraph do not turn round.
+    Alignment alignment = Alignment::kLeft;
+    bool rightToLeft = false;
+
+    void TakeSide() {
+      alignment = look.paragraph.alignment;
+      rightToLeft = look.paragraph.rightToLeft;
+    }
   };
 
   // No exception may pass through the parser, which is C.
@@ -267,6 +303,11 @@ class HtmlReader {
     element.ownsRow = false;
     const Tag& tag = TagNamed(name);
     element.does = tag.does;
+    if (tag.does == Does::kRoot) {
+      ApplyProperty("direction", attributes["dir"], formats_, element.look);
+      AlignToSide(element.look);
+      return element.TakeSide();
+    }
     if (IsBlock(tag.does)) BeginBlock(element, tag);
     ApplyStyle(tag.style, formats_, element.look);
     Apply(element, attributes);
@@ -275,15 +316,8 @@ class HtmlReader {
     if (const auto direction = attributes["dir"]; !direction.empty())
       ApplyProperty("direction", direction, formats_, element.look);
     ApplyStyle(attributes["style"], formats_, element.look);
-    if (!IsBlock(tag.does)) KeepSide(stack_[stack_.size() - 2].look, element.look);
     AlignToSide(element.look);
-  }
-
-  // Words within a paragraph do not turn it round.
-  static void KeepSide(const Look& around, Look& look) {
-    look.paragraph.rightToLeft = around.paragraph.rightToLeft;
-    look.paragraph.alignment = around.paragraph.alignment;
-    look.side = around.side;
+    if (IsBlock(tag.does)) element.TakeSide();
   }
 
   static bool IsBlock(Does does) {
@@ -317,6 +351,7 @@ class HtmlReader {
       case Does::kTable:
         ++element.tableDepth;
         element.look.paragraph = {};
+        element.look.paragraph.rightToLeft = element.rightToLeft;
         element.look.side = Look::Side::kStart;
         return;
       case Does::kRow:
@@ -333,6 +368,7 @@ class HtmlReader {
       case Does::kFont:
         return SetFontElement(attributes, element.look);
       case Does::kNothing:
+      case Does::kRoot:
       case Does::kBlock:
         return;
     }
@@ -368,7 +404,8 @@ class HtmlReader {
     const std::string_view source = attributes["src"];
     const size_t comma = source.substr(0, 100).find(";base64,");
     EmbeddedObject object;
-    if (source.starts_with("data:image/") && comma != source.npos && source.size() / 4 * 3 < kMaxPictureBytes) {
+    if (source.starts_with("data:image/") && comma != std::string_view::npos &&
+        source.size() / 4 * 3 < kMaxPictureBytes) {
       object.picture = SharedBytes(DecodeBase64(source.substr(comma + 8)));
       object.type = Sniff(object.picture.bytes);
     }
@@ -378,7 +415,7 @@ class HtmlReader {
     object.height = std::clamp(NumberOf(attributes["height"], 0), 0, kMaxPixels) * 15;
     if (object.width == 0 || object.height == 0) object.width = object.height = 0;
     object.name = attributes["alt"];
-    output_.Object(std::move(object), look);
+    output_.Object(std::move(object), OnItsSide(look));
     MarkLabelled();
   }
 
@@ -387,7 +424,9 @@ class HtmlReader {
     constexpr size_t kLongest = 4096;
     target = Trimmed(target);
     const size_t colon = target.find(':');
-    if (colon == target.npos || colon == 0 || target.find_first_of("/?#") < colon || target.size() > kLongest) return;
+    if (colon == std::string_view::npos || colon == 0 || target.find_first_of("/?#") < colon ||
+        target.size() > kLongest)
+      return;
     look.chars.link = formats_.InternLink(std::string(target));
   }
 
@@ -397,9 +436,10 @@ class HtmlReader {
     std::string_view size = attributes["size"];
     if (size.empty()) return;
     constexpr std::array kPoints{7.5, 10.0, 12.0, 13.5, 18.0, 24.0, 36.0};
-    int32_t number = NumberOf(size.starts_with('+') ? size.substr(1) : size, 3);
-    if (size.front() == '+' || size.front() == '-') number += 3;
-    SetHalfPoints(kPoints[static_cast<size_t>(std::clamp(number, 1, 7) - 1)] * 2, look);
+    const bool relative = size.front() == '+' || size.front() == '-';
+    const int32_t number = NumberOf(size.starts_with('+') ? size.substr(1) : size, 3) + (relative ? 3 : 0);
+    const double points = kPoints[static_cast<size_t>(std::clamp(number, 1, 7) - 1)];
+    SetHalfPoints(relative ? points / 12 * stack_.front().look.chars.halfPoints : points * 2, look);
   }
 
   void End() {
@@ -419,7 +459,7 @@ class HtmlReader {
 
   // The first paragraph of an item has its label, the others only stand as far in.
   Look LookOfText() {
-    Look look = stack_.back().look;
+    Look look = OnItsSide(stack_.back().look);
     const Element* item = Item();
     if (!item) return look;
     if (item->labelled) {
@@ -429,6 +469,12 @@ class HtmlReader {
       look.paragraph.list = item->list;
       look.paragraph.listLevel = static_cast<uint8_t>(item->listDepth - 1);
     }
+    return look;
+  }
+
+  Look OnItsSide(Look look) const {
+    look.paragraph.alignment = stack_.back().alignment;
+    look.paragraph.rightToLeft = stack_.back().rightToLeft;
     return look;
   }
 

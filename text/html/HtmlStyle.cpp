@@ -140,8 +140,8 @@ void SetAlignment(std::string_view value, Look& look) {
 
 void SetDecoration(std::string_view value, Look& look) {
   if (value.starts_with("none")) look.chars.flags &= static_cast<uint16_t>(~(kUnderline | kStrikeThru));
-  if (value.find("underline") != value.npos) SetFlag(look, kUnderline, true);
-  if (value.find("line-through") != value.npos) SetFlag(look, kStrikeThru, true);
+  if (value.find("underline") != std::string_view::npos) SetFlag(look, kUnderline, true);
+  if (value.find("line-through") != std::string_view::npos) SetFlag(look, kStrikeThru, true);
 }
 
 // The page's own black on white is what "automatic" means here; said as numbers it would be unreadable on dark
@@ -185,7 +185,7 @@ std::string Lower(std::string_view ascii) {
 
 std::string_view Trimmed(std::string_view ascii) {
   const size_t begin = ascii.find_first_not_of(kBlanks);
-  if (begin == ascii.npos) return {};
+  if (begin == std::string_view::npos) return {};
   return ascii.substr(begin, ascii.find_last_not_of(kBlanks) + 1 - begin);
 }
 
@@ -195,7 +195,7 @@ std::optional<Color> ColorOf(std::string_view value) {
   if (text.starts_with('#')) return HexColor(text.substr(1));
   if (text.starts_with("rgb")) {
     const size_t open = text.find('(');
-    return open == text.npos ? std::nullopt : FunctionColor(text.substr(open + 1));
+    return open == std::string_view::npos ? std::nullopt : FunctionColor(text.substr(open + 1));
   }
   for (const NamedColor& named : kColors) {
     if (text == named.name) return FromRgb(named.rgb);
@@ -237,7 +237,7 @@ void ApplyProperty(std::string_view name, std::string_view value, FormatTable& f
   if (name == "font-size") return SetFontSize(lower, look);
   if (name == "vertical-align") return SetVerticalAlign(lower, look);
   if (name == "text-align") return SetAlignment(lower, look);
-  if (name == "direction") look.paragraph.rightToLeft = lower == "rtl";
+  if (name == "direction" && (lower == "rtl" || lower == "ltr")) look.paragraph.rightToLeft = lower == "rtl";
   if (name == "white-space") look.preserved = lower.starts_with("pre") || lower == "break-spaces";
   if (name == "display" && lower == "none") look.hidden = true;
   if (name == "text-indent") return SetLength(lower, look, look.paragraph.firstIndent, -31680);
@@ -254,7 +254,7 @@ void ApplyStyle(std::string_view declarations, FormatTable& formats, Look& look)
     const std::string_view one = declarations.substr(0, end);
     declarations.remove_prefix(std::min(end + 1, declarations.size()));
     const size_t colon = one.find(':');
-    if (colon == one.npos) continue;
+    if (colon == std::string_view::npos) continue;
     std::string_view value = Trimmed(one.substr(colon + 1));
     if (value.ends_with("!important")) value = Trimmed(value.substr(0, value.size() - 10));
     ApplyProperty(Lower(Trimmed(one.substr(0, colon))), value, formats, look);

@@ -88,8 +88,9 @@ class Writer {
   void EndParagraph(const ParaFormat& format) {
     const char* name = blocks_.Open(format, runs_.empty());
     if (name) {
-      out_ += '<' + std::string(name) + (format.rightToLeft ? " dir=\"rtl\"" : "") +
-              StyleAttribute(ParagraphStyle(format, pageBreak_)) + '>';
+      const bool saysSide = blocks_.inTurnedItem();
+      const char* direction = format.rightToLeft ? " dir=\"rtl\"" : saysSide ? " dir=\"ltr\"" : "";
+      out_ += '<' + std::string(name) + direction + StyleAttribute(ParagraphStyle(format, pageBreak_, saysSide)) + '>';
       out_ += runs_;
       // The last line break of an element shows nothing unless something follows.
       if (lineEmpty_) out_ += kLineEnd;
