@@ -111,6 +111,25 @@ TEST_F(DocumentWindowTest, WhatRemainsFillsTheAreaWhereTheClosedOneDid) {
   }
 }
 
+TEST_F(DocumentWindowTest, AnIconStaysOneWhenAnotherCloses) {
+  for (const WindowState state : {WindowState::kMaximized, WindowState::kNormal}) {
+    frmText* open = Open(Put("a.txt", ""));
+    frmText* icon = Open(Put("b.txt", ""));
+    icon->SetWindowState(WindowState::kMinimized);
+    frmText* closed = Open(Put("c.txt", ""));
+    closed->SetWindowState(state);
+    EXPECT_TRUE(closed->Close());
+    EXPECT_EQ(table().Active(), open);
+    EXPECT_EQ(open->windowState(), state);
+    EXPECT_EQ(icon->windowState(), WindowState::kMinimized);
+    EXPECT_TRUE(open->Close());
+    EXPECT_EQ(table().Active(), icon);
+    EXPECT_EQ(icon->windowState(), WindowState::kMinimized);
+    EXPECT_TRUE(icon->Close());
+    table().LastDocWindowState = -1;
+  }
+}
+
 TEST_F(DocumentWindowTest, ClosingTheLastClearsTheFontPanelAndTheDocumentMenus) {
   ui::StatusBar& status = program().frame().statusBar();
   frmText* a = Open(Put("a.txt", "a"));
@@ -178,7 +197,7 @@ TEST_F(DocumentWindowTest, TheFontDialogChangesWhatTheUserChanged) {
   frmText* document = Open(Put("a.txt", "text"));
   ui::RichTextBox& box = document->RichTextBox1();
   document->mnuSelAll_Click();
-  dialogs.Font([](ui::FontChoice choice) {
+  dialogs.Font([](const ui::FontChoice& choice) {
     EXPECT_EQ(choice, (ui::FontChoice{"Courier New", 10, false, false, false, false, -1}));
     return std::nullopt;
   });

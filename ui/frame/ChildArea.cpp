@@ -89,19 +89,24 @@ void ChildArea::Remove(ChildWindow* window) {
   if (wasCurrent) current_ = nullptr;
   removeSubWindow(window);
   if (!wasCurrent) return;
-  auto* next = qobject_cast<ChildWindow*>(activeSubWindow());
-  if (!next) {
+  QMdiSubWindow* next = activeSubWindow();
+  // Icons come last.
+  for (const bool icon : {false, true}) {
+    if (next && (icon || !next->isMinimized())) break;
     const QList<QMdiSubWindow*> order = subWindowList(QMdiArea::ActivationHistoryOrder);
-    const auto shown = std::find_if(order.rbegin(), order.rend(), [](QMdiSubWindow* w) { return w->isVisible(); });
-    if (shown != order.rend()) next = qobject_cast<ChildWindow*>(*shown);
-    if (next) setActiveSubWindow(next);
+    const auto shown = std::find_if(order.rbegin(), order.rend(),
+                                    [&](QMdiSubWindow* w) { return w->isVisible() && w->isMinimized() == icon; });
+    if (shown == order.rend()) continue;
+    next = *shown;
+    setActiveSubWindow(next);
   }
-  SetCurrent(next);
+  SetCurrent(qobject_cast<ChildWindow*>(next));
 }
 
 // As the toolkit does when another window becomes active, but not when that is because one has gone.
 void ChildArea::MaximizeCurrent() {
-  if (current_ && current_->isVisible() && !current_->isMaximized()) current_->showMaximized();
+  if (current_ && current_->isVisible() && !current_->isMaximized() && !current_->isMinimized())
+    current_->showMaximized();
 }
 
 void ChildArea::SetCurrent(ChildWindow* window) {
