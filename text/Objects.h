@@ -42,6 +42,7 @@ struct EmbeddedObject {
   std::string name;
   // The group as it was read, "{...}", to be written again anywhere: refers to nothing outside but fonts and colours.
   SharedBytes rtf;
+  uint8_t fallbackCount = 1;  // of characters that stand in it behind \uN: \uc where it was read
 };
 
 enum class NumberStyle : uint8_t { kDecimal, kUpperRoman, kLowerRoman, kUpperLetter, kLowerLetter, kOrdinal, kNone };

@@ -172,8 +172,11 @@ const Row kGroups[] = {
     {"{\\pict{\\*\\picprop{\\sp{\\sn wzDescription\xE4}{\\sv x}}{\\sp{\\sn wzDescr\\'69ption}{\\sv "
      "\\u8364\\'80\xE4\\'e4}}}\\pngblip 89}",
      "<picture/'€ää'>\uFFFC"},
-    {"\\ansicpg932{\\pict{\\*\\picprop{\\sp{\\sn wzDescription}{\\sv a\xE4\\'e4b}}}\\pngblip 89}",
-     "<picture/'ab'>\uFFFC"},
+    {"\\ansicpg932\\uc2{\\pict{\\*\\picprop{\\sp{\\sn wzDescription}{\\sv "
+     "\\'83\\'65\\u12473\\'83\\'58\x83\\'67\\uc1\\u12473?\\uc0\\u66 C}}}\\pngblip 89}",
+     "<picture/'テストスBC'>\uFFFC"},
+    {"\\ansicpg65001{\\pict{\\*\\picprop{\\sp{\\sn wzDescription}{\\sv caf\xC3\xA9\\'c3\\'a9}}}\\pngblip 89}",
+     "<picture/'caféé'>\uFFFC"},
     {"\\ansicpg932{{\\NeXTGraphic x}\\'82\xAC\\'82\\'ac}", "<picture/'x'>\uFFFC<>ぎぎ"},
 };
 

@@ -181,6 +181,7 @@ TEST(RtfWriter, TakesWhatTheFileItWasReadFromHas) {
        "j}x",
        "{\\header\\f1\\cf1 h\\par}\r\n\\pard"},
       {"{\\fonttbl{\\f7 B;}}x\\chftn{\\footnote\\f7{\\b y}}", "x\\chftn{\\footnote\\f1{\\b y}}"},
+      {"\\uc2 x\\chftn{\\footnote\\u12486\\'83\\'65}y", "x\\uc2\\chftn{\\footnote\\u12486\\'83\\'65}\\uc1 y"},
       // Other programs leave a table in a table with its row.
       {"\\trowd\\cellx9\\itap2 a\\nestcell "
        "b\\nestcell{\\*\\nesttableprops\\trowd\\cellx5\\cellx7\\nestrow}c\\nestcell{\\*"

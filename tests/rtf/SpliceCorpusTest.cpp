@@ -122,7 +122,7 @@ std::string EditLikeAUser(Edited& edited, uint32_t seed) {
   std::erase_if(words, [&](Range w) { return edited.content.ByteString(w).starts_with("quillmark"); });
   if (words.empty()) return {};
   const Range gone = pick(words);
-  const std::string word = edited.content.ByteString(gone);
+  std::string word = edited.content.ByteString(gone);
   edited.content = edited.content.WithReplaced(gone, Content(edited.content.store()));
   return word;
 }

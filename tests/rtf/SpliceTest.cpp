@@ -248,6 +248,12 @@ TEST(RtfSplice, Unknown) {
        "{\\rtf1 {\\*\\bkmkstart m}X{\\*\\bkmkend m}\\par}"},
       {"{\\rtf1{\\field{\\*\\fldinst FORMTEXT}{\\fldrslt old}}\\par}", replace("old", "new"),
        "{\\rtf1{\\field{\\*\\fldinst FORMTEXT}{\\fldrslt new}}\\par}"},
+      {"{\\rtf1 a{\\uc0\\chftn{\\footnote \\u8364 N}}\\par}",
+       [](Edited& e) {
+         const Content copied = e.content.Slice(e.Find("\uFFFC"));
+         e.content = e.content.WithReplaced({Units(0), Units(0)}, copied);
+       },
+       "{\\rtf1 {\\uc0\\chftn{\\footnote \\u8364 N}}a{\\uc0\\chftn{\\footnote \\u8364 N}}\\par}"},
       {"{\\rtf1 a\\chftn{\\footnote {\\b N}}\\par}", moveNote, "{\\rtf1 \\chftn{\\footnote {\\b N}}a\\par}"},
       {"{\\rtf1{\\*\\listtable{\\list{\\listlevel\\levelnfc23{\\leveltext\\'01\\'b7;}}{\\listlevel\\levelnfc23\\li9{"
        "\\leveltext\\'01o;}}\\listid7}}{\\*\\listoverridetable{\\listoverride\\listid7\\ls2}}\\pard\\ls2\\ilvl1 a\\par "
@@ -300,8 +306,20 @@ TEST(RtfSplice, BesideTables) {
        "{\\rtf1\\trowd\\cellx9\\intbl a\\cell\\row\\pard b\\par\r\n\\pard c}"},
       {"{\\rtf1\\trowd\\cellx9\\intbl a\\cell\\row\\trowd\\cellx9 b\\cell\\row\\pard c\\par}",
        putBeside("b", "x\r\ny\r\n"),
-       "{\\rtf1\\trowd\\cellx9\\intbl a\\cell\\row\\pard x\\par\r\ny\\par\r\n\\intbl\\trowd\\cellx9 b\\cell\\row\\pard "
-       "c\\par}"},
+       "{\\rtf1\\trowd\\cellx9\\intbl a\\cell\\row\\pard x\\par\r\ny\\par\r\n\\pard\\intbl\\trowd\\cellx9 b\\cell"
+       "\\row\\pard c\\par}"},
+      {"{\\rtf1\\trowd\\cellx9\\pard\\intbl\\keepn\\qc\\brdrl\\brdrdash a\\cell\\row\\trowd\\cellx9 b\\cell\\row}",
+       putBeside("b", "x\r\n"),
+       "{\\rtf1\\trowd\\cellx9\\pard\\intbl\\keepn\\qc\\brdrl\\brdrdash a\\cell\\row\\pard x\\par\r\n"
+       "\\pard\\intbl\\keepn\\brdrl\\brdrdash\\qc\\trowd\\cellx9 b\\cell\\row}"},
+      {"{\\rtf1{\\fonttbl{\\f0 T;}}\\trowd\\cellx9\\pard\\intbl a\\cell\\row}",
+       [](Edited& e) {
+         e.Type(e.content.size(), "x\r\ny");
+         e.Paragraphs("x\r\ny", [](ParaFormat& f) { f.bullet = true; });
+       },
+       "{\\rtf1{\\fonttbl{\\f0 T;}{\\f1\\fnil\\fcharset2 Symbol;}}\\trowd\\cellx9\\pard\\intbl a\\cell\\row"
+       "\\pard{\\pntext\\f1\\'B7\\tab}{\\*\\pn\\pnlvlblt\\pnf1\\pnindent0{\\pntxtb\\'B7}}x\\par\r\n"
+       "\\pard{\\pntext\\f1\\'B7\\tab}{\\*\\pn\\pnlvlblt\\pnf1\\pnindent0{\\pntxtb\\'B7}}y}"},
       {"{\\rtf1\\pard b\\par\\trowd\\cellx9\\pard\\intbl a\\cell\\row\\pard c\\par}", put("b\r\na", "X"),
        "{\\rtf1\\pard \\trowd\\cellx9\\pard\\intbl X\\cell\\row\\pard c\\par}"},
       {"{\\rtf1\\pard b\\par\\trowd\\cellx9\\pard\\intbl a\\cell\\row\\pard c\\par}", put("b\r\na", "X\r\nY"),

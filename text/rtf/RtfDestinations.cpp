@@ -238,11 +238,12 @@ void RtfReader::Picture() {
   const bool ofShape = state().mode == Mode::kShape && shapeName_ == "pib";
   if (tooDeep_ > 0 || (state().mode != Mode::kBody && !ofShape)) return Skip();
   const bool whole = firstWord_;
-  ReadingPictures reading{owner_, inForce_.Page(state())};
+  ReadingPictures reading{owner_, inForce_.Page(state()), state().fallbackCount};
   EmbeddedObject picture = ReadPicture(tokenizer_, reading);
   LimitUnless(!reading.limited);
   // The description stands in a property behind that of the picture; picture, value and property must end before.
-  if (ofShape && picture.name.empty()) picture.name = FindDescription(tokenizer_, 4, descriptionScan_, reading.page);
+  if (ofShape && picture.name.empty())
+    picture.name = FindDescription(tokenizer_, 4, descriptionScan_, reading.page, reading.fallbackCount);
   if (whole) picture.rtf = WholeGroup();
   Anchor(std::move(picture));
 }
@@ -250,7 +251,7 @@ void RtfReader::Picture() {
 // An object is one character, unless its result is text that wants to be read.
 void RtfReader::Object() {
   if (state().mode != Mode::kBody || state().inObject) return;
-  ReadingPictures reading{owner_, inForce_.Page(state())};
+  ReadingPictures reading{owner_, inForce_.Page(state()), state().fallbackCount};
   ScannedObject scanned = ScanObject(tokenizer_, reading);
   if (scanned.showsText) {
     state().inObject = true;

@@ -376,6 +376,7 @@ void RtfReader::EmitBody(std::string_view utf8) {
 void RtfReader::Anchor(EmbeddedObject object) {
   FlushSurrogate();
   attachmentEnds_ = 0;
+  object.fallbackCount = state().fallbackCount;
   CharFormat format = formats_[CurrentChars()];
   if (watcher_) {
     TellObject(object);

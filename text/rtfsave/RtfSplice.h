@@ -111,6 +111,8 @@ class RtfSplice : private RtfWatcher {
   void LeadTo(const Reach& here, const ParaFormat& from, const ParaFormat& to);
   void Deviate(const Reach& here, const ParaFormat& format, const ParaFormat& original);
   std::string WordsFor(const ParaFormat& from, const ParaFormat& to);
+  std::string WordsAfresh(const ParaFormat& to, const ParagraphWords::Kept& kept, const ParaFormat& style);
+  std::string WordsAgain(const ParaFormat& format);
   std::string CharWordsBesideStyle();
 
   // --- RtfSpliceText.cpp: what is new
@@ -119,14 +121,14 @@ class RtfSplice : private RtfWatcher {
   void InsertBreak(CharFormatId id, const ParaFormat& wanted);
   void FindRows(const std::vector<PieceView>& pieces);
   std::string RowWords(RowId row);
-  void BackInTable();
   void InsertObject(ObjectId id);
   std::string_view WithMark(std::string_view note) const;
-  void EndInsertedParagraphs(const SpliceOutput::Place& at);
+  void EndInsertedParagraphs(const SpliceOutput::Place& at, bool beforeRow);
   void OpenRun(CharFormatId id);
   void CloseRun();
   std::string CharLead(const InForce& state, const CharFormat& to);
   TableNumbers Numbers();
+  TableNumbers NumbersFor(const ParaFormat& format);
   TextCoding CodingFor(const CharFormat& format) const;
 
   const Scope scope_;

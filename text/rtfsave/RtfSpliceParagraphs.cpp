@@ -64,9 +64,10 @@ ParaFormat RtfSplice::Settled(const Reach& here, const ParaFormat& state) {
   const Deviation was = *deviation_;
   deviation_.reset();
   if (!IsOpen(was.group)) return state;
-  if (was.paragraphWord == here.paragraphWord && was.group == here.group) return was.format;
-  if (was.reset && here.paragraphWord != was.paragraphWord) return state;
-  const std::string back = WordsFor(was.format, was.original);
+  const bool sameWords = was.paragraphWord == here.paragraphWord;
+  if (sameWords && was.group == here.group && !was.afresh) return was.format;
+  if (was.reset && !sameWords) return state;
+  const std::string back = was.afresh ? WordsAgain(was.original) : WordsFor(was.format, was.original);
   output_.Insert(was.at, back);
   if (paragraphBegin_ && paragraphBegin_->at.slot == was.at.slot) paragraphBegin_->at.at += back.size();
   return state;
@@ -106,8 +107,7 @@ void RtfSplice::OnParagraphWord(Span span, bool reset) {
 std::string RtfSplice::WordsFor(const ParaFormat& from, const ParaFormat& to) {
   std::string bytes;
   RtfWords words(bytes);
-  TableNumbers numbers = Numbers();
-  if (to.bullet && to.list == ListId::kNone) numbers.symbolFont = tables_.Number(formats_.Intern(Font{"Symbol", 2, 0}));
+  const TableNumbers numbers = NumbersFor(to);
   const InForce state = reader_.inForce();
   const ParagraphWords::Kept kept = paragraphWords_.Replay(state.paragraph, to, formats_);
   ParaFormat listed = from, given = state.ofStyle;
@@ -118,11 +118,19 @@ std::string RtfSplice::WordsFor(const ParaFormat& from, const ParaFormat& to) {
     if (GivesIndents(to, formats_)) given.leftIndent = given.firstIndent = 1;
   }
   if (words.ParagraphChange(listed, to, formats_, numbers, given)) return bytes;
-  bytes.clear();
-  words.Begin();
-  words.Paragraph(to, formats_, numbers, kept, state.ofStyle);
-  words.Words(CharWordsBesideStyle());
+  return WordsAfresh(to, kept, state.ofStyle) + CharWordsBesideStyle();
+}
+
+std::string RtfSplice::WordsAfresh(const ParaFormat& to, const ParagraphWords::Kept& kept, const ParaFormat& style) {
+  std::string bytes;
+  RtfWords(bytes).Paragraph(to, formats_, NumbersFor(to), kept, style);
   return bytes;
+}
+
+// What the file says, behind something that took it away.
+std::string RtfSplice::WordsAgain(const ParaFormat& format) {
+  const InForce state = reader_.inForce();
+  return WordsAfresh(format, paragraphWords_.Replay(format, format, formats_), state.ofStyle) + CharWordsBesideStyle();
 }
 
 // Naming the style again gives its look to characters that had put it off.
@@ -157,11 +165,8 @@ void RtfSplice::LeadLastParagraph(size_t offset, bool needsBreak) {
     const bool broken = after_.ParagraphAt(written_) < after_.breaks();
     Flush(offset, after_.size(), true);
     // Other programs lose text that says it is in a table and is in no row.
-    if (leavesTable && paragraphBegin_ && formats_[wanted].row == RowId::kNone) {
-      std::string bytes;
-      RtfWords(bytes).Paragraph(formats_[wanted], formats_, Numbers());
-      return output_.Insert(paragraphBegin_->at, bytes);
-    }
+    if (leavesTable && paragraphBegin_ && formats_[wanted].row == RowId::kNone)
+      return output_.Insert(paragraphBegin_->at, WordsAfresh(formats_[wanted], {}, {}));
     if (broken) tail.reset();
   }
   if (!needsBreak && was == wanted && !deviation_) return;

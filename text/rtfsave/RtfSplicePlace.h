@@ -26,6 +26,7 @@ struct SplicePlace : SpliceReach {
 // From here on the paragraph format is another one than the file says.
 struct SpliceDeviation : SpliceReach {
   ParaFormat format, original;
+  bool afresh = false;  // nothing of the original is in force
 };
 
 }  // namespace text::rtf

@@ -25,6 +25,14 @@ TableNumbers RtfSplice::Numbers() {
   return numbers;
 }
 
+// With what the format's words need.
+TableNumbers RtfSplice::NumbersFor(const ParaFormat& format) {
+  TableNumbers numbers = Numbers();
+  if (format.bullet && format.list == ListId::kNone)
+    numbers.symbolFont = tables_.Number(formats_.Intern(Font{"Symbol", 2, 0}));
+  return numbers;
+}
+
 // Puts what is wanted from written_ on up to a position there.
 void RtfSplice::Insert(const Place& place, Units upTo) {
   inserted_.clear();
@@ -48,11 +56,10 @@ void RtfSplice::Insert(const Place& place, Units upTo) {
     }
   }
   CloseRun();
-  if (leftTable_ && IsInRow(after_, upTo)) BackInTable();
   const size_t before = output_.BytesAt(place.at);
   output_.InsertLast(place.at, inserted_);
   if (paragraph_) {
-    EndInsertedParagraphs({place.at.slot, before + paragraphAt_});
+    EndInsertedParagraphs({place.at.slot, before + paragraphAt_}, leftTable_ && IsInRow(after_, upTo));
   } else if (atParagraphBegin_) {
     paragraphBegin_ = place;
     atParagraphBegin_ = false;
@@ -134,8 +141,10 @@ TextCoding RtfSplice::CodingFor(const CharFormat& format) const {
 // A group of this file goes as it is, but for one that wants its mark.
 void RtfSplice::InsertObject(ObjectId id) {
   const SharedBytes& group = formats_[id].rtf;
-  if (group.owner == sourceBytes_ && !group.bytes.empty() && !IsAttachment(group.bytes))
+  if (group.owner == sourceBytes_ && !group.bytes.empty() && !IsAttachment(group.bytes)) {
+    if (formats_[id].fallbackCount != coding_.fallbackCount) words_.Word("uc", formats_[id].fallbackCount);
     return words_.Raw(WithMark(group.bytes));
+  }
   const ByteSink append = [this](std::string_view bytes) {
     words_.Raw(bytes);
     return true;
@@ -188,13 +197,9 @@ void RtfSplice::InsertBreak(CharFormatId id, const ParaFormat& wantedFormat) {
   const bool leaves = !inRow && wantedFormat.row == RowId::kNone && place_->state.tableLevel > 0;
   leftTable_ |= leaves;
   if (leaves && !paragraph_ && atParagraphBegin_) {
-    std::string words;
-    RtfWords(words).Paragraph(look, formats_, Numbers());
-    PutIn(inserted_, 0, words);
+    PutIn(inserted_, 0, WordsAfresh(look, {}, {}));
   } else if (inRow && nestedRowEnded_) {
-    std::string words;
-    RtfWords(words).Paragraph(wanted, formats_, Numbers());
-    PutIn(inserted_, paragraphAt_, row + words);
+    PutIn(inserted_, paragraphAt_, row + WordsAfresh(wanted, {}, {}));
   } else if (paragraph_ || atParagraphBegin_) {
     PutIn(inserted_, paragraphAt_, row + (from == look ? std::string() : WordsFor(from, look)));
   } else {
@@ -214,26 +219,21 @@ void RtfSplice::InsertBreak(CharFormatId id, const ParaFormat& wantedFormat) {
   bare_ = true;
 }
 
-// For what follows, which counts on the words before the place.
-void RtfSplice::BackInTable() {
-  words_.Word("intbl");
-  if (place_->state.tableLevel > 1) words_.Word("itap", place_->state.tableLevel);
-}
-
 std::string RtfSplice::RowWords(RowId row) {
   std::string bytes;
   RtfWords(bytes).Row(formats_[row], Numbers());
   return bytes;
 }
 
-// Behind the last break that was put in.
-void RtfSplice::EndInsertedParagraphs(const SpliceOutput::Place& at) {
+// Behind the last break that was put in. A row that follows counts on the words before the place.
+void RtfSplice::EndInsertedParagraphs(const SpliceOutput::Place& at, bool beforeRow) {
   Reach here = *place_;
   here.at = at;
   paragraphGroup_.reset();
   paragraphBegin_ = here;
   atParagraphBegin_ = false;
-  if (*paragraph_ != place_->state.paragraph) Deviate(here, *paragraph_, place_->state.paragraph);
+  if (*paragraph_ != place_->state.paragraph || beforeRow) Deviate(here, *paragraph_, place_->state.paragraph);
+  if (beforeRow) deviation_->afresh = true;
 }
 
 }  // namespace text::rtf

@@ -9,17 +9,18 @@
 namespace text::rtf {
 
 void DescriptionScan::Take(const Token& token) {
+  const bool ofText =
+      token.kind == TokenKind::kText || token.kind == TokenKind::kBytes || token.kind == TokenKind::kHex;
+  if (!ofText) Flush();
   switch (token.kind) {
     case TokenKind::kOpen:
+      fallbacks_.push_back(fallbacks_.back());
+      return Leave();
     case TokenKind::kClose:
-      in_ = In::kNothing;
-      skip_ = 0;
-      return;
+      if (fallbacks_.size() > 1) fallbacks_.pop_back();
+      return Leave();
     case TokenKind::kWord:
-      if (token.text == "sn") in_ = In::kName, name_.clear();
-      if (token.text == "sv" && name_ == "wzDescription" && value_.empty()) in_ = In::kValue;
-      if (token.text == "u" && in_ == In::kValue) Unit(static_cast<char32_t>(token.parameter & 0xFFFF)), skip_ = 1;
-      return;
+      return Word(token);
     case TokenKind::kText:
     case TokenKind::kBytes:
       return Bytes(token.text);
@@ -27,26 +28,45 @@ void DescriptionScan::Take(const Token& token) {
       if (token.parameter >= 0) Bytes(std::string(1, static_cast<char>(token.parameter)));
       return;
     case TokenKind::kSymbol:
+      skip_ = std::max(0, skip_ - 1);
+      return;
     case TokenKind::kBinary:
     case TokenKind::kEnd:
       return;
   }
 }
 
-// Without the characters of several bytes, whose fallbacks cannot be told from them here.
+void DescriptionScan::Leave() {
+  in_ = In::kNothing;
+  skip_ = 0;
+}
+
+void DescriptionScan::Word(const Token& token) {
+  skip_ = 0;
+  if (token.text == "sn") in_ = In::kName, name_.clear();
+  if (token.text == "sv" && name_ == "wzDescription" && value_.empty()) in_ = In::kValue;
+  if (token.text == "uc") fallbacks_.back() = static_cast<uint8_t>(std::clamp(token.parameter, 0, 255));
+  if (token.text != "u" || in_ != In::kValue) return;
+  Unit(static_cast<char32_t>(token.parameter & 0xFFFF));
+  skip_ = fallbacks_.back();
+}
+
 void DescriptionScan::Bytes(std::string_view bytes) {
-  bytes.remove_prefix(std::min(bytes.size(), static_cast<size_t>(std::exchange(skip_, 0))));
+  const size_t skipped = std::min(bytes.size(), static_cast<size_t>(skip_));
+  skip_ -= static_cast<int>(skipped);
+  bytes.remove_prefix(skipped);
   if (in_ == In::kName) name_ += bytes.substr(0, kMaxNameBytes - name_.size());
-  if (in_ != In::kValue) return;
-  for (const char c : bytes) {
-    if (value_.size() >= kMaxDescriptionBytes) return;
-    const auto byte = static_cast<uint8_t>(c);
-    if (!page_.multiByte()) {
-      value_ += page_.Character(byte);
-    } else if (byte < 0x80) {
-      value_ += c;
-    }
+  if (in_ == In::kValue && value_.size() < kMaxDescriptionBytes)
+    bytes_ += bytes.substr(0, kMaxDescriptionBytes - std::min(kMaxDescriptionBytes, bytes_.size()));
+}
+
+void DescriptionScan::Flush() {
+  if (page_.multiByte()) {
+    page_.Decode(bytes_, value_);
+  } else {
+    for (const char byte : bytes_) value_ += page_.Character(static_cast<uint8_t>(byte));
   }
+  bytes_.clear();
 }
 
 void DescriptionScan::Unit(char32_t unit) {
@@ -56,15 +76,16 @@ void DescriptionScan::Unit(char32_t unit) {
   AppendUtf8(value_, low && high != 0 ? 0x10000 + ((high - 0xD800) << 10) + (unit - 0xDC00) : unit);
 }
 
-std::string DescriptionScan::description() const {
-  std::string clean = value_;
-  for (char& c : clean)
+std::string DescriptionScan::Finish() {
+  Flush();
+  for (char& c : value_)
     if (static_cast<unsigned char>(c) < 0x20) c = ' ';
-  return clean;
+  return std::move(value_);
 }
 
-std::string FindDescription(RtfTokenizer tokenizer, size_t groups, size_t& mostBytes, const CodePage& page) {
-  DescriptionScan scan(page);
+std::string FindDescription(RtfTokenizer tokenizer, size_t groups, size_t& mostBytes, const CodePage& page,
+                            uint8_t fallbackCount) {
+  DescriptionScan scan(page, fallbackCount);
   const size_t begin = tokenizer.position();
   size_t depth = groups;
   while (depth > 0 && tokenizer.position() - begin < mostBytes) {
@@ -75,7 +96,7 @@ std::string FindDescription(RtfTokenizer tokenizer, size_t groups, size_t& mostB
     scan.Take(token);
   }
   mostBytes -= std::min(mostBytes, tokenizer.position() - begin);
-  return scan.description();
+  return scan.Finish();
 }
 
 }  // namespace text::rtf

@@ -206,7 +206,7 @@ EmbeddedObject ReadPicture(RtfTokenizer& tokenizer, ReadingPictures& reading) {
   PictureWords words;
   HexBytes hex;
   std::optional<std::string_view> binary;
-  DescriptionScan description(reading.page);
+  DescriptionScan description(reading.page, reading.fallbackCount);
   size_t properties = 0;  // the depth that they end above
   for (size_t depth = 0; depth > 0 || !tokenizer.AtClose();) {
     const Token token = tokenizer.Next();
@@ -229,7 +229,7 @@ EmbeddedObject ReadPicture(RtfTokenizer& tokenizer, ReadingPictures& reading) {
   }
   TakeBytes(object, binary && !binary->empty() ? SharedBytes(reading.owner, *binary) : SharedBytes(hex.Take()), words,
             reading);
-  object.name = description.description();
+  object.name = description.Finish();
   TakeSize(object, words);
   return object;
 }

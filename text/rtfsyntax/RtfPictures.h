@@ -25,6 +25,7 @@ PixelSize PixelsOf(PictureType type, std::string_view bytes);
 struct ReadingPictures {
   const std::shared_ptr<const std::string>& owner;
   const CodePage& page;
+  uint8_t fallbackCount;  // \uc
   bool limited = false;  // a picture was too large and is left out
 };
 EmbeddedObject ReadPicture(RtfTokenizer& tokenizer, ReadingPictures& reading);

@@ -81,6 +81,7 @@ class RtfWriter {
   void Description(const EmbeddedObject& object);
   void HexBytes(std::string_view bytes);
   // As it is, or with the numbers of its file's tables translated.
+  void Kept(const EmbeddedObject& object, std::string_view mark = {});
   void Group(std::string_view group, bool translated = false);
 
   void SendIfLarge();

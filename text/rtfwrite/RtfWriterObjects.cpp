@@ -97,7 +97,7 @@ void RtfWriter::Object(const EmbeddedObject& object) {
     words_.Raw(kPicture), Description(object), Group(object.rtf.bytes.substr(kPicture.size()));
     return;
   }
-  if (!object.rtf.bytes.empty()) return Group(object.rtf.bytes);
+  if (!object.rtf.bytes.empty()) return Kept(object);
   words_.Raw("{\\object\\objemb");
   if (object.width > 0) words_.Word("objw", object.width);
   if (object.height > 0) words_.Word("objh", object.height);
@@ -109,10 +109,7 @@ void RtfWriter::Object(const EmbeddedObject& object) {
 }
 
 void RtfWriter::Note(const EmbeddedObject& note) {
-  if (sourceTables_ && IsOfSource(note)) {
-    words_.Raw("\\chftn"), Group(note.rtf.bytes, true);
-    return;
-  }
+  if (sourceTables_ && IsOfSource(note)) return Kept(note, "\\chftn");
   words_.Raw("\\chftn{"), words_.Word("footnote");
   if (note.rtf.bytes.find("\\ftnalt") != std::string_view::npos) words_.Word("ftnalt");
   words_.Raw("\\pard\\plain{\\super\\chftn}");
@@ -124,6 +121,13 @@ void RtfWriter::Note(const EmbeddedObject& note) {
     text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
   }
   words_.Raw("}");
+}
+
+// What stands behind a mark refers to the tables of its file.
+void RtfWriter::Kept(const EmbeddedObject& object, std::string_view mark) {
+  if (object.fallbackCount != 1) words_.Word("uc", object.fallbackCount);
+  words_.Raw(mark), Group(object.rtf.bytes, !mark.empty());
+  if (object.fallbackCount != 1) words_.Word("uc", 1);
 }
 
 void RtfWriter::Picture(const EmbeddedObject& object) {
