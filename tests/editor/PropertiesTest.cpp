@@ -14,7 +14,7 @@ void Load(RichTextBox& box, std::string_view bytes) {
   builder.Append(bytes);
   text::LoadedText loaded;
   loaded.content = builder.Finish();
-  loaded.properties.lineEnd = bytes.find("\r\n") == bytes.npos ? text::LineEnd::kLf : text::LineEnd::kCrLf;
+  loaded.properties.lineEnd = bytes.find("\r\n") == std::string::npos ? text::LineEnd::kLf : text::LineEnd::kCrLf;
   box.LoadPlain(loaded);
 }
 

@@ -154,8 +154,8 @@ TEST(Scroll, AWidthThereAndBackKeepsTheTopLine) {
   view.SetScrollValue(view.scrollMaximum() / 2);
   const Units first = view.VisibleRange().begin;
   const double top = view.TopOf(first);
-  for (double width = 300; width > 150; width -= 7) {
-    view.SetViewport({width, 200});
+  for (int width = 300; width > 150; width -= 7) {
+    view.SetViewport({static_cast<double>(width), 200});
     const Range line = view.LineAt({view.VisibleRange().begin});
     EXPECT_LE(line.begin, first);
     EXPECT_GE(line.end, first);
