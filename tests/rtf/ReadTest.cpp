@@ -177,6 +177,8 @@ const Row kGroups[] = {
      "<picture/'テストスBC'>\uFFFC"},
     {"\\ansicpg65001{\\pict{\\*\\picprop{\\sp{\\sn wzDescription}{\\sv caf\xC3\xA9\\'c3\\'a9}}}\\pngblip 89}",
      "<picture/'caféé'>\uFFFC"},
+    {"{\\pict{\\*\\picprop{\\sp{\\sn wzDescription}{\\sv a\\{b\\}\\\\c\\~d\\emdash e\\u8364\\emdash\\_}}}\\pngblip 89}",
+     "<picture/'a{b}\\c\u00A0d—e€\u2011'>\uFFFC"},
     {"\\ansicpg932{{\\NeXTGraphic x}\\'82\xAC\\'82\\'ac}", "<picture/'x'>\uFFFC<>ぎぎ"},
 };
 

@@ -181,6 +181,8 @@ TEST(RtfWriter, TakesWhatTheFileItWasReadFromHas) {
        "j}x",
        "{\\header\\f1\\cf1 h\\par}\r\n\\pard"},
       {"{\\fonttbl{\\f7 B;}}x\\chftn{\\footnote\\f7{\\b y}}", "x\\chftn{\\footnote\\f1{\\b y}}"},
+      {"\\uc2{\\info{\\title\\u8364??}}{\\header\\u8364??h}x", "\\uc2{\\info{\\title\\u8364??}}\\uc1 "},
+      {"\\uc2{\\info{\\title\\u8364??}}{\\header\\u8364??h}x", "\\uc2{\\header\\u8364??h}\\uc1"},
       {"\\uc2 x\\chftn{\\footnote\\u12486\\'83\\'65}y", "x\\uc2\\chftn{\\footnote\\u12486\\'83\\'65}\\uc1 y"},
       // Other programs leave a table in a table with its row.
       {"\\trowd\\cellx9\\itap2 a\\nestcell "
@@ -191,6 +193,9 @@ TEST(RtfWriter, TakesWhatTheFileItWasReadFromHas) {
       {"\\trowd\\cellx9\\pard\\intbl\\brdrl\\brdrs a\\cell\\row", "\\trowd\\cellx9\\pard"},
       {"\\trowd\\clx\\brdrt\\brdrs\\brdrw9\\cellx9\\pard\\intbl a\\cell\\row", "\\trowd\\clx\\cellx9\\pard"},
       {"\\trowd\\cellx9\\chftn{\\footnote n}\\cell\\row", "\\pard\\intbl\\f0\\fs24\\chftn{\\footnote n}\\cell"},
+      // The text's font comes before the label's, wherever the link and the paragraph end.
+      {"{\\fonttbl{\\f1 e;}{\\f2 b;}}\\f1{\\field{\\fldinst HYPERLINK#}{\\fldrslt{\\pn\\pnlvl\\pnf2} \\u10?i}}",
+       "{\\f1\\fnil\\fcharset1 e;}{\\f2\\fnil\\fcharset1 b;}"},
       // They number these lists themselves.
       {"{\\*\\listtable{\\list{\\listlevel\\levelnfc0{\\leveltext\\'01\\'00;}}\\listid7}}{\\*\\listoverridetable{"
        "\\listoverride\\listid7\\ls1}}{\\*\\pn\\pnlvlblt}x\\par\\pard\\ls1 y",

@@ -276,6 +276,15 @@ TEST(RtfSplice, Unknown) {
        "{\\rtf1{\\colortbl\\red0;\\red255;}{\\highlight1 {\\highlight0 a}}\\par}"},
       {"{\\rtf1 a{\\field{\\*\\fldinst SYMBOL 183 \\\\f \"Symbol\"}}b\\par}", Flag("\uF0B7", kBold),
        "{\\rtf1 {\\fonttbl{\\f1\\fnil\\fcharset2 Symbol;}}a{\\b\\f1\\'b7}b\\par}"},
+      {"{\\rtf1\\uc2 ab\\par}",
+       [](Edited& e) {
+         EmbeddedObject picture;
+         picture.name = "\u4E00x";
+         CharFormat format;
+         format.object = e.formats().Add(picture);
+         e.Put({Units(1), Units(1)}, "\uFFFC", e.formats().Intern(format));
+       },
+       "{\\rtf1\\uc2 a{\\uc1{\\pict{\\*\\picprop{\\sp{\\sn wzDescription}{\\sv \\u19968?x}}}\r\n}}b\\par}"},
       {"{\\rtf1\\deff2147483647 a\\par}",
        [](Edited& e) { e.Chars("a", [&](CharFormat& f) { f.font = e.formats().Intern(Font{"N"}); }); },
        "{\\rtf1\\deff2147483647 {\\fonttbl{\\f1073741825\\fnil\\fcharset1 N;}}{\\f1073741825 a}\\par}"},
@@ -312,6 +321,13 @@ TEST(RtfSplice, BesideTables) {
        putBeside("b", "x\r\n"),
        "{\\rtf1\\trowd\\cellx9\\pard\\intbl\\keepn\\qc\\brdrl\\brdrdash a\\cell\\row\\pard x\\par\r\n"
        "\\pard\\intbl\\keepn\\brdrl\\brdrdash\\qc\\trowd\\cellx9 b\\cell\\row}"},
+      {"{\\rtf1\\trowd\\cellx9\\pard\\intbl\\keepn a\\cell\\row\\trowd\\cellx9 b\\cell\\row}",
+       [=](Edited& e) {
+         putBeside("b", "x\r\ny\r\n")(e);
+         e.Paragraphs("x", [&](ParaFormat& f) { f.tabs = e.formats().Intern(Tabs{{500}}); });
+       },
+       "{\\rtf1\\trowd\\cellx9\\pard\\intbl\\keepn a\\cell\\row\\pard\\tx500 x\\par\r\n\\pard y\\par\r\n"
+       "\\pard\\intbl\\keepn\\trowd\\cellx9 b\\cell\\row}"},
       {"{\\rtf1{\\fonttbl{\\f0 T;}}\\trowd\\cellx9\\pard\\intbl a\\cell\\row}",
        [](Edited& e) {
          e.Type(e.content.size(), "x\r\ny");

@@ -168,7 +168,10 @@ void RtfReader::KeepGroup() {
     result_.limited = true;
     return;
   }
+  const int count = state().fallbackCount;
+  if (count != 1) kept += "\\uc" + std::to_string(count);
   kept += group;
+  if (count != 1) kept += "\\uc1 ";
 }
 
 // From the brace that opened the innermost group to the one that is about to close it; empty when either is missing.

@@ -16,26 +16,6 @@ constexpr bool IsLowSurrogate(char32_t c) {
   return c >= 0xDC00 && c <= 0xDFFF;
 }
 
-// 0 for a symbol that is no character.
-char32_t CharacterOf(char symbol) {
-  switch (symbol) {
-    case '\\':
-    case '{':
-    case '}':
-      return static_cast<char32_t>(symbol);
-    case '~':
-      return 0xA0;
-    case '_':
-      return 0x2011;
-    case '-':
-      return 0xAD;
-    case '\t':
-      return '\t';
-    default:
-      return 0;
-  }
-}
-
 }  // namespace
 
 void RtfReader::ControlSymbol(char symbol) {
@@ -44,7 +24,7 @@ void RtfReader::ControlSymbol(char symbol) {
     return Paragraph();
   }
   if (skipUnits_ > 0) return TellSkipped(1, span_);
-  if (const char32_t character = CharacterOf(symbol)) Character(character);
+  if (const char32_t character = SymbolCharacter(symbol)) Character(character);
 }
 
 void RtfReader::Character(char32_t character) {

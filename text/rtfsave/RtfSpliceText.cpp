@@ -145,6 +145,7 @@ void RtfSplice::InsertObject(ObjectId id) {
     if (formats_[id].fallbackCount != coding_.fallbackCount) words_.Word("uc", formats_[id].fallbackCount);
     return words_.Raw(WithMark(group.bytes));
   }
+  if (coding_.fallbackCount != 1) words_.Word("uc", 1);
   const ByteSink append = [this](std::string_view bytes) {
     words_.Raw(bytes);
     return true;
@@ -198,6 +199,8 @@ void RtfSplice::InsertBreak(CharFormatId id, const ParaFormat& wantedFormat) {
   leftTable_ |= leaves;
   if (leaves && !paragraph_ && atParagraphBegin_) {
     PutIn(inserted_, 0, WordsAfresh(look, {}, {}));
+  } else if (leftTable_ && paragraph_ && !inRow) {
+    PutIn(inserted_, paragraphAt_, from == look ? std::string() : WordsAfresh(look, {}, {}));
   } else if (inRow && nestedRowEnded_) {
     PutIn(inserted_, paragraphAt_, row + WordsAfresh(wanted, {}, {}));
   } else if (paragraph_ || atParagraphBegin_) {

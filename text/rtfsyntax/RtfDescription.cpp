@@ -1,6 +1,7 @@
 #include "text/rtfsyntax/RtfDescription.h"
 
 #include "text/Utf16.h"
+#include "text/rtfsyntax/RtfKeywords.h"
 #include "text/rtfsyntax/RtfLimits.h"
 
 #include <algorithm>
@@ -28,8 +29,7 @@ void DescriptionScan::Take(const Token& token) {
       if (token.parameter >= 0) Bytes(std::string(1, static_cast<char>(token.parameter)));
       return;
     case TokenKind::kSymbol:
-      skip_ = std::max(0, skip_ - 1);
-      return;
+      return Character(SymbolCharacter(token.text.front()));
     case TokenKind::kBinary:
     case TokenKind::kEnd:
       return;
@@ -42,6 +42,9 @@ void DescriptionScan::Leave() {
 }
 
 void DescriptionScan::Word(const Token& token) {
+  const Keyword* word = FindKeyword(token.text);
+  if (word && word->kind == Kind::kSymbol && word->op == Op::kCharacter)
+    return Character(static_cast<char32_t>(word->value));
   skip_ = 0;
   if (token.text == "sn") in_ = In::kName, name_.clear();
   if (token.text == "sv" && name_ == "wzDescription" && value_.empty()) in_ = In::kValue;
@@ -49,6 +52,15 @@ void DescriptionScan::Word(const Token& token) {
   if (token.text != "u" || in_ != In::kValue) return;
   Unit(static_cast<char32_t>(token.parameter & 0xFFFF));
   skip_ = fallbacks_.back();
+}
+
+// Nothing where it is 0.
+void DescriptionScan::Character(char32_t character) {
+  if (skip_ > 0) {
+    --skip_;
+  } else if (character != 0 && in_ == In::kValue) {
+    Unit(character);
+  }
 }
 
 void DescriptionScan::Bytes(std::string_view bytes) {
@@ -78,6 +90,11 @@ void DescriptionScan::Unit(char32_t unit) {
 
 std::string DescriptionScan::Finish() {
   Flush();
+  if (value_.size() > kMaxDescriptionBytes) {
+    size_t size = kMaxDescriptionBytes;
+    while (size > 0 && (static_cast<unsigned char>(value_[size]) & 0xC0) == 0x80) --size;
+    value_.resize(size);
+  }
   for (char& c : value_)
     if (static_cast<unsigned char>(c) < 0x20) c = ' ';
   return std::move(value_);

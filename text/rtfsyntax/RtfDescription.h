@@ -23,6 +23,7 @@ class DescriptionScan {
   enum class In : uint8_t { kNothing, kName, kValue };
   void Leave();
   void Word(const Token& token);
+  void Character(char32_t character);
   void Bytes(std::string_view bytes);
   void Unit(char32_t unit);
   void Flush();

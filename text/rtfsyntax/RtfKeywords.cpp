@@ -474,4 +474,23 @@ const Keyword* FindKeyword(std::string_view word) {
   return nullptr;
 }
 
+char32_t SymbolCharacter(char symbol) {
+  switch (symbol) {
+    case '\\':
+    case '{':
+    case '}':
+      return static_cast<char32_t>(symbol);
+    case '~':
+      return 0xA0;
+    case '_':
+      return 0x2011;
+    case '-':
+      return 0xAD;
+    case '\t':
+      return '\t';
+    default:
+      return 0;
+  }
+}
+
 }  // namespace text::rtf

@@ -152,4 +152,7 @@ struct Keyword {
 // Null for a word that is not in the table. O(1).
 const Keyword* FindKeyword(std::string_view word);
 
+// What a backslash and one character stand for; 0 for a symbol that is no character.
+char32_t SymbolCharacter(char symbol);
+
 }  // namespace text::rtf

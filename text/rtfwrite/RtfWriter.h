@@ -45,6 +45,7 @@ class RtfWriter {
 
   // --- RtfWriterTables.cpp: what the tables must hold
   void CollectFormats(Range range, bool wholeDocument);
+  void CollectChars(CharFormatId id);
   void CollectParagraph(ParaFormatId id);
   void CollectFont(FontId id);
   std::optional<int32_t> NumberFont(Font font);
@@ -81,13 +82,17 @@ class RtfWriter {
   void Description(const EmbeddedObject& object);
   void HexBytes(std::string_view bytes);
   // As it is, or with the numbers of its file's tables translated.
-  void Kept(const EmbeddedObject& object, std::string_view mark = {});
+  void Kept(std::string_view group, uint8_t fallbackCount, bool translated, std::string_view mark = {});
   void Group(std::string_view group, bool translated = false);
 
   void SendIfLarge();
 
   // --- RtfWriterSource.cpp
-  static std::vector<std::string_view> PageGroups(std::string_view source);
+  struct PageGroup {
+    std::string_view bytes;
+    uint8_t fallbackCount;
+  };
+  static std::vector<PageGroup> PageGroups(std::string_view source);
   void CollectFromSource(Range range, bool wholeDocument);
   bool IsOfSource(const EmbeddedObject& object) const;
   FontId SourceFont(int32_t number) const;
@@ -113,7 +118,7 @@ class RtfWriter {
   bool anyBullet_ = false, anyOldList_ = false;
 
   std::optional<Tables> sourceTables_;
-  std::vector<std::string_view> pageGroups_;
+  std::vector<PageGroup> pageGroups_;
 
   RtfRowPlan plan_;
   int64_t paragraphNumber_ = 0;  // from the beginning of the range

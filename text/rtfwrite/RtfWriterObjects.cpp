@@ -97,7 +97,7 @@ void RtfWriter::Object(const EmbeddedObject& object) {
     words_.Raw(kPicture), Description(object), Group(object.rtf.bytes.substr(kPicture.size()));
     return;
   }
-  if (!object.rtf.bytes.empty()) return Kept(object);
+  if (!object.rtf.bytes.empty()) return Kept(object.rtf.bytes, object.fallbackCount, false);
   words_.Raw("{\\object\\objemb");
   if (object.width > 0) words_.Word("objw", object.width);
   if (object.height > 0) words_.Word("objh", object.height);
@@ -109,7 +109,7 @@ void RtfWriter::Object(const EmbeddedObject& object) {
 }
 
 void RtfWriter::Note(const EmbeddedObject& note) {
-  if (sourceTables_ && IsOfSource(note)) return Kept(note, "\\chftn");
+  if (sourceTables_ && IsOfSource(note)) return Kept(note.rtf.bytes, note.fallbackCount, true, "\\chftn");
   words_.Raw("\\chftn{"), words_.Word("footnote");
   if (note.rtf.bytes.find("\\ftnalt") != std::string_view::npos) words_.Word("ftnalt");
   words_.Raw("\\pard\\plain{\\super\\chftn}");
@@ -123,11 +123,11 @@ void RtfWriter::Note(const EmbeddedObject& note) {
   words_.Raw("}");
 }
 
-// What stands behind a mark refers to the tables of its file.
-void RtfWriter::Kept(const EmbeddedObject& object, std::string_view mark) {
-  if (object.fallbackCount != 1) words_.Word("uc", object.fallbackCount);
-  words_.Raw(mark), Group(object.rtf.bytes, !mark.empty());
-  if (object.fallbackCount != 1) words_.Word("uc", 1);
+// Between words that say how many fallbacks its characters have.
+void RtfWriter::Kept(std::string_view group, uint8_t fallbackCount, bool translated, std::string_view mark) {
+  if (fallbackCount != 1) words_.Word("uc", fallbackCount);
+  words_.Raw(mark), Group(group, translated);
+  if (fallbackCount != 1) words_.Word("uc", 1);
 }
 
 void RtfWriter::Picture(const EmbeddedObject& object) {

@@ -27,12 +27,16 @@ bool IsLostWord(std::string_view word) {
 }  // namespace
 
 // The first of each kind: those of the first section.
-std::vector<std::string_view> RtfWriter::PageGroups(std::string_view source) {
-  std::vector<std::string_view> groups;
+std::vector<RtfWriter::PageGroup> RtfWriter::PageGroups(std::string_view source) {
+  std::vector<PageGroup> groups;
   std::array<bool, kPageGroups.size()> found{};
   RtfTokenizer tokenizer(source);
   bool first = false;
+  int depth = 0;
+  uint8_t fallbackCount = 1;  // in the file's own group
   for (Token token = tokenizer.Next(); token.kind != TokenKind::kEnd; token = tokenizer.Next()) {
+    depth += token.kind == TokenKind::kOpen ? 1 : token.kind == TokenKind::kClose ? -1 : 0;
+    if (depth == 1 && token.text == "uc") fallbackCount = static_cast<uint8_t>(std::clamp(token.parameter, 0, 255));
     const bool isFirst = std::exchange(first, token.kind == TokenKind::kOpen);
     if (!isFirst) continue;
     if (token.kind == TokenKind::kSymbol && token.text == "*") tokenizer.SkipGroup();
@@ -43,7 +47,7 @@ std::vector<std::string_view> RtfWriter::PageGroups(std::string_view source) {
     tokenizer.SkipGroup();
     const bool closed = tokenizer.position() < source.size();
     if (std::exchange(found[static_cast<size_t>(kind - kPageGroups.begin())], true) || !closed) continue;
-    groups.push_back(source.substr(begin, tokenizer.position() + 1 - begin));
+    groups.push_back({source.substr(begin, tokenizer.position() + 1 - begin), fallbackCount});
   }
   return groups;
 }
@@ -57,7 +61,8 @@ void RtfWriter::CollectFromSource(Range range, bool wholeDocument) {
   const std::string_view source = *properties_.source->bytes;
   if (!LooksLikeRtf(source)) return;
   if (wholeDocument) pageGroups_ = PageGroups(source);
-  std::vector<std::string_view> groups = pageGroups_;
+  std::vector<std::string_view> groups;
+  for (const PageGroup& group : pageGroups_) groups.push_back(group.bytes);
   content_.ForEachPiece(range, [&](const PieceView& piece) {
     const ObjectId id = formats_[piece.charFormat].object;
     if (id != ObjectId::kNone && formats_[id].kind == ObjectKind::kNote && IsOfSource(formats_[id]))

@@ -15,19 +15,13 @@ namespace text::rtf {
 void RtfWriter::CollectFormats(Range range, bool wholeDocument) {
   CollectFont(properties_.defaultFont);
   CollectFromSource(range, wholeDocument);
+  // Characters first, so that the numbers do not depend on where the pieces end.
   content_.ForEachPiece(range, [this](const PieceView& piece) {
+    CollectChars(piece.charFormat);
     if (piece.sums.breaks.value() > 0) {
       CollectParagraph(piece.paraFormat);
       plan_.Add(formats_, piece.paraFormat, piece.sums.breaks.value());
     }
-    const auto id = static_cast<size_t>(piece.charFormat);
-    if (id >= seenChars_.size()) seenChars_.resize(id + 1);
-    if (seenChars_[id]) return true;
-    seenChars_[id] = true;
-    const CharFormat& format = formats_[piece.charFormat];
-    CollectFont(format.font);
-    CollectColor(format.color);
-    CollectColor(format.background);
     return true;
   });
   plan_.Finish();
@@ -35,6 +29,17 @@ void RtfWriter::CollectFormats(Range range, bool wholeDocument) {
     for (const TableCell& cell : formats_[row].cells) CollectColor(cell.shading);
   CollectParagraph(content_.ParaFormatOf(content_.ParagraphAt(range.end)));
   if (anyBullet_) numbers_.symbolFont = NumberFont({"Symbol", 2, 0}).value_or(0);
+}
+
+void RtfWriter::CollectChars(CharFormatId id) {
+  const auto index = static_cast<size_t>(id);
+  if (index >= seenChars_.size()) seenChars_.resize(index + 1);
+  if (seenChars_[index]) return;
+  seenChars_[index] = true;
+  const CharFormat& format = formats_[id];
+  CollectFont(format.font);
+  CollectColor(format.color);
+  CollectColor(format.background);
 }
 
 void RtfWriter::CollectParagraph(ParaFormatId id) {
@@ -124,7 +129,7 @@ void RtfWriter::Header(bool wholeDocument) {
   if (properties_.defaultTab != 720) words_.Word("deftab", std::clamp(properties_.defaultTab, 1, kMaxLength));
   if (wholeDocument) words_.Raw(properties_.headerWords);
   words_.Raw("\r\n");
-  for (const std::string_view group : pageGroups_) Group(group, true), words_.Raw("\r\n");
+  for (const PageGroup& group : pageGroups_) Kept(group.bytes, group.fallbackCount, true), words_.Raw("\r\n");
 }
 
 void RtfWriter::FontTable() {
