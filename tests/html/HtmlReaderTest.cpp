@@ -63,6 +63,8 @@ TEST(HtmlReader, TextAndParagraphs) {
       {" a \n\t b ", "a b"},
       {"<p>a<p>b", "a\nb"},
       {"<div>a<div>b</div></div>c", "a\nb\nc"},
+      {"<html/><p>a</p><p>b</p>c", "a\nb\nc"},
+      {"<html><body class=it's><p>don't</p>hello</body></html>", "don't\nhello"},
       {"a<br>b", "a|b"},
       {"<p>a<br></p>b", "a\nb"},
       {"<div>a</div><div><br></div><div>b</div>", "a\n\nb"},
@@ -144,7 +146,11 @@ TEST(HtmlReader, ParagraphFormats) {
       {"<span dir=rtl style='text-align:center'><p>x</p></span>", true, Alignment::kCenter},
       {"<my-box dir=rtl><p>x</my-box>", true, Alignment::kRight},
       {"<div dir=rtl><p dir=auto>x", true, Alignment::kRight},
-      {"<bodyless dir=ltr><body class='a>b' DIR=rtl>x", true, Alignment::kRight},
+      {"<span dir=rtl><table><tr><td>x</table></span>", true, Alignment::kRight},
+      {"<bodyless dir=ltr><!-- <body dir=ltr> --><body class='a>b' id=a'b nodir DIR=rtl dir=ltr>x", true,
+       Alignment::kRight},
+      {"<html dir=rtl><body/>x", true, Alignment::kRight},
+      {"<body style='direction:rtl'>x", true, Alignment::kRight},
       {"<HTML dir='rtl'><head></head><body><!--StartFragment-->x<!--EndFragment-->", true, Alignment::kRight},
   };
   for (const auto& row : sides) {
@@ -154,6 +160,7 @@ TEST(HtmlReader, ParagraphFormats) {
   EXPECT_EQ(Shown("<p style='margin:10px 0 20px;text-indent:-1in;margin-left:1in'>x").Paragraph().spaceAfter, 300);
   EXPECT_EQ(Shown("<p style='text-indent:-1in;margin-left:1in'>x").Paragraph().firstIndent, -1440);
 
+  EXPECT_TRUE(Shown("<ul><li><img src='data:image/png;base64,iVBORw0KGgoAAA=='>x</ul>").Paragraph().bullet);
   const Shown list("<ul><li>a<p>b</p><ol start=3><li>c<li><b>d</b></ol></ul>e");
   EXPECT_EQ(list.Text(), "a\nb\nc\n*d\n*e");
   const bool bullets[] = {true, false, false, false, false};

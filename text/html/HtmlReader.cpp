@@ -2,11 +2,11 @@
 
 #include "text/TextStore.h"
 #include "text/html/HtmlOutput.h"
+#include "text/html/HtmlTag.h"
 
 #include <algorithm>
 #include <array>
 #include <atomic>
-#include <cctype>
 #include <charconv>
 #include <exception>
 #include <libxml/HTMLparser.h>
@@ -25,7 +25,6 @@ constexpr size_t kMaxPictureBytes = 64 << 20;
 // What an element does besides what its attributes say.
 enum class Does : uint8_t {
   kNothing,
-  kRoot,
   kBlock,
   kSkip,  // its text is none
   kLineBreak,
@@ -53,7 +52,6 @@ constexpr Tag kTags[] = {
     {"b", Does::kNothing, "font-weight:bold"},
     {"big", Does::kNothing, "font-size:larger"},
     {"blockquote", Does::kBlock, "margin-left:40px;margin-right:40px;margin-bottom:8pt"},
-    {"body", Does::kRoot, ""},
     {"br", Does::kLineBreak, ""},
     {"caption", Does::kBlock, "text-align:center"},
     {"center", Does::kBlock, "text-align:center"},
@@ -82,7 +80,6 @@ constexpr Tag kTags[] = {
     {"head", Does::kSkip, ""},
     {"header", Does::kBlock, ""},
     {"hr", Does::kRule, ""},
-    {"html", Does::kRoot, ""},
     {"i", Does::kNothing, "font-style:italic"},
     {"img", Does::kPicture, ""},
     {"ins", Does::kNothing, "text-decoration:underline"},
@@ -179,27 +176,6 @@ std::string WithLineFeeds(std::string_view page, bool behindReturn) {
   return out;
 }
 
-// The first of that name in the page with its attributes, else one without any.
-std::string StartTag(std::string_view page, std::string_view name) {
-  constexpr size_t kLongest = 4096;
-  const auto same = [](char a, char b) { return a == (b >= 'A' && b <= 'Z' ? b + ('a' - 'A') : b); };
-  const std::string open = '<' + std::string(name);
-  for (size_t at = 0; at < page.size(); ++at) {
-    at = page.find('<', at);
-    if (at == std::string_view::npos) break;
-    const std::string_view tag = page.substr(at, kLongest);
-    if (tag.size() <= open.size() || !std::equal(open.begin(), open.end(), tag.begin(), same)) continue;
-    if (std::isalnum(static_cast<unsigned char>(tag[open.size()]))) continue;
-    char quote = 0;
-    for (size_t end = open.size(); end < tag.size(); ++end) {
-      if (tag[end] == '>' && quote == 0) return std::string(tag.substr(0, end + 1));
-      if (quote == 0 ? tag[end] == '"' || tag[end] == '\'' : tag[end] == quote) quote = quote == 0 ? tag[end] : '\0';
-    }
-    break;
-  }
-  return open + '>';
-}
-
 class Attributes {
  public:
   explicit Attributes(const xmlChar** pairs) : pairs_(pairs) {}
@@ -227,6 +203,7 @@ class HtmlReader {
   ReadResult Run(std::string_view html) {
     // What stands around the copied part only says how it looks.
     muted_ = html.find("<!--StartFragment-->") != std::string_view::npos;
+    for (const char* element : {"html", "body"}) TakeDirection(html, element);
     htmlSAXHandler handler{};
     handler.startElement = [](void* self, const xmlChar* name, const xmlChar** attributes) {
       Guard(self, [&](HtmlReader& r) { r.Start(reinterpret_cast<const char*>(name), Attributes(attributes)); });
@@ -247,8 +224,8 @@ class HtmlReader {
     htmlCtxtUseOptions(parser_, HTML_PARSE_RECOVER | HTML_PARSE_NONET | HTML_PARSE_NOERROR | HTML_PARSE_NOWARNING |
                                     HTML_PARSE_IGNORE_ENC);
     // Without a root of ours the first element that ends would end the page.
-    const std::string root = StartTag(html, "html") + StartTag(html, "body");
-    htmlParseChunk(parser_, root.data(), static_cast<int>(root.size()), 0);
+    constexpr std::string_view kRoot = "<html><body>";
+    htmlParseChunk(parser_, kRoot.data(), static_cast<int>(kRoot.size()), 0);
     constexpr size_t kPortion = 1 << 16;
     for (size_t at = 0; at < html.size() && !stopped_; at += kPortion) {
       const std::string portion = WithLineFeeds(html.substr(at, kPortion), at > 0 && html[at - 1] == '\r');
@@ -293,6 +270,17 @@ class HtmlReader {
     }
   }
 
+  // The parser drops these elements for those of its own root.
+  void TakeDirection(std::string_view html, std::string_view element) {
+    Element& root = stack_.front();
+    Look said = root.look;
+    ApplyProperty("direction", FirstAttribute(html, element, "dir"), formats_, said);
+    ApplyStyle(FirstAttribute(html, element, "style"), formats_, said);
+    root.look.paragraph.rightToLeft = said.paragraph.rightToLeft;
+    AlignToSide(root.look);
+    root.TakeSide();
+  }
+
   void Start(std::string_view name, const Attributes& attributes) {
     if (stack_.size() > kMaxDepth) {
       limited_ = true;
@@ -303,11 +291,6 @@ class HtmlReader {
     element.ownsRow = false;
     const Tag& tag = TagNamed(name);
     element.does = tag.does;
-    if (tag.does == Does::kRoot) {
-      ApplyProperty("direction", attributes["dir"], formats_, element.look);
-      AlignToSide(element.look);
-      return element.TakeSide();
-    }
     if (IsBlock(tag.does)) BeginBlock(element, tag);
     ApplyStyle(tag.style, formats_, element.look);
     Apply(element, attributes);
@@ -350,9 +333,7 @@ class HtmlReader {
         return;
       case Does::kTable:
         ++element.tableDepth;
-        element.look.paragraph = {};
-        element.look.paragraph.rightToLeft = element.rightToLeft;
-        element.look.side = Look::Side::kStart;
+        ResetParagraph(element.look);
         return;
       case Does::kRow:
         element.ownsRow = element.tableDepth == 1 && !output_.inRow() && !muted_;
@@ -362,16 +343,23 @@ class HtmlReader {
         if (element.tableDepth == 1 && output_.inRow()) output_.BeginCell(NumberOf(attributes["colspan"], 1));
         return;
       case Does::kPicture:
-        return Picture(attributes, element.look);
+        return Picture(attributes);
       case Does::kLink:
         return SetLink(attributes["href"], element.look);
       case Does::kFont:
         return SetFontElement(attributes, element.look);
       case Does::kNothing:
-      case Does::kRoot:
       case Does::kBlock:
         return;
     }
+  }
+
+  // A table stands for itself but for its direction.
+  static void ResetParagraph(Look& look) {
+    const bool rightToLeft = look.paragraph.rightToLeft;
+    look.paragraph = {};
+    look.paragraph.rightToLeft = rightToLeft;
+    look.side = Look::Side::kStart;
   }
 
   void BeginList(Element& element, const Attributes& attributes) {
@@ -399,7 +387,7 @@ class HtmlReader {
     element.list = formats_.Intern(list);
   }
 
-  void Picture(const Attributes& attributes, const Look& look) {
+  void Picture(const Attributes& attributes) {
     if (muted_) return;
     const std::string_view source = attributes["src"];
     const size_t comma = source.substr(0, 100).find(";base64,");
@@ -415,7 +403,7 @@ class HtmlReader {
     object.height = std::clamp(NumberOf(attributes["height"], 0), 0, kMaxPixels) * 15;
     if (object.width == 0 || object.height == 0) object.width = object.height = 0;
     object.name = attributes["alt"];
-    output_.Object(std::move(object), OnItsSide(look));
+    output_.Object(std::move(object), LookOfText());
     MarkLabelled();
   }
 
@@ -459,7 +447,9 @@ class HtmlReader {
 
   // The first paragraph of an item has its label, the others only stand as far in.
   Look LookOfText() {
-    Look look = OnItsSide(stack_.back().look);
+    Look look = stack_.back().look;
+    look.paragraph.alignment = stack_.back().alignment;
+    look.paragraph.rightToLeft = stack_.back().rightToLeft;
     const Element* item = Item();
     if (!item) return look;
     if (item->labelled) {
@@ -469,12 +459,6 @@ class HtmlReader {
       look.paragraph.list = item->list;
       look.paragraph.listLevel = static_cast<uint8_t>(item->listDepth - 1);
     }
-    return look;
-  }
-
-  Look OnItsSide(Look look) const {
-    look.paragraph.alignment = stack_.back().alignment;
-    look.paragraph.rightToLeft = stack_.back().rightToLeft;
     return look;
   }
 

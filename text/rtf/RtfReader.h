@@ -59,10 +59,7 @@ class RtfReader {
   GroupState& state() { return stack_.back(); }
 
   // --- RtfWatch.cpp
-  Span SpanOf(std::string_view part) const {
-    const auto begin = static_cast<size_t>(part.data() - bytes_.data());
-    return {begin, begin + part.size()};
-  }
+  Span SpanOf(std::string_view part) const;
   void TellSkipped(int32_t units, Span span);
   void TellText(std::string_view utf8);
   void TellBreak(bool joins);

@@ -29,6 +29,11 @@ InForce RtfReader::inForce() {
   return now;
 }
 
+Span RtfReader::SpanOf(std::string_view part) const {
+  const auto begin = static_cast<size_t>(part.data() - bytes_.data());
+  return {begin, begin + part.size()};
+}
+
 // The fallback of a high surrogate lies within the pair.
 void RtfReader::TellSkipped(int32_t units, Span span) {
   skipUnits_ -= units;

@@ -180,8 +180,8 @@ class RtfSplice : private RtfWatcher {
   std::optional<ParaFormat> paragraph_;
   std::vector<RowId> rows_;  // of the outermost tables, that are put in whole
   size_t row_ = 0;
-  bool rowBegins_ = true, nestedRowEnded_ = false;
-  bool leftTable_ = false;  // whose words were in force at the place
+  // The table that is left is the one whose words were in force at the place.
+  bool rowBegins_ = true, nestedRowEnded_ = false, leftTable_ = false;
 };
 
 }  // namespace text::rtf
