@@ -463,11 +463,12 @@ class HtmlReader {
   }
 
   Element* Item() {
-    for (auto at = stack_.rbegin(); at != stack_.rend(); ++at) {
-      if (at->does == Does::kItem) return at->listDepth > 0 ? &*at : nullptr;
-      if (at->does == Does::kCell || at->does == Does::kBulletList || at->does == Does::kNumberedList) return nullptr;
-    }
-    return nullptr;
+    const auto around = std::find_if(stack_.rbegin(), stack_.rend(), [](const Element& element) {
+      return element.does == Does::kItem || element.does == Does::kCell || element.does == Does::kBulletList ||
+             element.does == Does::kNumberedList;
+    });
+    const bool isItem = around != stack_.rend() && around->does == Does::kItem && around->listDepth > 0;
+    return isItem ? &*around : nullptr;
   }
   void MarkLabelled() {
     if (Element* item = Item()) item->labelled = true;
