@@ -195,9 +195,14 @@ Result<std::vector<RecoveryEntry>> ListRecovery(const Path& folder) {
     else if (found == Found::kLeftover)
       static_cast<void>(RemoveRecovery(entry));
   }
+  // The clock of files may stand still for some milliseconds.
   std::sort(entries.begin(), entries.end(), [](const RecoveryEntry& a, const RecoveryEntry& b) {
-    return std::tie(a.stamp.modifiedSeconds, a.stamp.modifiedNanoseconds, a.folder.native()) <
-           std::tie(b.stamp.modifiedSeconds, b.stamp.modifiedNanoseconds, b.folder.native());
+    const auto order = [](const RecoveryEntry& entry) {
+      const FileStamp& stamp = entry.stamp;
+      return std::tie(stamp.modifiedSeconds, stamp.modifiedNanoseconds, entry.originalPath.native(),
+                      entry.folder.native());
+    };
+    return order(a) < order(b);
   });
   return entries;
 }
